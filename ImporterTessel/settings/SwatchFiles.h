@@ -1,0 +1,26 @@
+/// The two auxiliary JSON files of the swatch chart, and the same structures inside a data file.
+#pragma once
+
+#include <ImporterTessel/settings/TesselInfo.h>
+#include <orb/File.h>
+#include <qelcore/serialization/Value.h>
+
+#include <string_view>
+
+namespace ImporterTessel {
+
+/// Document values to records and back; each reader throws `missing_key_exception` or `type_exception`. @{
+[[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::ValuePtr& value);
+[[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::ValuePtr& value);
+[[nodiscard]] qelcore::serialization::Value ValueFromSwatchCoordinates(const SwatchCoordinates& coordinates);
+[[nodiscard]] qelcore::serialization::Value ValueFromSwatchColors(const SwatchColors& colors);
+/// @}
+
+/// Reads a swatch file. @return the status of the open; negative leaves the output untouched.
+/// @throws std::runtime_error "JSON not well-formed", missing_key_exception, type_exception; the output
+///         is untouched then, too. @{
+[[nodiscard]] ORB::Status ReadSwatchCoordinatesFile(std::u16string_view path, SwatchCoordinates& coordinates);
+[[nodiscard]] ORB::Status ReadSwatchColorsFile(std::u16string_view path, SwatchColors& colors);
+/// @}
+
+} // namespace ImporterTessel

@@ -1,0 +1,57 @@
+/// The colour spaces that the host knows, their names, codes and matching.
+#pragma once
+
+#include <brindle/PixelFormat.h>
+#include <importabi/Records.h>
+#include <qelmediatypes/color/ColorSpace.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace BR {
+
+/// How `QELColorSpaceToString` names a space.
+inline constexpr int kDescriptiveName = 1;
+
+struct ColorSpaces {
+    /// The spaces a clip can be told to be in, in popup order. Made afresh at each call.
+    [[nodiscard]] static std::vector<qelmediatypes::color::ColorSpace>
+    GetSupportedOverridableMediaColorSpaces();
+
+    [[nodiscard]] static qelmediatypes::color::ColorSpace Rec709();
+};
+
+struct ColorSpaceUtils {
+    /// The space's readable name in UTF-8: from the list where its codes are there, else the profile's own.
+    [[nodiscard]] static std::string QELColorSpaceToString(const qelmediatypes::color::ColorSpace& space,
+                                                           int nameSelector);
+};
+
+/// What two spaces must share to match: profile codes, linear light, metadata. 11 is what dialogs ask for.
+enum ColorSpaceMatchFlags : std::uint32_t {
+    kMatchCodes = 1,
+    kMatchLinearized = 2,
+    kMatchProfileType = 8,
+};
+
+/// Whether the spaces are the same for pixels of the given formats. Spaces match by their colour codes;
+/// profiles without codes match nothing.
+[[nodiscard]] bool DoColorSpacesMatch(const qelmediatypes::color::ColorSpace& a,
+                                      const qelmediatypes::color::ColorSpace& b, std::uint32_t matchFlags,
+                                      PixelFormat formatA, PixelFormat formatB) noexcept;
+
+/// The space's codes per ITU-T H.273.
+///
+/// @param fallBackToRec709  What to write where the space has no codes: Rec. 709's, else unspecified.
+/// @return whether the space itself has codes.
+bool QELColorSpaceToSEIColorCodes(const qelmediatypes::color::ColorSpace& space, ksSEIColorCodesRec& codes,
+                                  bool fallBackToRec709) noexcept;
+
+/// The space behind a predefined name of older documents; Rec. 709 for an unknown name. Names are compared
+/// without regard to case: "BT601_NTSC", "BT601_PAL", "BT709", "BT709_FULL", "sRGB", "BT2020", "BT2100_PQ",
+/// "BT2100_HLG", and the descriptive names.
+[[nodiscard]] qelmediatypes::color::ColorSpace QELColorSpaceFromSDKPredefinedColorSpace(std::string_view name);
+
+} // namespace BR

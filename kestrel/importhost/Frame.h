@@ -1,0 +1,34 @@
+/// A rendered frame.
+#pragma once
+
+#include <brindle/PixelFormat.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace importhost {
+
+class FrameBuffer;
+
+/// Pixels of one frame, read-only, upright: row 0 is the picture's top row whatever the order in memory.
+/// Owns its buffer, which goes back to the pool with the last copy. Threads: [any-thread].
+class Frame {
+public:
+    Frame() = default;
+    explicit Frame(std::shared_ptr<const FrameBuffer> buffer);
+
+    [[nodiscard]] explicit operator bool() const noexcept { return mBuffer != nullptr; }
+    [[nodiscard]] BR::PixelFormat Format() const noexcept;
+    [[nodiscard]] std::int32_t Width() const noexcept;
+    [[nodiscard]] std::int32_t Height() const noexcept;
+    /// First byte of the picture's row `row`, counted from the top.
+    [[nodiscard]] const std::byte* Row(std::int32_t row) const noexcept;
+    /// Bytes from one row of the picture to the next one below; negative where memory runs upwards.
+    [[nodiscard]] std::ptrdiff_t RowBytes() const noexcept;
+
+private:
+    std::shared_ptr<const FrameBuffer> mBuffer;
+};
+
+} // namespace importhost

@@ -1,0 +1,66 @@
+/// A loaded importer plug-in.
+#pragma once
+
+#include <importabi/Records.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace importhost {
+
+/// What a plug-in's property list, read from its file without running it, says of it.
+struct PluginIdentity {
+    std::string nameKey;     ///< localisation key with its default text after "="
+    std::string displayName; ///< that default text
+    std::string matchName;
+    std::string kind; ///< "Importer"
+    std::uint32_t kindCode = 0;
+};
+
+struct FileType {
+    std::uint32_t code = 0;
+    std::string displayName;
+    std::vector<std::string> extensions;
+};
+
+/// Whether the host lets itself be told that test plug-ins may load.
+enum class TestingPlugins { Allowed, AsDebugDatabaseSays };
+
+/// One importer library, loaded and started. Unloads when the last owner lets go; clips own it.
+/// Threads: [thread-safe], except that requests which fill process-wide state are serialised inside.
+class Importer {
+public:
+    /// Reads the plug-in's resources from its file, loads it, checks that property list and identity
+    /// callback agree, and starts it up.
+    /// @throws HostError  not a library, resources missing or contradictory, entries missing, or the
+    ///                    plug-in refused to start (for a test plug-in: the debug key is not "true").
+    [[nodiscard]] static std::shared_ptr<Importer> Load(const std::filesystem::path& pluginFile,
+                                                        TestingPlugins testingPlugins);
+
+    ~Importer();
+    Importer(const Importer&) = delete;
+    Importer& operator=(const Importer&) = delete;
+
+    [[nodiscard]] const PluginIdentity& Identity() const noexcept;
+    /// The file types that the plug-in described (selector 14), in its order.
+    [[nodiscard]] const std::vector<FileType>& FileTypes() const noexcept;
+    [[nodiscard]] const std::filesystem::path& File() const noexcept;
+
+    /// Sends one request with this host's standard parameters. @return the plug-in's answer.
+    [[nodiscard]] std::int32_t Request(std::int32_t selector, void* param1, void* param2) const noexcept;
+
+private:
+    struct State;
+    explicit Importer(std::unique_ptr<State> state);
+    std::unique_ptr<State> mState;
+};
+
+/// Where the plug-in is: `chosen` where not empty, else the variable `KESTREL_PLUGIN_PATH` (a file, or a
+/// folder that holds ImporterTessel's library), else beside this host's own library.
+/// @throws HostError naming the places looked at.
+[[nodiscard]] std::filesystem::path FindPlugin(const std::filesystem::path& chosen);
+
+} // namespace importhost

@@ -1,0 +1,14 @@
+/// Questions about paths, which come from the host as UTF-16.
+#pragma once
+
+#include <string_view>
+
+namespace qelcore::utility {
+
+struct FileUtils {
+    /// True for an existing file or directory, false for an empty path and whenever it cannot be told.
+    /// Threads: [thread-safe]. Never throws.
+    [[nodiscard]] static bool FileOrDirExists(std::u16string_view path) noexcept;
+};
+
+} // namespace qelcore::utility

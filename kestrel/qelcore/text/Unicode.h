@@ -1,0 +1,19 @@
+/// Conversions between UTF-8 and UTF-16.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qelcore::text {
+
+/// Malformed UTF-8 becomes U+FFFD, one for each maximal broken piece (Unicode 15, section 3.9).
+[[nodiscard]] std::u16string ToUTF16(std::string_view utf8);
+
+/// Unpaired surrogates become U+FFFD.
+[[nodiscard]] std::string ToUTF8(std::u16string_view utf16);
+
+/// The same, nothing where the bytes are not well-formed UTF-8.
+[[nodiscard]] std::optional<std::u16string> ToUTF16Strict(std::string_view utf8);
+
+} // namespace qelcore::text
