@@ -1,0 +1,88 @@
+#include "SineSpan.h"
+
+#include "PhaseAccumulation.h"
+#include "VectorSine.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace ImporterTessel {
+namespace {
+
+struct PhaseRule {
+    double first; ///< radians at the first sample
+    double step;  ///< radians from one sample to the next
+};
+
+PhaseRule PhasesOf(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, float frequency) noexcept
+{
+    const double cyclesPerSample = static_cast<double>(frequency) / SamplesPerSecond(rate);
+    const double cycles = static_cast<double>(start.ToFrame64(rate)) * cyclesPerSample;
+    return {(cycles - std::trunc(cycles)) * kTwoPi, cyclesPerSample * kTwoPi};
+}
+
+void FillSinesReference(std::span<const double> phases, double amplitude, float* out) noexcept
+{
+    std::transform(phases.begin(), phases.end(), out,
+                   [amplitude](double phase) { return static_cast<float>(std::sin(phase) * amplitude); });
+}
+
+/// False for NaN too.
+bool IsWithinVectorRange(double phase) noexcept
+{
+    return std::fabs(phase) <= kLargestVectorPhase;
+}
+
+/// Phases in flight: 4 KiB, which stay in the nearest cache.
+constexpr std::size_t kBlockSize = 512;
+
+} // namespace
+
+double SamplesPerSecond(qelmediatypes::FrameRate rate) noexcept
+{
+    if (rate.ticksPerFrame == qelmediatypes::FrameRate::kUnusableTicks) {
+        return 0.0;
+    }
+    return static_cast<double>(qelmediatypes::kTicksPerSecond) / static_cast<double>(rate.ticksPerFrame);
+}
+
+void FillSineSpan(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, Tone tone,
+                  std::span<float> samples, SpanShape shape) noexcept
+{
+    if (shape == SpanShape::ConstantLevel) {
+        std::fill(samples.begin(), samples.end(), tone.amplitude);
+        return;
+    }
+    const VectorWidth width = WidestVectors();
+    const PhaseRule rule = PhasesOf(rate, start, tone.frequency);
+    const auto amplitude = static_cast<double>(tone.amplitude);
+    std::array<double, kBlockSize> buffer;
+    double phase = rule.first;
+    while (!samples.empty()) {
+        const std::span phases = std::span(buffer).first(std::min(buffer.size(), samples.size()));
+        phase = AccumulatePhases(phase, rule.step, phases);
+        // Phases only ever go one way, so the outermost are the first and the last.
+        if (IsWithinVectorRange(phases.front()) && IsWithinVectorRange(phases.back())) {
+            FillSines(phases, amplitude, samples.data(), width);
+        } else {
+            FillSinesReference(phases, amplitude, samples.data());
+        }
+        samples = samples.subspan(phases.size());
+    }
+}
+
+void FillSineSpanReference(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, Tone tone,
+                           std::span<float> samples) noexcept
+{
+    const PhaseRule rule = PhasesOf(rate, start, tone.frequency);
+    const auto amplitude = static_cast<double>(tone.amplitude);
+    double phase = rule.first;
+    for (float& sample : samples) {
+        sample = static_cast<float>(std::sin(phase) * amplitude);
+        phase += rule.step;
+    }
+}
+
+} // namespace ImporterTessel
