@@ -1,0 +1,7 @@
+#include "TopLevelWindow.h"
+
+namespace qelui {
+
+TopLevelWindow::~TopLevelWindow() = default;
+
+} // namespace qelui

@@ -1,0 +1,30 @@
+/// A window of its own: a host's main window, or a dialog.
+#pragma once
+
+namespace qelworkspace::workspace {
+class Workspace;
+}
+
+namespace qelui {
+
+class TopLevelWindow {
+public:
+    TopLevelWindow() = default;
+    virtual ~TopLevelWindow();
+    TopLevelWindow(const TopLevelWindow&) = delete;
+    TopLevelWindow& operator=(const TopLevelWindow&) = delete;
+
+    /// The toolkit's own window (a `QWidget*` for the Qt toolkit), null before it exists and without a window
+    /// system. Only the toolkit that set it looks behind it. @{
+    [[nodiscard]] void* NativeWindow() const noexcept { return mNativeWindow; }
+    void SetNativeWindow(void* window) noexcept { mNativeWindow = window; }
+    /// @}
+
+    /// The workspace that the window shows, null for dialogs.
+    [[nodiscard]] virtual qelworkspace::workspace::Workspace* GetWorkspace() noexcept { return nullptr; }
+
+private:
+    void* mNativeWindow = nullptr;
+};
+
+} // namespace qelui

@@ -1,0 +1,58 @@
+/// Controls that are pressed: buttons, check boxes, radio buttons.
+#pragma once
+
+#include <qelui/controls/UI_ControlView.h>
+
+namespace qelui {
+
+/// `Label()` is the caption.
+class UI_Button final : public UI_ControlView {
+public:
+    static constexpr std::string_view kTypeName = "qelui::UI_Button";
+    explicit UI_Button(std::string identifier) : UI_ControlView(ControlKind::Button, std::move(identifier)) {}
+
+    /// A person presses: the handlers run. Nothing happens on a disabled button.
+    void Press();
+};
+
+class UI_CheckBox final : public UI_ControlView {
+public:
+    static constexpr std::string_view kTypeName = "qelui::UI_CheckBox";
+    explicit UI_CheckBox(std::string identifier) : UI_ControlView(ControlKind::CheckBox, std::move(identifier))
+    {
+    }
+
+    [[nodiscard]] bool IsChecked() const noexcept { return mChecked; }
+    void SetChecked(bool checked);
+
+    /// A person checks or unchecks it. Nothing happens on a disabled box, or where that is its state already.
+    void EnterChecked(bool checked);
+
+private:
+    bool mChecked = false;
+};
+
+/// One of the choices of the radio group around it.
+class UI_RadioButton final : public UI_ControlView {
+public:
+    static constexpr std::string_view kTypeName = "qelui::UI_RadioButton";
+    explicit UI_RadioButton(std::string identifier)
+        : UI_ControlView(ControlKind::RadioButton, std::move(identifier))
+    {
+    }
+
+    /// 1 when chosen, else 0.
+    [[nodiscard]] int GetValue() const noexcept { return mChosen ? 1 : 0; }
+    /// Touches this button alone: code may leave a group without or with several chosen buttons, so a
+    /// toolkit must not force exclusion while it follows the model.
+    void SetValue(int value);
+
+    /// A person chooses it: the group's other buttons go off, then this button's handlers run, once.
+    /// Nothing happens on a disabled or already chosen button.
+    void Press();
+
+private:
+    bool mChosen = false;
+};
+
+} // namespace qelui

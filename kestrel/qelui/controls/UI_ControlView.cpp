@@ -1,0 +1,129 @@
+#include "UI_ControlView.h"
+
+#include <qelui/controls/UI_Group.h>
+#include <qelui/dialogs/UI_Dialog.h>
+
+#include <utility>
+
+namespace qelui {
+
+std::string_view NameOf(ControlKind kind) noexcept
+{
+    switch (kind) {
+    case ControlKind::Dialog:
+        return "dialog";
+    case ControlKind::Group:
+        return "group";
+    case ControlKind::RadioGroup:
+        return "radio group";
+    case ControlKind::OkCancelRow:
+        return "ok cancel row";
+    case ControlKind::Popup:
+        return "popup";
+    case ControlKind::NumberEdit:
+        return "number edit";
+    case ControlKind::HotTextNumber:
+        return "hot text number";
+    case ControlKind::Button:
+        return "button";
+    case ControlKind::StaticText:
+        return "static text";
+    case ControlKind::CheckBox:
+        return "check box";
+    case ControlKind::RadioButton:
+        return "radio button";
+    }
+    return "control";
+}
+
+UI_ControlView::UI_ControlView(ControlKind kind, std::string identifier)
+    : mKind(kind), mIdentifier(std::move(identifier))
+{
+}
+
+UI_ControlView::~UI_ControlView() = default;
+
+void UI_ControlView::SetLabel(std::string label)
+{
+    mLabel = std::move(label);
+    ChangedLook();
+}
+
+void UI_ControlView::SetTooltip(std::string tooltip)
+{
+    mTooltip = std::move(tooltip);
+    ChangedLook();
+}
+
+void UI_ControlView::SetMinSize(int width, int height)
+{
+    mMinWidth = width;
+    mMinHeight = height;
+    ChangedLook();
+}
+
+void UI_ControlView::SetDisabled(bool disabled)
+{
+    mDisabled = disabled;
+    ChangedLook();
+}
+
+bool UI_ControlView::IsEnabled() const noexcept
+{
+    for (const UI_ControlView* view = this; view != nullptr; view = view->mParent) {
+        if (view->mDisabled) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string UI_ControlView::ShownText() const
+{
+    return mLabel;
+}
+
+void UI_ControlView::NotifyWhenChanged(ChangeHandler handler)
+{
+    mHandlers.push_back(std::move(handler));
+}
+
+UI_Dialog* UI_ControlView::Dialog() noexcept
+{
+    UI_ControlView* root = this;
+    while (root->mParent != nullptr) {
+        root = root->mParent;
+    }
+    return dynamic_cast<UI_Dialog*>(root);
+}
+
+void UI_ControlView::ChangedLook()
+{
+    if (UI_Dialog* const dialog = Dialog(); dialog != nullptr && dialog->mObserver != nullptr) {
+        dialog->mObserver->OnControlChanged(*this);
+    }
+}
+
+void UI_ControlView::NotifyChanged()
+{
+    UI_Dialog* const dialog = Dialog();
+    if (dialog != nullptr && dialog->IsClosed()) {
+        return;
+    }
+    // A copy, because a handler may add handlers.
+    const std::vector<ChangeHandler> handlers = mHandlers;
+    for (const ChangeHandler& handler : handlers) {
+        if (dialog == nullptr) {
+            handler();
+            continue;
+        }
+        try {
+            handler();
+        } catch (...) {
+            dialog->KeepException(std::current_exception());
+            return;
+        }
+    }
+}
+
+} // namespace qelui

@@ -1,0 +1,108 @@
+/// The base of all controls: plain models without a window system behind them.
+///
+/// Two sides use a control, and each has its own verbs:
+/// - **code** (a dialog's implementation) calls `Set...`: the value is taken as it is, never rounded,
+///   never limited, and nobody is notified;
+/// - a **person**, acting through a toolkit, arrives as `Enter...`, `Choose...`, `Press...`: what is entered
+///   is made to fit the control and then the change handlers run.
+///
+/// Whatever changes on either side is told to the window's observer, so that a toolkit's widget follows.
+/// Threads: [ui-thread] for everything in this library unless a declaration says otherwise.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qelui {
+
+class UI_Dialog;
+class UI_Group;
+
+enum class ControlKind {
+    Dialog,
+    Group,
+    RadioGroup,
+    OkCancelRow,
+    Popup,
+    NumberEdit,
+    HotTextNumber,
+    Button,
+    StaticText,
+    CheckBox,
+    RadioButton
+};
+
+/// The kind's name in dumps and messages: "popup", "number edit".
+[[nodiscard]] std::string_view NameOf(ControlKind kind) noexcept;
+
+/// One control. Owned by its group; groups and the dialog are controls themselves, so a dialog is a tree.
+class UI_ControlView {
+public:
+    using ChangeHandler = std::function<void()>;
+
+    virtual ~UI_ControlView();
+    UI_ControlView(const UI_ControlView&) = delete;
+    UI_ControlView& operator=(const UI_ControlView&) = delete;
+
+    [[nodiscard]] ControlKind Kind() const noexcept { return mKind; }
+    /// Unique in its dialog where not empty; groups that only arrange have none.
+    [[nodiscard]] const std::string& Identifier() const noexcept { return mIdentifier; }
+
+    /// Label or caption, UTF-8: a button's, check box's and radio button's own text, a group's header, else
+    /// the text that stands before the control. @{
+    [[nodiscard]] const std::string& Label() const noexcept { return mLabel; }
+    void SetLabel(std::string label);
+    /// @}
+
+    /// One sentence that explains the control; may be empty. @{
+    [[nodiscard]] const std::string& Tooltip() const noexcept { return mTooltip; }
+    void SetTooltip(std::string tooltip);
+    /// @}
+
+    /// Least size of the control itself, without its label, in logical pixels; 0 leaves it to the toolkit. @{
+    [[nodiscard]] int MinWidth() const noexcept { return mMinWidth; }
+    [[nodiscard]] int MinHeight() const noexcept { return mMinHeight; }
+    void SetMinSize(int width, int height);
+    /// @}
+
+    void SetDisabled(bool disabled);
+    /// Whether a person can act on the control: neither it nor a group around it is disabled.
+    [[nodiscard]] bool IsEnabled() const noexcept;
+
+    /// The text that a person reads in or on the control: a number at its decimals, a popup's chosen item,
+    /// a static text's value, else the label.
+    [[nodiscard]] virtual std::string ShownText() const;
+
+    /// Adds a handler that runs after each change that a person made, in the order of adding. What it throws
+    /// closes the dialog and is thrown by `UI_Dialog::RunModal` once the window is gone; it never passes
+    /// through the toolkit that delivered the change.
+    void NotifyWhenChanged(ChangeHandler handler);
+
+    [[nodiscard]] UI_Group* Parent() const noexcept { return mParent; }
+    /// The dialog that the control is in; null outside one.
+    [[nodiscard]] UI_Dialog* Dialog() noexcept;
+
+protected:
+    UI_ControlView(ControlKind kind, std::string identifier);
+
+    /// Tells the window's observer that the control looks different now.
+    void ChangedLook();
+    /// Runs the handlers, unless the control's dialog is closed already.
+    void NotifyChanged();
+
+private:
+    friend class UI_Group;
+    ControlKind mKind;
+    std::string mIdentifier;
+    std::string mLabel;
+    std::string mTooltip;
+    int mMinWidth = 0;
+    int mMinHeight = 0;
+    bool mDisabled = false;
+    UI_Group* mParent = nullptr;
+    std::vector<ChangeHandler> mHandlers;
+};
+
+} // namespace qelui

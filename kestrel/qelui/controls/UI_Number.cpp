@@ -1,0 +1,117 @@
+#include "UI_Number.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+#include <utility>
+
+namespace qelui {
+
+std::string FormatNumber(double value, int decimals)
+{
+    const int places = std::clamp(decimals, 0, UI_NumberView::kMostDecimals);
+    // A sign, the 309 digits of the largest double, the point, the decimals.
+    std::array<char, 1 + 309 + 1 + UI_NumberView::kMostDecimals> buffer{};
+    const auto [end, error] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, places);
+    std::string text = error == std::errc{} ? std::string(buffer.data(), end) : std::string();
+    // -0 and what rounds to it would read as "-0.00".
+    if (text.starts_with('-') && text.find_first_of("123456789in") == std::string::npos) {
+        text.erase(0, 1);
+    }
+    return text;
+}
+
+std::optional<double> ParseNumber(std::string_view text) noexcept
+{
+    constexpr std::string_view kBlanks = " \t";
+    const auto first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) {
+        return std::nullopt;
+    }
+    text = text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    // from_chars does not take a plus sign, nor should "+-1" be a number.
+    if (text.front() == '+') {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return std::nullopt;
+        }
+    }
+    double value = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc{} || stop != end || !std::isfinite(value)) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+double RoundToDecimals(double value, int decimals) noexcept
+{
+    const double scale = std::pow(10.0, std::clamp(decimals, 0, UI_NumberView::kMostDecimals));
+    const double scaled = value * scale;
+    // From 2^52 on a double has no digits after the point that could be rounded.
+    if (!(std::abs(scaled) < 4503599627370496.0)) {
+        return value;
+    }
+    // Adding zero turns -0 into 0.
+    return std::round(scaled) / scale + 0.0;
+}
+
+void UI_NumberView::SetValue(double value)
+{
+    mValue = value;
+    ChangedLook();
+}
+
+void UI_NumberView::SetLimits(std::optional<double> minimum, std::optional<double> maximum)
+{
+    mMinimum = minimum;
+    mMaximum = maximum;
+    ChangedLook();
+}
+
+void UI_NumberView::SetDecimalPlaces(int places)
+{
+    mDecimalPlaces = std::clamp(places, 0, kMostDecimals);
+    ChangedLook();
+}
+
+void UI_NumberView::SetPostLabel(std::string postLabel)
+{
+    mPostLabel = std::move(postLabel);
+    ChangedLook();
+}
+
+double UI_NumberView::Constrain(double entered) const noexcept
+{
+    const double rounded = RoundToDecimals(entered, mDecimalPlaces);
+    if (mZeroAllowed && rounded == 0.0) {
+        return 0.0;
+    }
+    if (mMinimum && rounded < *mMinimum) {
+        return *mMinimum;
+    }
+    if (mMaximum && rounded > *mMaximum) {
+        return *mMaximum;
+    }
+    return rounded;
+}
+
+void UI_NumberView::EnterValue(double value)
+{
+    if (!IsEnabled() || !std::isfinite(value)) {
+        return;
+    }
+    SetValue(Constrain(value));
+    NotifyChanged();
+}
+
+std::string UI_NumberView::ShownText() const
+{
+    return FormatNumber(mValue, mDecimalPlaces);
+}
+
+} // namespace qelui

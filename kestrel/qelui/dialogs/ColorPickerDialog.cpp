@@ -1,0 +1,32 @@
+#include "ColorPickerDialog.h"
+
+#include <qelui/dialogs/UI_Dialog.h>
+#include <qelui/toolkit/Toolkit.h>
+#include <qelui/toolkit/UserInterface.h>
+
+#include <optional>
+
+namespace qelui::sharedui {
+
+ColorPickerDialog::ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool /*flag*/)
+    : mSupplier(supplier), mParent(parent)
+{
+}
+
+bool ColorPickerDialog::RunModal()
+{
+    ColorPickerRequest request;
+    request.color = mColor;
+    request.drawSupplier = mSupplier;
+    request.parent = mParent;
+    if (const auto* const dialog = dynamic_cast<UI_Dialog*>(mParent)) {
+        request.script = dialog->Script();
+    }
+    const std::optional<PickerColor> picked = UserInterface::Get().GetToolkit().RunColorPicker(request);
+    if (picked) {
+        mColor = *picked;
+    }
+    return picked.has_value();
+}
+
+} // namespace qelui::sharedui

@@ -1,0 +1,38 @@
+/// The host's colour picker.
+#pragma once
+
+#include <qelui/DrawSupplier.h>
+#include <qelui/TopLevelWindow.h>
+
+namespace qelui::sharedui {
+
+/// Channels as they are, nominally 0..1 and never limited to it.
+struct PickerColor {
+    float red = 0.0F;
+    float green = 0.0F;
+    float blue = 0.0F;
+    float alpha = 1.0F;
+    bool operator==(const PickerColor&) const = default;
+};
+
+/// Life: built, given a colour, run once, read.
+class ColorPickerDialog {
+public:
+    /// @param flag  Reserved by the host; everybody passes false.
+    ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool flag);
+
+    void SetColor(const PickerColor& color) noexcept { mColor = color; }
+    /// The colour set, or what the person made of it; channels that nobody touched keep every bit.
+    [[nodiscard]] const PickerColor& GetColor() const noexcept { return mColor; }
+
+    /// @return whether the person accepted; if not, the colour is the one that was set.
+    /// @throws NoToolkitError
+    bool RunModal();
+
+private:
+    DrawSupplier mSupplier;
+    TopLevelWindow* mParent; // borrowed
+    PickerColor mColor;
+};
+
+} // namespace qelui::sharedui

@@ -1,0 +1,81 @@
+#include "UI_Dialog.h"
+
+#include <qelui/controls/UI_Button.h>
+#include <qelui/script/ScriptRunner.h>
+#include <qelui/toolkit/Toolkit.h>
+#include <qelui/toolkit/UserInterface.h>
+
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+namespace qelui {
+
+WindowObserver::~WindowObserver() = default;
+
+UI_Dialog::UI_Dialog(std::string identifier) : UI_Group(std::move(identifier), ControlKind::Dialog)
+{
+    SetBorder(false);
+}
+
+UI_Dialog::~UI_Dialog() = default;
+
+void UI_Dialog::RunModal()
+{
+    UserInterface& userInterface = UserInterface::Get();
+    userInterface.SetScriptFailure(std::nullopt);
+    Toolkit& toolkit = userInterface.GetToolkit();
+
+    std::unique_ptr<script::ScriptRunner> runner;
+    if (const std::filesystem::path file = userInterface.Script(); !file.empty()) {
+        runner = std::make_unique<script::ScriptRunner>(file, *this);
+    }
+    mScript = runner.get();
+    try {
+        toolkit.RunModal(*this);
+    } catch (...) {
+        mScript = nullptr;
+        throw;
+    }
+    RequestCancel();
+    mScript = nullptr;
+    if (runner) {
+        userInterface.SetScriptFailure(runner->Failure());
+    }
+    if (mKeptException) {
+        std::rethrow_exception(std::exchange(mKeptException, nullptr));
+    }
+}
+
+void UI_Dialog::Close()
+{
+    if (mClosed) {
+        return;
+    }
+    mClosed = true;
+    if (mObserver != nullptr) {
+        mObserver->OnDialogClosed();
+    }
+}
+
+void UI_Dialog::RequestCancel()
+{
+    if (mClosed) {
+        return;
+    }
+    if (auto* const cancel = dynamic_cast<UI_Button*>(FindControl(UI_OkCancelRow::kCancelIdentifier))) {
+        cancel->Press();
+    }
+    Close();
+}
+
+void UI_Dialog::KeepException(std::exception_ptr exception) noexcept
+{
+    // The first one is the cause; others come from what it left half done.
+    if (!mKeptException) {
+        mKeptException = std::move(exception);
+    }
+    Close();
+}
+
+} // namespace qelui

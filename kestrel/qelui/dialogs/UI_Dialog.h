@@ -1,0 +1,102 @@
+/// A modal dialog: the root of a tree of controls, and the window they are in.
+#pragma once
+
+#include <qelui/DrawSupplier.h>
+#include <qelui/TopLevelWindow.h>
+#include <qelui/controls/UI_Group.h>
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace qelui {
+
+namespace script {
+class ScriptRunner;
+}
+
+/// What a toolkit hears from a dialog that it shows. Called on the ui thread, also from within change
+/// handlers; must not throw.
+class WindowObserver {
+public:
+    virtual ~WindowObserver();
+    /// Bring the widget in line with its model: label, value, items, enabled state, tooltip. Code or a person
+    /// changed it; a widget that a person just used hears of its own change, too. Signals that the widget
+    /// sends while it is brought in line must not be entered again.
+    virtual void OnControlChanged(UI_ControlView& control) = 0;
+    /// The dialog is over: end the modal run.
+    virtual void OnDialogClosed() = 0;
+};
+
+/// A small picture of what the settings in a dialog make.
+struct PreviewPicture {
+    int width = 0;  ///< pixels as they are seen (square); 0 where there is nothing to show
+    int height = 0; ///< pixels
+    /// 0xAARRGGBB, not premultiplied, rows from the top without gaps.
+    std::vector<std::uint32_t> pixels;
+};
+
+/// Life: built, handed to `RunModal` once, read, destroyed.
+class UI_Dialog final : public UI_Group, public TopLevelWindow {
+public:
+    static constexpr std::string_view kTypeName = "qelui::UI_Dialog";
+    explicit UI_Dialog(std::string identifier);
+    ~UI_Dialog() override;
+
+    [[nodiscard]] const std::string& Title() const noexcept { return mTitle; }
+    void SetTitle(std::string title) { mTitle = std::move(title); }
+
+    /// Borrowed; null for none. @{
+    [[nodiscard]] TopLevelWindow* ParentWindow() const noexcept { return mParentWindow; }
+    void SetParentWindow(TopLevelWindow* parent) noexcept { mParentWindow = parent; }
+    /// @}
+    [[nodiscard]] const DrawSupplier& GetDrawSupplier() const noexcept { return mDrawSupplier; }
+    void SetDrawSupplier(const DrawSupplier& supplier) noexcept { mDrawSupplier = supplier; }
+
+    /// Shows the dialog until it is closed.
+    ///
+    /// Chooses the toolkit, loads the script where one is named, and gives both to `Toolkit::RunModal`. A
+    /// dialog that is still open when the toolkit returns is cancelled. What a change handler threw is
+    /// thrown from here, once the window is gone.
+    /// @throws NoToolkitError  no toolkit can be had; nothing was shown.
+    void RunModal();
+
+    /// Closes the window, neither OK nor Cancel. Safe inside change handlers, and more than once.
+    void Close();
+    [[nodiscard]] bool IsClosed() const noexcept { return mClosed; }
+
+    /// What closing the window, Escape and a failed script do: a press on `cancelButton`, where that is
+    /// present; the dialog is closed afterwards in every case.
+    void RequestCancel();
+
+    /// Set by the toolkit while it shows the dialog, null otherwise.
+    void SetObserver(WindowObserver* observer) noexcept { mObserver = observer; }
+
+    /// The script that plays on this dialog, null for none. Valid during `RunModal`.
+    [[nodiscard]] script::ScriptRunner* Script() const noexcept { return mScript; }
+
+    /// Optional: a picture of what the controls describe now, for a toolkit that has room to show one beside
+    /// them. Empty where the dialog has none. Costs as much as one frame: call it when idle after changes,
+    /// at low priority. It shows a picture without size when the settings have none; it does not throw. @{
+    using Preview = std::function<PreviewPicture()>;
+    [[nodiscard]] const Preview& GetPreview() const noexcept { return mPreview; }
+    void SetPreview(Preview preview) { mPreview = std::move(preview); }
+    /// @}
+
+private:
+    friend class UI_ControlView;
+    void KeepException(std::exception_ptr exception) noexcept;
+
+    std::string mTitle;
+    TopLevelWindow* mParentWindow = nullptr;
+    DrawSupplier mDrawSupplier;
+    WindowObserver* mObserver = nullptr;
+    script::ScriptRunner* mScript = nullptr;
+    Preview mPreview;
+    bool mClosed = false;
+    std::exception_ptr mKeptException;
+};
+
+} // namespace qelui

@@ -1,0 +1,90 @@
+#include "Dump.h"
+
+#include <qelcore/serialization/Json.h>
+#include <qelcore/serialization/Value.h>
+#include <qelui/controls/UI_Button.h>
+#include <qelui/controls/UI_Number.h>
+#include <qelui/controls/UI_Popup.h>
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace qelui::script {
+
+namespace {
+
+using qelcore::serialization::AddToObject;
+using qelcore::serialization::Array;
+using qelcore::serialization::Object;
+using qelcore::serialization::Value;
+
+Value Text(std::string_view text)
+{
+    return Value{Value::Storage{std::string(text)}};
+}
+
+Value Items(const std::vector<SeenItem>& seenItems)
+{
+    Array items;
+    for (const SeenItem& seen : seenItems) {
+        Object item;
+        AddToObject(item, "text", Text(seen.text));
+        AddToObject(item, "enabled", Value{Value::Storage{seen.enabled}});
+        items.push_back(std::make_shared<const Value>(Value::Storage{std::move(item)}));
+    }
+    return Value{Value::Storage{std::move(items)}};
+}
+
+void AddNumber(Object& object, const UI_NumberView& number)
+{
+    AddToObject(object, "value", Value{Value::Storage{number.GetValue()}});
+    AddToObject(object, "decimals", Value{Value::Storage{std::int64_t{number.DecimalPlaces()}}});
+    if (number.Minimum()) {
+        AddToObject(object, "minimum", Value{Value::Storage{*number.Minimum()}});
+    }
+    if (number.Maximum()) {
+        AddToObject(object, "maximum", Value{Value::Storage{*number.Maximum()}});
+    }
+}
+
+Object Describe(UI_ControlView& control, ControlDriver& driver)
+{
+    Object object;
+    AddToObject(object, "id", Text(control.Identifier()));
+    AddToObject(object, "kind", Text(NameOf(control.Kind())));
+    AddToObject(object, "label", Text(control.Label()));
+    if (dynamic_cast<const UI_Group*>(&control) != nullptr) {
+        AddToObject(object, "enabled", Value{Value::Storage{control.IsEnabled()}});
+        return object;
+    }
+    const SeenState seen = driver.See(control);
+    AddToObject(object, "text", Text(seen.text));
+    AddToObject(object, "enabled", Value{Value::Storage{seen.enabled}});
+    if (const auto* const number = dynamic_cast<const UI_NumberView*>(&control)) {
+        AddNumber(object, *number);
+    } else if (const auto* const popup = dynamic_cast<const UI_Popup*>(&control)) {
+        AddToObject(object, "value", Value{Value::Storage{std::int64_t{popup->GetValue()}}});
+        AddToObject(object, "items", Items(seen.items));
+    } else if (const auto* const box = dynamic_cast<const UI_CheckBox*>(&control)) {
+        AddToObject(object, "value", Value{Value::Storage{box->IsChecked()}});
+    } else if (const auto* const radio = dynamic_cast<const UI_RadioButton*>(&control)) {
+        AddToObject(object, "value", Value{Value::Storage{radio->GetValue() != 0}});
+    }
+    return object;
+}
+
+} // namespace
+
+std::string DumpDialog(UI_Dialog& dialog, ControlDriver& driver)
+{
+    Array controls;
+    for (UI_ControlView* const control : dialog.AllControls()) {
+        controls.push_back(std::make_shared<const Value>(Value::Storage{Describe(*control, driver)}));
+    }
+    return qelcore::serialization::GetJSONUTF8String(Value{Value::Storage{std::move(controls)}},
+                                                     /*formatted=*/true) +
+           '\n';
+}
+
+} // namespace qelui::script

@@ -1,0 +1,17 @@
+/// A dialog's state as a JSON document, for scripts and tests.
+#pragma once
+
+#include <qelui/dialogs/UI_Dialog.h>
+#include <qelui/script/ControlDriver.h>
+
+#include <string>
+
+namespace qelui::script {
+
+/// An array with one object for each control in reading order: "id", "kind", "label", "text" and "enabled",
+/// and where the control has them "value" (a number, an index, a boolean), "items" (texts with their
+/// enabled state), "minimum", "maximum", "decimals". Texts, items and enabled states are what `driver` sees;
+/// the rest is the model's.
+[[nodiscard]] std::string DumpDialog(UI_Dialog& dialog, ControlDriver& driver);
+
+} // namespace qelui::script

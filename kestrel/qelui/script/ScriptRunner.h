@@ -1,0 +1,62 @@
+/// Plays one script on one dialog.
+#pragma once
+
+#include <qelui/dialogs/ColorPickerDialog.h>
+#include <qelui/dialogs/UI_Dialog.h>
+#include <qelui/script/ControlDriver.h>
+#include <qelui/script/Script.h>
+#include <qelui/toolkit/UserInterface.h>
+
+#include <deque>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qelui::script {
+
+/// Made by `UI_Dialog::RunModal`. The first failure cancels the dialog and is kept; later ones are not
+/// looked for.
+class ScriptRunner {
+public:
+    /// Reads and parses the file. A file that cannot be read or parsed is a failure like any other: `Play`
+    /// then only cancels.
+    ScriptRunner(std::filesystem::path file, UI_Dialog& dialog);
+
+    /// Acts line by line and returns with the dialog closed: by a press on OK or Cancel, or by cancelling it
+    /// when the script ends or fails. Called once by the toolkit, see <qelui/toolkit/Toolkit.h>.
+    void Play(ControlDriver& driver);
+
+    /// The queued answer for a dialog that opens now, while `Play` runs. Each call uses one answer up.
+    /// Nothing, or false, where the script cancels or says no, or has no answer, which is a failure. @{
+    [[nodiscard]] std::optional<std::u16string> TakeFileAnswer(); ///< an absolute path
+    [[nodiscard]] std::optional<sharedui::PickerColor> TakeColorAnswer();
+    [[nodiscard]] bool TakeBoxAnswer();
+    /// @}
+
+    [[nodiscard]] const std::optional<ScriptFailure>& Failure() const noexcept { return mFailure; }
+
+private:
+    template <class Answer>
+    struct Queued {
+        int line = 0;
+        Answer answer;
+    };
+    struct Visitor;
+
+    void Fail(int line, std::string text);
+    void Execute(const Command& command, ControlDriver& driver);
+    /// Whether every answer was used; if not, that is a failure.
+    [[nodiscard]] bool AreAnswersUsedUp();
+
+    std::filesystem::path mFile;
+    UI_Dialog& mDialog;
+    std::vector<Command> mCommands;
+    int mLine = 0;
+    std::deque<Queued<AnswerFile>> mFileAnswers;
+    std::deque<Queued<AnswerColor>> mColorAnswers;
+    std::deque<Queued<AnswerBox>> mBoxAnswers;
+    std::optional<ScriptFailure> mFailure;
+};
+
+} // namespace qelui::script

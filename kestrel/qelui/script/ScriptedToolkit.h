@@ -1,0 +1,31 @@
+/// The toolkit without windows: a script acts on the models directly.
+#pragma once
+
+#include <qelui/script/ControlDriver.h>
+#include <qelui/toolkit/Toolkit.h>
+
+namespace qelui::script {
+
+/// Acts on models by their own verbs.
+class ModelDriver final : public ControlDriver {
+public:
+    [[nodiscard]] SeenState See(UI_ControlView& control) override { return SeeModel(control); }
+    void Press(UI_Button& button) override;
+    void Press(UI_RadioButton& button) override;
+    void Check(UI_CheckBox& box, bool checked) override;
+    void Choose(UI_Popup& popup, int index) override;
+    void Type(UI_NumberView& number, std::string_view text) override;
+    [[nodiscard]] bool SaveScreenshot(const std::filesystem::path& file, std::string& whyNot) override;
+};
+
+/// A dialog without a script is cancelled at once, and so is every nested one.
+class ScriptedToolkit final : public Toolkit {
+public:
+    void RunModal(UI_Dialog& dialog) override;
+    [[nodiscard]] std::optional<std::u16string> RunFileDialog(const FileDialogRequest& request) override;
+    [[nodiscard]] int RunMessageBox(const MessageBoxRequest& request) override;
+    [[nodiscard]] std::optional<sharedui::PickerColor>
+    RunColorPicker(const ColorPickerRequest& request) override;
+};
+
+} // namespace qelui::script

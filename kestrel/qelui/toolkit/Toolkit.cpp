@@ -1,0 +1,7 @@
+#include "Toolkit.h"
+
+namespace qelui {
+
+Toolkit::~Toolkit() = default;
+
+} // namespace qelui

@@ -1,0 +1,100 @@
+/// The seam between the models of this library and whatever shows them.
+///
+/// ## How a toolkit shows a dialog
+/// `UI_Dialog::RunModal` calls `Toolkit::RunModal(dialog)`. The toolkit
+/// 1. builds a widget for every control of the tree (`dialog.Children()`, recursively, in reading order),
+///    each in its model's present state, and registers a `WindowObserver` with `dialog.SetObserver`;
+/// 2. shows the window over `dialog.ParentWindow()` (through `NativeWindow()`, null allowed), sets
+///    `dialog.SetNativeWindow` for nested dialogs, and runs its event loop;
+/// 3. for every act of a person calls the model's verb: `UI_Button::Press`, `UI_CheckBox::EnterChecked`,
+///    `UI_RadioButton::Press`, `UI_Popup::Choose`, `UI_NumberView::EnterValue`. The verb limits, stores and
+///    runs the handlers. Handlers change other controls, which arrive as `OnControlChanged`; they open nested
+///    dialogs, which arrive as the other functions of `Toolkit` before the verb returns; they close the
+///    dialog, which arrives as `OnDialogClosed`;
+/// 4. where the person closes the window or presses Escape, calls `dialog.RequestCancel()`, and does not
+///    close the window itself;
+/// 5. returns once `OnDialogClosed` was heard and the window is gone, with observer and native window set
+///    back to null.
+///
+/// No verb throws what a handler threw: the dialog keeps it, closes, and throws it after step 5.
+///
+/// ## How a script plays
+/// Where `dialog.Script()` is not null, the toolkit calls `dialog.Script()->Play(driver)` once, as soon as the
+/// window stands and from inside its event loop (for Qt, a single-shot timer). `Play` acts through the
+/// toolkit's own `script::ControlDriver` and always leaves the dialog closed. Nested dialogs open during
+/// `Play`, from inside a driver call; for them the request's `script` is not null, and the toolkit first takes
+/// the answer from it and then makes its own dialog give exactly this answer, by acting on the real widgets
+/// where it can. An answer that is missing reads as a cancel (the runner notes the failure).
+#pragma once
+
+#include <qelui/DrawSupplier.h>
+#include <qelui/TopLevelWindow.h>
+#include <qelui/dialogs/ColorPickerDialog.h>
+#include <qelui/dialogs/OS_FileDialog.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qelui {
+
+class UI_Dialog;
+namespace script {
+class ScriptRunner;
+}
+
+struct FileDialogRequest {
+    bool saveAs = false; ///< a file to write, else one to open
+    std::vector<dialogs::FileFilter> filters;
+    std::u16string proposedName; ///< save as only; a name without folder
+    TopLevelWindow* parent = nullptr;
+    script::ScriptRunner* script = nullptr;
+};
+
+struct MessageBoxRequest {
+    std::string title;
+    std::string text;
+    int buttonSet = 0;     ///< `dialogs::kButtonsYesNo`
+    int defaultButton = 0; ///< `dialogs::kButtonYes` or `kButtonNo`
+    int icon = 0;          ///< `dialogs::kIconWarning`
+    TopLevelWindow* parent = nullptr;
+    script::ScriptRunner* script = nullptr;
+};
+
+struct ColorPickerRequest {
+    sharedui::PickerColor color;
+    DrawSupplier drawSupplier;
+    TopLevelWindow* parent = nullptr;
+    script::ScriptRunner* script = nullptr;
+};
+
+/// Implemented by the Qt toolkit and by the scripted one. One object, on one thread. [ui-thread]
+class Toolkit {
+public:
+    Toolkit() = default;
+    virtual ~Toolkit();
+    Toolkit(const Toolkit&) = delete;
+    Toolkit& operator=(const Toolkit&) = delete;
+
+    /// Shows a dialog until it is closed; see above.
+    virtual void RunModal(UI_Dialog& dialog) = 0;
+
+    /// @return the absolute path chosen, nothing where the person cancelled. A save-as dialog adds the
+    ///         filter's extension to a name typed without one.
+    [[nodiscard]] virtual std::optional<std::u16string> RunFileDialog(const FileDialogRequest& request) = 0;
+
+    /// @return the button pressed, `dialogs::kButtonYes` or `kButtonNo`.
+    [[nodiscard]] virtual int RunMessageBox(const MessageBoxRequest& request) = 0;
+
+    /// @return the colour, with the bits of every channel that the person left alone; nothing on cancel.
+    [[nodiscard]] virtual std::optional<sharedui::PickerColor>
+    RunColorPicker(const ColorPickerRequest& request) = 0;
+};
+
+/// The one entry of a toolkit library (`extern "C"`, this name): makes the library's toolkit, at the first
+/// call, and returns it; it lives as long as the process. Returns null where the window system cannot be
+/// reached, with one line in `*whyNot` (static text). Never throws. [ui-thread]
+inline constexpr char kToolkitEntryName[] = "KestrelGetToolkit";
+using ToolkitEntry = Toolkit* (*)(const char** whyNot);
+
+} // namespace qelui

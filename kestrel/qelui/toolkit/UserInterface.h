@@ -1,0 +1,65 @@
+/// Which toolkit shows dialogs in this process, and what script plays on it.
+#pragma once
+
+#include <qelcore/exceptions/Exceptions.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace qelui {
+
+class Toolkit;
+
+/// No toolkit can be had. `what()` is one line that says why and what would help.
+class NoToolkitError : public qelcore::Exception, public std::runtime_error {
+public:
+    explicit NoToolkitError(const std::string& line);
+    ~NoToolkitError() override;
+};
+
+/// Why a script stopped.
+struct ScriptFailure {
+    std::string script; ///< the file's name as it was given
+    int line = 0;       ///< counted from 1; 0 where the file could not be read
+    std::string text;   ///< what was wrong
+
+    /// "edit.script:12: frameWidthID is 1280, not 1920"
+    [[nodiscard]] std::string Describe() const;
+};
+
+/// The process's choices. Environment variables are read at each question:
+/// - `KESTREL_UI`: `qt` or `scripted`; unset, it is `qt` where a display is there and the Qt toolkit can be
+///   loaded, else `scripted` where a script is named, else there is none;
+/// - `KESTREL_UI_SCRIPT`: the script's file.
+class UserInterface {
+public:
+    [[nodiscard]] static UserInterface& Get();
+
+    /// The toolkit to use now. Loads the Qt toolkit's library at the first need; it stays loaded.
+    /// @throws NoToolkitError
+    [[nodiscard]] Toolkit& GetToolkit();
+
+    /// Makes every dialog from now on use `toolkit`, which is borrowed; null ends that.
+    void SetToolkit(Toolkit* toolkit) noexcept { mToolkit = toolkit; }
+
+    /// Names the script in place of the environment; an empty path ends that.
+    void SetScript(std::filesystem::path file) { mScript = std::move(file); }
+    /// The script named by `SetScript`, else by the environment; empty for none.
+    [[nodiscard]] std::filesystem::path Script() const;
+
+    /// How the last script that played failed, nothing where it did not. The same line goes to the log.
+    [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
+    void SetScriptFailure(std::optional<ScriptFailure> failure);
+
+    UserInterface(const UserInterface&) = delete;
+    UserInterface& operator=(const UserInterface&) = delete;
+
+private:
+    UserInterface() = default;
+    Toolkit* mToolkit = nullptr;
+    std::filesystem::path mScript;
+    std::optional<ScriptFailure> mFailure;
+};
+
+} // namespace qelui
