@@ -29,7 +29,7 @@ struct ColorSpaceUtils {
                                                            int nameSelector);
 };
 
-/// What two spaces must share to match: profile codes, linear light, metadata. 11 is what dialogs ask for.
+/// What two spaces must share to match. 11, all three, is what dialogs ask for.
 enum ColorSpaceMatchFlags : std::uint32_t {
     kMatchCodes = 1,
     kMatchLinearized = 2,
@@ -37,7 +37,7 @@ enum ColorSpaceMatchFlags : std::uint32_t {
 };
 
 /// Whether the spaces are the same for pixels of the given formats. Spaces match by their colour codes;
-/// profiles without codes match nothing.
+/// profiles without codes match nothing, whatever the flags. The formats say nothing about it in this host.
 [[nodiscard]] bool DoColorSpacesMatch(const qelmediatypes::color::ColorSpace& a,
                                       const qelmediatypes::color::ColorSpace& b, std::uint32_t matchFlags,
                                       PixelFormat formatA, PixelFormat formatB) noexcept;

@@ -1,22 +1,33 @@
 /// Resources in a plug-in's file, found without loading or running it.
 #pragma once
 
+#include <qelcore/exceptions/Exceptions.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace qelcore::resources {
 
+/// A file cannot be read, or is not a library of this platform. `what()` names the file and says which.
+class resource_exception : public Exception, public std::runtime_error {
+public:
+    explicit resource_exception(const std::string& message);
+    ~resource_exception() override;
+};
+
 /// The bytes of the section `name` of the library file at `file`; nothing where the file has no such
-/// section. @throws qelcore::Exception-derived std::runtime_error where the file cannot be read or is not
-/// a library of this platform. Threads: [any-thread].
+/// section. @throws resource_exception. Threads: [any-thread].
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadResource(const std::filesystem::path& file,
                                                                     std::string_view name);
 
-/// The same, looked for in the files of all libraries that the process has loaded, in load order; the first
-/// that has it answers. Files that cannot be read are passed over.
+/// The same, looked for in the files of the program and of all libraries that the process has loaded, in
+/// load order; the first that has it answers. Files that cannot be read are passed over. Opens every one of
+/// those files. Threads: [thread-safe].
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> FindLoadedResource(std::string_view name);
 
 } // namespace qelcore::resources

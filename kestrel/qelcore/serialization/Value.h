@@ -56,6 +56,8 @@ private:
 [[nodiscard]] std::int64_t AsInteger(const ValuePtr& value, std::string_view key);
 /// From a double or either kind of integer.
 [[nodiscard]] double AsNumber(const ValuePtr& value, std::string_view key);
+/// The same, rounded to the nearest 32-bit float; an infinity beyond its range.
+[[nodiscard]] float AsFloat(const ValuePtr& value, std::string_view key);
 /// From a boolean, an integer (non-zero is true), or the text "true" or "false".
 [[nodiscard]] bool AsBoolean(const ValuePtr& value, std::string_view key);
 /// @}

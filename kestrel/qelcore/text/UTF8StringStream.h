@@ -8,14 +8,16 @@
 
 namespace qelcore {
 
-/// Collects texts, whole numbers and pointers. Pointers print as bare hexadecimal digits, without "0x"
-/// and without padding; whole numbers in the base that was set last (ten at first).
+/// Collects texts, whole numbers and pointers. Pointers print as bare lower-case hexadecimal digits, without
+/// "0x" and without padding; whole numbers in the base that was set last (ten at first).
 /// Threads: [any-thread].
 class oUTF8StringStream {
 public:
     enum class Base { Decimal = 10, Hexadecimal = 16 };
 
     oUTF8StringStream& operator<<(std::string_view text);
+    /// NUL-terminated. Without this overload a literal would print as a pointer.
+    oUTF8StringStream& operator<<(const char* text);
     oUTF8StringStream& operator<<(const void* pointer);
     oUTF8StringStream& operator<<(Base base);
 

@@ -13,7 +13,13 @@ namespace qelcore::text {
 /// Unpaired surrogates become U+FFFD.
 [[nodiscard]] std::string ToUTF8(std::u16string_view utf16);
 
-/// The same, nothing where the bytes are not well-formed UTF-8.
+/// Nothing where the bytes are not well-formed UTF-8.
 [[nodiscard]] std::optional<std::u16string> ToUTF16Strict(std::string_view utf8);
+
+/// `utf8` with every malformed piece replaced as `ToUTF16` does it: well-formed UTF-8 always.
+[[nodiscard]] std::string Repaired(std::string_view utf8);
+
+/// Nothing where the text has an unpaired surrogate.
+[[nodiscard]] std::optional<std::string> ToUTF8Strict(std::u16string_view utf16);
 
 } // namespace qelcore::text

@@ -1,0 +1,10 @@
+#include "ColorManagement.h"
+
+namespace KSM {
+
+bool IsAbleToSupportColorManagement() noexcept
+{
+    return true;
+}
+
+} // namespace KSM

@@ -1,0 +1,7 @@
+#include "UnknownBase.h"
+
+namespace qelcore::classref {
+
+UnknownBase::~UnknownBase() = default;
+
+} // namespace qelcore::classref

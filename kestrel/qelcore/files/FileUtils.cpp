@@ -1,0 +1,22 @@
+#include "FileUtils.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace qelcore::utility {
+
+bool FileUtils::FileOrDirExists(std::u16string_view path) noexcept
+{
+    // The system would look only at what stands before a NUL: another path than the one asked about.
+    if (path.empty() || path.find(u'\0') != std::u16string_view::npos) {
+        return false;
+    }
+    try {
+        std::error_code error;
+        return std::filesystem::exists(std::filesystem::path(path), error) && !error;
+    } catch (...) {
+        return false; // Not well-formed UTF-16, or no memory: it cannot be told.
+    }
+}
+
+} // namespace qelcore::utility

@@ -1,0 +1,73 @@
+#include "Log.h"
+
+#include <cstdio>
+#include <exception>
+#include <utility>
+
+namespace qelcore::logging {
+namespace {
+
+/// The listener that hears what this thread logs now; null where nobody does.
+thread_local ScopedListener* tListener = nullptr;
+
+/// One line: line ends and other control characters become spaces.
+std::string OneLine(std::string_view text)
+{
+    std::string line(text);
+    for (char& letter : line) {
+        if (static_cast<unsigned char>(letter) < 0x20) {
+            letter = ' ';
+        }
+    }
+    return line;
+}
+
+void WriteToStandardError(const Message& message)
+{
+    // One call, so that lines of several threads do not mix.
+    const std::string line = message.context + ": " + message.text + "\n";
+    (void)std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+} // namespace
+
+void Log(std::string_view context, std::string_view text) noexcept
+{
+    ScopedListener* const listener = tListener;
+    try {
+        const Message message{OneLine(context), OneLine(text)};
+        if (listener == nullptr) {
+            WriteToStandardError(message);
+            return;
+        }
+        // What a handler itself logs goes to the next older listener, not round in circles.
+        tListener = listener->mPrevious;
+        listener->mHandler(message);
+    } catch (...) {
+        (void)std::fputs("A log message was lost.\n", stderr);
+    }
+    tListener = listener;
+}
+
+void LogCurrentException(std::string_view context) noexcept
+{
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        Log(context, exception.what());
+    } catch (...) {
+        Log(context, "unknown exception");
+    }
+}
+
+ScopedListener::ScopedListener(Handler handler) : mHandler(std::move(handler)), mPrevious(tListener)
+{
+    tListener = this;
+}
+
+ScopedListener::~ScopedListener()
+{
+    tListener = mPrevious;
+}
+
+} // namespace qelcore::logging

@@ -1,0 +1,18 @@
+/// Numbers in JSON texts, without regard to the process's locale.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qelcore::serialization {
+
+/// The double nearest to a number in JSON's notation; what is too small for a double is a zero of its sign,
+/// nothing where it is too large.
+[[nodiscard]] std::optional<double> DoubleFromJSONNumber(std::string_view number);
+
+/// The shortest text that reads back as the same double, always with a point or an exponent, so that it
+/// stays a number that is no integer. Infinities are ±1e39, NaN is 0.
+[[nodiscard]] std::string JSONNumberFromDouble(double value);
+
+} // namespace qelcore::serialization
