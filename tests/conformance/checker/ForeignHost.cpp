@@ -1,0 +1,236 @@
+#include "ForeignHost.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <new>
+#include <stdexcept>
+
+namespace conformance {
+
+ForeignFrame::ForeignFrame(std::size_t rowBytesUsed, std::size_t padding, int rowCount, bool upwards,
+                           std::uint8_t filling)
+    : usedBytes(rowBytesUsed), rows(rowCount)
+{
+    const std::size_t stride = rowBytesUsed + padding;
+    memory.assign(2 * kGuardBytes + stride * static_cast<std::size_t>(rows), kGuard);
+    std::uint8_t* base = memory.data() + kGuardBytes;
+    for (int row = 0; row < rows; ++row) {
+        std::memset(base + stride * static_cast<std::size_t>(row), filling, rowBytesUsed);
+    }
+    step = upwards ? -static_cast<std::ptrdiff_t>(stride) : static_cast<std::ptrdiff_t>(stride);
+    first = upwards ? base + stride * static_cast<std::size_t>(rows - 1) : base;
+}
+
+const std::uint8_t* ForeignFrame::Row(int row) const
+{
+    return first + row * step;
+}
+
+bool ForeignFrame::GuardsIntact() const
+{
+    std::vector<bool> isPixel(memory.size(), false);
+    for (int row = 0; row < rows; ++row) {
+        const auto at = Row(row) - memory.data();
+        std::fill_n(isPixel.begin() + at, usedBytes, true);
+    }
+    for (std::size_t at = 0; at < memory.size(); ++at) {
+        if (!isPixel[at] && memory[at] != kGuard) {
+            return false;
+        }
+    }
+    return true;
+}
+
+ForeignHostState& Foreign()
+{
+    static ForeignHostState state;
+    return state;
+}
+
+namespace {
+
+/// Bytes of one row, for the formats that the checks use; 16 bytes a pixel is enough for all others.
+std::size_t RowBytesFor(std::uint32_t pixelFormat, std::int32_t width)
+{
+    constexpr std::uint32_t kBGRA8 = 0x61726762; // "bgra" read little-endian
+    constexpr std::uint32_t kVUYA8_709 = 0x41595556;
+    const bool fourBytes = pixelFormat == kBGRA8 || pixelFormat == kVUYA8_709;
+    return static_cast<std::size_t>(width) * (fourBytes ? 4 : 16);
+}
+
+std::int32_t CreateFrame(ksFrameHandle* frame, std::int32_t access, std::uint32_t pixelFormat,
+                         std::int32_t width, std::int32_t height, bool reserved5, std::int32_t reserved6,
+                         std::uint32_t parNumerator, std::uint32_t parDenominator, void* extra16)
+{
+    ForeignHostState& host = Foreign();
+    host.creations.push_back(
+        {access, pixelFormat, width, height, reserved5, reserved6, parNumerator, parDenominator, extra16});
+    if (host.createNothing || width < 1 || height < 1 || width > 20000 || height > 20000) {
+        *frame = nullptr;
+        return -1;
+    }
+    host.frames.push_back(std::make_unique<ForeignFrame>(RowBytesFor(pixelFormat, width), host.rowPadding,
+                                                         height, host.upwards, host.filling));
+    *frame = host.frames.back().get();
+    return host.createStatus;
+}
+
+std::int32_t GetPixels(ksFrameHandle frame, std::int32_t access, void** pixels)
+{
+    if (Foreign().pixelsStatus < 0 || access != ksFrameAccessReadWrite) {
+        return Foreign().pixelsStatus < 0 ? Foreign().pixelsStatus : -1;
+    }
+    *pixels = static_cast<ForeignFrame*>(frame)->first;
+    return 0;
+}
+
+std::int32_t GetBounds(ksFrameHandle, std::int32_t bounds[4])
+{
+    if (Foreign().boundsStatus >= 0) {
+        std::fill_n(bounds, 4, 0);
+    }
+    return Foreign().boundsStatus;
+}
+
+std::int32_t GetRowBytes(ksFrameHandle frame, std::int32_t* rowBytes)
+{
+    if (Foreign().rowBytesStatus >= 0) {
+        *rowBytes = static_cast<std::int32_t>(static_cast<ForeignFrame*>(frame)->step);
+    }
+    return Foreign().rowBytesStatus;
+}
+
+std::int32_t TicksToTimeScale(std::int64_t ticks, std::int32_t* timeScale, std::int32_t* sampleSize)
+{
+    ForeignHostState& host = Foreign();
+    host.legacyTicksAsked.push_back(ticks);
+    if (host.legacyStatus >= 0) {
+        *timeScale = host.legacyTimeScale;
+        *sampleSize = host.legacySampleSize;
+    }
+    return host.legacyStatus;
+}
+
+std::int32_t TimeScaleToTicks(std::int32_t, std::int32_t, std::int64_t* ticks)
+{
+    *ticks = Foreign().legacyTicks;
+    return 0;
+}
+
+std::int32_t AcquireSuite(const char* name, std::int32_t version, const void** suite)
+{
+    static const ksLegacySuite1 kLegacy1{TimeScaleToTicks};
+    static const ksLegacySuite2 kLegacy2{nullptr, TicksToTimeScale};
+    static const ksFrameCreatorSuite4 kCreator{{}, CreateFrame};
+    static const ksFrameSuite1 kFrames{nullptr, GetPixels, GetBounds, GetRowBytes};
+    static const ksUnknownFunction kNothing[8] = {};
+
+    ForeignHostState& host = Foreign();
+    const std::string asked = name;
+    host.acquired.push_back(asked + "/" + std::to_string(version));
+    const auto& refused = host.refusedSuites;
+    if (std::find(refused.begin(), refused.end(), asked) != refused.end()) {
+        return -1;
+    }
+    if (asked == kLegacySuiteName && version == 1) {
+        *suite = &kLegacy1;
+    } else if (asked == kLegacySuiteName && version == 2) {
+        *suite = &kLegacy2;
+    } else if (asked == kFrameCreatorSuiteName && version == 4) {
+        *suite = &kCreator;
+    } else if (asked == kFrameSuiteName && version == 1) {
+        *suite = &kFrames;
+    } else if (asked == kPixelFormatSuiteName && version == 1) {
+        *suite = &kNothing;
+    } else {
+        return -1;
+    }
+    return 0;
+}
+
+std::int32_t RefuseSuite(const char*, std::int32_t, const void**)
+{
+    return -1;
+}
+
+void* NewBlock(std::uint32_t bytes)
+{
+    return std::malloc(bytes);
+}
+
+ksSuiteAccess* GetSuiteAccess()
+{
+    static ksSuiteAccess access{AcquireSuite};
+    return &access;
+}
+
+ksSuiteAccess* GetRefusingAccess()
+{
+    static ksSuiteAccess access{RefuseSuite};
+    return &access;
+}
+
+/// The three levels of tables behind one standard-parameter block.
+struct Tables {
+    explicit Tables(ksSuiteAccess* (*access)())
+    {
+        memory.newBlock = NewBlock;
+        utility.getSuiteAccess = access;
+        std::memset(&services, 0xCC, sizeof services);
+        services.memory = &memory;
+        services.utility = &utility;
+        std::memset(&parameters, 0xCC, sizeof parameters);
+        parameters.services = &services;
+    }
+
+    ksMemoryFunctions memory{};
+    ksUtilityFunctions utility{};
+    ksServiceTables services;
+    ksStdParms parameters;
+};
+
+} // namespace
+
+const ksStdParms* ForeignStdParms()
+{
+    static const Tables tables(GetSuiteAccess);
+    return &tables.parameters;
+}
+
+const ksStdParms* RefusingStdParms()
+{
+    static const Tables tables(GetRefusingAccess);
+    return &tables.parameters;
+}
+
+TemporaryFolder::TemporaryFolder()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "conformance-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("no temporary folder can be made");
+    }
+    mPath = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+}
+
+std::filesystem::path TemporaryFolder::Write(const std::string& name, const std::string& bytes) const
+{
+    const std::filesystem::path file = mPath / name;
+    std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return file;
+}
+
+std::u16string Wide(const std::filesystem::path& asciiPath)
+{
+    const std::string text = asciiPath.string();
+    return {text.begin(), text.end()};
+}
+
+} // namespace conformance

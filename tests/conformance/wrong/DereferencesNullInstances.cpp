@@ -1,0 +1,15 @@
+#include "Shim.h"
+
+std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2)
+{
+    if (selector == 25 && (param2 == nullptr || static_cast<ksAudioRec*>(param2)->instance == nullptr)) {
+        static volatile std::int32_t* volatile nothing = nullptr;
+        return *nothing;
+    }
+    return Right(selector, stdParms, param1, param2);
+}
+
+void WrongIdentity(void* hostContext, ksPluginDataCallback callback)
+{
+    RightIdentity(hostContext, callback);
+}

@@ -1,0 +1,18 @@
+/// A plug-in in front of the right one: each wrong plug-in defines the two functions below, usually by calling
+/// the right ones and spoiling something.
+#pragma once
+
+#include <importabi/Entries.h>
+#include <importabi/Records.h>
+
+#include <cstdint>
+
+/// The right plug-in's entries. @{
+std::int32_t Right(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2);
+void RightIdentity(void* hostContext, ksPluginDataCallback callback);
+/// @}
+
+/// The wrong plug-in's. @{
+std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2);
+void WrongIdentity(void* hostContext, ksPluginDataCallback callback);
+/// @}
