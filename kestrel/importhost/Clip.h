@@ -28,15 +28,15 @@ struct ClipDescription {
     std::uint8_t fieldType = 0;  ///< as the record has it; see `Order`
     std::int32_t timeScale = 0;  ///< units per second
     std::int32_t sampleSize = 0; ///< units per frame: the rate is timeScale / sampleSize, exact
-    std::int64_t frameCount = 0;
-    float sampleRate = 0.0F; ///< samples per second
+    std::int64_t frameCount = 0; ///< 0 or more
+    float sampleRate = 0.0F;     ///< samples per second
     std::int32_t channelCount = 0;
     std::int32_t channelType = 0;      ///< host's layout code: 2 stereo, 3 5.1
     std::uint32_t pixelFormatCode = 0; ///< host four-character code as the settings have it
     BR::PixelFormat pixelFormat = BR::PixelFormat::Unknown; ///< `Unknown` where the code is none
     bool supportsColorManagement = false;
     ksSEIColorCodesRec colorCodes{};
-    std::string colorSpaceName; ///< readable
+    std::string colorSpaceName; ///< readable; "Unlisted" for codes that are none of the host's spaces
 
     /// Values above 2 count as upper field first, the order in which fields are drawn.
     [[nodiscard]] FieldOrder Order() const noexcept;
@@ -69,6 +69,9 @@ public:
     Clip& operator=(Clip&&) noexcept;
 
     [[nodiscard]] const ClipDescription& Description() const noexcept;
+
+    /// The file as it was named.
+    [[nodiscard]] const std::filesystem::path& File() const noexcept;
 
     /// The file's warnings: what the plug-in logged while the clip opened, a line each.
     [[nodiscard]] const std::string& Warning() const noexcept;

@@ -49,12 +49,16 @@ public:
     [[nodiscard]] const std::vector<FileType>& FileTypes() const noexcept;
     [[nodiscard]] const std::filesystem::path& File() const noexcept;
 
-    /// Sends one request with this host's standard parameters. @return the plug-in's answer.
+    /// Sends one request with this host's standard parameters. The first frame request runs alone.
+    /// @return the plug-in's answer.
     [[nodiscard]] std::int32_t Request(std::int32_t selector, void* param1, void* param2) const noexcept;
 
 private:
     struct State;
     explicit Importer(std::unique_ptr<State> state);
+    void StartUp(TestingPlugins testingPlugins);
+    void AskFileTypes();
+
     std::unique_ptr<State> mState;
 };
 

@@ -1,0 +1,21 @@
+/// File names in messages, and which file names a clip may have.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace importhost {
+
+/// The name for one line of a message: UTF-8, what is no UTF-8 as U+FFFD, control characters as "\n" or
+/// "\x1b".
+[[nodiscard]] std::string DisplayName(const std::filesystem::path& file);
+
+/// Any text made fit for one line in the same way.
+[[nodiscard]] std::string OneLine(std::string_view text);
+
+/// Plug-ins take file names as UTF-16, so a name has to be UTF-8 to reach one whole.
+/// @throws HostError where it is not. Looks at the name only; opens and loads nothing.
+void RequireUTF8Name(const std::filesystem::path& file);
+
+} // namespace importhost

@@ -1,0 +1,130 @@
+#include "SettingsKeys.h"
+
+#include <qelcore/serialization/Json.h>
+
+#include <fstream>
+#include <iterator>
+#include <variant>
+
+namespace importhost {
+namespace {
+
+using qelcore::serialization::Array;
+using qelcore::serialization::GetVariantInObject;
+using qelcore::serialization::ValuePtr;
+
+constexpr char kWrapper[] = "SerializerWrappedObject";
+constexpr const char* kBands[] = {"colorSwatches", "legalRangeGradient", "fullRangeGradient"};
+
+/// The low 32 bits of an integer, as plug-ins take them; nothing for another type.
+std::optional<std::uint32_t> Integer32(const ValuePtr& value)
+{
+    if (value != nullptr) {
+        if (const auto* integer = std::get_if<std::int64_t>(&value->Get())) {
+            return static_cast<std::uint32_t>(*integer);
+        }
+        if (const auto* integer = std::get_if<std::uint64_t>(&value->Get())) {
+            return static_cast<std::uint32_t>(*integer);
+        }
+    }
+    return std::nullopt;
+}
+
+const Array* List(const ValuePtr& value)
+{
+    return value != nullptr ? std::get_if<Array>(&value->Get()) : nullptr;
+}
+
+std::size_t Count(const Array* list)
+{
+    return list != nullptr ? list->size() : 0;
+}
+
+SwatchBand Band(const ValuePtr& coordinates, const ValuePtr& colors, const char* name)
+{
+    const ValuePtr place = GetVariantInObject(coordinates, name);
+    const ValuePtr xValue = GetVariantInObject(place, "xCoordinates");
+    const ValuePtr yValue = GetVariantInObject(place, "yCoordinates");
+    const ValuePtr colorValue = GetVariantInObject(colors, name);
+    const Array* rows = List(yValue);
+    SwatchBand band;
+    band.xCount = Count(List(xValue));
+    band.yCount = Count(rows);
+    band.colorPartCount = Count(List(colorValue));
+    if (band.yCount > 0) {
+        band.firstY = static_cast<std::int32_t>(Integer32(rows->front()).value_or(0));
+        band.lastY = static_cast<std::int32_t>(Integer32(rows->back()).value_or(0));
+    }
+    return band;
+}
+
+std::string Contents(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string_view UpToNul(std::string_view text)
+{
+    return text.substr(0, text.find('\0'));
+}
+
+} // namespace
+
+std::optional<SettingsKeys> SettingsKeysFromText(std::string_view text)
+{
+    ValuePtr root = qelcore::serialization::JSONParse(UpToNul(text));
+    if (qelcore::serialization::ObjectHasProperty(root, kWrapper)) {
+        root = GetVariantInObject(root, kWrapper);
+    }
+    if (root == nullptr || !root->IsObject()) {
+        return std::nullopt;
+    }
+    SettingsKeys keys;
+    keys.pixelFormat = Integer32(GetVariantInObject(root, "mPixelFormat")).value_or(keys.pixelFormat);
+    if (const auto type = Integer32(GetVariantInObject(root, "mKsAudioChannelType"))) {
+        keys.channelType = static_cast<std::int32_t>(*type);
+    }
+    if (const auto format = Integer32(GetVariantInObject(root, "mRenderFormat"))) {
+        keys.renderFormat = static_cast<std::int32_t>(*format);
+    }
+    const ValuePtr coordinates = GetVariantInObject(root, "mSwatchCoordinates");
+    const ValuePtr colors = GetVariantInObject(root, "mSwatchColors");
+    for (std::size_t i = 0; i < keys.swatchBands.size(); ++i) {
+        keys.swatchBands[i] = Band(coordinates, colors, kBands[i]);
+    }
+    return keys;
+}
+
+std::optional<SettingsKeys> SettingsKeysFromFile(const std::filesystem::path& file)
+{
+    return SettingsKeysFromText(Contents(file));
+}
+
+bool BeginsLikeAnObject(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    std::istreambuf_iterator<char> character(stream);
+    constexpr std::string_view kWhiteSpace = " \t\n\r";
+    while (character != std::istreambuf_iterator<char>() &&
+           kWhiteSpace.find(*character) != std::string_view::npos) {
+        ++character;
+    }
+    return character != std::istreambuf_iterator<char>() && *character == '{';
+}
+
+std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
+{
+    const std::string text = Contents(file);
+    std::string error;
+    const ValuePtr root = qelcore::serialization::JSONParse(UpToNul(text), &error);
+    if (root == nullptr) {
+        return error.empty() ? "not well-formed JSON" : error;
+    }
+    if (!root->IsObject()) {
+        return "expected a JSON object with a clip's settings";
+    }
+    return std::nullopt;
+}
+
+} // namespace importhost
