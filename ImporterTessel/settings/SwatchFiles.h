@@ -9,16 +9,21 @@
 
 namespace ImporterTessel {
 
-/// Document values to records and back; each reader throws `missing_key_exception` or `type_exception`. @{
-[[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::ValuePtr& value);
-[[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::ValuePtr& value);
+/// Document values to records and back; each reader throws `missing_key_exception` or `type_exception`, and
+/// `key` names the record in errors. Threads: [any-thread]. @{
+[[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::ValuePtr& value,
+                                                           std::string_view key);
+[[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::ValuePtr& value,
+                                                 std::string_view key);
 [[nodiscard]] qelcore::serialization::Value ValueFromSwatchCoordinates(const SwatchCoordinates& coordinates);
 [[nodiscard]] qelcore::serialization::Value ValueFromSwatchColors(const SwatchColors& colors);
 /// @}
 
-/// Reads a swatch file. @return the status of the open; negative leaves the output untouched.
+/// Reads a swatch file, in a wrapper ("SerializerWrappedObject") or without.
+/// @return the status of the open; negative leaves the output untouched.
 /// @throws std::runtime_error "JSON not well-formed", missing_key_exception, type_exception; the output
-///         is untouched then, too. @{
+///         is untouched then, too.
+/// Threads: [any-thread]. @{
 [[nodiscard]] ORB::Status ReadSwatchCoordinatesFile(std::u16string_view path, SwatchCoordinates& coordinates);
 [[nodiscard]] ORB::Status ReadSwatchColorsFile(std::u16string_view path, SwatchColors& colors);
 /// @}

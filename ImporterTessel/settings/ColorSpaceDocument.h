@@ -1,0 +1,21 @@
+/// Colour spaces inside a data file.
+#pragma once
+
+#include <qelcore/serialization/Value.h>
+#include <qelmediatypes/color/ColorSpace.h>
+
+#include <string_view>
+
+namespace ImporterTessel {
+
+/// Reads a colour space. Every key is optional: what is absent stays as the host's default-constructed space
+/// (not Rec. 709) has it.
+/// @throws qelcore::serialization::type_exception for a present key of the wrong type, parse_exception for
+///         profile data that is no encoding of bytes.
+[[nodiscard]] qelmediatypes::color::ColorSpace
+ColorSpaceFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key);
+
+/// The colour space with all its keys, the profile's bytes encoded as a text.
+[[nodiscard]] qelcore::serialization::Value ValueFromColorSpace(const qelmediatypes::color::ColorSpace& space);
+
+} // namespace ImporterTessel

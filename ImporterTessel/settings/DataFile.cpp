@@ -1,0 +1,61 @@
+#include "DataFile.h"
+
+#include "DocumentFields.h"
+#include "DocumentText.h"
+
+#include <brindle/ColorSpaces.h>
+#include <qelcore/logging/Log.h>
+#include <qelcore/serialization/Json.h>
+
+namespace ImporterTessel {
+
+namespace {
+
+constexpr std::string_view kLogContext = "ImporterTessel::`anonymous-namespace'::TesselFromUTF8String";
+
+/// Documents of version 0 may name their colour space instead of holding it.
+void ReadLegacyColorSpace(const qelcore::serialization::ValuePtr& document, TesselInfo& info)
+{
+    std::string name;
+    ObjectReader(document, "TesselInfo", "TesselInfo").ReadIfPresent("mPredefinedColorSpace", name);
+    if (!name.empty()) {
+        info.mColorSpace = BR::QELColorSpaceFromSDKPredefinedColorSpace(name);
+    }
+}
+
+} // namespace
+
+std::string TesselToUTF8String(const TesselInfo& info)
+{
+    return qelcore::serialization::GetJSONUTF8String(DocumentFromTessel(info), /*formatted=*/false);
+}
+
+TesselInfo TesselFromUTF8String(std::string_view text)
+{
+    TesselInfo info;
+    try {
+        const qelcore::serialization::ValuePtr document = ParseDocument(text);
+        info = TesselFromDocument(document);
+        if (info.mVersion == 0) {
+            ReadLegacyColorSpace(document, info);
+        }
+    } catch (const malformed_document& error) {
+        qelcore::logging::Log(kLogContext, error.Explanation());
+    } catch (...) {
+        // Intended: the caller is told nothing; a malformed document opens as the default clip.
+        qelcore::logging::LogCurrentException(kLogContext);
+    }
+    return info;
+}
+
+ORB::Status ReadTesselFile(std::u16string_view path, TesselInfo& info)
+{
+    std::string text;
+    const ORB::Status opened = ReadDocumentText(path, text);
+    if (opened >= 0) {
+        info = TesselFromUTF8String(text);
+    }
+    return opened;
+}
+
+} // namespace ImporterTessel

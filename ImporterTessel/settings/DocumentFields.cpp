@@ -1,0 +1,153 @@
+#include "DocumentFields.h"
+
+#include <qelcore/exceptions/Exceptions.h>
+#include <qelcore/text/Unicode.h>
+
+#include <utility>
+
+namespace ImporterTessel {
+
+using namespace qelcore::serialization;
+
+namespace {
+
+template <class Item>
+void ListFromValue(const ValuePtr& value, std::string_view key, std::vector<Item>& field)
+{
+    const Array& elements = AsArray(value, key);
+    std::vector<Item> items;
+    items.reserve(elements.size());
+    for (const ValuePtr& element : elements) {
+        FieldFromValue(element, key, items.emplace_back());
+    }
+    field = std::move(items);
+}
+
+Value MakeListValue(Array array)
+{
+    return Value(Value::Storage(std::move(array)));
+}
+
+} // namespace
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::int32_t& field)
+{
+    field = static_cast<std::int32_t>(AsInteger(value, key));
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::uint32_t& field)
+{
+    field = static_cast<std::uint32_t>(AsInteger(value, key));
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::int64_t& field)
+{
+    field = AsInteger(value, key);
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, float& field)
+{
+    field = static_cast<float>(AsNumber(value, key));
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, bool& field)
+{
+    field = AsBoolean(value, key);
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::string& field)
+{
+    field = AsText(value, key);
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::u16string& field)
+{
+    field = qelcore::text::ToUTF16(AsText(value, key));
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::vector<std::int32_t>& field)
+{
+    ListFromValue(value, key, field);
+}
+
+void FieldFromValue(const ValuePtr& value, std::string_view key, std::vector<float>& field)
+{
+    ListFromValue(value, key, field);
+}
+
+Value IntegerValue(std::int32_t field)
+{
+    return Value(Value::Storage(static_cast<std::uint64_t>(std::int64_t{field})));
+}
+
+Value IntegerValue(std::uint32_t field)
+{
+    return Value(Value::Storage(std::uint64_t{field}));
+}
+
+Value SignedValue(std::int64_t field)
+{
+    return Value(Value::Storage(field));
+}
+
+Value NumberValue(float field)
+{
+    return Value(Value::Storage(static_cast<double>(field)));
+}
+
+Value BooleanValue(bool field)
+{
+    return Value(Value::Storage(field));
+}
+
+Value TextValue(std::string field)
+{
+    return Value(Value::Storage(std::move(field)));
+}
+
+Value TextValue(std::u16string_view field)
+{
+    return TextValue(qelcore::text::ToUTF8(field));
+}
+
+Value ListValue(const std::vector<std::int32_t>& field)
+{
+    Array array;
+    array.reserve(field.size());
+    for (const std::int32_t item : field) {
+        array.push_back(std::make_shared<const Value>(SignedValue(item)));
+    }
+    return MakeListValue(std::move(array));
+}
+
+Value ListValue(const std::vector<float>& field)
+{
+    Array array;
+    array.reserve(field.size());
+    for (const float item : field) {
+        array.push_back(std::make_shared<const Value>(NumberValue(item)));
+    }
+    return MakeListValue(std::move(array));
+}
+
+ObjectReader::ObjectReader(const ValuePtr& value, std::string_view key, std::string_view recordType)
+    : mObject(AsObject(value, key)), mRecordType(recordType)
+{
+}
+
+const ValuePtr& ObjectReader::Required(std::string_view key) const
+{
+    const ValuePtr* const value = Find(key);
+    if (value == nullptr) {
+        throw missing_key_exception(key, mRecordType);
+    }
+    return *value;
+}
+
+const ValuePtr* ObjectReader::Find(std::string_view key) const noexcept
+{
+    const auto entry = mObject.find(key);
+    return entry == mObject.end() ? nullptr : &entry->second;
+}
+
+} // namespace ImporterTessel

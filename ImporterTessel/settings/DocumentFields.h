@@ -1,0 +1,98 @@
+/// Fields of records to and from the values of a document: one place for the rules of widths and types.
+#pragma once
+
+#include <qelcore/serialization/Value.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ImporterTessel {
+
+/// Reads a field from `value`; `key` names it in errors. Integers are taken modulo 2^32 where the field has
+/// 32 bits; numbers become floats, so one beyond a float's range becomes an infinity; texts become UTF-16.
+/// Lists replace what the field held.
+/// @throws qelcore::serialization::type_exception, with the field untouched.
+/// Threads: [any-thread].
+/// @{
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::int32_t& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::uint32_t& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::int64_t& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, float& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, bool& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::string& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::u16string& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key,
+                    std::vector<std::int32_t>& field);
+void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key,
+                    std::vector<float>& field);
+/// @}
+
+/// Values as documents carry them. 32-bit integers are sign-extended and written as unsigned 64-bit values,
+/// so -1 reads 18446744073709551615; ticks and positions stay signed.
+/// Threads: [any-thread].
+/// @{
+[[nodiscard]] qelcore::serialization::Value IntegerValue(std::int32_t field);
+[[nodiscard]] qelcore::serialization::Value IntegerValue(std::uint32_t field);
+[[nodiscard]] qelcore::serialization::Value SignedValue(std::int64_t field);
+[[nodiscard]] qelcore::serialization::Value NumberValue(float field);
+[[nodiscard]] qelcore::serialization::Value BooleanValue(bool field);
+[[nodiscard]] qelcore::serialization::Value TextValue(std::string field);
+[[nodiscard]] qelcore::serialization::Value TextValue(std::u16string_view field);
+[[nodiscard]] qelcore::serialization::Value ListValue(const std::vector<std::int32_t>& field);
+[[nodiscard]] qelcore::serialization::Value ListValue(const std::vector<float>& field);
+/// @}
+
+/// The object that holds a record's fields. Refers to the value that it was made from, which must outlive it.
+/// Threads: [any-thread].
+class ObjectReader {
+public:
+    /// @param key         Names the object in the error where `value` is none.
+    /// @param recordType  Names the record in errors about missing keys; a literal.
+    /// @throws qelcore::serialization::type_exception where `value` is not an object.
+    ObjectReader(const qelcore::serialization::ValuePtr& value, std::string_view key,
+                 std::string_view recordType);
+
+    /// Reads a required field. @throws missing_key_exception, type_exception
+    template <class Field>
+    void Read(std::string_view key, Field& field) const
+    {
+        FieldFromValue(Required(key), key, field);
+    }
+
+    /// Reads a required record by its own reader, called with the value and the key.
+    template <class Record, class Reader>
+    void Read(std::string_view key, Record& record, const Reader& recordFromValue) const
+    {
+        record = recordFromValue(Required(key), key);
+    }
+
+    /// Reads where `key` is there, else leaves the field as it is; a null is there and of the wrong type.
+    /// @throws type_exception @{
+    template <class Field>
+    void ReadIfPresent(std::string_view key, Field& field) const
+    {
+        if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
+            FieldFromValue(*value, key, field);
+        }
+    }
+
+    template <class Record, class Reader>
+    void ReadIfPresent(std::string_view key, Record& record, const Reader& recordFromValue) const
+    {
+        if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
+            record = recordFromValue(*value, key);
+        }
+    }
+    /// @}
+
+private:
+    [[nodiscard]] const qelcore::serialization::ValuePtr& Required(std::string_view key) const;
+    [[nodiscard]] const qelcore::serialization::ValuePtr* Find(std::string_view key) const noexcept;
+
+    const qelcore::serialization::Object& mObject;
+    std::string_view mRecordType;
+};
+
+} // namespace ImporterTessel

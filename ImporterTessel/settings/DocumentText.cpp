@@ -1,0 +1,60 @@
+#include "DocumentText.h"
+
+#include <qelcore/serialization/Json.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+namespace ImporterTessel {
+
+namespace {
+
+constexpr std::string_view kWrapperKey = "SerializerWrappedObject";
+
+} // namespace
+
+malformed_document::malformed_document(const std::string& detail)
+    : std::runtime_error("JSON not well-formed"), mExplanation(std::string(what()) + ": " + detail)
+{
+}
+
+ORB::Status ReadDocumentText(std::u16string_view path, std::string& text)
+{
+    ORB::File file;
+    const ORB::Status opened = ORB::File::OpenForReading(path, file);
+    if (opened < 0) {
+        return opened;
+    }
+    std::uint64_t size = 0;
+    if (file.GetSizeOnDisk(size) < 0) {
+        size = 0;
+    }
+    // One read takes a 32-bit count.
+    constexpr std::uint64_t kLongestRead = std::numeric_limits<std::uint32_t>::max();
+    std::string bytes(static_cast<std::size_t>(std::min(size, kLongestRead)), '\0');
+    std::uint32_t read = 0;
+    if (file.Read(bytes, read) < 0) {
+        read = 0;
+    }
+    bytes.resize(read);
+    bytes.resize(std::min(bytes.find('\0'), bytes.size()));
+    text = std::move(bytes);
+    return opened;
+}
+
+qelcore::serialization::ValuePtr ParseDocument(std::string_view text)
+{
+    std::string error;
+    qelcore::serialization::ValuePtr root = qelcore::serialization::JSONParse(text, &error);
+    if (root == nullptr) {
+        throw malformed_document(error);
+    }
+    if (qelcore::serialization::ObjectHasProperty(root, kWrapperKey)) {
+        return qelcore::serialization::GetVariantInObject(root, kWrapperKey);
+    }
+    return root;
+}
+
+} // namespace ImporterTessel
