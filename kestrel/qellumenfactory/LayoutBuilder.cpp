@@ -1,0 +1,126 @@
+#include "LayoutBuilder.h"
+
+#include <qelui/controls/UI_Button.h>
+#include <qelui/controls/UI_Number.h>
+#include <qelui/controls/UI_Popup.h>
+#include <qelui/controls/UI_StaticText.h>
+
+#include <utility>
+
+namespace qellumenfactory {
+
+namespace {
+
+/// What the parser has found to be a whole number in a small range.
+int Whole(const LayoutNode& node, Key key, int fallback)
+{
+    return static_cast<int>(node.Number(key, fallback));
+}
+
+void SetUpGroup(qelui::UI_Group& group, const LayoutNode& node)
+{
+    group.SetOrientation(node.Text(Key::Orientation, "column") == "row" ? qelui::Orientation::Row
+                                                                        : qelui::Orientation::Column);
+    group.SetSpacing(Whole(node, Key::Spacing, -1));
+    group.SetMargin(Whole(node, Key::Margin, -1));
+    if (const Parameter* const border = node.Find(Key::Border)) {
+        group.SetBorder(std::get<bool>(border->value));
+    }
+}
+
+void SetUpNumber(qelui::UI_NumberView& number, const LayoutNode& node)
+{
+    number.SetLimits(node.Number(Key::MinValue), node.Number(Key::MaxValue));
+    number.SetZeroAllowed(node.Truth(Key::AllowZero, false));
+    number.SetDecimalPlaces(Whole(node, Key::DecimalPlaces, 0));
+    number.SetStep(node.Number(Key::Step, 1.0));
+    number.SetPostLabel(node.Text(Key::PostLabel));
+    number.SetValue(node.Number(Key::Value, 0.0));
+}
+
+void AddChildren(qelui::UI_Group& group, const LayoutNode& node);
+
+template <class Control>
+std::unique_ptr<Control> Make(const LayoutNode& node)
+{
+    auto control = std::make_unique<Control>(node.Text(Key::Identifier));
+    control->SetLabel(node.Text(Key::Label));
+    control->SetTooltip(node.Text(Key::Tooltip));
+    control->SetMinSize(Whole(node, Key::MinWidth, 0), Whole(node, Key::MinHeight, 0));
+    return control;
+}
+
+template <class Group>
+std::unique_ptr<Group> MakeGroup(const LayoutNode& node)
+{
+    auto group = Make<Group>(node);
+    SetUpGroup(*group, node);
+    AddChildren(*group, node);
+    return group;
+}
+
+template <class Number>
+std::unique_ptr<Number> MakeNumber(const LayoutNode& node)
+{
+    auto number = Make<Number>(node);
+    SetUpNumber(*number, node);
+    return number;
+}
+
+void AddControl(qelui::UI_Group& group, const LayoutNode& node)
+{
+    switch (node.kind) {
+    case NodeKind::Dialog: // the parser lets none in
+        break;
+    case NodeKind::Group:
+        group.Add(MakeGroup<qelui::UI_Group>(node));
+        break;
+    case NodeKind::RadioGroup:
+        group.Add(MakeGroup<qelui::UI_RadioGroup>(node));
+        break;
+    case NodeKind::OkCancelRow:
+        group.Add(std::make_unique<qelui::UI_OkCancelRow>(node.Text(Key::Identifier)));
+        break;
+    case NodeKind::Popup:
+        group.Add(Make<qelui::UI_Popup>(node));
+        break;
+    case NodeKind::NumberEdit:
+        group.Add(MakeNumber<qelui::UI_NumberEdit>(node));
+        break;
+    case NodeKind::HotTextNumber:
+        group.Add(MakeNumber<qelui::UI_HotTextNumber>(node));
+        break;
+    case NodeKind::Button:
+        group.Add(Make<qelui::UI_Button>(node));
+        break;
+    case NodeKind::StaticText:
+        group.Add(Make<qelui::UI_StaticText>(node));
+        break;
+    case NodeKind::CheckBox:
+        group.Add(Make<qelui::UI_CheckBox>(node)).SetChecked(node.Truth(Key::Checked, false));
+        break;
+    case NodeKind::RadioButton:
+        group.Add(Make<qelui::UI_RadioButton>(node)).SetValue(node.Truth(Key::Checked, false) ? 1 : 0);
+        break;
+    }
+}
+
+void AddChildren(qelui::UI_Group& group, const LayoutNode& node)
+{
+    for (const LayoutNode& child : node.children) {
+        AddControl(group, child);
+    }
+}
+
+} // namespace
+
+std::unique_ptr<qelui::UI_Dialog> BuildDialog(const LayoutNode& root)
+{
+    auto dialog = std::make_unique<qelui::UI_Dialog>(root.Text(Key::Identifier));
+    dialog->SetTitle(root.Text(Key::Title));
+    SetUpGroup(*dialog, root);
+    AddChildren(*dialog, root);
+    return dialog;
+}
+
+} // namespace qellumenfactory

@@ -1,0 +1,16 @@
+/// Makes controls from a layout.
+#pragma once
+
+#include "Layout.h"
+
+#include <qelui/dialogs/UI_Dialog.h>
+
+#include <memory>
+
+namespace qellumenfactory {
+
+/// The dialog that a parsed layout describes, every control in the layout's state. The layout is sound, as
+/// `ParseLayout` returns it.
+[[nodiscard]] std::unique_ptr<qelui::UI_Dialog> BuildDialog(const LayoutNode& root);
+
+} // namespace qellumenfactory

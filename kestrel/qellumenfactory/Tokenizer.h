@@ -1,0 +1,54 @@
+/// Cuts layout texts into tokens. Both dialects have the same ones.
+#pragma once
+
+#include "Layout.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qellumenfactory {
+
+enum class TokenKind { Word, Text, Number, Mark, End };
+
+struct Token {
+    TokenKind kind = TokenKind::End;
+    /// A word, a text without quotes and escapes, or one of the marks ( ) { } : , =
+    std::string text;
+    double number = 0.0;
+    Position position;
+
+    [[nodiscard]] bool Is(char mark) const noexcept { return kind == TokenKind::Mark && text.front() == mark; }
+};
+
+/// How a message calls the token: "'{'", "the word \"border\"", "the end".
+[[nodiscard]] std::string Describe(const Token& token);
+
+/// Hands out the tokens of one text; the text is borrowed and outlives this.
+class Tokenizer {
+public:
+    /// @param name  What errors call the text.
+    Tokenizer(std::string_view text, std::string_view name);
+
+    /// The next token; `End` for ever at the end. @throws LayoutError
+    [[nodiscard]] Token Next();
+
+    /// The comments passed since the last call.
+    [[nodiscard]] std::vector<std::string> TakeComments();
+
+private:
+    void SkipBlanksAndComments();
+    void Advance() noexcept;
+    [[nodiscard]] bool IsAtEnd() const noexcept { return mAt >= mText.size(); }
+    [[nodiscard]] Token ReadText();
+    [[nodiscard]] Token ReadNumber();
+    [[nodiscard]] Token ReadWord();
+
+    std::string_view mText;
+    std::string_view mName;
+    std::size_t mAt = 0;
+    Position mPosition;
+    std::vector<std::string> mComments;
+};
+
+} // namespace qellumenfactory

@@ -1,0 +1,65 @@
+/// Base of views that are built from a layout text.
+#pragma once
+
+#include <qelcore/classref/UnknownBase.h>
+#include <qelui/DrawSupplier.h>
+#include <qelui/TopLevelWindow.h>
+#include <qelui/dialogs/UI_Dialog.h>
+
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace qellumenfactory {
+
+/// What a layout asks of its view.
+class UI_ILumenView : public qelcore::classref::UnknownBase {
+public:
+    static constexpr std::string_view kTypeName = "qellumenfactory::UI_ILumenView";
+    /// Called once, when all controls exist and before anything is shown: look the controls up, register
+    /// handlers, set values. What it throws ends the view before it was shown.
+    virtual void BindControls() = 0;
+};
+
+/// Which dialect a view reads where its layout comes in both.
+enum LumenVersionPreference : int { kPreferSable = 0, kPreferLumen = 1 };
+
+/// A modal view. Life: made, given its script, run, read, gone. [ui-thread]
+class UI_LumenViewBase : public UI_ILumenView {
+public:
+    [[nodiscard]] void* QueryInterface(std::string_view typeName) noexcept override;
+
+    /// Writes the layout text for `identifier` to `stream`: the resource of that name in the file of a loaded
+    /// library, in the preferred dialect if it is there, else in the other one.
+    /// @return whether there is one.
+    [[nodiscard]] bool GetScriptStream(std::string_view identifier, std::ostream& stream) const;
+
+    /// Builds the controls that the layout in `stream` describes, has them bound, and runs the dialog;
+    /// returns when it has closed.
+    /// @throws LayoutError               the text is no layout.
+    /// @throws qelui::NoToolkitError     nothing here can show it.
+    /// @throws anything                  that `BindControls` or a change handler threw.
+    void ParseLumenScript(std::istream& stream);
+
+protected:
+    /// @param parent  Borrowed; null for none.
+    UI_LumenViewBase(std::string identifier, const qelui::DrawSupplier& supplier, qelui::TopLevelWindow* parent,
+                     LumenVersionPreference preference);
+    ~UI_LumenViewBase() override;
+
+    [[nodiscard]] const std::string& Identifier() const noexcept { return mIdentifier; }
+    [[nodiscard]] const qelui::DrawSupplier& GetDrawSupplier() const noexcept { return mSupplier; }
+    /// The dialog, from `BindControls` on.
+    [[nodiscard]] qelui::UI_Dialog& GetDialog() const noexcept { return *mDialog; }
+
+private:
+    std::string mIdentifier;
+    qelui::DrawSupplier mSupplier;
+    qelui::TopLevelWindow* mParent;
+    LumenVersionPreference mPreference;
+    std::unique_ptr<qelui::UI_Dialog> mDialog;
+};
+
+} // namespace qellumenfactory

@@ -1,0 +1,26 @@
+/// The host's defaults for views.
+#pragma once
+
+#include <qelui/DrawSupplier.h>
+
+namespace qellumenfactory {
+
+/// One object for the process. [ui-thread]
+class UI_NodeManager {
+public:
+    [[nodiscard]] static UI_NodeManager& Get();
+
+    /// What views are drawn with unless they are told otherwise: the dark theme at first. @{
+    [[nodiscard]] const qelui::DrawSupplier& GetDefaultDrawSupplier() const noexcept { return mSupplier; }
+    void SetDefaultDrawSupplier(const qelui::DrawSupplier& supplier) noexcept { mSupplier = supplier; }
+    /// @}
+
+    UI_NodeManager(const UI_NodeManager&) = delete;
+    UI_NodeManager& operator=(const UI_NodeManager&) = delete;
+
+private:
+    UI_NodeManager() = default;
+    qelui::DrawSupplier mSupplier;
+};
+
+} // namespace qellumenfactory

@@ -1,0 +1,37 @@
+/// The host's main window and what it shows.
+#pragma once
+
+#include <qelui/TopLevelWindow.h>
+
+#include <string>
+
+namespace qelworkspace::workspace {
+
+/// What a main window shows, by name ("View").
+class Workspace {
+public:
+    explicit Workspace(std::string name) : mName(std::move(name)) {}
+    [[nodiscard]] const std::string& Name() const noexcept { return mName; }
+
+private:
+    std::string mName;
+};
+
+/// Made by a program around its main window (see `SetNativeWindow`), so that plug-ins' dialogs stand over
+/// it; known to `WorkspaceUtils` from construction to destruction. [ui-thread]
+class MainWindow final : public qelui::TopLevelWindow {
+public:
+    explicit MainWindow(std::string workspaceName);
+    ~MainWindow() override;
+    [[nodiscard]] Workspace* GetWorkspace() noexcept override { return &mWorkspace; }
+
+private:
+    Workspace mWorkspace;
+};
+
+struct WorkspaceUtils {
+    /// The main window that was made first of those that live; null where there is none. [ui-thread]
+    [[nodiscard]] static qelui::TopLevelWindow* FindMainTopLevelWindow() noexcept;
+};
+
+} // namespace qelworkspace::workspace
