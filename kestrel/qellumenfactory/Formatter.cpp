@@ -4,6 +4,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <string_view>
 
@@ -32,9 +33,13 @@ std::string FormatText(std::string_view text)
 
 std::string FormatNumber(double number)
 {
-    // The shortest decimal form of a double has at most 24 characters.
+    // The shortest form that reads back the same; plain digits where these are what a person would write.
+    const double magnitude = std::abs(number);
+    const bool isPlain = magnitude == 0.0 || (magnitude >= 1e-5 && magnitude < 1e15);
+    // The shortest decimal form of a double has at most 24 characters, plain digits of these at most 26.
     std::array<char, 32> buffer{};
-    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                            isPlain ? std::chars_format::fixed : std::chars_format::general);
     (void)error;
     return {buffer.data(), end};
 }
