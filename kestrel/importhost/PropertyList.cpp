@@ -16,13 +16,14 @@ constexpr std::size_t kPropertyHeaderBytes = 16;
 /// A list of this kind has a handful of properties; the bound keeps a broken count from costing memory.
 constexpr std::uint32_t kMostProperties = 1024;
 
-std::string KeyText(std::uint32_t key)
+std::string Quoted(std::uint32_t key)
 {
-    std::string text;
+    std::string text = "\"";
     for (int shift = 24; shift >= 0; shift -= 8) {
         const auto character = static_cast<char>(key >> static_cast<unsigned>(shift) & 0xFFU);
         text += character >= ' ' && character <= '~' ? character : '?';
     }
+    text += '"';
     return text;
 }
 
@@ -73,7 +74,7 @@ Property ReadProperty(Reader& reader)
     property.id = reader.Integer(4, "a property's id");
     const std::uint32_t length = reader.Integer(4, "a property's length");
     if (length % 4 != 0) {
-        Refuse("\"" + KeyText(property.key) + "\" has a length of " + std::to_string(length) +
+        Refuse(Quoted(property.key) + " has a length of " + std::to_string(length) +
                ", a multiple of 4 expected");
     }
     const auto data = reader.Take(length, "a property's data");
@@ -86,13 +87,12 @@ void CheckPadding(const Property& property, std::size_t content)
 {
     const std::size_t expected = (content + 1 + 3) / 4 * 4;
     if (property.data.size() != expected) {
-        Refuse("\"" + KeyText(property.key) + "\" has a length of " + std::to_string(property.data.size()) +
-               ", " + std::to_string(expected) + " expected for " + std::to_string(content) +
-               " bytes of content");
+        Refuse(Quoted(property.key) + " has a length of " + std::to_string(property.data.size()) + ", " +
+               std::to_string(expected) + " expected for " + std::to_string(content) + " bytes of content");
     }
     if (std::any_of(property.data.begin() + static_cast<std::ptrdiff_t>(content), property.data.end(),
                     [](std::uint8_t byte) { return byte != 0; })) {
-        Refuse("\"" + KeyText(property.key) + "\" is not padded with zeros");
+        Refuse(Quoted(property.key) + " is not padded with zeros");
     }
 }
 
@@ -104,7 +104,7 @@ std::string CheckedText(const Property& property, std::size_t begin, std::size_t
         return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
     });
     if (text.empty() || hasControl || !qelcore::text::ToUTF16Strict(text)) {
-        Refuse("\"" + KeyText(property.key) + "\" is not a text of UTF-8 without control characters");
+        Refuse(Quoted(property.key) + " is not a text of UTF-8 without control characters");
     }
     return text;
 }
@@ -112,7 +112,7 @@ std::string CheckedText(const Property& property, std::size_t begin, std::size_t
 std::string PascalText(const Property& property)
 {
     if (property.data.empty()) {
-        Refuse("\"" + KeyText(property.key) + "\" is empty, a counted text expected");
+        Refuse(Quoted(property.key) + " is empty, a counted text expected");
     }
     const std::size_t count = property.data[0];
     CheckPadding(property, count + 1);
@@ -123,7 +123,7 @@ std::string CText(const Property& property)
 {
     const auto end = std::find(property.data.begin(), property.data.end(), std::uint8_t{0});
     if (end == property.data.end()) {
-        Refuse("\"" + KeyText(property.key) + "\" is not closed by a zero byte");
+        Refuse(Quoted(property.key) + " is not closed by a zero byte");
     }
     const auto length = static_cast<std::size_t>(end - property.data.begin());
     // The text's own closing zero is content: the padding's one zero byte comes behind it.
@@ -201,7 +201,7 @@ PropertyList ParsePropertyList(std::span<const std::uint8_t> bytes)
         Property property = ReadProperty(reader);
         if (property.vendor == kVendor) {
             if (Has(list, property.key)) {
-                Refuse("\"" + KeyText(property.key) + "\" comes twice");
+                Refuse(Quoted(property.key) + " comes twice");
             }
             Understand(property, list);
         }
@@ -213,7 +213,7 @@ PropertyList ParsePropertyList(std::span<const std::uint8_t> bytes)
     for (const std::uint32_t key : {FourCharacterCode("kind"), FourCharacterCode("name"),
                                     FourCharacterCode("eMNA"), FourCharacterCode("catg")}) {
         if (!Has(list, key)) {
-            Refuse("\"" + KeyText(key) + "\" is missing");
+            Refuse(Quoted(key) + " is missing");
         }
     }
     return list;

@@ -1,12 +1,14 @@
 /// The program's commands: each adds itself to the command line and runs in its callback.
 #pragma once
 
+#include <importhost/Clip.h>
 #include <importhost/Importer.h>
 
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace CLI {
 class App;
@@ -33,9 +35,27 @@ struct Context {
     /// The plug-in, loaded at the first call. @throws importhost::HostError
     [[nodiscard]] std::shared_ptr<const importhost::Importer> LoadImporter();
 
+    /// Opens a clip. A name that no clip can have is refused before the plug-in is loaded.
+    /// @throws importhost::HostError
+    [[nodiscard]] importhost::Clip OpenClip(const std::filesystem::path& file,
+                                            const importhost::OpenOptions& options = {});
+
 private:
     std::shared_ptr<const importhost::Importer> mImporter;
 };
+
+/// Writes to standard output. @throws importhost::HostError where it takes no more (closed pipe, full disk).
+/// @{
+void WriteOut(std::string_view text);
+/// Hands over what is still buffered; the program calls it at its end.
+void FlushOut();
+/// @}
+
+/// Writes "tessel: `line`" to standard error, control characters made visible so that it stays one line.
+void WriteError(std::string_view line) noexcept;
+
+/// Lets writes to a closed pipe fail instead of ending the program. Called once, before any thread.
+void IgnoreBrokenPipes() noexcept;
 
 /// Each registers one command. Its callback throws `importhost::HostError` for work that failed and
 /// `UsageError` for a wrong command line; the context outlives the app. @{

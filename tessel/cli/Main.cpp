@@ -4,11 +4,13 @@
 #include "Commands.h"
 
 #include <importhost/HostError.h>
+#include <importhost/PathText.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
+
 #include <exception>
 #include <new>
+#include <sstream>
 #include <string>
 
 namespace tessel::cli {
@@ -16,40 +18,59 @@ namespace tessel::cli {
 std::shared_ptr<const importhost::Importer> Context::LoadImporter()
 {
     if (!mImporter) {
-        mImporter = importhost::Importer::Load(importhost::FindPlugin(plugin),
-                                               noTestingPlugins
-                                                   ? importhost::TestingPlugins::AsDebugDatabaseSays
-                                                   : importhost::TestingPlugins::Allowed);
+        mImporter = importhost::Importer::Load(
+            importhost::FindPlugin(plugin), noTestingPlugins ? importhost::TestingPlugins::AsDebugDatabaseSays
+                                                             : importhost::TestingPlugins::Allowed);
     }
     return mImporter;
+}
+
+importhost::Clip Context::OpenClip(const std::filesystem::path& file, const importhost::OpenOptions& options)
+{
+    importhost::RequireUTF8Name(file);
+    return importhost::Clip::Open(LoadImporter(), file, options);
 }
 
 namespace {
 
 int Fail(int exitCode, const std::string& line)
 {
-    std::fprintf(stderr, "tessel: %s\n", line.c_str());
+    WriteError(line);
     return exitCode;
+}
+
+/// Parses and runs. @return the exit code; throws what a command throws.
+int ParseAndRun(CLI::App& app, const Context& context, int argc, char** argv)
+{
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& answer) { // --help and --version
+        std::ostringstream text;
+        app.exit(answer, text, text);
+        WriteOut(text.str());
+    } catch (const CLI::ParseError& error) {
+        return Fail(kWrongCommandLine, std::string(error.what()) + " (see tessel --help)");
+    }
+    FlushOut();
+    return context.exitCode;
 }
 
 int Run(int argc, char** argv)
 {
-    CLI::App app{"Exact test signals from small documents"};
-    app.name("tessel");
-    app.require_subcommand(1);
-    app.set_version_flag("--version", std::string("tessel ") + TESSEL_VERSION);
-
-    Context context;
-    app.add_option("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in");
-    app.add_flag("--no-testing-plugins", context.noTestingPlugins,
-                 "Load test plug-ins only where the debug database says so");
-    AddInfoCommand(app, context);
+    IgnoreBrokenPipes();
     try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& success) {
-        return app.exit(success);
-    } catch (const CLI::ParseError& error) {
-        return Fail(kWrongCommandLine, std::string(error.what()) + " (see tessel --help)");
+        CLI::App app{"Exact test signals from small documents"};
+        app.name("tessel");
+        app.require_subcommand(1);
+        app.fallthrough(); // the options below may also stand behind the command
+        app.set_version_flag("--version", std::string("tessel ") + TESSEL_VERSION);
+
+        Context context;
+        app.add_option("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in");
+        app.add_flag("--no-testing-plugins", context.noTestingPlugins,
+                     "Load test plug-ins only where the debug database says so");
+        AddInfoCommand(app, context);
+        return ParseAndRun(app, context, argc, argv);
     } catch (const UsageError& error) {
         return Fail(kWrongCommandLine, error.what());
     } catch (const std::bad_alloc&) {
@@ -57,7 +78,6 @@ int Run(int argc, char** argv)
     } catch (const std::exception& error) {
         return Fail(kWorkFailed, error.what());
     }
-    return context.exitCode;
 }
 
 } // namespace

@@ -1,0 +1,199 @@
+#include "ClipReport.h"
+
+#include "Names.h"
+
+#include <importhost/PathText.h>
+#include <pixmill/PixelFormatCodes.h>
+
+#include <fmt/format.h>
+
+#include <iterator>
+#include <utility>
+
+namespace tessel::cli {
+namespace {
+
+using importhost::Clip;
+using importhost::ClipDescription;
+using qelcore::serialization::AddToObject;
+using qelcore::serialization::Object;
+using qelcore::serialization::Value;
+
+Value Integer(std::int64_t number)
+{
+    return Value(number);
+}
+
+Value Text(std::string_view text)
+{
+    return Value(std::string(text));
+}
+
+bool IsStoredBottomRowFirst(const ClipDescription& description)
+{
+    return pixmill::IsBottomRowFirst(PM_QELPixelFormatToPMPixelFormat(description.pixelFormat));
+}
+
+double FramesPerSecond(const ClipDescription& description)
+{
+    return description.Rate().HasFrames()
+               ? static_cast<double>(description.timeScale) / static_cast<double>(description.sampleSize)
+               : 0.0;
+}
+
+double Seconds(const ClipDescription& description)
+{
+    return description.Rate().HasFrames()
+               ? static_cast<double>(description.frameCount) * static_cast<double>(description.sampleSize) /
+                     static_cast<double>(description.timeScale)
+               : 0.0;
+}
+
+/// Lines of two columns.
+class Table {
+public:
+    void Add(std::string_view name, std::string_view value)
+    {
+        fmt::format_to(std::back_inserter(mText), "{:<16}{}\n", name, value);
+    }
+    [[nodiscard]] std::string Take() { return std::move(mText); }
+
+private:
+    std::string mText;
+};
+
+std::string RatioText(qelmediatypes::PixelAspectRatio ratio)
+{
+    std::string text = fmt::format("{}/{}", ratio.GetNumerator(), ratio.GetDenominator());
+    if (const auto name = PixelAspectName(ratio); !name.empty()) {
+        text += fmt::format(" ({})", name);
+    }
+    return text;
+}
+
+std::string RateText(const ClipDescription& description)
+{
+    if (!description.Rate().HasFrames()) {
+        return fmt::format("none ({}/{} is no frame rate)", description.timeScale, description.sampleSize);
+    }
+    return fmt::format("{}/{} fps ({:.3f}), {} ticks per frame", description.timeScale, description.sampleSize,
+                       FramesPerSecond(description), description.Rate().ticksPerFrame);
+}
+
+std::string FormatText(const ClipDescription& description)
+{
+    return fmt::format("{} \"{}\"", PixelFormatName(description.pixelFormat),
+                       FourCharacterText(description.pixelFormatCode));
+}
+
+} // namespace
+
+std::string Timecode(std::int64_t frame, std::int32_t timeScale, std::int32_t sampleSize)
+{
+    if (timeScale <= 0 || sampleSize <= 0 || frame < 0) {
+        return "-";
+    }
+    const std::int64_t nearest = (std::int64_t{timeScale} * 2 + sampleSize) / (std::int64_t{sampleSize} * 2);
+    const std::int64_t rate = nearest > 0 ? nearest : 1;
+    const std::int64_t seconds = frame / rate;
+    return fmt::format("{:02}:{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60,
+                       frame % rate);
+}
+
+std::string ReportAsTable(const Clip& clip)
+{
+    const ClipDescription& description = clip.Description();
+    const ksSEIColorCodesRec& codes = description.colorCodes;
+    Table table;
+    table.Add("file", importhost::DisplayName(clip.File()));
+    table.Add("frame size", fmt::format("{}x{}", description.width, description.height));
+    table.Add("pixel aspect", RatioText(description.pixelAspect));
+    table.Add("pixel format", FormatText(description));
+    if (IsStoredBottomRowFirst(description)) {
+        table.Add("row order", "bottom row first in memory: what the settings call upper and top shows at the "
+                               "bottom of the picture");
+    }
+    table.Add("field order", FieldOrderName(description.Order()));
+    table.Add("frame rate", RateText(description));
+    table.Add("duration",
+              fmt::format("{} frames, {:.3f} s, {}", description.frameCount, Seconds(description),
+                          Timecode(description.frameCount, description.timeScale, description.sampleSize)));
+    // The record's fields are packed: copies, not references.
+    table.Add("color space",
+              fmt::format("{} (primaries {}, transfer {}, matrix {}, {} range)", description.colorSpaceName,
+                          std::int32_t{codes.primaries}, std::int32_t{codes.transfer},
+                          std::int32_t{codes.matrix}, codes.fullRange != 0 ? "full" : "limited"));
+    table.Add("color managed", description.supportsColorManagement ? "yes" : "no");
+    const auto layout = ChannelTypeName(description.channelType);
+    table.Add("audio",
+              fmt::format("{} Hz, {} {}, type {}{}", description.sampleRate, description.channelCount,
+                          description.channelCount == 1 ? "channel" : "channels", description.channelType,
+                          layout.empty() ? std::string() : fmt::format(" ({})", layout)));
+    if (!clip.Warning().empty()) {
+        table.Add("warning", "shown as the default clip: " + importhost::OneLine(clip.Warning()));
+    }
+    return table.Take();
+}
+
+Value ReportAsDocument(const Clip& clip)
+{
+    const ClipDescription& description = clip.Description();
+
+    Object aspect;
+    AddToObject(aspect, "numerator", Integer(description.pixelAspect.GetNumerator()));
+    AddToObject(aspect, "denominator", Integer(description.pixelAspect.GetDenominator()));
+    AddToObject(aspect, "name", Text(PixelAspectName(description.pixelAspect)));
+
+    Object format;
+    AddToObject(format, "code", Integer(description.pixelFormatCode));
+    AddToObject(format, "fourCharacterCode", Text(FourCharacterText(description.pixelFormatCode)));
+    AddToObject(format, "name", Text(PixelFormatName(description.pixelFormat)));
+    AddToObject(format, "bottomRowFirst", Value(IsStoredBottomRowFirst(description)));
+
+    Object rate;
+    AddToObject(rate, "numerator", Integer(description.timeScale));
+    AddToObject(rate, "denominator", Integer(description.sampleSize));
+    AddToObject(rate, "framesPerSecond", Value(FramesPerSecond(description)));
+    AddToObject(rate, "ticksPerFrame",
+                Integer(description.Rate().HasFrames() ? description.Rate().ticksPerFrame : 0));
+
+    Object duration;
+    AddToObject(duration, "frames", Integer(description.frameCount));
+    AddToObject(duration, "seconds", Value(Seconds(description)));
+    AddToObject(duration, "timecode",
+                Text(Timecode(description.frameCount, description.timeScale, description.sampleSize)));
+
+    Object color;
+    AddToObject(color, "name", Text(description.colorSpaceName));
+    AddToObject(color, "primaries", Integer(description.colorCodes.primaries));
+    AddToObject(color, "transfer", Integer(description.colorCodes.transfer));
+    AddToObject(color, "matrix", Integer(description.colorCodes.matrix));
+    AddToObject(color, "fullRange", Value(description.colorCodes.fullRange != 0));
+    AddToObject(color, "managed", Value(description.supportsColorManagement));
+
+    Object video;
+    AddToObject(video, "width", Integer(description.width));
+    AddToObject(video, "height", Integer(description.height));
+    AddToObject(video, "pixelAspectRatio", Value(std::move(aspect)));
+    AddToObject(video, "pixelFormat", Value(std::move(format)));
+    AddToObject(video, "fieldOrder", Text(FieldOrderName(description.Order())));
+    AddToObject(video, "fieldType", Integer(description.fieldType));
+    AddToObject(video, "frameRate", Value(std::move(rate)));
+    AddToObject(video, "duration", Value(std::move(duration)));
+    AddToObject(video, "colorSpace", Value(std::move(color)));
+
+    Object audio;
+    AddToObject(audio, "sampleRate", Value(static_cast<double>(description.sampleRate)));
+    AddToObject(audio, "channelCount", Integer(description.channelCount));
+    AddToObject(audio, "channelType", Integer(description.channelType));
+    AddToObject(audio, "layout", Text(ChannelTypeName(description.channelType)));
+
+    Object report;
+    AddToObject(report, "file", Text(clip.File().native()));
+    AddToObject(report, "video", Value(std::move(video)));
+    AddToObject(report, "audio", Value(std::move(audio)));
+    AddToObject(report, "warning", Text(clip.Warning()));
+    return Value(std::move(report));
+}
+
+} // namespace tessel::cli

@@ -1,0 +1,29 @@
+/// Readable names of the values that a clip has.
+#pragma once
+
+#include <brindle/PixelFormat.h>
+#include <importhost/Clip.h>
+#include <qelmediatypes/PixelAspectRatio.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tessel::cli {
+
+/// The host constant's name, "KsPixelFormat_BGRA_4444_8u"; "unknown" for no format.
+[[nodiscard]] std::string_view PixelFormatName(BR::PixelFormat format) noexcept;
+
+/// The four bytes of a code as text, "v210"; bytes that cannot be shown as "?".
+[[nodiscard]] std::string FourCharacterText(std::uint32_t code);
+
+/// The name of one of the host's ratios without its prefix, "DVNTSCWide"; empty for any other.
+[[nodiscard]] std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept;
+
+/// "progressive", "upper field first", "lower field first".
+[[nodiscard]] std::string_view FieldOrderName(importhost::FieldOrder order) noexcept;
+
+/// "stereo" for 2, "5.1" for 3; empty for any other code.
+[[nodiscard]] std::string_view ChannelTypeName(std::int32_t channelType) noexcept;
+
+} // namespace tessel::cli

@@ -1,0 +1,48 @@
+/// Standard output and standard error of all commands.
+
+#include "Commands.h"
+
+#include <importhost/HostError.h>
+#include <importhost/PathText.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace tessel::cli {
+namespace {
+
+[[noreturn]] void FailToWrite()
+{
+    const int error = errno != 0 ? errno : EIO;
+    throw importhost::HostError("cannot write to standard output: " + std::generic_category().message(error));
+}
+
+} // namespace
+
+void WriteOut(std::string_view text)
+{
+    errno = 0;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+        FailToWrite();
+    }
+}
+
+void FlushOut()
+{
+    errno = 0;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        FailToWrite();
+    }
+}
+
+void WriteError(std::string_view line) noexcept
+{
+    try {
+        std::fprintf(stderr, "tessel: %s\n", importhost::OneLine(line).c_str());
+    } catch (const std::exception&) {
+        std::fputs("tessel: out of memory\n", stderr);
+    }
+}
+
+} // namespace tessel::cli

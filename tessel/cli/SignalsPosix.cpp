@@ -1,0 +1,12 @@
+#include "Commands.h"
+
+#include <csignal>
+
+namespace tessel::cli {
+
+void IgnoreBrokenPipes() noexcept
+{
+    (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+} // namespace tessel::cli
