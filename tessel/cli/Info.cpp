@@ -25,6 +25,9 @@ void RunInfo(Context& context, const InfoOptions& options)
 {
     importhost::OpenOptions opening;
     opening.allowDefault = options.allowDefault;
+    if (options.clips.size() > 1) {
+        (void)context.LoadImporter(); // a plug-in that is not there is one error, not one for each clip
+    }
     qelcore::serialization::Array reports;
     bool isFirst = true;
     for (const std::filesystem::path& file : options.clips) {
