@@ -44,26 +44,26 @@ public:
     [[nodiscard]] bool IsNegative() const noexcept { return mPartials[mCount - 1] < 0; }
 
 private:
-    static constexpr std::size_t kMostTerms = 7; // three products in halves, one limit
+    static constexpr std::size_t kMostTerms = 9; // four products in halves, one limit
     std::array<double, kMostTerms> mPartials{};
     std::size_t mCount = 0;
 };
 
 } // namespace
 
-std::uint32_t ExactCode(const CodeRule& rule, const Components& components) noexcept
+std::uint32_t ExactCode(const CodeRules& rules, std::size_t index, const Components& components) noexcept
 {
     ExactSum weighted;
     for (std::size_t i = 0; i < components.size(); ++i) {
-        weighted.AddProduct(rule.weights[i], components[i]);
+        weighted.AddProduct(rules.weights[i][index], components[i]);
     }
     // The largest code k with weights·components >= divisor·(k - offset - 0.5). The end codes need no proof.
-    auto lowest = static_cast<std::uint32_t>(rule.lowest);
-    auto highest = static_cast<std::uint32_t>(rule.highest);
+    auto lowest = static_cast<std::uint32_t>(rules.lowest[index]);
+    auto highest = static_cast<std::uint32_t>(rules.highest[index]);
     while (lowest < highest) {
         const std::uint32_t code = (lowest + highest + 1) / 2;
         ExactSum excess = weighted;
-        excess.Add(-rule.divisor * (code - rule.offset - 0.5));
+        excess.Add(-rules.divisor[index] * (code - rules.offset[index] - 0.5));
         if (excess.IsNegative()) {
             highest = code - 1;
         } else {

@@ -2,61 +2,70 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace pixmill {
 
-/// Three colour components. Each is a float or the product of two floats, hence exact in a double.
-using Components = std::array<double, 3>;
+/// Blue, green, red, alpha. Each is a float or the product of two floats, hence exact in a double.
+using Components = std::array<double, 4>;
 
+/// Rules for four codes at once:
 /// code = floor(weights·components / divisor + offset + 0.5), kept in lowest..highest.
 ///
-/// All numbers are integers, at most 2^23 in magnitude, so that sums of products can be had without error.
-struct CodeRule {
-    Components weights;
-    double divisor; ///< above 0
-    double offset;
-    double lowest, highest; ///< 0 <= lowest < highest <= 1023
-    double reciprocal = 1 / divisor;
+/// All are integers, weights below 2^23 in magnitude, so that their products with components can be had
+/// without error; no weight passes 2^10 times its divisor.
+struct CodeRules {
+    static constexpr std::size_t kCount = 4;
+    using PerCode = std::array<double, kCount>;
+
+    std::array<PerCode, 4> weights; ///< by component, then by code: what the compilers make vectors of
+    PerCode divisor;                ///< above 0
+    PerCode offset;
+    PerCode lowest, highest; ///< 0 <= lowest < highest <= 1023
+
+    // Made of the above, for `QuickCodes`.
+    PerCode reciprocal; ///< of the divisor
+    PerCode shift;      ///< offset + 0.5
+    PerCode least;      ///< lowest + 0.25 and highest + 0.75: clipped there, a value has the right integer part
+    PerCode most;       ///< and is far from a tie
 };
 
-/// How far `FastCode` trusts its own arithmetic, which rounds some ten times, for given components.
-///
-/// Weights over divisor stay below 2^10, so ten roundings of 2^-53 make less than 2^-39 of the components'
-/// sum; codes of up to 2^10 add the rest.
-[[nodiscard]] inline double CodeTolerance(const Components& components) noexcept;
+using Codes = std::array<std::uint32_t, CodeRules::kCount>;
 
-/// The code that the rule gives in exact arithmetic.
+/// One code in exact arithmetic throughout. Costs some hundred nanoseconds.
+[[nodiscard]] std::uint32_t ExactCode(const CodeRules& rules, std::size_t index,
+                                      const Components& components) noexcept;
+
+/// The codes that the rules give, where plain arithmetic in double can be trusted with that.
 ///
 /// @param components  Finite.
-/// @param tolerance   `CodeTolerance(components)`.
-[[nodiscard]] inline std::uint32_t Code(const CodeRule& rule, const Components& components,
-                                        double tolerance) noexcept;
-
-/// The same by exact arithmetic throughout: some hundred nanoseconds.
-[[nodiscard]] std::uint32_t ExactCode(const CodeRule& rule, const Components& components) noexcept;
-
-inline double CodeTolerance(const Components& components) noexcept
+/// @param magnitude   At least the sum of the components' magnitudes.
+/// @return Whether it can: false where a value lies too near to a tie, and then `codes` means nothing.
+[[nodiscard]] inline bool QuickCodes(const CodeRules& rules, const Components& components, double magnitude,
+                                     Codes& codes) noexcept
 {
-    const auto magnitude = [](double value) { return value < 0 ? -value : value; };
-    return 0x1p-38 * (1 + magnitude(components[0]) + magnitude(components[1]) + magnitude(components[2]));
-}
+    // Ten roundings of 2^-53, of sums of up to 2^10 times the components and of codes of up to 2^10, stay
+    // below this distance.
+    const double doubt = 0x1p-38 * (1 + magnitude);
 
-inline std::uint32_t Code(const CodeRule& rule, const Components& components, double tolerance) noexcept
-{
-    const double sum =
-        rule.weights[0] * components[0] + rule.weights[1] * components[1] + rule.weights[2] * components[2];
-    double shifted = sum * rule.reciprocal + (rule.offset + 0.5);
-    // A quarter inside the end codes: what is clipped cannot be taken for a value near a tie.
-    shifted = shifted > rule.lowest + 0.25 ? shifted : rule.lowest + 0.25;
-    shifted = shifted < rule.highest + 0.75 ? shifted : rule.highest + 0.75;
-    const auto code = static_cast<std::int32_t>(shifted);
-    const double fraction = shifted - code;
-    const double toTie = fraction < 0.5 ? fraction : 1 - fraction;
-    if (toTie <= tolerance) [[unlikely]] {
-        return ExactCode(rule, components);
+    CodeRules::PerCode distance; // from a tie
+    std::array<std::int32_t, CodeRules::kCount> rounded;
+    for (std::size_t i = 0; i < CodeRules::kCount; ++i) {
+        const double sum = rules.weights[0][i] * components[0] + rules.weights[1][i] * components[1] +
+                           (rules.weights[2][i] * components[2] + rules.weights[3][i] * components[3]);
+        double shifted = sum * rules.reciprocal[i] + rules.shift[i];
+        shifted = shifted > rules.least[i] ? shifted : rules.least[i];
+        shifted = shifted < rules.most[i] ? shifted : rules.most[i];
+        rounded[i] = static_cast<std::int32_t>(shifted);
+        const double fromMiddle = shifted - rounded[i] - 0.5;
+        distance[i] = 0.5 - (fromMiddle < 0 ? -fromMiddle : fromMiddle);
     }
-    return static_cast<std::uint32_t>(code);
+    codes = {static_cast<std::uint32_t>(rounded[0]), static_cast<std::uint32_t>(rounded[1]),
+             static_cast<std::uint32_t>(rounded[2]), static_cast<std::uint32_t>(rounded[3])};
+    const double first = distance[0] < distance[1] ? distance[0] : distance[1];
+    const double second = distance[2] < distance[3] ? distance[2] : distance[3];
+    return (first < second ? first : second) > doubt;
 }
 
 } // namespace pixmill

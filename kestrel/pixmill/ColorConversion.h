@@ -33,14 +33,14 @@ namespace pixmill {
 /// Blue, green, red, alpha: the layout of code 260.
 using ColorBGRA = std::array<float, 4>;
 
+/// What a row filled with a colour consists of, over and over: 16 bytes, which are 4 pixels of an 8-bit 4:4:4
+/// format, 1 pixel of a float format, 4 pairs of pixels of a 4:2:2 format (in its own order), or the 6 pixels
+/// of a v210 group.
+using FillPattern = std::array<std::byte, 16>;
+
 /// A colour ready to be written.
 struct StoredColor {
-    static constexpr std::size_t kPatternBytes = 16;
-
-    /// What a row filled with the colour consists of, over and over: 16 bytes, which are 4 pixels of an
-    /// 8-bit 4:4:4 format, 1 pixel of a float format, 4 pairs of pixels of a 4:2:2 format (in its own order),
-    /// or the 6 pixels of a v210 group.
-    alignas(kPatternBytes) std::array<std::byte, kPatternBytes> pattern;
+    FillPattern pattern;
 };
 
 /// How many pixels share the smallest piece of a format that can be written by itself.

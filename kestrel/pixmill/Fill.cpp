@@ -1,9 +1,11 @@
 #include "Fill.h"
 
+#include "CodeTable.h"
 #include "ColorConversion.h"
 #include "FillRow.h"
-#include "PixelFormatCodes.h"
+#include "IntegerConversion.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -14,13 +16,26 @@ namespace {
 constexpr std::int32_t kFilled = 0;
 constexpr std::int32_t kBadArgument = -1;
 
-/// Writes the samples of an incomplete last group that pixels use, and 0 in the others.
-void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels,
-                   const StoredColor& color) noexcept
+struct __attribute__((packed, may_alias)) UnalignedFloat {
+    float value;
+};
+
+/// Callers have only just stored a colour, component by component. One wide load of all four, which is what
+/// the compilers make of plain reads, would wait until those stores, and the whole row stored before them, had
+/// reached the cache: half the time of a short row. Hence the volatile.
+ColorBGRA LoadColor(const void* color) noexcept
 {
+    const auto* const components = static_cast<const volatile UnalignedFloat*>(color);
+    return {components[0].value, components[1].value, components[2].value, components[3].value};
+}
+
+/// Writes the samples of an incomplete last group that pixels use, and 0 in the others.
+void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels, FillWords pattern) noexcept
+{
+    const auto bytes = std::bit_cast<FillPattern>(pattern);
     if ((code & kBitV210) == 0) {
         // One pixel of a pair: its luma and the pair's chroma.
-        std::memcpy(group, color.pattern.data(), 4);
+        std::memcpy(group, bytes.data(), 4);
         group[(code & kBitSwapped) != 0 ? 2 : 3] = std::byte{0};
         return;
     }
@@ -29,7 +44,7 @@ void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels,
     const std::uint32_t samples = pixels * 2 + pixels % 2;
     for (std::uint32_t word = 0; word < 4; ++word) {
         std::uint32_t value = 0;
-        std::memcpy(&value, color.pattern.data() + std::size_t{word} * 4, 4);
+        std::memcpy(&value, bytes.data() + std::size_t{word} * 4, 4);
         const std::uint32_t used = samples > word * 3 ? samples - word * 3 : 0;
         if (used < 3) {
             value &= (1U << (10 * used)) - 1;
@@ -38,28 +53,59 @@ void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels,
     }
 }
 
+[[gnu::noinline]] void FillManyRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width,
+                                    std::uint32_t rows, std::uint32_t code, FillWords pattern) noexcept
+{
+    const PixelGroup group = GroupOf(code);
+    const std::size_t wholeBytes = std::size_t{width / group.pixels} * group.bytes;
+    const std::uint32_t lastPixels = width % group.pixels;
+    if (lastPixels == 0 && static_cast<std::ptrdiff_t>(wholeBytes) == rowBytes) {
+        FillRow(pixels, wholeBytes * rows, pattern);
+        return;
+    }
+    for (std::uint32_t i = 0; i < rows; ++i) {
+        std::byte* const row = pixels + static_cast<std::ptrdiff_t>(i) * rowBytes;
+        FillRow(row, wholeBytes, pattern);
+        if (lastPixels != 0) {
+            FillLastGroup(row + wholeBytes, code, lastPixels, pattern);
+        }
+    }
+}
+
+/// A gradient fills row by row, and then every store to the stack that a call brings takes part of the time
+/// that a short row takes: hence whole rows one at a time first, and the rest behind calls.
+inline void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, std::uint32_t rows,
+                     std::uint32_t code, FillWords pattern) noexcept
+{
+    const PixelGroup group = GroupOf(code);
+    if (rows == 1 && width % group.pixels == 0) {
+        FillRow(pixels, std::size_t{width / group.pixels} * group.bytes, pattern);
+    } else {
+        FillManyRows(pixels, rowBytes, width, rows, code, pattern);
+    }
+}
+
+[[gnu::noinline]] void FillCarefully(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width,
+                                     std::uint32_t rows, std::uint32_t code, const ColorBGRA& color) noexcept
+{
+    FillRows(pixels, rowBytes, width, rows, code, std::bit_cast<FillWords>(ConvertColor(code, color).pattern));
+}
+
 } // namespace
 
 std::int32_t PM_FillWithColor(void* pixels, std::int32_t rowBytes, std::uint32_t width, std::uint32_t rows,
                               std::uint32_t destCode, const void* color, std::uint32_t colorCode) noexcept
 {
-    if (pixels == nullptr || color == nullptr || colorCode != kBGRAFloat || !IsPaintable(destCode)) {
+    if (pixels == nullptr || color == nullptr || colorCode != kBGRAFloat || !IsInPaintableTable(destCode)) {
         return kBadArgument;
     }
-    ColorBGRA given;
-    std::memcpy(given.data(), color, sizeof(given));
-    const StoredColor stored = ConvertColor(destCode, given);
-    const PixelGroup group = GroupOf(destCode);
-    const std::size_t wholeBytes = std::size_t{width / group.pixels} * group.bytes;
-    const std::uint32_t lastPixels = width % group.pixels;
-
-    auto* row = static_cast<std::byte*>(pixels);
-    for (std::uint32_t i = 0; i < rows; ++i) {
-        std::byte* const at = row + static_cast<std::ptrdiff_t>(i) * rowBytes;
-        FillRow(at, wholeBytes, stored.pattern);
-        if (lastPixels != 0) {
-            FillLastGroup(at + wholeBytes, destCode, lastPixels, stored);
-        }
+    auto* const bytes = static_cast<std::byte*>(pixels);
+    const ColorBGRA given = LoadColor(color);
+    FillWords pattern; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    if ((destCode & kBitFloat) == 0 && ConvertQuickly(destCode, given, pattern)) [[likely]] {
+        FillRows(bytes, rowBytes, width, rows, destCode, pattern);
+    } else {
+        FillCarefully(bytes, rowBytes, width, rows, destCode, given);
     }
     return kFilled;
 }

@@ -3,17 +3,29 @@
 
 #include "ColorConversion.h"
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 
 namespace pixmill {
 
-using FillPattern = decltype(StoredColor::pattern);
+/// A `FillPattern` in two little-endian words. Between the conversion of a colour and the wide stores a pattern
+/// travels like this, in registers: put together in memory from narrow stores and read back at once, it would
+/// have to wait until the row painted before has left the store queue, a fifth of the time of a short row.
+struct FillWords {
+    std::uint64_t low, high;
+};
 
 /// Writes `byteCount` bytes of the pattern, which starts anew at `row`.
 ///
 /// @param row        Borrowed; any alignment; exactly `byteCount` bytes are written.
 /// @param byteCount  A multiple of 4.
 /// Threads: [any-thread].
-void FillRow(std::byte* row, std::size_t byteCount, const FillPattern& pattern) noexcept;
+void FillRow(std::byte* row, std::size_t byteCount, FillWords pattern) noexcept;
+
+inline void FillRow(std::byte* row, std::size_t byteCount, const FillPattern& pattern) noexcept
+{
+    FillRow(row, byteCount, std::bit_cast<FillWords>(pattern));
+}
 
 } // namespace pixmill
