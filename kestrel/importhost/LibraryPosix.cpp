@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include <string>
+#include <system_error>
 
 namespace importhost {
 
@@ -40,7 +41,10 @@ std::filesystem::path HostLibraryFolder()
     if (dladdr(reinterpret_cast<const void*>(&HostLibraryFolder), &info) == 0 || info.dli_fname == nullptr) {
         return {};
     }
-    return std::filesystem::absolute(info.dli_fname).parent_path();
+    // "bin/../lib" as the loader found it becomes "lib"; links are followed to where the library really is.
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(info.dli_fname, error);
+    return error ? std::filesystem::path() : file.parent_path();
 }
 
 } // namespace importhost

@@ -110,8 +110,9 @@ std::string ReportAsTable(const Clip& clip)
     table.Add("pixel aspect", RatioText(description.pixelAspect));
     table.Add("pixel format", FormatText(description));
     if (IsStoredBottomRowFirst(description)) {
-        table.Add("row order", "bottom row first in memory: what the settings call upper and top shows at the "
-                               "bottom of the picture");
+        table.Add("row order",
+                  "bottom row first in memory; in field colors and gradient, \"upper\" and \"top\" "
+                  "show at the bottom");
     }
     table.Add("field order", FieldOrderName(description.Order()));
     table.Add("frame rate", RateText(description));
