@@ -14,9 +14,10 @@ namespace ImporterTessel {
 namespace {
 
 // Pi in three parts, the first two of 30 bits: n × part is exact for n below 2^23. Together they are pi to
-// 2^-113, so that a phase beside a multiple of pi keeps a relative error near a double's own.
-constexpr double kPiHigh = 0x1.921fb548p+1;
-constexpr double kPiMiddle = -0x1.de973ddp-30;
+// 2^-113, so that a phase beside a multiple of pi keeps a relative error near a double's own. All are positive,
+// which lets a phase of -0 keep its sign.
+constexpr double kPiHigh = 0x1.921fb54000000p+1;
+constexpr double kPiMiddle = 0x1.10b4611800000p-29;
 constexpr double kPiLow = 0x1.313198a2e0370p-60;
 constexpr double kOneOverPi = 0x1.45f306dc9c883p-2;
 static_assert(kLargestVectorPhase * kOneOverPi < 0x1p23);
@@ -48,7 +49,7 @@ constexpr double kC6 = -0x1.9f1526a6a914cp-41;
         const double z2 = z * z;
         const double z4 = z2 * z2;
         const double polynomial = ((kC0 + kC1 * z) + (kC2 + kC3 * z) * z2) + ((kC4 + kC5 * z) + kC6 * z2) * z4;
-        // The product, not r + r·z·p: a phase of -0 keeps its sign.
+        // The product, not r + r·z·p, again for the sign of -0.
         const double sine = r * (1.0 + z * polynomial);
         // Odd half cycles have the other sign.
         const std::uint64_t sign = std::bit_cast<std::uint64_t>(shifted) << 63U;

@@ -1,0 +1,149 @@
+#include "AudioTestSupport.h"
+
+#include <ImporterTessel/audio/AudioSynthesis.h>
+#include <ImporterTessel/audio/MultichannelIdentification.h>
+#include <ImporterTessel/audio/SteadyTone.h>
+#include <ImporterTessel/audio/StereoIdentification.h>
+#include <ImporterTessel/settings/TesselInfo.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <vector>
+
+namespace {
+
+using audiotest::Buffers;
+using audiotest::RateOf;
+using audiotest::RequestAt;
+using audiotest::SameBits;
+using ImporterTessel::SynthesizeAudio;
+using ImporterTessel::TesselInfo;
+
+constexpr std::int64_t kMinimum = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kMaximum = std::numeric_limits<std::int64_t>::max();
+
+TesselInfo Identification(std::int32_t format)
+{
+    TesselInfo info;
+    info.mToneFormat = ImporterTessel::kToneIdentifyChannels;
+    info.mIdentifierFormat = format;
+    info.mNumChannels = 6;
+    return info;
+}
+
+Buffers Rendered(const TesselInfo& info, std::int64_t position, std::uint32_t count)
+{
+    Buffers buffers(6, count);
+    SynthesizeAudio(info, position, count, buffers.Channels());
+    return buffers;
+}
+
+void ExpectSame(const Buffers& actual, const Buffers& expected)
+{
+    for (std::int32_t channel = 0; channel < 6; ++channel) {
+        EXPECT_TRUE(SameBits(actual[channel], expected[channel])) << "channel " << channel;
+    }
+}
+
+TEST(AudioSynthesis, OfADefaultClipIsAStereoToneOf1000Hertz)
+{
+    const Buffers buffers = Rendered(TesselInfo(), 480, 1000);
+    const std::vector<float> tone = audiotest::SineFrom(480, 1000, {1000.0F, 0.25F}, RateOf(48000.0F));
+    EXPECT_TRUE(SameBits(buffers[0], tone));
+    EXPECT_TRUE(SameBits(buffers[1], tone));
+    EXPECT_TRUE(buffers.IsUntouched(2));
+}
+
+TEST(AudioSynthesis, TakesEveryToneFormatButOneForTheSteadyTone)
+{
+    for (const std::int32_t format : {0, 2, -1, 77}) {
+        TesselInfo info = Identification(ImporterTessel::kIdentifierBLITS);
+        info.mToneFormat = format;
+        info.mSteadyToneFrequency = 440.0F;
+        info.mSteadyToneAmplitude = 0.5F;
+        info.mSampleRate = 44100.0F;
+        Buffers expected(6, 700);
+        SynthesizeSteadyTone(RequestAt(9, RateOf(44100.0F), expected), {440.0F, 0.5F}, 6);
+        ExpectSame(Rendered(info, 9, 700), expected);
+    }
+}
+
+TEST(AudioSynthesis, ChoosesTheIdentificationByItsNumber)
+{
+    constexpr std::int64_t kPosition = 3 * 48000;
+    constexpr std::uint32_t kCount = 100'000;
+    Buffers expected(6, kCount);
+    SynthesizeStereoIdentification(RequestAt(kPosition, RateOf(48000.0F), expected), 1000.0F);
+    ExpectSame(Rendered(Identification(0), kPosition, kCount), expected);
+    SynthesizeStereoIdentification(RequestAt(kPosition, RateOf(48000.0F), expected), 400.0F);
+    ExpectSame(Rendered(Identification(1), kPosition, kCount), expected);
+    SynthesizeEBUMultichannel(RequestAt(kPosition, RateOf(48000.0F), expected));
+    ExpectSame(Rendered(Identification(2), kPosition, kCount), expected);
+    SynthesizeBLITS(RequestAt(kPosition, RateOf(48000.0F), expected));
+    ExpectSame(Rendered(Identification(3), kPosition, kCount), expected);
+}
+
+TEST(AudioSynthesis, WritesNothingForAnUnknownIdentification)
+{
+    for (const std::int32_t format : {-1, 4, 7, std::numeric_limits<std::int32_t>::max()}) {
+        const Buffers buffers = Rendered(Identification(format), 0, 100);
+        for (std::int32_t channel = 0; channel < 6; ++channel) {
+            EXPECT_TRUE(buffers.IsUntouched(channel));
+        }
+    }
+}
+
+TEST(AudioSynthesis, OfNoSamplesOrWithoutBuffersDoesNothing)
+{
+    for (std::int32_t format = -1; format < 4; ++format) {
+        TesselInfo info = Identification(format);
+        info.mToneFormat = format < 0 ? 0 : 1;
+        SynthesizeAudio(info, 0, 0, nullptr);
+        SynthesizeAudio(info, 0, 1000, nullptr);
+        const Buffers buffers = Rendered(info, 0, 0);
+        EXPECT_TRUE(buffers.GuardsStand());
+    }
+}
+
+class OddSampleRate : public ::testing::TestWithParam<float> {};
+
+// Whatever the numbers: it ends, every sample of the pattern's channels is written, and none beside.
+TEST_P(OddSampleRate, FillsTheBuffersAndNothingElseFromAnyPosition)
+{
+    for (const std::int64_t position :
+         {kMinimum, kMinimum + 1, kMinimum + 2'000, kMinimum / 5'292'000, std::int64_t{-1}, std::int64_t{0},
+          std::int64_t{1}, std::int64_t{1'728'000'000}, kMaximum / 5'292'000 - 700, kMaximum - 2'000,
+          kMaximum - 1, kMaximum}) {
+        for (const std::uint32_t count : {1U, 2U, 511U, 512U, 513U, 5000U}) {
+            for (std::int32_t format = -1; format < 4; ++format) {
+                TesselInfo info = Identification(format);
+                info.mToneFormat = format < 0 ? 0 : 1;
+                info.mSampleRate = GetParam();
+                const Buffers buffers = Rendered(info, position, count);
+                EXPECT_TRUE(buffers.GuardsStand());
+                const bool isStereo = format == 0 || format == 1;
+                for (std::int32_t channel = 0; channel < 6; ++channel) {
+                    EXPECT_TRUE(isStereo && channel > 1 ? buffers.IsUntouched(channel)
+                                                        : buffers.IsWritten(channel))
+                        << "channel " << channel << " of format " << format << ", " << count << " samples from "
+                        << position;
+                }
+            }
+        }
+    }
+}
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+INSTANTIATE_TEST_SUITE_P(Rates, OddSampleRate,
+                         ::testing::Values(0.0F, -0.0F, 1e-45F, 1e-30F, 0.5F, 3.0F, 47999.7F, 48000.0F, 1e11F,
+                                           2e11F, 2.6e11F, 1e12F, 3e38F, -1e-30F, -48000.0F, -3e38F, kNaN,
+                                           kInfinity, -kInfinity),
+                         [](const auto& info) { return std::to_string(info.index); });
+
+} // namespace
