@@ -61,17 +61,16 @@ void Opening(Plugin& plugin)
     const int failures = FailEach([&] {
         open.Put<ksInstance>(36, nullptr);
         const std::int32_t answer = plugin.Request(39, ForeignStdParms(), nullptr, open.Data());
+        const bool failed = AllocationFailures::HasFailed();
+        AllocationFailures::Stop();
+        const auto instance = open.Get<ksInstance>(36);
         if (answer != 0) {
-            AllocationFailures::Stop();
-            Expect(open.Get<ksInstance>(36) == nullptr, "a failed open leaves an instance in a fresh slot");
+            Expect(instance == nullptr, "a failed open leaves an instance in a fresh slot");
         } else {
-            const bool failed = AllocationFailures::HasFailed();
-            AllocationFailures::Stop();
-            ExpectEqual(plugin.Request(9, ForeignStdParms(), nullptr, open.Get<ksInstance>(36)), 0,
-                        "selector 9");
-            if (failed) {
-                AllocationFailures::PretendFailed();
-            }
+            ExpectEqual(plugin.Request(9, ForeignStdParms(), nullptr, instance), 0, "selector 9");
+        }
+        if (failed) {
+            AllocationFailures::PretendFailed();
         }
         return answer;
     });

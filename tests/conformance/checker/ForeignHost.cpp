@@ -30,17 +30,17 @@ const std::uint8_t* ForeignFrame::Row(int row) const
 
 bool ForeignFrame::GuardsIntact() const
 {
-    std::vector<bool> isPixel(memory.size(), false);
+    // Rows in the order of their addresses: what lies between two of them is padding.
+    const auto isGuard = [](std::uint8_t byte) { return byte == kGuard; };
+    const std::uint8_t* from = memory.data();
     for (int row = 0; row < rows; ++row) {
-        const auto at = Row(row) - memory.data();
-        std::fill_n(isPixel.begin() + at, usedBytes, true);
-    }
-    for (std::size_t at = 0; at < memory.size(); ++at) {
-        if (!isPixel[at] && memory[at] != kGuard) {
+        const std::uint8_t* pixels = Row(step < 0 ? rows - 1 - row : row);
+        if (!std::all_of(from, pixels, isGuard)) {
             return false;
         }
+        from = pixels + usedBytes;
     }
-    return true;
+    return std::all_of(from, memory.data() + memory.size(), isGuard);
 }
 
 ForeignHostState& Foreign()

@@ -55,8 +55,8 @@ void PropertyList(Plugin& plugin)
         {"name", Padded(Pascal(kNameKey))},
         {"eMNA", Padded(Pascal("ZOKE Tessel"))},
         {"catg", Padded(Pascal("Importer"))},
-        {"wx86", Padded("xFilter")},
-        {"8664", Padded("xFilter")},
+        {"wx86", Padded(std::string("xFilter\0", 8))},
+        {"8664", Padded(std::string("xFilter\0", 8))},
         {"ePVR", Padded(LittleEndian(2, 2) + LittleEndian(1, 2))},
         {"eSVR", Padded(LittleEndian(3, 4))},
         {"eVER", Padded(std::string("\0\0\x30\0", 4))},
@@ -68,7 +68,13 @@ void PropertyList(Plugin& plugin)
     }
     const auto bytes = plugin.Section(kPropertyListSection);
     Expect(bytes.has_value(), "the file has no property list");
-    Expect(std::string(bytes->begin(), bytes->end()) == expected, "the property list is not as laid out");
+    const auto differs =
+        std::mismatch(bytes->begin(), bytes->end(), expected.begin(), expected.end(),
+                      [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); });
+    Expect(differs.first == bytes->end() && differs.second == expected.end(),
+           "the property list of " + std::to_string(bytes->size()) + " bytes, where " +
+               std::to_string(expected.size()) + " are right, differs at byte " +
+               std::to_string(differs.first - bytes->begin()));
 }
 
 void SmallResources(Plugin& plugin)

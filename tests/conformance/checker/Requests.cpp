@@ -12,7 +12,7 @@ const std::vector<std::pair<std::string, std::string>>& RequiredMembers()
     static const std::string kColor =
         R"({"mAlphaPart": 1.0, "mRedPart": 1.0, "mGreenPart": 0.5, "mBluePart": 0.25})";
     static const std::vector<std::pair<std::string, std::string>> kMembers = {
-        {"mPixelFormat", "1633838946"}, // "bgra"
+        {"mPixelFormat", "1634887522"}, // "bgra"
         {"mFrameWidth", "32"},
         {"mFrameHeight", "18"},
         {"mFramePAR", R"({"numerator": 10, "denominator": 11})"},

@@ -3,6 +3,7 @@
 #include "Check.h"
 #include "Requests.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>
@@ -43,7 +44,7 @@ struct Chart {
         replace("\"mFrameWidth\": 32", "\"mFrameWidth\": " + width);
         replace("\"mFrameHeight\": 18", "\"mFrameHeight\": " + height);
         replace("\"mRenderFormat\": 0", "\"mRenderFormat\": 2");
-        replace("1633838946", std::to_string(pixelFormat));
+        replace("1634887522", std::to_string(pixelFormat));
         return document;
     }
 };
@@ -59,10 +60,10 @@ Color ColorAt(const ForeignFrame& frame, int x, int y)
 bool IsUnpainted(const ForeignFrame& frame)
 {
     for (int row = 0; row < frame.rows; ++row) {
-        for (std::size_t at = 0; at < frame.usedBytes; ++at) {
-            if (frame.Row(row)[at] != Foreign().filling) {
-                return false;
-            }
+        const std::uint8_t* pixels = frame.Row(row);
+        if (std::count(pixels, pixels + frame.usedBytes, Foreign().filling) !=
+            static_cast<std::ptrdiff_t>(frame.usedBytes)) {
+            return false;
         }
     }
     return true;
