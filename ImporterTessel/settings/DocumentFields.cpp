@@ -47,7 +47,7 @@ void FieldFromValue(const ValuePtr& value, std::string_view key, std::int64_t& f
 
 void FieldFromValue(const ValuePtr& value, std::string_view key, float& field)
 {
-    field = static_cast<float>(AsNumber(value, key));
+    field = AsFloat(value, key);
 }
 
 void FieldFromValue(const ValuePtr& value, std::string_view key, bool& field)
