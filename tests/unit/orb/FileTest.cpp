@@ -1,0 +1,201 @@
+#include <orb/File.h>
+
+#include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
+
+#include <string>
+
+namespace {
+
+using namespace ORB;
+using test::ReadFile;
+using test::TemporaryFolder;
+using test::WriteFile;
+
+Status CreateUsual(const std::filesystem::path& path, File& file)
+{
+    return File::Create(path.u16string(), 3, 3, 2, 1, 0, file);
+}
+
+TEST(FileRead, GivesSizeAndBytes)
+{
+    const TemporaryFolder folder;
+    const std::string bytes("a\0b\xFF\n", 5);
+    WriteFile(folder / "in", bytes);
+    File file;
+    ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), file), kDone);
+    std::uint64_t size = 0;
+    ASSERT_EQ(file.GetSizeOnDisk(size), kDone);
+    EXPECT_EQ(size, bytes.size());
+    std::string buffer(10, 'x');
+    std::uint32_t read = 99;
+    ASSERT_EQ(file.Read(buffer, read), kDone);
+    EXPECT_EQ(read, 5U);
+    EXPECT_EQ(buffer, bytes + "xxxxx");
+}
+
+TEST(FileRead, GoesOnWhereTheLastReadStopped)
+{
+    const TemporaryFolder folder;
+    WriteFile(folder / "in", "abcde");
+    File file;
+    ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), file), kDone);
+    std::string all;
+    std::uint32_t read = 1;
+    while (read != 0) {
+        std::string buffer(2, ' ');
+        ASSERT_EQ(file.Read(buffer, read), kDone);
+        all += buffer.substr(0, read);
+    }
+    EXPECT_EQ(all, "abcde");
+}
+
+TEST(FileRead, PathsMayHoldAnyCharacter)
+{
+    const TemporaryFolder folder;
+    const std::u16string name = u"ä 日本 \U0001F600 \"'\\\n";
+    const std::u16string path = folder.Path().u16string() + u"/" + name;
+    File file;
+    ASSERT_EQ(File::Create(path, 3, 3, 2, 1, 0, file), kDone);
+    ASSERT_EQ(file.Write(std::string_view("x")), kDone);
+    ASSERT_EQ(File::OpenForReading(path, file), kDone);
+    EXPECT_EQ(PathUtils::GetFilePart(path), name);
+}
+
+TEST(FileRead, RefusesWhatIsNoFile)
+{
+    const TemporaryFolder folder;
+    File file;
+    EXPECT_EQ(File::OpenForReading(folder.Path().u16string(), file), kAccessDenied);
+    EXPECT_EQ(File::OpenForReading((folder / "none").u16string(), file), kNotFound);
+    EXPECT_EQ(File::OpenForReading(u"", file), kInvalidPath);
+    EXPECT_EQ(File::OpenForReading(std::u16string(u"a\xD800"), file), kInvalidPath);
+    WriteFile(folder / "in", "x");
+    EXPECT_EQ(File::OpenForReading((folder / "in").u16string() + u'\0', file), kInvalidPath);
+    EXPECT_EQ(File::OpenForReading((folder / "in" / "below").u16string(), file), kNotFound);
+}
+
+TEST(FileRead, FailedOpenLeavesTheFileThatWasOpen)
+{
+    const TemporaryFolder folder;
+    WriteFile(folder / "in", "abc");
+    File file;
+    ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), file), kDone);
+    ASSERT_LT(File::OpenForReading((folder / "none").u16string(), file), 0);
+    std::uint64_t size = 0;
+    EXPECT_EQ(file.GetSizeOnDisk(size), kDone);
+    EXPECT_EQ(size, 3U);
+}
+
+TEST(FileRead, ClosedFilesFailAndLeaveTheOutputs)
+{
+    File file;
+    std::uint64_t size = 7;
+    std::uint32_t read = 8;
+    std::string buffer("x");
+    EXPECT_LT(file.GetSizeOnDisk(size), 0);
+    EXPECT_LT(file.Read(buffer, read), 0);
+    EXPECT_LT(file.Write(buffer), 0);
+    EXPECT_EQ(size, 7U);
+    EXPECT_EQ(read, 8U);
+}
+
+TEST(FileCreate, TakesItsPlaceOnlyInWrite)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path out = folder / "out.tessel";
+    WriteFile(out, "old");
+    File file;
+    ASSERT_EQ(CreateUsual(out, file), kDone);
+    EXPECT_EQ(ReadFile(out), "old");
+    ASSERT_EQ(file.Write(std::string_view("the new one")), kDone);
+    EXPECT_EQ(ReadFile(out), "the new one");
+    file.Close();
+    EXPECT_EQ(ReadFile(out), "the new one");
+    EXPECT_EQ(folder.Count(), 1U);
+}
+
+TEST(FileCreate, NeverWrittenLeavesNothingBehind)
+{
+    const TemporaryFolder folder;
+    {
+        File file;
+        ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    }
+    EXPECT_EQ(folder.Count(), 0U);
+    WriteFile(folder / "out", "old");
+    File file;
+    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    file.Close();
+    EXPECT_EQ(folder.Count(), 1U);
+    EXPECT_EQ(ReadFile(folder / "out"), "old");
+}
+
+TEST(FileCreate, IsWrittenOnce)
+{
+    const TemporaryFolder folder;
+    File file;
+    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    ASSERT_EQ(file.Write(std::string_view("")), kDone);
+    EXPECT_LT(file.Write(std::string_view("again")), 0);
+    EXPECT_EQ(ReadFile(folder / "out"), "");
+    EXPECT_EQ(folder.Count(), 1U);
+}
+
+TEST(FileCreate, MovedFilesKeepTheirPlace)
+{
+    const TemporaryFolder folder;
+    File first;
+    ASSERT_EQ(CreateUsual(folder / "out", first), kDone);
+    File second(std::move(first));
+    ASSERT_EQ(second.Write(std::string_view("x")), kDone);
+    EXPECT_EQ(ReadFile(folder / "out"), "x");
+}
+
+TEST(FileCreate, RefusesOtherModes)
+{
+    const TemporaryFolder folder;
+    const std::u16string path = (folder / "out").u16string();
+    File file;
+    EXPECT_EQ(File::Create(path, 1, 3, 2, 1, 0, file), kInvalidPath);
+    EXPECT_EQ(File::Create(path, 3, 0, 2, 1, 0, file), kInvalidPath);
+    EXPECT_EQ(File::Create(path, 3, 3, 1, 1, 0, file), kInvalidPath);
+    EXPECT_EQ(File::Create(path, 3, 3, 2, 0, 0, file), kInvalidPath);
+    EXPECT_EQ(File::Create(path, 3, 3, 2, 1, 1, file), kInvalidPath);
+    EXPECT_EQ(folder.Count(), 0U);
+}
+
+TEST(FileCreate, RefusesAFolderAndAPathWithoutFolder)
+{
+    const TemporaryFolder folder;
+    File file;
+    EXPECT_EQ(CreateUsual(folder.Path(), file), kAccessDenied);
+    EXPECT_EQ(CreateUsual(folder / "none" / "out", file), kNotFound);
+    EXPECT_EQ(CreateUsual(std::filesystem::path(), file), kInvalidPath);
+    EXPECT_EQ(CreateUsual(folder / "out/", file), kInvalidPath);
+    EXPECT_EQ(folder.Count(), 0U);
+}
+
+TEST(FileCreate, WritesManyMegabytesWhole)
+{
+    const TemporaryFolder folder;
+    std::string bytes(20'000'000, ' ');
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<char>(i * 2'654'435'761U >> 13);
+    }
+    File file;
+    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    ASSERT_EQ(file.Write(bytes), kDone);
+    EXPECT_TRUE(ReadFile(folder / "out") == bytes);
+}
+
+TEST(GetFilePart, IsWhatStandsAfterTheLastSeparator)
+{
+    EXPECT_EQ(PathUtils::GetFilePart(u"a/b.tessel"), u"b.tessel");
+    EXPECT_EQ(PathUtils::GetFilePart(u"/b.tessel"), u"b.tessel");
+    EXPECT_EQ(PathUtils::GetFilePart(u"b.tessel"), u"b.tessel");
+    EXPECT_EQ(PathUtils::GetFilePart(u"a/"), u"");
+    EXPECT_EQ(PathUtils::GetFilePart(u""), u"");
+}
+
+} // namespace

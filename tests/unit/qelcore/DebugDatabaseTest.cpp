@@ -1,0 +1,173 @@
+#include <qelcore/debug/Assert.h>
+#include <qelcore/debug/DebugDatabase.h>
+#include <qelcore/logging/Log.h>
+
+#include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
+
+#include <cstdlib>
+#include <optional>
+#include <vector>
+
+namespace {
+
+using namespace qelcore;
+using debug::DebugDatabase;
+using test::WriteFile;
+
+/// A variable of the environment, set or absent for one test.
+class Variable {
+public:
+    Variable(const char* name, const std::optional<std::string>& value) : mName(name)
+    {
+        if (const char* const before = std::getenv(name)) {
+            mBefore = before;
+        }
+        Set(value);
+    }
+    ~Variable() { Set(mBefore); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    void Set(const std::optional<std::string>& value)
+    {
+        if (value) {
+            setenv(mName, value->c_str(), 1);
+        } else {
+            unsetenv(mName);
+        }
+    }
+
+    const char* mName;
+    std::optional<std::string> mBefore;
+};
+
+class DebugDatabaseFile : public ::testing::Test {
+protected:
+    std::string Entry(std::string_view key)
+    {
+        messages.clear();
+        const logging::ScopedListener listener(
+            [this](const logging::Message& message) { messages.push_back(message.text); });
+        return DebugDatabase::Instance().GetEntry(key, "default");
+    }
+
+    test::TemporaryFolder folder;
+    std::filesystem::path file = folder / "database.json";
+    Variable variable{"KESTREL_DEBUG_DATABASE", file.string()};
+    std::vector<std::string> messages;
+};
+
+TEST_F(DebugDatabaseFile, GivesTheTextOfAKey)
+{
+    WriteFile(file, R"({"ML.LoadTestingPluginsAtStartup": "true", "a": ""})");
+    EXPECT_EQ(Entry("ML.LoadTestingPluginsAtStartup"), "true");
+    EXPECT_EQ(Entry("a"), "");
+    EXPECT_EQ(Entry("b"), "default");
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(DebugDatabaseFile, IsReadAtEachQuestion)
+{
+    EXPECT_EQ(Entry("a"), "default");
+    WriteFile(file, R"({"a": "1"})");
+    EXPECT_EQ(Entry("a"), "1");
+    WriteFile(file, R"({"a": "2"})");
+    EXPECT_EQ(Entry("a"), "2");
+}
+
+TEST_F(DebugDatabaseFile, ValueThatIsNoTextCountsAsAbsent)
+{
+    for (const char* value : {"true", "1", "null", "{}", "[\"true\"]"}) {
+        WriteFile(file, std::string(R"({"a": )") + value + "}");
+        EXPECT_EQ(Entry("a"), "default") << value;
+    }
+}
+
+TEST_F(DebugDatabaseFile, AbsentFileIsEmptyWithoutAWord)
+{
+    EXPECT_EQ(Entry("a"), "default");
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(DebugDatabaseFile, BrokenFileIsEmptyAndLogged)
+{
+    for (const char* text : {"", "{\"a\": \"1\"", "[\"a\"]", "\"a\""}) {
+        WriteFile(file, text);
+        EXPECT_EQ(Entry("a"), "default") << text;
+        ASSERT_EQ(messages.size(), 1U) << text;
+        EXPECT_NE(messages[0].find(file.string()), std::string::npos) << messages[0];
+    }
+}
+
+TEST_F(DebugDatabaseFile, FolderInItsPlaceIsEmptyAndLogged)
+{
+    std::filesystem::create_directory(file);
+    EXPECT_EQ(Entry("a"), "default");
+    EXPECT_EQ(messages.size(), 1U);
+}
+
+TEST_F(DebugDatabaseFile, OverrideWinsUntilCleared)
+{
+    WriteFile(file, R"({"a": "file"})");
+    DebugDatabase& database = DebugDatabase::Instance();
+    database.SetOverride("a", "first");
+    database.SetOverride("a", "override");
+    EXPECT_EQ(Entry("a"), "override");
+    database.ClearOverride("a");
+    EXPECT_EQ(Entry("a"), "file");
+    database.ClearOverride("a");
+    database.ClearOverride("never set");
+    EXPECT_EQ(Entry("a"), "file");
+}
+
+TEST(DebugDatabasePlace, IsTheConfigurationFolderWithoutTheVariable)
+{
+    const test::TemporaryFolder folder;
+    const Variable none("KESTREL_DEBUG_DATABASE", std::nullopt);
+    const auto write = [&](const std::filesystem::path& configuration, std::string_view text) {
+        std::filesystem::create_directories(configuration / "kestrel");
+        WriteFile(configuration / "kestrel/debug-database.json", "{\"a\": \"" + std::string(text) + "\"}");
+    };
+    write(folder / "configuration", "configuration folder");
+    write(folder / "home/.config", "home folder");
+    const DebugDatabase& database = DebugDatabase::Instance();
+    const Variable home("HOME", (folder / "home").string());
+    {
+        const Variable configuration("XDG_CONFIG_HOME", (folder / "configuration").string());
+        EXPECT_EQ(database.GetEntry("a", ""), "configuration folder");
+        const Variable empty("KESTREL_DEBUG_DATABASE", "");
+        EXPECT_EQ(database.GetEntry("a", ""), "configuration folder");
+    }
+    for (const std::optional<std::string>& unusable :
+         {std::optional<std::string>(), std::optional<std::string>("")}) {
+        const Variable configuration("XDG_CONFIG_HOME", unusable);
+        EXPECT_EQ(database.GetEntry("a", ""), "home folder");
+        const Variable homeless("HOME", std::nullopt);
+        EXPECT_EQ(database.GetEntry("a", "none"), "none");
+    }
+}
+
+TEST(SimpleAssert, LogsTheMessageAndAsksForABreakOnlyWhenTold)
+{
+    std::vector<logging::Message> messages;
+    const logging::ScopedListener listener(
+        [&](const logging::Message& message) { messages.push_back(message); });
+    const auto report = [] {
+        return debug::DoSimpleAssert("Folder\\File", 315, "Class::Function", "false", "It broke");
+    };
+    {
+        const Variable absent("KESTREL_BREAK_ON_ASSERT", std::nullopt);
+        EXPECT_FALSE(report());
+        const Variable other("KESTREL_BREAK_ON_ASSERT", "1");
+        EXPECT_FALSE(report());
+        const Variable set("KESTREL_BREAK_ON_ASSERT", "true");
+        EXPECT_TRUE(report());
+    }
+    ASSERT_EQ(messages.size(), 3U);
+    EXPECT_EQ(messages[0].context, "Class::Function");
+    EXPECT_EQ(messages[0].text, "It broke [assertion \"false\", Folder\\File, line 315]");
+}
+
+} // namespace

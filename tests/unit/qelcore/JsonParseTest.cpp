@@ -1,0 +1,219 @@
+#include <qelcore/serialization/Json.h>
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <string>
+
+namespace {
+
+using namespace qelcore::serialization;
+using namespace std::string_literals;
+
+/// The document parsed and printed again; the reason in brackets where it is malformed.
+std::string Reprinted(std::string_view text)
+{
+    std::string error;
+    const ValuePtr value = JSONParse(text, &error);
+    return value == nullptr ? "<" + error + ">" : GetJSONUTF8String(*value, false);
+}
+
+std::string Repeated(std::string_view piece, std::size_t count)
+{
+    std::string text;
+    text.reserve(piece.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
+TEST(JSONParse, ReadsEveryKindOfValue)
+{
+    const ValuePtr root =
+        JSONParse(R"( {"n":null,"t":true,"f":false,"i":-1,"d":0.5,"s":"x","a":[1,[]],"o":{"k":{}}} )");
+    ASSERT_NE(root, nullptr);
+    const Object& object = AsObject(root, "");
+    EXPECT_EQ(object.size(), 8U);
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(object.at("n")->Get()));
+    EXPECT_TRUE(AsBoolean(object.at("t"), "t"));
+    EXPECT_FALSE(AsBoolean(object.at("f"), "f"));
+    EXPECT_EQ(AsInteger(object.at("i"), "i"), -1);
+    EXPECT_EQ(AsNumber(object.at("d"), "d"), 0.5);
+    EXPECT_EQ(AsText(object.at("s"), "s"), "x");
+    EXPECT_EQ(AsArray(object.at("a"), "a").size(), 2U);
+    EXPECT_TRUE(GetVariantInObject(object.at("o"), "k")->IsObject());
+}
+
+TEST(JSONParse, EveryValueMayBeTheDocument)
+{
+    for (const char* text : {"null", "true", "false", "1", "0.5", "\"x\"", "[]", "{}"}) {
+        EXPECT_EQ(Reprinted(text), text);
+        EXPECT_EQ(Reprinted(" \t\r\n" + std::string(text) + " \t\r\n"), text);
+    }
+}
+
+TEST(JSONParse, LastOfDuplicateKeysWins)
+{
+    EXPECT_EQ(Reprinted(R"({"a":1,"b":2,"a":{"c":3}})"), R"({"a":{"c":3},"b":2})");
+    EXPECT_EQ(Reprinted(R"({"a":1,"\u0061":2})"), R"({"a":2})");
+}
+
+TEST(JSONParse, FirstNulEndsTheText)
+{
+    EXPECT_EQ(Reprinted("[1]\0garbage"s), "[1]");
+    EXPECT_EQ(Reprinted("[1]\0"s), "[1]");
+    EXPECT_EQ(JSONParse("[1\0]"s), nullptr);
+    EXPECT_EQ(JSONParse("\0[1]"s), nullptr);
+    EXPECT_EQ(Reprinted(R"(["\u0000"])"), R"(["\u0000"])");
+}
+
+TEST(JSONParse, MalformedTextsGiveNothingAndOneLineThatSaysWhy)
+{
+    for (const char* text : {"",
+                             " ",
+                             "{",
+                             "[",
+                             "]",
+                             "[1",
+                             "[1,",
+                             "[1,]",
+                             "[,1]",
+                             "{\"a\"}",
+                             "{\"a\":}",
+                             "{\"a\":1,}",
+                             "{a:1}",
+                             "{1:1}",
+                             "[1] []",
+                             "[1]x",
+                             "{}}",
+                             "nul",
+                             "nulll",
+                             "True",
+                             "+1",
+                             "01",
+                             "1.",
+                             ".5",
+                             "1e",
+                             "1e+",
+                             "-",
+                             "0x10",
+                             "NaN",
+                             "Infinity",
+                             "'a'",
+                             "\"a",
+                             "\"a\nb\"",
+                             "\"\\x\"",
+                             "\"\\u12\"",
+                             "\"\\u12G4\"",
+                             "\"\\uD800\\u12\"",
+                             "[1] // c",
+                             "/**/1",
+                             "\"\\",
+                             "\"\\u",
+                             "\\uD800",
+                             "[\"a\" \"b\"]",
+                             "\xEF\xBB[1]"}) {
+        std::string error;
+        EXPECT_EQ(JSONParse(text, &error), nullptr) << text;
+        EXPECT_EQ(error.substr(0, 5), "line ") << text;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << text;
+        EXPECT_GT(error.size(), 20U) << error;
+    }
+}
+
+TEST(JSONParse, MalformedTextSaysWhere)
+{
+    std::string error;
+    EXPECT_EQ(JSONParse("{\n  \"a\": 1,\n  \"b\" 2\n}", &error), nullptr);
+    EXPECT_EQ(error.substr(0, 18), "line 3, column 7: "); // the digit 2
+    EXPECT_EQ(JSONParse("[1e999]", &error), nullptr);
+    EXPECT_EQ(error, "line 1, column 6: a number is too large for a double");
+}
+
+TEST(JSONParse, ReasonsDoNotRepeatTheText)
+{
+    std::string error;
+    EXPECT_EQ(JSONParse("[" + std::string(100'000, ' ') + "\"\xFF\"]", &error), nullptr);
+    EXPECT_LT(error.size(), 200U);
+    EXPECT_EQ(error.find('\xFF'), std::string::npos);
+}
+
+TEST(JSONParse, RefusesInvalidUTF8)
+{
+    for (const char* bytes :
+         {"\xFF", "\xC3", "\xC3(", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80"}) {
+        EXPECT_EQ(JSONParse("[\"" + std::string(bytes) + "\"]"), nullptr);
+        EXPECT_EQ(JSONParse("{\"" + std::string(bytes) + "\":1}"), nullptr);
+        EXPECT_EQ(JSONParse("[1]" + std::string(bytes)), nullptr);
+    }
+    EXPECT_EQ(Reprinted("[\"\u00E4\u20AC\U0001F600\U0010FFFF\"]"), "[\"\u00E4\u20AC\U0001F600\U0010FFFF\"]");
+}
+
+TEST(JSONParse, UnpairedSurrogateEscapesBecomeReplacementCharacters)
+{
+    EXPECT_EQ(Reprinted(R"("\ud83d\ude00")"), "\"\U0001F600\"");
+    EXPECT_EQ(Reprinted(R"("\uD83D\uDE00\uD83D\uDE00")"), "\"\U0001F600\U0001F600\"");
+    EXPECT_EQ(Reprinted(R"("\ud800")"), "\"\uFFFD\"");
+    EXPECT_EQ(Reprinted(R"("\udfff")"), "\"\uFFFD\"");
+    EXPECT_EQ(Reprinted(R"("a\ud800b\udc00c")"), "\"a\uFFFDb\uFFFDc\"");
+    EXPECT_EQ(Reprinted(R"("\ud83d\ud83d\ude00")"), "\"\uFFFD\U0001F600\"");
+    EXPECT_EQ(Reprinted(R"("\ud83d\ude00\ude00")"), "\"\U0001F600\uFFFD\"");
+    EXPECT_EQ(Reprinted(R"("\ud800\u0041")"), "\"\uFFFDA\"");
+    EXPECT_EQ(Reprinted(R"("\ud800\n")"), "\"\uFFFD\\n\"");
+    EXPECT_EQ(Reprinted(R"({"\ud800":1})"), "{\"\uFFFD\":1}");
+}
+
+TEST(JSONParse, EscapedBackslashesBeforeAUAreNoEscapesOfSurrogates)
+{
+    EXPECT_EQ(Reprinted(R"("\\ud800")"), R"("\\ud800")");
+    EXPECT_EQ(Reprinted(R"("\\\ud800")"), "\"\\\\\uFFFD\"");
+    EXPECT_EQ(Reprinted(R"("\\\\ud800")"), R"("\\\\ud800")");
+    EXPECT_EQ(Reprinted(R"("\ud83d\\ude00")"), "\"\uFFFD\\\\ude00\"");
+}
+
+TEST(JSONParse, BracketsNestAsDeepAsMemoryAllows)
+{
+    constexpr std::size_t kDepth = 1'000'000;
+    const std::string arrays = Repeated("[", kDepth) + Repeated("]", kDepth);
+    EXPECT_TRUE(Reprinted(arrays) == arrays);
+    const std::string objects = Repeated("{\"a\":", kDepth) + "1" + Repeated("}", kDepth);
+    EXPECT_TRUE(Reprinted(objects) == objects);
+    EXPECT_EQ(JSONParse(Repeated("[", kDepth)), nullptr);
+    EXPECT_EQ(JSONParse(Repeated("[{\"a\":", kDepth)), nullptr);
+    EXPECT_EQ(JSONParse(arrays + "x"), nullptr);
+}
+
+TEST(JSONParse, DeepDocumentsNeedNoDeepStack)
+{
+    // 256 KiB of stack would not do for a recursion through 200,000 brackets.
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 256 * 1024), 0);
+    const auto run = [](void* result) -> void* {
+        constexpr std::size_t kDepth = 200'000;
+        const std::string text = Repeated("[[],", kDepth) + "0" + Repeated("]", kDepth);
+        *static_cast<bool*>(result) = Reprinted(text) == text;
+        return nullptr;
+    };
+    bool same = false;
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &same), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    EXPECT_TRUE(same);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(JSONParse, WhiteSpaceOfAnyLengthIsWhiteSpace)
+{
+    const std::string spaces(100'000'000, ' ');
+    EXPECT_EQ(JSONParse(spaces), nullptr);
+    EXPECT_EQ(Reprinted(spaces + "[1]"), "[1]");
+}
+
+TEST(JSONParse, ByteOrderMarkIsPassedOver)
+{
+    EXPECT_EQ(Reprinted("\xEF\xBB\xBF[1]"), "[1]");
+}
+
+} // namespace
