@@ -23,7 +23,8 @@ namespace qelcore::serialization {
 /// bit in every locale; infinities as ±1e39 (which reads back as an infinity once it is a 32-bit float),
 /// NaN as 0.
 ///
-/// @param formatted  Spread over lines and indented by two spaces, else without any white space.
+/// @param formatted  Spread over lines and indented by two spaces a level, for the outer hundred levels; else
+///                   without any white space.
 [[nodiscard]] std::string GetJSONUTF8String(const Value& value, bool formatted);
 
 /// Bytes to a text that JSON can carry, and back (RFC 4648, section 4).

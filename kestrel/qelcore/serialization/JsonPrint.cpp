@@ -3,8 +3,10 @@
 
 #include <qelcore/text/Unicode.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <utility>
 
 namespace qelcore::serialization {
@@ -59,6 +61,9 @@ void AppendInteger(std::string& out, Integer value)
     out.append(digits.data(), end.ptr);
 }
 
+/// Levels below are not indented further: the text of a deep document would grow with the square of its depth.
+constexpr std::size_t kDeepestIndentation = 100;
+
 /// Prints a tree with a list of the containers that are open, because the stack's depth does not suffice for
 /// every document.
 class Printer {
@@ -100,7 +105,7 @@ private:
     {
         if (mFormatted) {
             mOut += '\n';
-            mOut.append(2 * mOpen.size(), ' ');
+            mOut.append(2 * std::min(mOpen.size(), kDeepestIndentation), ' ');
         }
     }
 

@@ -42,6 +42,15 @@ TEST(JSONPrint, FormattedTextIsIndentedByTwo)
     EXPECT_EQ(Print(*value), R"({"a":[1,{"b":[]}],"c":{},"d":"x"})");
 }
 
+TEST(JSONPrint, FormattedTextGrowsInProportionToTheDocument)
+{
+    constexpr std::size_t kDepth = 200'000;
+    const ValuePtr value = JSONParse(std::string(kDepth, '[') + std::string(kDepth, ']'));
+    const std::string text = Print(*value, true);
+    EXPECT_LT(text.size(), kDepth * 2 * 202); // a bracket, 200 spaces and a line end
+    EXPECT_NE(JSONParse(text), nullptr);
+}
+
 TEST(JSONPrint, TextsAreEscapedAsFarAsNeeded)
 {
     EXPECT_EQ(Print(Value("\"\\/\b\f\n\r\t\x01\x1F\x7F\u00E4"s)),
