@@ -3,13 +3,16 @@
 #include "ClipDescription.h"
 #include "HostServices.h"
 
+#include <ImporterTessel/dialog/DataExchange.h>
+#include <ImporterTessel/dialog/ImporterTesselPrefsDialogImpl.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <importabi/ResultCodes.h>
 #include <importabi/Suites.h>
-#include <qelcore/exceptions/Exceptions.h>
 #include <qelcore/files/FileUtils.h>
+#include <qellumenfactory/UI_NodeManager.h>
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 namespace ImporterTessel {
@@ -59,9 +62,17 @@ std::string_view TextIn(const ksSettingsExchangeRec& exchange) noexcept
 /// Lets the person edit `info`.
 /// @return `ksResultServed` with what was edited; `ksResultCancelled` with `info` as it was;
 ///         `ksResultUseSavedFile` where the clip is to use the file `info.mSavePath`.
-[[nodiscard]] std::int32_t EditSettings(TesselInfo& /*info*/)
+[[nodiscard]] std::int32_t EditSettings(TesselInfo& info)
 {
-    throw qelcore::null_pointer_exception("user interface");
+    const auto dataExchange = std::make_shared<ImporterTesselPrefsDialogDataExchange>();
+    dataExchange->SetPrefs(info);
+    CreatePrefsDialog(*dataExchange, qellumenfactory::UI_NodeManager::Get().GetDefaultDrawSupplier(),
+                      FindHostMainWindow());
+    if (dataExchange->IsCancelled()) {
+        return ksResultCancelled;
+    }
+    dataExchange->GetPrefs(info);
+    return dataExchange->UsesFileAsCustomImporter() ? ksResultUseSavedFile : ksResultServed;
 }
 
 /// Hands the saved file's path to the host, in a block of the host's memory.
