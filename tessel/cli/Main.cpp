@@ -71,6 +71,7 @@ int Run(int argc, char** argv)
                      "Load test plug-ins only where the debug database says so");
         AddInfoCommand(app, context);
         AddBenchCommand(app, context);
+        AddEditCommand(app, context);
         return ParseAndRun(app, context, argc, argv);
     } catch (const UsageError& error) {
         return Fail(kWrongCommandLine, error.what());

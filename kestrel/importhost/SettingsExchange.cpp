@@ -1,0 +1,115 @@
+#include "SettingsExchange.h"
+
+#include "HostError.h"
+#include "PathText.h"
+#include "StandardParameters.h"
+
+#include <importabi/Records.h>
+#include <importabi/ResultCodes.h>
+#include <importabi/Selectors.h>
+#include <qelcore/logging/Log.h>
+#include <qelcore/text/Unicode.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace importhost {
+namespace {
+
+struct FreeBlock {
+    void operator()(ksUTF16* block) const noexcept { FreeHostBlock(block); }
+};
+
+/// The exception's own words in a report of the plug-in's barrier; the whole report where it has none.
+std::string_view ReasonIn(std::string_view report) noexcept
+{
+    constexpr std::string_view kBefore = "what() returned ";
+    constexpr std::string_view kAfter = " [assertion";
+    if (const auto begin = report.find(kBefore); begin != std::string_view::npos) {
+        report.remove_prefix(begin + kBefore.size());
+    }
+    return report.substr(0, report.rfind(kAfter));
+}
+
+[[noreturn]] void Fail(const std::string& subject, std::int32_t result, std::string_view lastMessage)
+{
+    if (result == ksResultFileUnreadable) {
+        throw HostError(subject + ": the plug-in cannot read this file");
+    }
+    std::string text = subject + ": the settings dialog failed (result " + std::to_string(result) + ')';
+    if (!lastMessage.empty()) {
+        text += ": " + OneLine(ReasonIn(lastMessage));
+    }
+    throw HostError(text);
+}
+
+EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSettingsExchangeRec& exchange,
+                        const std::string& subject)
+{
+    if (importer.Request(ksSelectorSettingsExchange, &access, &exchange) != ksResultServed) {
+        Fail(subject, ksResultFailed, "it did not say how large its settings are");
+    }
+    std::vector<char> buffer(static_cast<std::size_t>(exchange.bufferSize) + 1, '\0');
+    exchange.text = buffer.data();
+    // The plug-in says a size only where it wrote a text, so this one must not be taken for its answer.
+    exchange.bufferSize = 0;
+
+    EditedSettings edited;
+    std::string lastMessage;
+    const qelcore::logging::ScopedListener listener([&](const qelcore::logging::Message& message) {
+        lastMessage = message.text;
+        edited.warnings += (edited.warnings.empty() ? "" : "\n") + OneLine(message.text);
+    });
+    const std::int32_t result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
+    const std::unique_ptr<ksUTF16, FreeBlock> newPath(access.newPath);
+    switch (result) {
+    case ksResultServed:
+        edited.decision = SettingsDecision::Accepted;
+        break;
+    case ksResultCancelled:
+        edited.decision = SettingsDecision::Cancelled;
+        break;
+    case ksResultUseSavedFile:
+        if (newPath == nullptr) {
+            Fail(subject, result, "it named no file");
+        }
+        edited.decision = SettingsDecision::UseFile;
+        edited.newFile = qelcore::text::ToUTF8(newPath.get());
+        break;
+    default:
+        Fail(subject, result, lastMessage);
+    }
+    if (exchange.bufferSize != 0) {
+        edited.text = buffer.data();
+    }
+    return edited;
+}
+
+} // namespace
+
+EditedSettings EditClipSettings(const Importer& importer, const std::filesystem::path& file)
+{
+    RequireUTF8Name(file);
+    const std::u16string path = qelcore::text::ToUTF16(std::filesystem::absolute(file).native());
+    ksFileAccessRec access{};
+    access.path = path.c_str();
+    ksSettingsExchangeRec exchange{};
+    return Exchange(importer, access, exchange, DisplayName(file));
+}
+
+EditedSettings EditNewClipSettings(const Importer& importer, const SequenceValues& sequence)
+{
+    ksFileAccessRec access{};
+    ksSettingsExchangeRec exchange{};
+    exchange.newClip = 1;
+    exchange.frameWidth = sequence.width;
+    exchange.frameHeight = sequence.height;
+    exchange.parNumerator = sequence.parNumerator;
+    exchange.parDenominator = sequence.parDenominator;
+    exchange.timeScale = sequence.timeScale;
+    exchange.sampleSize = sequence.sampleSize;
+    return Exchange(importer, access, exchange, "new clip");
+}
+
+} // namespace importhost

@@ -1,0 +1,149 @@
+/// `tessel edit`: the settings dialog, on a document or for a new one.
+
+#include "Commands.h"
+#include "SequenceOptions.h"
+
+#include <importhost/HostError.h>
+#include <importhost/PathText.h>
+#include <importhost/SettingsExchange.h>
+#include <orb/File.h>
+#include <qelcore/text/Unicode.h>
+#include <qellumenfactory/UI_NodeManager.h>
+#include <qelui/toolkit/UserInterface.h>
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <span>
+#include <string>
+#include <system_error>
+
+namespace tessel::cli {
+namespace {
+
+using importhost::DisplayName;
+using importhost::EditedSettings;
+using importhost::HostError;
+using importhost::SettingsDecision;
+
+struct EditOptions {
+    std::filesystem::path clip;
+    std::filesystem::path out;
+    std::filesystem::path script;
+    std::string theme = "dark";
+    std::string size = "1920x1080";
+    std::string rate = "25";
+    std::string pixelAspect = "1/1";
+    bool hasSequenceValues = false;
+    bool allowDefault = false;
+};
+
+/// Writes the document so that the file holds the old text or the new one, never a part. @throws HostError
+void WriteDocument(const std::filesystem::path& file, const std::string& text)
+{
+    const std::u16string path = qelcore::text::ToUTF16(file.native());
+    ORB::File out;
+    ORB::Status status = ORB::File::Create(path, 3, 3, 2, 1, 0, out);
+    if (status >= 0) {
+        status = out.Write(std::span<const char>(text));
+    }
+    if (status < 0) {
+        const char* const reason = status == ORB::kNotFound       ? "its folder does not exist"
+                                   : status == ORB::kAccessDenied ? "permission denied"
+                                   : status == ORB::kInvalidPath  ? "this is no file name"
+                                                                  : "the disk is full or broken";
+        throw HostError(DisplayName(file) + ": cannot be written: " + reason + "; the settings are not saved");
+    }
+}
+
+/// Does what the person decided.
+void KeepDecision(const EditedSettings& edited, const std::filesystem::path& target)
+{
+    switch (edited.decision) {
+    case SettingsDecision::Cancelled:
+        return;
+    case SettingsDecision::UseFile:
+        WriteOut(edited.newFile.string() + '\n');
+        return;
+    case SettingsDecision::Accepted:
+        break;
+    }
+    if (!edited.text) {
+        throw HostError(DisplayName(target) +
+                        ": the settings are too long to be handed back and are not saved; to keep them, save "
+                        "them to a file in the dialog and check \"Use File\"");
+    }
+    WriteDocument(target, *edited.text);
+}
+
+void Edit(Context& context, const EditOptions& options)
+{
+    const bool isNew = options.clip.empty();
+    if (isNew && options.out.empty()) {
+        throw UsageError("edit needs a CLIP to edit, or -o OUT to make a new one");
+    }
+    if (!isNew && options.hasSequenceValues) {
+        throw UsageError("--size, --rate and --par are for a new clip (-o OUT without CLIP)");
+    }
+    const importhost::SequenceValues sequence =
+        ParseSequenceValues(options.size, options.rate, options.pixelAspect);
+    if (!options.out.empty()) {
+        importhost::RequireUTF8Name(options.out);
+    }
+    auto& userInterface = qelui::UserInterface::Get();
+    if (!options.script.empty()) {
+        userInterface.SetScript(options.script);
+    }
+    qellumenfactory::UI_NodeManager::Get().SetDefaultDrawSupplier(
+        {options.theme == "light" ? qelui::Theme::Light : qelui::Theme::Dark});
+    // Whether a dialog can be shown at all is known before anything is loaded.
+    static_cast<void>(userInterface.GetToolkit());
+    if (!isNew) {
+        // A document that cannot be read would open as the default clip and be lost on OK.
+        static_cast<void>(context.OpenClip(options.clip, {.allowDefault = options.allowDefault}));
+    }
+
+    const auto importer = context.LoadImporter();
+    const EditedSettings edited = isNew ? importhost::EditNewClipSettings(*importer, sequence)
+                                        : importhost::EditClipSettings(*importer, options.clip);
+    if (const auto& failure = userInterface.LastScriptFailure()) {
+        throw HostError(importhost::OneLine(failure->Describe()));
+    }
+    if (!edited.warnings.empty()) {
+        WriteError("warning: " + edited.warnings);
+    }
+    KeepDecision(edited, options.out.empty() ? options.clip : options.out);
+}
+
+} // namespace
+
+void AddEditCommand(CLI::App& app, Context& context)
+{
+    auto* const command = app.add_subcommand("edit", "Edit a clip's settings in their dialog");
+    const auto options = std::make_shared<EditOptions>();
+    command->add_option("CLIP", options->clip, "The data file to edit; without it a new one is made");
+    command->add_option("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is");
+    const auto* const size =
+        command->add_option("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT")
+            ->capture_default_str();
+    const auto* const rate =
+        command->add_option("--rate", options->rate, "Frame rate of a new clip: 25, 29.97, 30000/1001")
+            ->capture_default_str();
+    const auto* const pixelAspect =
+        command->add_option("--par", options->pixelAspect, "Pixel aspect ratio of a new clip: 10/11")
+            ->capture_default_str();
+    command->add_option("--script", options->script, "Work the dialog with this script instead of by hand");
+    command->add_option("--theme", options->theme, "How the dialog looks")
+        ->check(CLI::IsMember({"dark", "light"}))
+        ->capture_default_str();
+    command->add_flag("--allow-default", options->allowDefault,
+                      "Edit a document that cannot be read as if it held the default settings");
+    command->footer("OK writes the settings back. Where the person chose to use a saved file instead, its path "
+                    "is printed and CLIP stays as it is, as it does after Cancel.");
+    command->callback([options, size, rate, pixelAspect, &context] {
+        options->hasSequenceValues = size->count() + rate->count() + pixelAspect->count() > 0;
+        Edit(context, *options);
+    });
+}
+
+} // namespace tessel::cli
