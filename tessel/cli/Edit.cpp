@@ -15,8 +15,8 @@
 
 #include <memory>
 #include <span>
+#include <sstream>
 #include <string>
-#include <system_error>
 
 namespace tessel::cli {
 namespace {
@@ -109,8 +109,9 @@ void Edit(Context& context, const EditOptions& options)
     if (const auto& failure = userInterface.LastScriptFailure()) {
         throw HostError(importhost::OneLine(failure->Describe()));
     }
-    if (!edited.warnings.empty()) {
-        WriteError("warning: " + edited.warnings);
+    std::istringstream warnings(edited.warnings);
+    for (std::string line; std::getline(warnings, line);) {
+        WriteError("warning: " + line);
     }
     KeepDecision(edited, options.out.empty() ? options.clip : options.out);
 }
