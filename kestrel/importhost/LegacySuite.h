@@ -19,9 +19,9 @@ struct TimeScalePair {
 [[nodiscard]] std::int64_t TicksFromTimeScale(TimeScalePair pair) noexcept;
 
 /// The rate of `ticksPerFrame` as a reduced fraction: exact where both numbers fit 32 bits, which holds for
-/// all rates in use; else the nearest fraction that does, which still gives the same ticks back for every
-/// frame shorter than 50 minutes. {0, 0} for what is no rate: ticks of 0 or less, the unusable rate, and
-/// more than 2^31 - 1 frames a second.
+/// all rates in use; else the nearest fraction that does, which is less than one part in 2^31 away and gives
+/// the same ticks back for frames shorter than 2^31 ticks. {0, 0} for what is no rate: ticks of 0 or less,
+/// the unusable rate, and more than 2^31 - 1 frames a second.
 [[nodiscard]] TimeScalePair TimeScaleFromTicks(std::int64_t ticksPerFrame) noexcept;
 
 /// The suite's tables, for the life of the process. What is no rate leaves the outputs of version 2
