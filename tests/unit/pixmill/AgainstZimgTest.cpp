@@ -219,16 +219,3 @@ TEST(AgainstZimg, EightBitRgbIsEqual)
     }
     EXPECT_GT(counts.compared, counts.nearTies * 100);
 }
-
-TEST(AgainstZimg, LinearLightIsEqualToItsPrecision)
-{
-    const Planes<float> rgb = RandomColors(45);
-    const auto theirs = ByZimg<float>(
-        rgb, Format(ZIMG_COLOR_RGB, ZIMG_PIXEL_FLOAT, 32, ZIMG_MATRIX_RGB, ZIMG_TRANSFER_LINEAR));
-    for (std::size_t i = 0; i < kCount; ++i) {
-        const auto ours = Ours<float>(0x504, ColorAt(rgb, i));
-        for (std::size_t c = 0; c < 3; ++c) {
-            ASSERT_NEAR(ours[2 - c], theirs[c][i], 1e-6) << "of " << rgb[c][i];
-        }
-    }
-}

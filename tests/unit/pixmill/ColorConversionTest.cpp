@@ -216,3 +216,25 @@ TEST(ColorConversion, ComponentsThatCancelAreSummedWithoutLoss)
         }
     }
 }
+
+// BT.709-6: V = 4.5·L below 0.018, else 1.099·L^0.45 - 0.099, with the constants that make it continuous.
+// (zimg is no oracle here: it takes BT.709 pictures as meant for a BT.1886 display.)
+TEST(ColorConversion, LinearLightGoesBackThroughTheCameraCurve)
+{
+    const auto curve = [](double light) {
+        const double magnitude = std::abs(light);
+        const double signal = magnitude < 0.018053968510807
+                                  ? 4.5 * magnitude
+                                  : 1.09929682680944 * std::pow(magnitude, 0.45) - 0.09929682680944;
+        return std::copysign(signal, light);
+    };
+    for (int i = -3000; i <= 3000; ++i) {
+        const float signal = static_cast<float>(i) / 1000;
+        std::array<float, 4> light{};
+        std::memcpy(light.data(), ConvertColor(0x504, {signal, 0, 1, .25F}).pattern.data(), sizeof(light));
+        ASSERT_NEAR(curve(light[0]), signal, 5e-7);
+        ASSERT_EQ(light[1], 0);
+        ASSERT_NEAR(light[2], 1, 1e-12);
+        ASSERT_EQ(light[3], .25F) << "alpha is not light";
+    }
+}
