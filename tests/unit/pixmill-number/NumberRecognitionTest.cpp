@@ -1,0 +1,101 @@
+// What is printed can be read back, in every format, size and row order.
+#include "PrintedFrame.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace testsupport;
+
+namespace {
+
+struct FrameSize {
+    std::uint32_t width, height;
+    std::int32_t step; // between the numbers tried from 0 to 99999
+};
+
+// Steps are primes, so that all digits of a number change from one to the next.
+constexpr std::array<FrameSize, 3> kSizes{{{160, 106, 97}, {720, 480, 499}, {3840, 2160, 9973}}};
+constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
+
+/// Formats of one layout are read from the same samples: the full list of numbers is for one of each (and for
+/// all that share samples between pixels), for the others some.
+bool IsOneOfItsLayout(std::uint32_t code)
+{
+    return code == pixmill::kBGRA8 || code == pixmill::kBGRAFloat || code == pixmill::kVUYA8_709 ||
+           (code & pixmill::kBit422) != 0;
+}
+
+std::string Describe(const PaintableFormat& format, const FrameSize& size, RowOrder order, std::int32_t number)
+{
+    return format.name + ", " + std::to_string(size.width) + "x" + std::to_string(size.height) +
+           (order == RowOrder::StepForwards ? ", positive step, " : ", negative step, ") +
+           std::to_string(number);
+}
+
+TEST(NumberRecognition, EveryNumberIsReadBackInEveryFormatSizeAndRowOrder)
+{
+    NumberReader reader;
+    double worst = 1;
+    for (const PaintableFormat& format : PaintableFormats()) {
+        for (const FrameSize& size : kSizes) {
+            for (const RowOrder order : {RowOrder::StepForwards, RowOrder::StepBackwards}) {
+                const std::int32_t step = IsOneOfItsLayout(format.code) ? size.step : 10007;
+                PrintedFrame frame(format.code, size.width, size.height, order);
+                frame.Fill(kOrange);
+                for (std::int32_t number = 0; number <= 99999; number += step) {
+                    ASSERT_EQ(frame.Print(number), 0);
+                    ASSERT_EQ(reader.Read(frame.Picture()), number) << Describe(format, size, order, number);
+                    worst = std::min(worst, reader.WorstCorrelation());
+                }
+            }
+        }
+    }
+    // The reader's own shapes are independent of the printer's; perfect agreement would be 1.
+    EXPECT_GT(worst, 0.95);
+}
+
+TEST(NumberRecognition, LongAndNegativeNumbersAreReadBack)
+{
+    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+    NumberReader reader;
+    for (const PaintableFormat& format : PaintableFormats()) {
+        for (const FrameSize& size : kSizes) {
+            if (size.width > 1000 && !IsOneOfItsLayout(format.code)) {
+                continue; // frames of 130 MB
+            }
+            for (const RowOrder order : {RowOrder::StepForwards, RowOrder::StepBackwards}) {
+                PrintedFrame frame(format.code, size.width, size.height, order);
+                for (const std::int32_t number : {-1, -99, -123456, 999999, 1000000, -1000000, 87654321,
+                                                  kHighest, kHighest - 1, kLowest, kLowest + 1}) {
+                    frame.Fill(kOrange);
+                    ASSERT_EQ(frame.Print(number), 0);
+                    ASSERT_EQ(reader.Read(frame.Picture()), number) << Describe(format, size, order, number);
+                }
+            }
+        }
+    }
+}
+
+TEST(NumberRecognition, AnEmptyPictureHasNoNumber)
+{
+    NumberReader reader;
+    PrintedFrame frame(pixmill::kBGRA8, 720, 480);
+    frame.Fill(kOrange);
+    EXPECT_EQ(reader.Read(frame.Picture()), std::nullopt);
+}
+
+TEST(NumberRecognition, APictureUpsideDownHasNoNumber)
+{
+    NumberReader reader;
+    PrintedFrame frame(pixmill::kBGRA8, 720, 480);
+    frame.Fill(kOrange);
+    ASSERT_EQ(frame.Print(123457), 0);
+    BrightnessPicture upsideDown = frame.Picture();
+    const auto upright = upsideDown.at;
+    upsideDown.at = [&](std::uint32_t x, std::uint32_t y) { return upright(x, 479 - y); };
+    EXPECT_EQ(reader.Read(upsideDown), std::nullopt);
+}
+
+} // namespace

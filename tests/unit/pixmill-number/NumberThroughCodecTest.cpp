@@ -1,0 +1,159 @@
+// Numbers survive what happens to pictures outside: lossy coding, and readers that know nothing of ours.
+#include "PrintedFrame.h"
+
+#include <gtest/gtest.h>
+#include <support/Process.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+using namespace testsupport;
+
+namespace {
+
+constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
+constexpr std::uint32_t kUYVY709 = 0x819;
+
+/// A folder of this process' own, gone with the object.
+class ScratchFolder {
+public:
+    ScratchFolder()
+        : mPath(std::filesystem::path(testing::TempDir()) / ("tessel-number-" + std::to_string(getpid())))
+    {
+        std::filesystem::create_directories(mPath);
+    }
+    ~ScratchFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(mPath, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    [[nodiscard]] std::string File(const std::string& name) const { return (mPath / name).string(); }
+
+private:
+    std::filesystem::path mPath;
+};
+
+std::vector<std::int32_t> NumbersToTry()
+{
+    std::vector<std::int32_t> numbers{-1,       -123456,
+                                      -9876543, std::numeric_limits<std::int32_t>::max(),
+                                      1000000,  std::numeric_limits<std::int32_t>::min(),
+                                      0,        888888,
+                                      999999,   666666};
+    for (std::int32_t number = 0; number <= 99999; number += 1009) {
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, const std::string& encoderOptions)
+{
+    if (!IsInstalled("ffmpeg") || !RunCommand("ffmpeg -hide_banner -encoders | grep -q libx264").succeeded) {
+        GTEST_SKIP() << "needs ffmpeg with libx264";
+    }
+    const ScratchFolder folder;
+    const std::vector<std::int32_t> numbers = NumbersToTry();
+    {
+        std::ofstream raw(folder.File("in.uyvy"), std::ios::binary);
+        for (const std::int32_t number : numbers) {
+            PrintedFrame frame(kUYVY709, width, height);
+            frame.Fill(kOrange);
+            ASSERT_EQ(frame.Print(number), 0);
+            for (std::uint32_t row = 0; row < height; ++row) {
+                raw.write(reinterpret_cast<const char*>(frame.ShownRow(row)),
+                          static_cast<std::streamsize>(RowLength(kUYVY709, width)));
+            }
+        }
+    }
+    const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    const std::string command = "ffmpeg -v error -y -f rawvideo -pix_fmt uyvy422 -s " + size + " -r 25 -i " +
+                                Quoted(folder.File("in.uyvy")) + " -c:v libx264 -crf 40 " + encoderOptions +
+                                " -pix_fmt yuv420p " + Quoted(folder.File("lossy.mkv")) +
+                                " && ffmpeg -v error -y -i " + Quoted(folder.File("lossy.mkv")) +
+                                " -f rawvideo -pix_fmt gray " + Quoted(folder.File("out.gray"));
+    ASSERT_TRUE(RunCommand(command).succeeded) << command;
+
+    std::ifstream decoded(folder.File("out.gray"), std::ios::binary);
+    NumberReader reader;
+    for (const std::int32_t number : numbers) {
+        std::vector<char> gray(std::size_t{width} * height);
+        ASSERT_TRUE(decoded.read(gray.data(), static_cast<std::streamsize>(gray.size())));
+        const BrightnessPicture picture{
+            .width = width, .height = height, .at = [&](std::uint32_t x, std::uint32_t y) {
+                return static_cast<double>(static_cast<unsigned char>(gray[std::size_t{y} * width + x]));
+            }};
+        EXPECT_EQ(reader.Read(picture), number) << size << " after x264 at CRF 40";
+    }
+}
+
+TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromThumbnailPictures)
+{
+    // Each picture by itself: between pictures this quality rather keeps some of the last number's pixels
+    // than spend bits on digits of 13 pixels.
+    EncodeAndReadBack(160, 106, "-g 1");
+}
+
+TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromAMovieInStandardDefinition)
+{
+    EncodeAndReadBack(720, 480, "");
+}
+
+/// The plate as dark text on white with digits about 40 pixels high, as text recognition likes it.
+void WritePlate(const std::string& file, PrintedFrame& frame, const pixmill::NumberLayout& layout)
+{
+    const BrightnessPicture picture = frame.Picture();
+    const double zoom = 40.0 / layout.digitHeight;
+    const auto width = static_cast<std::uint32_t>(layout.width * zoom);
+    const auto height = static_cast<std::uint32_t>(layout.height * zoom);
+    std::ofstream pgm(file, std::ios::binary);
+    pgm << "P5\n" << width << ' ' << height << "\n255\n";
+    const auto at = [&](std::uint32_t x, std::uint32_t y) {
+        return picture.at(layout.left + std::min(x, layout.width - 1),
+                          layout.top + std::min(y, layout.height - 1));
+    };
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; ++x) {
+            const double sourceX = std::max(0.0, (x + 0.5) / zoom - 0.5);
+            const double sourceY = std::max(0.0, (y + 0.5) / zoom - 0.5);
+            const auto left = static_cast<std::uint32_t>(sourceX), top = static_cast<std::uint32_t>(sourceY);
+            const double right = sourceX - left, below = sourceY - top;
+            const double value = (at(left, top) * (1 - right) + at(left + 1, top) * right) * (1 - below) +
+                                 (at(left, top + 1) * (1 - right) + at(left + 1, top + 1) * right) * below;
+            pgm.put(static_cast<char>(255 - static_cast<int>(value)));
+        }
+    }
+}
+
+TEST(NumberThroughCodec, TesseractReadsTheNumbersToo)
+{
+    if (!IsInstalled("tesseract")) {
+        GTEST_SKIP() << "needs tesseract";
+    }
+    const ScratchFolder folder;
+    for (const auto& [width, height] :
+         {std::pair{160U, 106U}, std::pair{720U, 480U}, std::pair{3840U, 2160U}}) {
+        for (const std::int32_t number : {0, 123456, 789012, 345678, 99999, 468}) {
+            PrintedFrame frame(pixmill::kBGRA8, width, height);
+            frame.Fill(kOrange);
+            ASSERT_EQ(frame.Print(number), 0);
+            WritePlate(folder.File("plate.pgm"), frame,
+                       pixmill::LayOutNumber(width, height, 6, 0.12F, 0.05F, 0.05F));
+            const CommandResult read =
+                RunCommand("OMP_THREAD_LIMIT=1 tesseract " + Quoted(folder.File("plate.pgm")) +
+                           " stdout --psm 7 -c tessedit_char_whitelist=0123456789 2>/dev/null");
+            ASSERT_TRUE(read.succeeded);
+            std::string expected = std::to_string(number);
+            expected.insert(0, 6 - expected.size(), '0');
+            EXPECT_EQ(read.output.substr(0, read.output.find_first_of(" \n")), expected)
+                << width << "x" << height;
+        }
+    }
+}
+
+} // namespace

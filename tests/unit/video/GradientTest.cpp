@@ -1,0 +1,177 @@
+#include "ForeignHost.h"
+
+#include <importabi/ResultCodes.h>
+#include <pixmill/Fill.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+using namespace testsupport;
+using ImporterTessel::FloatColor;
+using ImporterTessel::TesselInfo;
+
+namespace {
+
+using Pixel = std::array<float, 4>; // blue, green, red, alpha
+
+Pixel PixelOf(const FloatColor& color)
+{
+    return {color.mBluePart, color.mGreenPart, color.mRedPart, color.mAlphaPart};
+}
+
+/// The rule once more, component by component.
+Pixel Model(const TesselInfo& info, std::uint32_t row, std::int64_t frame, std::int64_t frames)
+{
+    const double exactShare = static_cast<double>(frame) / static_cast<double>(frames);
+    const auto t = static_cast<float>(exactShare);
+    const float s = static_cast<float>(row) / static_cast<float>(info.mFrameHeight);
+    const Pixel topStart = PixelOf(info.mTopGradiantColorStart), topEnd = PixelOf(info.mTopGradiantColorEnd);
+    const Pixel bottomStart = PixelOf(info.mBottomGradiantColorStart);
+    const Pixel bottomEnd = PixelOf(info.mBottomGradiantColorEnd);
+    Pixel result{};
+    for (std::size_t i = 0; i < 4; ++i) {
+        const volatile float top = topStart[i] + (topEnd[i] - topStart[i]) * t;
+        const volatile float bottom = bottomStart[i] + (bottomEnd[i] - bottomStart[i]) * t;
+        result[i] = top + (bottom - top) * s;
+    }
+    return result;
+}
+
+TesselInfo GradientClip(BR::PixelFormat format, std::int32_t width, std::int32_t height)
+{
+    TesselInfo info = SmallClip(SdkCodeOf(format), width, height);
+    info.mTopGradiantColorStart = {
+        .mAlphaPart = 0.1F, .mRedPart = 0.9F, .mGreenPart = -0.3F, .mBluePart = 7.0F};
+    info.mBottomGradiantColorStart = {
+        .mAlphaPart = 1.0F, .mRedPart = 0.3F, .mGreenPart = 1.7F, .mBluePart = 0.0F};
+    info.mTopGradiantColorEnd = {.mAlphaPart = 0.7F, .mRedPart = 0.2F, .mGreenPart = 0.6F, .mBluePart = 0.1F};
+    info.mBottomGradiantColorEnd = {
+        .mAlphaPart = 0.3F, .mRedPart = 0.8F, .mGreenPart = 0.4F, .mBluePart = 0.9F};
+    return info;
+}
+
+TEST(Gradient, Frame0BeginsWithExactlyTheStartColour)
+{
+    ForeignHost host;
+    const TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 3, 480);
+    ASSERT_EQ(host.Request(info), ksResultServed);
+    EXPECT_EQ(FloatPixel(host.Row(0), 0), PixelOf(info.mTopGradiantColorStart));
+    EXPECT_NE(FloatPixel(host.Row(479), 0), PixelOf(info.mBottomGradiantColorStart));
+}
+
+TEST(Gradient, TheDefaultClipBeginsWithPureRed)
+{
+    ForeignHost host;
+    TesselInfo info;
+    info.mDrawFrameFieldNumber = false;
+    ASSERT_EQ(host.Request(info), ksResultServed);
+    const std::array<int, 4> expected{0, 0, 255, 255}; // blue, green, red, alpha
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(std::to_integer<int>(host.Row(0)[i]), expected[i]);
+    }
+}
+
+TEST(Gradient, EveryRowOfEveryFrameFollowsTheRule)
+{
+    for (const std::int32_t height : {1, 2, 3, 33, 480}) {
+        TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 2, height);
+        info.mVideoDuration = qelmediatypes::TickTime(7 * info.mVideoFrameRate.ticksPerFrame);
+        for (std::int64_t frame = 0; frame < 7; ++frame) {
+            for (const bool backwards : {false, true}) {
+                ForeignHost host({.backwards = backwards});
+                ASSERT_EQ(host.Request(info, frame * info.mVideoFrameRate.ticksPerFrame + 12345),
+                          ksResultServed);
+                for (std::uint32_t row = 0; row < static_cast<std::uint32_t>(height); ++row) {
+                    ASSERT_EQ(FloatPixel(host.Row(row), 1), Model(info, row, frame, 7))
+                        << "height " << height << " frame " << frame << " row " << row;
+                }
+                EXPECT_TRUE(host.GuardsAreIntact());
+            }
+        }
+    }
+}
+
+TEST(Gradient, ColoursInEveryFormatAreThoseOfAFillWithTheRowsColour)
+{
+    for (const PaintableFormat& format : PaintableFormats()) {
+        TesselInfo info = GradientClip(BR::SDKToBEPixelFormat(format.sdkCode), 31, 17);
+        ForeignHost host;
+        ASSERT_EQ(host.Request(info, 30 * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
+        for (std::uint32_t row = 0; row < 17; ++row) {
+            std::vector<std::byte> expected(RowLength(format.code, 31), ForeignHost::kUnpainted);
+            const Pixel color = Model(info, row, 30, 1800); // 60 s of 30 frames
+            ASSERT_EQ(PM_FillWithColor(expected.data(), 0, 31, 1, format.code, color.data(), 260), 0);
+            ASSERT_EQ(host.RowCopy(row), expected) << format.name << " row " << row;
+        }
+        EXPECT_TRUE(host.GuardsAreIntact()) << format.name;
+    }
+}
+
+TEST(Gradient, FieldTypeDoesNotMatter)
+{
+    TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_8u, 5, 9);
+    std::vector<std::vector<std::byte>> rows;
+    for (const std::int32_t fieldType : {0, 1, 2}) {
+        ForeignHost host;
+        info.mFieldType = fieldType;
+        ASSERT_EQ(host.Request(info), ksResultServed);
+        EXPECT_FALSE(host.IsUnpainted(8));
+        rows.push_back(host.RowCopy(8));
+    }
+    EXPECT_EQ(rows[0], rows[1]);
+    EXPECT_EQ(rows[0], rows[2]);
+}
+
+TEST(Gradient, AFrameBeforeTheClipCountsAsANumberNear2To32)
+{
+    ForeignHost host;
+    const TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 4);
+    ASSERT_EQ(host.Request(info, -1), ksResultServed);
+    for (std::uint32_t row = 0; row < 4; ++row) {
+        EXPECT_EQ(FloatPixel(host.Row(row), 0), Model(info, row, 4294967295, 1800));
+    }
+}
+
+TEST(Gradient, AClipOfNoFramesDividesByZero)
+{
+    TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 2);
+    info.mVideoDuration = qelmediatypes::TickTime(info.mVideoFrameRate.ticksPerFrame - 1);
+    ForeignHost first;
+    ASSERT_EQ(first.Request(info, 0), ksResultServed); // 0 / 0
+    for (const float component : FloatPixel(first.Row(0), 0)) {
+        EXPECT_TRUE(std::isnan(component));
+    }
+    ForeignHost second;
+    ASSERT_EQ(second.Request(info, info.mVideoFrameRate.ticksPerFrame), ksResultServed); // 1 / 0
+    const Pixel pixel = FloatPixel(second.Row(0), 0);
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    // start + (end - start)·∞: blue falls from 7.0 to 0.1, green rises, red falls, alpha rises. Row 0 then
+    // adds (bottom - top)·0, which an infinite difference turns into a number that is none.
+    for (const float component : pixel) {
+        EXPECT_TRUE(std::isnan(component) || std::abs(component) == kInfinity);
+    }
+}
+
+TEST(Gradient, IntegerFormatsSurviveAClipOfNoFrames)
+{
+    for (const PaintableFormat& format : PaintableFormats()) {
+        TesselInfo info = GradientClip(BR::SDKToBEPixelFormat(format.sdkCode), 8, 8);
+        info.mVideoDuration = qelmediatypes::TickTime(0);
+        for (const std::int64_t frame : {0, 1, -1}) {
+            ForeignHost host;
+            EXPECT_EQ(host.Request(info, frame * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
+            EXPECT_TRUE(host.GuardsAreIntact());
+        }
+    }
+}
+
+TEST(Gradient, AHeightOfZeroPaintsNothing)
+{
+    ForeignHost host;
+    EXPECT_EQ(host.Request(GradientClip(BR::PixelFormat::BGRA_4444_8u, 4, 0)), ksResultServed);
+    EXPECT_TRUE(host.GuardsAreIntact());
+}
+
+} // namespace
