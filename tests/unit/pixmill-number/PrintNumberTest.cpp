@@ -148,7 +148,7 @@ TEST(PrintNumber, EdgesAreSmooth)
 TEST(PrintNumber, LeavesEveryPixelOutsideThePlateAlone)
 {
     for (const PaintableFormat& format : PaintableFormats()) {
-        for (const std::uint32_t width : {720U, 200U, 167U, 67U, 66U, 65U, 64U, 63U, 62U, 61U, 31U, 8U, 1U}) {
+        for (const std::uint32_t width : {200U, 67U, 64U, 62U, 61U, 31U, 8U, 1U}) {
             for (const RowOrder order : {RowOrder::StepForwards, RowOrder::StepBackwards}) {
                 const std::uint32_t height = 121;
                 PrintedFrame printed(format.code, width, height, order),

@@ -191,7 +191,7 @@ TEST(FrameNumber, TimesBeforeTheClipHaveNegativeNumbersAndRatesWithoutFramesZero
     info.mDrawFrameFieldNumber = true;
     EXPECT_EQ(readAt(info, -1), -1) << "rounded toward minus infinity";
     EXPECT_EQ(readAt(info, std::numeric_limits<std::int64_t>::min()), -1089306033)
-        << "-9223372036854775808 / 8467200000 = -1089306032.8";
+        << "-9223372036854775808 / 8467200000 = -1089306032.3";
     info.mVideoFrameRate = {1};
     EXPECT_EQ(readAt(info, std::numeric_limits<std::int64_t>::max()), std::numeric_limits<std::int32_t>::max());
     for (const std::int64_t rate :
