@@ -1,0 +1,249 @@
+/// `tessel render`: clips to files.
+
+#include "Commands.h"
+
+#include <importhost/Clip.h>
+#include <tessel/export/Containers.h>
+#include <tessel/export/ExportError.h>
+#include <tessel/export/Interrupt.h>
+#include <tessel/export/OutputFile.h>
+#include <tessel/export/Render.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace tessel::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using exporting::Container;
+using exporting::ExportError;
+
+/// The command line as typed.
+struct Options {
+    std::vector<std::string> clips;
+    std::string output;
+    std::string format;
+    std::string videoCodec;
+    std::string audioCodec;
+    std::optional<std::int64_t> from;
+    std::optional<std::int64_t> to;
+    std::optional<std::int64_t> frames;
+    bool audioOnly = false;
+    bool videoOnly = false;
+    bool dither = false;
+    bool allowDefault = false;
+    bool noProgress = false;
+    int threads = 0;
+};
+
+/// One clip and the file it becomes.
+struct Target {
+    fs::path clip;
+    fs::path output;
+    Container container = Container::Mkv;
+};
+
+Container FormatNamed(const std::string& name)
+{
+    const std::optional<Container> container = exporting::ContainerNamed(name);
+    if (!container) {
+        throw UsageError(
+            fmt::format("--format {} is not known; there are {}", name, exporting::ContainerNames()));
+    }
+    return *container;
+}
+
+Container ContainerOf(const Options& options)
+{
+    if (!options.format.empty()) {
+        return FormatNamed(options.format);
+    }
+    if (options.output == "-") {
+        throw UsageError(fmt::format("writing to standard output needs --format: one of {}",
+                                     exporting::ContainerNames()));
+    }
+    std::string extension = fs::path(options.output).extension().string();
+    if (!extension.empty()) {
+        extension.erase(0, 1);
+    }
+    const std::optional<Container> container = exporting::ContainerNamed(extension);
+    if (!container) {
+        throw ExportError(fmt::format("'{}': the extension says none of the formats that can be written; there are "
+                                      "{} (or say --format)",
+                                      options.output, exporting::ContainerNames()));
+    }
+    return *container;
+}
+
+bool NamesFolder(const Options& options)
+{
+    std::error_code ignored;
+    const char last = options.output.back();
+    return options.output != "-" &&
+           (options.clips.size() > 1 || last == '/' || fs::is_directory(options.output, ignored));
+}
+
+/// The file that a clip becomes inside a folder.
+fs::path FileInFolder(const fs::path& folder, const fs::path& clip, Container container)
+{
+    const exporting::ContainerInfo& info = exporting::InfoOf(container);
+    const char* number = info.kind == exporting::ContainerKind::Sequence ? "_%06d" : "";
+    return folder / fmt::format("{}{}.{}", clip.stem().string(), number, info.name);
+}
+
+std::vector<Target> TargetsOf(const Options& options)
+{
+    if (options.output.empty()) {
+        throw UsageError("-o needs a file, a folder or -");
+    }
+    if (options.clips.size() > 1 && options.output == "-") {
+        throw UsageError("several clips cannot share standard output; name a folder");
+    }
+    if (!NamesFolder(options)) {
+        return {{options.clips.front(), options.output, ContainerOf(options)}};
+    }
+    const Container container = options.format.empty() ? Container::Mkv : FormatNamed(options.format);
+    std::error_code error;
+    fs::create_directories(options.output, error);
+    if (error) {
+        throw ExportError(fmt::format("cannot make the folder '{}': {}", options.output, error.message()));
+    }
+    std::vector<Target> targets;
+    std::set<fs::path> names;
+    for (const std::string& clip : options.clips) {
+        targets.push_back({clip, FileInFolder(options.output, clip, container), container});
+        if (!names.insert(targets.back().output).second) {
+            throw UsageError(
+                fmt::format("two clips would become '{}'; render them one by one", targets.back().output.string()));
+        }
+    }
+    return targets;
+}
+
+exporting::OutputRequest RequestOf(const Options& options, Container container)
+{
+    exporting::OutputRequest request;
+    request.container = container;
+    if (options.audioOnly) {
+        request.streams = exporting::Streams::AudioOnly;
+    } else if (options.videoOnly) {
+        request.streams = exporting::Streams::VideoOnly;
+    }
+    if (!options.videoCodec.empty()) {
+        request.videoCodec = exporting::VideoCodecNamed(options.videoCodec);
+        if (!request.videoCodec) {
+            throw UsageError(fmt::format("--video-codec {} is not known; there are {}", options.videoCodec,
+                                         exporting::VideoCodecNames()));
+        }
+    }
+    if (!options.audioCodec.empty()) {
+        request.audioCodec = exporting::AudioCodecNamed(options.audioCodec);
+        if (!request.audioCodec) {
+            throw UsageError(fmt::format("--audio-codec {} is not known; there are {}", options.audioCodec,
+                                         exporting::AudioCodecNames()));
+        }
+    }
+    request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
+    return request;
+}
+
+void RenderOne(const Options& options, const Target& target, Context& context)
+{
+    const exporting::OutputRequest request = RequestOf(options, target.container);
+    std::error_code ignored;
+    if (target.output != "-" && fs::equivalent(target.clip, target.output, ignored)) {
+        throw ExportError(fmt::format("'{}' is the clip itself; give another name", target.output.string()));
+    }
+    importhost::OpenOptions open;
+    open.allowDefault = options.allowDefault;
+    const importhost::Clip clip = importhost::Clip::Open(context.LoadImporter(), target.clip, open);
+    const exporting::ClipSource source(clip);
+
+    exporting::RenderJob job;
+    job.output = request;
+    job.target = target.output;
+    job.threadCount =
+        options.threads > 0 ? options.threads : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    std::optional<exporting::ProgressBar> bar;
+    if (!options.noProgress && exporting::StandardErrorIsTerminal()) {
+        bar.emplace(target.output.filename().string());
+        job.progress = &*bar;
+    }
+    try {
+        job.frames = exporting::ChooseFrames(clip.Description().frameCount, options.from, options.to, options.frames);
+        exporting::Render(source, job);
+    } catch (const ExportError& error) {
+        const std::string line = error.what();
+        const bool namesFile = line.find(target.output.string()) != std::string::npos;
+        throw ExportError(namesFile || target.output == "-" ? line
+                                                            : fmt::format("{}: {}", target.clip.string(), line));
+    }
+}
+
+void RunRender(const Options& options, Context& context)
+{
+    if (options.audioOnly && options.videoOnly) {
+        throw UsageError("--audio-only and --video-only exclude each other");
+    }
+    if (options.to && options.frames) {
+        throw UsageError("--to and --frames exclude each other");
+    }
+    const std::vector<Target> targets = TargetsOf(options);
+    try {
+        const exporting::InterruptGuard guard;
+        for (const Target& target : targets) {
+            RenderOne(options, target, context);
+        }
+    } catch (const exporting::Interrupted&) {
+        // Everything unfinished is gone by now.
+        exporting::InterruptGuard::EndAsSignalled();
+    }
+}
+
+} // namespace
+
+void AddRenderCommand(CLI::App& app, Context& context)
+{
+    CLI::App* command = app.add_subcommand("render", "Render clips into movie, sound and picture files");
+    auto options = std::make_shared<Options>();
+    command->add_option("clip", options->clips, "Clips to render")->required()->type_name("CLIP");
+    command
+        ->add_option("-o,--output", options->output,
+                     "File to write, or a folder, or - for standard output; sequences take a number, as in "
+                     "out/%06d.exr")
+        ->required()
+        ->type_name("OUT");
+    command->add_option("--format", options->format,
+                        "What to write, where the extension does not say it: " + exporting::ContainerNames());
+    command->add_option("--video-codec", options->videoCodec,
+                        "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
+    command->add_option("--audio-codec", options->audioCodec,
+                        "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command->add_option("--from", options->from, "First frame, counted from 0")->type_name("FRAME");
+    command->add_option("--to", options->to, "Last frame, included")->type_name("FRAME");
+    command->add_option("--frames", options->frames, "Number of frames")
+        ->type_name("COUNT")
+        ->check(CLI::PositiveNumber);
+    command->add_flag("--audio-only", options->audioOnly, "Sound alone");
+    command->add_flag("--video-only", options->videoOnly, "Picture alone");
+    command->add_flag("--dither", options->dither, "Triangular dither for integer samples");
+    command->add_flag("--allow-default", options->allowDefault,
+                      "Render a document that cannot be read as the default clip");
+    command->add_flag("--no-progress", options->noProgress, "No progress bar");
+    command->add_option("--threads", options->threads, "Threads to use; all cores where not said")
+        ->check(CLI::PositiveNumber);
+    command->callback([options, &context] { RunRender(*options, context); });
+}
+
+} // namespace tessel::cli

@@ -1,0 +1,46 @@
+/// Samples to packets.
+#pragma once
+
+#include "LibavHandles.h"
+#include "OutputPlan.h"
+
+#include <functional>
+#include <vector>
+
+namespace tessel::exporting {
+
+/// Threads: one object, one thread at a time.
+class AudioEncoder {
+public:
+    /// Takes packets with times in samples; stream index not set.
+    using Sink = std::function<void(AVPacket& packet)>;
+
+    /// @throws ExportError  where the codec is not built into FFmpeg's libraries or refuses
+    AudioEncoder(const AudioPlan& plan, Container container);
+
+    void DescribeStream(AVStream& stream) const;
+
+    /// @param channels       in the file's order, `count` samples each
+    /// @param clipPosition   of the first one, in samples from the clip's start
+    void Encode(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition,
+                const Sink& sink);
+    /// The rest, a short frame at the end.
+    void Finish(const Sink& sink);
+
+private:
+    void EncodeFrame(std::int64_t count, const Sink& sink);
+    void Drain(const Sink& sink);
+    void FillFrame(AVFrame& frame, std::int64_t count);
+    [[nodiscard]] std::int64_t PendingCount() const noexcept;
+
+    AudioPlan mPlan;
+    libav::CodecContext mContext;
+    SampleQuantizer mQuantizer;
+    std::size_t mChannelCount;
+    std::int64_t mWritten = 0; ///< samples sent to the encoder
+    // Interleaved samples that wait until the codec's frame is full, as integers or floats.
+    std::vector<std::int32_t> mPendingIntegers;
+    std::vector<float> mPendingFloats;
+};
+
+} // namespace tessel::exporting

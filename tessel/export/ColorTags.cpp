@@ -1,0 +1,50 @@
+#include "ColorTags.h"
+
+namespace tessel::exporting {
+namespace {
+
+bool IsYCbCrMatrix(std::int32_t code) noexcept
+{
+    switch (static_cast<Matrix>(code)) {
+    case Matrix::Bt709:
+    case Matrix::Bt470Bg:
+    case Matrix::Smpte170M:
+    case Matrix::Smpte240M:
+    case Matrix::Bt2020:
+        return true;
+    case Matrix::Rgb:
+    case Matrix::Unspecified:
+        break;
+    }
+    return false;
+}
+
+} // namespace
+
+YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes) noexcept
+{
+    const std::int32_t matrix = codes.matrix;
+    if (matrix < 0 || matrix > 255 || !IsYCbCrMatrix(matrix)) {
+        return {};
+    }
+    return {static_cast<Matrix>(matrix), codes.fullRange != 0};
+}
+
+ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const LayoutInfo& layout) noexcept
+{
+    ColorTags tags{codes.primaries, codes.transfer, codes.matrix, codes.fullRange != 0};
+    if (layout.family == ColorFamily::Rgb) {
+        tags.matrix = static_cast<int>(Matrix::Rgb);
+        tags.fullRange = true;
+    } else if (kind.family == ColorFamily::Rgb) {
+        const YCbCrCoding coding = CodingFor(codes);
+        tags.matrix = static_cast<int>(coding.matrix);
+        tags.fullRange = coding.fullRange;
+    } else if (codes.matrix == static_cast<int>(Matrix::Rgb)) {
+        tags.matrix = static_cast<int>(kind.matrix);
+        tags.fullRange = false;
+    }
+    return tags;
+}
+
+} // namespace tessel::exporting

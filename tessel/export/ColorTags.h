@@ -1,0 +1,36 @@
+/// What a file announces about its colours.
+#pragma once
+
+#include "FrameConverter.h"
+#include "Picture.h"
+#include "PixelKind.h"
+
+#include <importabi/Records.h>
+
+namespace tessel::exporting {
+
+/// Codes of ITU-T H.273.
+struct ColorTags {
+    int primaries = 2;
+    int transfer = 2;
+    int matrix = 2;
+    bool fullRange = false;
+
+    bool operator==(const ColorTags&) const = default;
+};
+
+/// How R'G'B' pixels of a clip become Y'CbCr: by the clip's own matrix and range where it names a Y'CbCr one,
+/// else BT.709 limited range.
+[[nodiscard]] YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes) noexcept;
+
+/// The tags of a file with pixels of `layout`.
+///
+/// Primaries and transfer are the clip's. Matrix and range belong together and follow the pixels:
+/// - R'G'B' pixels announce matrix 0 and full range.
+/// - Y'CbCr pixels of a Y'CbCr format announce the clip's matrix and range, also where they contradict the
+///   format: wrong tags are a wanted test. In an R'G'B' space they announce the format's matrix, limited.
+/// - Y'CbCr pixels made from R'G'B' announce what they were made with.
+/// @param kind  of the clip's own format
+[[nodiscard]] ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const LayoutInfo& layout) noexcept;
+
+} // namespace tessel::exporting

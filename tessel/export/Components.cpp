@@ -1,0 +1,208 @@
+#include "Components.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
+namespace tessel::exporting {
+namespace {
+
+/// A 16-bit sample stored most significant byte first.
+struct BigEndian16 {
+    std::uint16_t bytes = 0;
+
+    BigEndian16() = default;
+    explicit BigEndian16(std::uint16_t value) noexcept
+        : bytes(static_cast<std::uint16_t>((value << 8) | (value >> 8)))
+    {
+    }
+};
+
+template <class Sample>
+Sample Read(const std::byte* at) noexcept
+{
+    Sample sample;
+    std::memcpy(&sample, at, sizeof sample);
+    return sample;
+}
+
+template <class Sample>
+void Write(std::byte* at, Sample sample) noexcept
+{
+    std::memcpy(at, &sample, sizeof sample);
+}
+
+/// Runs `row(sourceStep, targetStep)` with the steps as compile-time constants where they are common ones, so
+/// that the compiler can turn the loop into vector code.
+template <class Row>
+void WithConstantSteps(int sourceStep, int targetStep, const Row& row)
+{
+    const auto withTarget = [&](auto source) {
+        switch (targetStep) {
+        case 1:
+            return row(source, std::integral_constant<int, 1>{});
+        case 2:
+            return row(source, std::integral_constant<int, 2>{});
+        case 4:
+            return row(source, std::integral_constant<int, 4>{});
+        default:
+            return row(source, targetStep);
+        }
+    };
+    switch (sourceStep) {
+    case 1:
+        return withTarget(std::integral_constant<int, 1>{});
+    case 2:
+        return withTarget(std::integral_constant<int, 2>{});
+    case 4:
+        return withTarget(std::integral_constant<int, 4>{});
+    case 16:
+        return withTarget(std::integral_constant<int, 16>{});
+    default:
+        return withTarget(sourceStep);
+    }
+}
+
+template <class From, class To, class Convert>
+void ForEachSample(const ComponentSource& source, const ComponentTarget& target, const Convert& convert) noexcept
+{
+    WithConstantSteps(source.step, target.step, [&](auto sourceStep, auto targetStep) {
+        for (std::int32_t y = 0; y < target.height; ++y) {
+            const std::byte* from = source.first + y * source.rowBytes;
+            std::byte* to = target.first + y * target.rowBytes;
+            for (std::int32_t x = 0; x < target.width; ++x) {
+                Write<To>(to + static_cast<std::ptrdiff_t>(x) * targetStep,
+                          convert(Read<From>(from + static_cast<std::ptrdiff_t>(x) * sourceStep)));
+            }
+        }
+    });
+}
+
+template <class From>
+void MoveIntegers(const ComponentSource& source, const ComponentTarget& target, int shiftLeft) noexcept
+{
+    const auto widened = [shiftLeft](From value) { return static_cast<std::uint16_t>(value << shiftLeft); };
+    switch (target.type) {
+    case SampleType::U8:
+        ForEachSample<From, std::uint8_t>(source, target, [](From value) { return static_cast<std::uint8_t>(value); });
+        break;
+    case SampleType::U16:
+        ForEachSample<From, std::uint16_t>(source, target, widened);
+        break;
+    case SampleType::U16be:
+        ForEachSample<From, BigEndian16>(source, target, [&](From value) { return BigEndian16(widened(value)); });
+        break;
+    case SampleType::F32:
+        break;
+    }
+}
+
+/// A float buffer as a component.
+template <class Byte, class Float>
+ComponentSamples<Byte> FloatComponent(Float* samples, std::ptrdiff_t samplesPerRow, std::int32_t width,
+                                      std::int32_t height) noexcept
+{
+    return {reinterpret_cast<Byte*>(samples), samplesPerRow * static_cast<std::ptrdiff_t>(sizeof(float)),
+            sizeof(float), width, height, SampleType::F32};
+}
+
+} // namespace
+
+ComponentTarget ComponentOf(const Picture& picture, int index) noexcept
+{
+    const LayoutInfo& info = InfoOf(picture.layout);
+    const ComponentPlace place = info.components[static_cast<std::size_t>(index)];
+    if (place.plane < 0) {
+        return {};
+    }
+    const auto plane = static_cast<std::size_t>(place.plane);
+    PlaneSize size = SizeOfPlane(info, place.plane, picture.width, picture.height);
+    if (info.planes == 1 && (index == 1 || index == 2)) {
+        size.width = (size.width + (1 << info.chromaShiftX) - 1) >> info.chromaShiftX;
+    }
+    return {picture.planes[plane] + place.offset, picture.rowBytes[plane], place.step, size.width, size.height,
+            info.type};
+}
+
+void MoveSamples(const ComponentSource& source, const ComponentTarget& target, int shiftLeft) noexcept
+{
+    switch (source.type) {
+    case SampleType::U8:
+        return MoveIntegers<std::uint8_t>(source, target, shiftLeft);
+    case SampleType::U16:
+        return MoveIntegers<std::uint16_t>(source, target, shiftLeft);
+    case SampleType::F32:
+        // As 32-bit integers: a float register may change the bits of a NaN.
+        return ForEachSample<std::uint32_t, std::uint32_t>(source, target, [](std::uint32_t bits) { return bits; });
+    case SampleType::U16be:
+        break; // Frames have no big-endian samples.
+    }
+}
+
+void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow) noexcept
+{
+    const auto target = FloatComponent<std::byte>(samples, samplesPerRow, source.width, source.height);
+    switch (source.type) {
+    case SampleType::U8:
+        return ForEachSample<std::uint8_t, float>(source, target, [](std::uint8_t v) { return static_cast<float>(v); });
+    case SampleType::U16:
+        return ForEachSample<std::uint16_t, float>(source, target,
+                                                   [](std::uint16_t v) { return static_cast<float>(v); });
+    case SampleType::F32:
+        return ForEachSample<float, float>(source, target, [](float v) { return v; });
+    case SampleType::U16be:
+        break;
+    }
+}
+
+void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const ComponentTarget& target,
+                 const Rounding& rounding) noexcept
+{
+    const auto source = FloatComponent<const std::byte>(samples, samplesPerRow, target.width, target.height);
+    const auto code = [rounding](float value) {
+        const float scaled = value * rounding.scale + rounding.offset + 0.5F;
+        // Every comparison with NaN is false, which makes it the lowest code. Codes are not negative, so
+        // truncation rounds down.
+        const float above = scaled > rounding.lowest ? scaled : rounding.lowest;
+        return static_cast<std::int32_t>(std::min(above, rounding.highest));
+    };
+    switch (target.type) {
+    case SampleType::U8:
+        return ForEachSample<float, std::uint8_t>(source, target,
+                                                  [&](float v) { return static_cast<std::uint8_t>(code(v)); });
+    case SampleType::U16:
+        return ForEachSample<float, std::uint16_t>(source, target,
+                                                   [&](float v) { return static_cast<std::uint16_t>(code(v)); });
+    case SampleType::U16be:
+        return ForEachSample<float, BigEndian16>(
+            source, target, [&](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
+    case SampleType::F32:
+        return ForEachSample<float, float>(
+            source, target, [rounding](float v) { return v * rounding.scale + rounding.offset; });
+    }
+}
+
+void FillSamples(const ComponentTarget& target, std::uint16_t code) noexcept
+{
+    for (std::int32_t y = 0; y < target.height; ++y) {
+        std::byte* at = target.first + y * target.rowBytes;
+        for (std::int32_t x = 0; x < target.width; ++x, at += target.step) {
+            switch (target.type) {
+            case SampleType::U8:
+                Write(at, static_cast<std::uint8_t>(code));
+                break;
+            case SampleType::U16:
+                Write(at, code);
+                break;
+            case SampleType::U16be:
+                Write(at, BigEndian16(code));
+                break;
+            case SampleType::F32:
+                Write(at, 1.0F);
+                break;
+            }
+        }
+    }
+}
+
+} // namespace tessel::exporting

@@ -1,0 +1,15 @@
+/// What goes wrong between a clip and a file.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tessel::exporting {
+
+/// Work that failed. `what()` is one line for a person: what was wrong, with what, and what would be right.
+class ExportError : public std::runtime_error {
+public:
+    explicit ExportError(const std::string& line) : std::runtime_error(line) {}
+};
+
+} // namespace tessel::exporting

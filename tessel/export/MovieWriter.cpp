@@ -1,0 +1,156 @@
+#include "MovieWriter.h"
+
+#include "AudioEncoder.h"
+#include "ExportError.h"
+#include "LibavOutput.h"
+#include "VideoEncoder.h"
+
+#include <fmt/format.h>
+
+extern "C" {
+#include <libavutil/dict.h>
+#include <libavutil/opt.h>
+}
+
+#include <optional>
+#include <utility>
+
+namespace tessel::exporting {
+
+struct MovieWriter::State {
+    explicit State(OutputFile output) : file(std::move(output)), io(file) {}
+
+    /// A muxer error, or the write error behind it.
+    void Check(int result, const std::string& doing) const
+    {
+        if (result < 0) {
+            io.RethrowFailure();
+        }
+        libav::Check(result, doing);
+    }
+
+    void WritePacket(AVPacket& packet, const AVStream& stream, AVRational unit) const
+    {
+        packet.stream_index = stream.index;
+        av_packet_rescale_ts(&packet, unit, stream.time_base);
+        Check(av_interleaved_write_frame(format.get(), &packet), "cannot write the " + container + " file");
+        // Muxers do not look at every write; a full disk should end the work now, not at its end.
+        io.RethrowFailure();
+    }
+
+    [[nodiscard]] auto VideoSink() const
+    {
+        return [this](AVPacket& packet) { WritePacket(packet, *videoStream, videoUnit); };
+    }
+    [[nodiscard]] auto AudioSink() const
+    {
+        return [this](AVPacket& packet) { WritePacket(packet, *audioStream, audioUnit); };
+    }
+
+    OutputFile file;
+    LibavOutput io;
+    std::string container;
+    libav::FormatContext format;
+    std::unique_ptr<VideoEncoder> video;
+    std::optional<AudioEncoder> audio;
+    AVStream* videoStream = nullptr;
+    AVStream* audioStream = nullptr;
+    AVRational videoUnit{};
+    AVRational audioUnit{};
+};
+
+namespace {
+
+AVStream& AddStream(AVFormatContext& format)
+{
+    AVStream* stream = avformat_new_stream(&format, nullptr);
+    if (stream == nullptr) {
+        throw std::bad_alloc();
+    }
+    return *stream;
+}
+
+void SetMuxerOptions(Container container, bool canSeek, AVDictionary** options)
+{
+    switch (container) {
+    case Container::Wav:
+        av_dict_set(options, "rf64", "auto", 0);
+        break;
+    case Container::Mov:
+    case Container::Mp4:
+        // A pipe cannot be gone back in: the index then comes piece by piece.
+        av_dict_set(options, "movflags", canSeek ? "+write_colr" : "+write_colr+frag_keyframe+empty_moov", 0);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount)
+    : mState(std::make_unique<State>(std::move(file)))
+{
+    libav::TakeOverLogging();
+    State& state = *mState;
+    const ContainerInfo& info = InfoOf(plan.container);
+    state.container = info.name;
+    const bool needsToSeek = plan.container == Container::Mxf || plan.container == Container::Avi;
+    if (needsToSeek && !state.file.CanSeek()) {
+        throw ExportError(fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", info.name));
+    }
+    AVFormatContext* format = nullptr;
+    libav::Check(avformat_alloc_output_context2(&format, nullptr, info.muxer, nullptr),
+                 fmt::format("cannot write {} files", info.name));
+    state.format.reset(format);
+    format->pb = state.io.Context();
+    format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
+    format->strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
+
+    if (plan.video) {
+        state.video = VideoEncoder::Make(*plan.video, plan.container, threadCount);
+        state.videoStream = &AddStream(*format);
+        state.video->DescribeStream(*state.videoStream);
+        state.videoUnit = state.videoStream->time_base;
+    }
+    if (plan.audio) {
+        state.audio.emplace(*plan.audio, plan.container);
+        state.audioStream = &AddStream(*format);
+        state.audio->DescribeStream(*state.audioStream);
+        state.audioUnit = state.audioStream->time_base;
+    }
+    AVDictionary* options = nullptr;
+    SetMuxerOptions(plan.container, state.file.CanSeek(), &options);
+    const int result = avformat_write_header(format, &options);
+    av_dict_free(&options);
+    state.Check(result, fmt::format("cannot write this clip into a {} file", info.name));
+}
+
+MovieWriter::~MovieWriter() = default;
+
+void MovieWriter::WritePicture(const Picture& picture, std::int64_t index)
+{
+    mState->video->Encode(picture, index, mState->VideoSink());
+}
+
+void MovieWriter::WriteSamples(const std::vector<const float*>& channels, std::int64_t count,
+                               std::int64_t clipPosition)
+{
+    mState->audio->Encode(channels, count, clipPosition, mState->AudioSink());
+}
+
+void MovieWriter::Finish()
+{
+    State& state = *mState;
+    if (state.video) {
+        state.video->Finish(state.VideoSink());
+    }
+    if (state.audio) {
+        state.audio->Finish(state.AudioSink());
+    }
+    state.Check(av_write_trailer(state.format.get()), fmt::format("cannot finish the {} file", state.container));
+    state.io.Flush();
+    state.file.Commit();
+}
+
+} // namespace tessel::exporting

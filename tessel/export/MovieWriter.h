@@ -1,0 +1,39 @@
+/// Packets to one file.
+#pragma once
+
+#include "OutputFile.h"
+#include "OutputPlan.h"
+#include "Picture.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tessel::exporting {
+
+/// Writes pictures and samples into one file of any container but sequences. Threads: one object, one thread
+/// at a time.
+class MovieWriter {
+public:
+    /// Opens encoders and muxer and writes the header.
+    /// @param file         where to; committed by the caller
+    /// @param threadCount  for codecs
+    /// @throws ExportError
+    MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount);
+    ~MovieWriter();
+    MovieWriter(const MovieWriter&) = delete;
+    MovieWriter& operator=(const MovieWriter&) = delete;
+
+    /// Pictures in order, from 0 on.
+    void WritePicture(const Picture& picture, std::int64_t index);
+    /// As `AudioEncoder::Encode`.
+    void WriteSamples(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition);
+    /// Writes what is left and gives the file its name.
+    void Finish();
+
+private:
+    struct State;
+    std::unique_ptr<State> mState;
+};
+
+} // namespace tessel::exporting

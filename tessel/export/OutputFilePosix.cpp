@@ -1,0 +1,230 @@
+#include "ExportError.h"
+#include "OutputFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <random>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace tessel::exporting {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ErrnoText(int error)
+{
+    return std::generic_category().message(error);
+}
+
+[[noreturn]] void FailToWrite(const std::string& name, int error)
+{
+    throw ExportError("cannot write " + name + ": " + ErrnoText(error));
+}
+
+/// A name beside `path` that nothing has yet.
+fs::path HiddenSibling(const fs::path& folder, const std::string& stem)
+{
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::random_device random;
+    std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
+    std::string name = "." + stem + ".";
+    for (int i = 0; i < 8; ++i) {
+        name += kLetters[letter(random)];
+    }
+    return folder / name;
+}
+
+fs::path FolderOf(const fs::path& path)
+{
+    const fs::path parent = path.parent_path();
+    return parent.empty() ? fs::path(".") : parent;
+}
+
+/// The path under which a file without a name can be linked.
+std::string DescriptorPath(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+/// Opens a file without a name, which vanishes with the process however that ends; -1 where the file system or
+/// the kernel has none.
+int OpenNameless([[maybe_unused]] const fs::path& folder) noexcept
+{
+#ifdef O_TMPFILE
+    const int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    if (descriptor >= 0 && ::access(DescriptorPath(descriptor).c_str(), F_OK) != 0) {
+        ::close(descriptor);
+        return -1;
+    }
+    return descriptor;
+#else
+    return -1;
+#endif
+}
+
+} // namespace
+
+struct OutputFile::State {
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State()
+    {
+        if (descriptor > STDERR_FILENO) {
+            ::close(descriptor);
+        }
+        if (!temporary.empty()) {
+            ::unlink(temporary.c_str());
+        }
+    }
+
+    int descriptor = -1;
+    fs::path path;       ///< final name
+    fs::path temporary;  ///< empty: nameless, or written directly
+    bool direct = false; ///< a device, a pipe or standard output
+    bool canSeek = false;
+    std::string shownName;
+    std::int64_t position = 0;
+    std::int64_t size = 0;
+};
+
+OutputFile::OutputFile(fs::path path) : mState(std::make_unique<State>())
+{
+    State& state = *mState;
+    state.path = std::move(path);
+    state.shownName = "'" + state.path.string() + "'";
+    struct stat status {};
+    const bool exists = ::stat(state.path.c_str(), &status) == 0;
+    if (exists && S_ISDIR(status.st_mode)) {
+        FailToWrite(state.shownName, EISDIR);
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        state.direct = true;
+        state.descriptor = ::open(state.path.c_str(), O_WRONLY | O_CLOEXEC);
+        if (state.descriptor < 0) {
+            FailToWrite(state.shownName, errno);
+        }
+        return;
+    }
+    if (exists && ::access(state.path.c_str(), W_OK) != 0) {
+        FailToWrite(state.shownName, errno);
+    }
+    if (exists) {
+        // A link keeps pointing: it is its target that is replaced.
+        state.path = fs::canonical(state.path);
+    }
+    const fs::path folder = FolderOf(state.path);
+    state.canSeek = true;
+    state.descriptor = OpenNameless(folder);
+    if (state.descriptor < 0) {
+        state.temporary = HiddenSibling(folder, state.path.filename().string());
+        state.descriptor = ::open(state.temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    }
+    if (state.descriptor < 0) {
+        const int error = errno;
+        state.temporary.clear();
+        FailToWrite(state.shownName, error);
+    }
+}
+
+OutputFile::OutputFile(StandardOutput) : mState(std::make_unique<State>())
+{
+    mState->direct = true;
+    mState->descriptor = STDOUT_FILENO;
+    mState->shownName = "to standard output";
+}
+
+OutputFile::~OutputFile() = default;
+OutputFile::OutputFile(OutputFile&&) noexcept = default;
+OutputFile& OutputFile::operator=(OutputFile&&) noexcept = default;
+
+void OutputFile::Write(std::span<const std::byte> bytes)
+{
+    State& state = *mState;
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(state.descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            FailToWrite(state.shownName, errno);
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+        state.position += written;
+        state.size = std::max(state.size, state.position);
+    }
+}
+
+bool OutputFile::CanSeek() const noexcept
+{
+    return mState->canSeek;
+}
+
+void OutputFile::SeekTo(std::int64_t position)
+{
+    if (::lseek(mState->descriptor, position, SEEK_SET) < 0) {
+        FailToWrite(mState->shownName, errno);
+    }
+    mState->position = position;
+}
+
+std::int64_t OutputFile::Position() const noexcept
+{
+    return mState->position;
+}
+
+std::int64_t OutputFile::Size() const noexcept
+{
+    return mState->size;
+}
+
+void OutputFile::Commit()
+{
+    State& state = *mState;
+    if (state.direct) {
+        return;
+    }
+    if (state.temporary.empty()) {
+        // A nameless file can only be linked under a new name; the rename then replaces an old file at once.
+        const fs::path named = HiddenSibling(FolderOf(state.path), state.path.filename().string());
+        if (::linkat(AT_FDCWD, DescriptorPath(state.descriptor).c_str(), AT_FDCWD, named.c_str(),
+                     AT_SYMLINK_FOLLOW) != 0) {
+            FailToWrite(state.shownName, errno);
+        }
+        state.temporary = named;
+    }
+    // Some file systems only tell at the end that the disk is full.
+    if (::close(std::exchange(state.descriptor, -1)) != 0) {
+        FailToWrite(state.shownName, errno);
+    }
+    if (::rename(state.temporary.c_str(), state.path.c_str()) != 0) {
+        FailToWrite(state.shownName, errno);
+    }
+    state.temporary.clear();
+}
+
+TemporaryFolder::TemporaryFolder(const fs::path& parent)
+{
+    const fs::path folder = parent.empty() ? fs::path(".") : parent;
+    mPath = HiddenSibling(folder, "tessel");
+    if (::mkdir(mPath.c_str(), 0777) != 0) {
+        throw ExportError("cannot write into '" + folder.string() + "': " + ErrnoText(errno));
+    }
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    std::error_code ignored;
+    fs::remove_all(mPath, ignored);
+}
+
+bool StandardErrorIsTerminal() noexcept
+{
+    return ::isatty(STDERR_FILENO) == 1;
+}
+
+} // namespace tessel::exporting

@@ -1,0 +1,37 @@
+/// How far the work is.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace tessel::exporting {
+
+/// Hears of progress. [any-thread], one call at a time.
+class ProgressListener {
+public:
+    ProgressListener() = default;
+    ProgressListener(const ProgressListener&) = delete;
+    ProgressListener& operator=(const ProgressListener&) = delete;
+    virtual ~ProgressListener() = default;
+    /// @param unit  what is counted: "frames", "seconds"
+    virtual void Report(std::int64_t done, std::int64_t total, const char* unit) = 0;
+};
+
+/// A bar on standard error, redrawn ten times a second and wiped at the end.
+class ProgressBar final : public ProgressListener {
+public:
+    explicit ProgressBar(std::string name);
+    ~ProgressBar() override;
+    void Report(std::int64_t done, std::int64_t total, const char* unit) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::string mName;
+    Clock::time_point mStart = Clock::now();
+    Clock::time_point mDrawn;
+    bool mShown = false;
+};
+
+} // namespace tessel::exporting

@@ -1,0 +1,208 @@
+#include "Render.h"
+
+#include "AudioBlocks.h"
+#include "ExportError.h"
+#include "Interrupt.h"
+#include "MovieWriter.h"
+#include "OrderedPipeline.h"
+#include "SequenceWriter.h"
+#include "VideoEncoder.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tessel::exporting {
+namespace {
+
+void StopIfInterrupted()
+{
+    if (InterruptGuard::Requested()) {
+        throw Interrupted();
+    }
+}
+
+void Report(const RenderJob& job, std::int64_t done, std::int64_t total, const char* unit)
+{
+    StopIfInterrupted();
+    if (job.progress != nullptr) {
+        job.progress->Report(done, total, unit);
+    }
+}
+
+/// Feeds a writer with the samples of a span.
+class SoundTrack {
+public:
+    SoundTrack(const SignalSource& source, const AudioPlan& plan)
+        : mPlan(plan), mReader(source, plan.sampleRate, source.Description().channelCount),
+          mChannels(plan.hostChannels.size())
+    {
+    }
+
+    void StartAt(std::int64_t position) noexcept { mPosition = position; }
+
+    /// Writes up to, not including, `end`.
+    void WriteTo(std::int64_t end, MovieWriter& writer)
+    {
+        while (mPosition < end) {
+            const std::int64_t count = mReader.Read(mPosition, end - mPosition);
+            for (std::size_t i = 0; i < mChannels.size(); ++i) {
+                mChannels[i] = mReader.Channel(mPlan.hostChannels[i]);
+            }
+            writer.WriteSamples(mChannels, count, mPosition);
+            mPosition += count;
+        }
+    }
+
+private:
+    AudioPlan mPlan;
+    AudioBlockReader mReader;
+    std::vector<const float*> mChannels;
+    std::int64_t mPosition = 0;
+};
+
+/// Results that wait for their turn: enough that no thread idles, few enough that pictures fit into memory.
+std::int64_t QueueLength(int threadCount) noexcept
+{
+    return threadCount + 2;
+}
+
+/// One maker per thread; each owns a converter.
+template <class Result, class MakeOne>
+std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job, const MakeOne& makeOne)
+{
+    std::vector<std::function<Result(std::int64_t)>> makers;
+    for (int i = 0; i < job.threadCount; ++i) {
+        makers.push_back(makeOne());
+    }
+    return makers;
+}
+
+OutputFile OpenTarget(const std::filesystem::path& target)
+{
+    return target == "-" ? OutputFile(OutputFile::StandardOutput{}) : OutputFile(target);
+}
+
+/// The span's end in samples: the start of frame `frame`.
+std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& clip, const AudioPlan& plan)
+{
+    if (clip.timeScale < 1 || clip.sampleSize < 1) {
+        throw ExportError("the clip has no frame rate, so its length is not known");
+    }
+    return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
+}
+
+void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+{
+    const importhost::ClipDescription& clip = source.Description();
+    const std::int64_t start = StartSample(job.frames.first, clip, *plan.audio);
+    const std::int64_t end = StartSample(job.frames.first + job.frames.count, clip, *plan.audio);
+    MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
+    SoundTrack sound(source, *plan.audio);
+    sound.StartAt(start);
+    const std::int64_t second = plan.audio->sampleRate;
+    for (std::int64_t position = start; position < end; position += second) {
+        sound.WriteTo(std::min(position + second, end), writer);
+        Report(job, (position - start) / second, (end - start + second - 1) / second, "seconds");
+    }
+    StopIfInterrupted();
+    writer.Finish();
+}
+
+void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+{
+    const importhost::ClipDescription& clip = source.Description();
+    MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
+    std::optional<SoundTrack> sound;
+    if (plan.audio) {
+        sound.emplace(source, *plan.audio);
+        sound->StartAt(StartSample(job.frames.first, clip, *plan.audio));
+    }
+    auto makers = MakersFor<Picture>(job, [&] {
+        auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
+        return [&source, &job, converter](std::int64_t index) {
+            return converter->Convert(source.RenderFrame(job.frames.first + index));
+        };
+    });
+    OrderedPipeline<Picture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
+    for (std::int64_t index = 0; const std::optional<Picture> picture = pictures.Take(); ++index) {
+        writer.WritePicture(*picture, index);
+        if (sound) {
+            sound->WriteTo(StartSample(job.frames.first + index + 1, clip, *plan.audio), writer);
+        }
+        Report(job, index + 1, job.frames.count, "frames");
+    }
+    StopIfInterrupted();
+    writer.Finish();
+}
+
+using Bytes = std::vector<std::byte>;
+
+/// Picture files are independent of each other, so threads encode them, too.
+void RenderSequence(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+{
+    SequenceWriter writer(job.target, job.frames.count);
+    auto makers = MakersFor<Bytes>(job, [&] {
+        auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
+        std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, plan.container, /*threadCount=*/1);
+        return [&source, &job, converter, encoder](std::int64_t index) {
+            Bytes file;
+            const Picture picture = converter->Convert(source.RenderFrame(job.frames.first + index));
+            encoder->Encode(picture, index, [&file](const AVPacket& packet) {
+                const auto* bytes = reinterpret_cast<const std::byte*>(packet.data);
+                file.insert(file.end(), bytes, bytes + packet.size);
+            });
+            return file;
+        };
+    });
+    OrderedPipeline<Bytes> files(job.frames.count, std::move(makers), QueueLength(job.threadCount));
+    for (std::int64_t index = 0; const std::optional<Bytes> file = files.Take(); ++index) {
+        writer.Write(*file, job.frames.first + index);
+        Report(job, index + 1, job.frames.count, "frames");
+    }
+    StopIfInterrupted();
+    writer.Finish();
+}
+
+} // namespace
+
+FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> first,
+                        std::optional<std::int64_t> last, std::optional<std::int64_t> count)
+{
+    if (clipFrames < 1) {
+        throw ExportError("the clip has no frames: mVideoDuration must be at least one frame long");
+    }
+    FrameRange range;
+    range.first = first.value_or(0);
+    if (range.first < 0 || range.first >= clipFrames) {
+        throw ExportError(fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
+    }
+    const std::int64_t end = last ? *last + 1 : count ? range.first + *count : clipFrames;
+    if (end > clipFrames) {
+        throw ExportError(fmt::format("there is no frame {}: the clip has frames 0 to {}", end - 1, clipFrames - 1));
+    }
+    if (end <= range.first) {
+        throw ExportError(fmt::format("frames {} to {} are none", range.first, end - 1));
+    }
+    range.count = end - range.first;
+    return range;
+}
+
+void Render(const SignalSource& source, const RenderJob& job)
+{
+    const OutputPlan plan = PlanOutput(source.Description(), job.output);
+    if (!plan.video) {
+        RenderSoundOnly(source, job, plan);
+    } else if (InfoOf(plan.container).kind == ContainerKind::Sequence) {
+        RenderSequence(source, job, plan);
+    } else {
+        RenderMovie(source, job, plan);
+    }
+}
+
+} // namespace tessel::exporting

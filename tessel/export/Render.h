@@ -1,0 +1,41 @@
+/// From a clip to finished files.
+#pragma once
+
+#include "OutputPlan.h"
+#include "Progress.h"
+#include "SignalSource.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace tessel::exporting {
+
+/// Frames of a clip, counted from 0.
+struct FrameRange {
+    std::int64_t first = 0;
+    std::int64_t count = 0;
+};
+
+/// @param first  first frame; the clip's first where not given
+/// @param last   last frame, included
+/// @param count  number of frames; at most one of `last` and `count` is given
+/// @throws ExportError  for a clip without frames, and for frames that the clip does not have
+[[nodiscard]] FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> first,
+                                      std::optional<std::int64_t> last, std::optional<std::int64_t> count);
+
+struct RenderJob {
+    OutputRequest output;
+    /// `-` is standard output; sequences take a number in the file name.
+    std::filesystem::path target;
+    FrameRange frames;
+    int threadCount = 1;                  ///< for synthesis, conversion and codecs
+    ProgressListener* progress = nullptr; ///< may be null
+};
+
+/// Renders `job.frames` of `source`, picture and sound of the same span, into `job.target`. The file appears
+/// under its name when it is whole; on any failure nothing is left.
+/// @throws ExportError, importhost::HostError, Interrupted (while an `InterruptGuard` lives), std::bad_alloc
+void Render(const SignalSource& source, const RenderJob& job);
+
+} // namespace tessel::exporting

@@ -1,0 +1,115 @@
+#include "SequenceWriter.h"
+
+#include "ExportError.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+#include <utility>
+
+namespace tessel::exporting {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostDigits = 18;
+
+} // namespace
+
+std::optional<NumberedName> NumberedName::Parse(const std::string& name)
+{
+    NumberedName parsed;
+    bool found = false;
+    std::string* text = &parsed.mBefore;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        if (name[i] != '%') {
+            *text += name[i];
+            continue;
+        }
+        if (i + 1 < name.size() && name[i + 1] == '%') {
+            *text += name[++i];
+            continue;
+        }
+        const std::size_t end = name.find('d', i);
+        int digits = 1;
+        if (end != std::string::npos && end > i + 1) {
+            const auto [stop, error] = std::from_chars(name.data() + i + 1, name.data() + end, digits);
+            digits = error == std::errc() && stop == name.data() + end && name[i + 1] == '0' ? digits : -1;
+        }
+        if (end == std::string::npos || digits < 1 || digits > kMostDigits || found) {
+            throw ExportError(fmt::format(
+                "'{}' is no name for a sequence: it takes one number, as %d or %06d, and %% for a percent sign", name));
+        }
+        found = true;
+        parsed.mDigits = digits;
+        text = &parsed.mAfter;
+        i = end;
+    }
+    if (!found) {
+        return std::nullopt;
+    }
+    return parsed;
+}
+
+std::string NumberedName::With(std::int64_t number) const
+{
+    return fmt::format("{}{:0{}}{}", mBefore, number, mDigits, mAfter);
+}
+
+SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount)
+{
+    if (target == "-") {
+        mSingle.emplace(OutputFile::StandardOutput{});
+        return;
+    }
+    if (std::optional<NumberedName> name = NumberedName::Parse(target.filename().string())) {
+        mNumbered.emplace(Numbered{target.parent_path(), *std::move(name), std::nullopt, {}});
+        mNumbered->folder.emplace(mNumbered->parent);
+        return;
+    }
+    if (pictureCount != 1) {
+        throw ExportError(fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
+                                      "in {}_%06d{}, or choose one frame with --from N --frames 1",
+                                      target.string(), pictureCount, target.stem().string(),
+                                      target.extension().string()));
+    }
+    mSingle.emplace(target);
+}
+
+void SequenceWriter::Write(std::span<const std::byte> file, std::int64_t number)
+{
+    if (mSingle) {
+        mSingle->Write(file);
+        return;
+    }
+    std::string name = mNumbered->name.With(number);
+    OutputFile output(mNumbered->folder->Path() / name);
+    output.Write(file);
+    output.Commit();
+    mNumbered->files.push_back(std::move(name));
+}
+
+void SequenceWriter::Finish()
+{
+    if (mSingle) {
+        mSingle->Commit();
+        return;
+    }
+    for (std::size_t done = 0; done < mNumbered->files.size(); ++done) {
+        const std::string& name = mNumbered->files[done];
+        std::error_code error;
+        fs::rename(mNumbered->folder->Path() / name, mNumbered->parent / name, error);
+        if (error) {
+            for (std::size_t i = 0; i < done; ++i) {
+                std::error_code ignored;
+                fs::remove(mNumbered->parent / mNumbered->files[i], ignored);
+            }
+            throw ExportError(
+                fmt::format("cannot write '{}': {}", (mNumbered->parent / name).string(), error.message()));
+        }
+    }
+}
+
+} // namespace tessel::exporting

@@ -1,0 +1,55 @@
+/// A file per picture.
+#pragma once
+
+#include "OutputFile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tessel::exporting {
+
+/// A file name with one number in it, `%d` or `%06d`; `%%` is a percent sign.
+class NumberedName {
+public:
+    /// @return nothing where the name has no place for a number
+    /// @throws ExportError  for two places, or a `%` that means nothing
+    [[nodiscard]] static std::optional<NumberedName> Parse(const std::string& name);
+
+    [[nodiscard]] std::string With(std::int64_t number) const;
+
+private:
+    std::string mBefore;
+    std::string mAfter;
+    int mDigits = 1;
+};
+
+/// Where the pictures of a sequence go: numbered files, one file, or one after the other into standard output.
+/// Numbered files take their names when all are whole. Threads: one object, one thread at a time.
+class SequenceWriter {
+public:
+    /// @param target        path with a number in its file name; for one picture it may go without; `-`
+    /// @param pictureCount  how many will come
+    /// @throws ExportError  for several pictures without a number, and where the folder cannot be written to
+    SequenceWriter(const std::filesystem::path& target, std::int64_t pictureCount);
+
+    /// @param number  the frame's number in its clip
+    void Write(std::span<const std::byte> file, std::int64_t number);
+    void Finish();
+
+private:
+    struct Numbered {
+        std::filesystem::path parent;
+        NumberedName name;
+        std::optional<TemporaryFolder> folder;
+        std::vector<std::string> files;
+    };
+    std::optional<Numbered> mNumbered;
+    std::optional<OutputFile> mSingle;
+};
+
+} // namespace tessel::exporting

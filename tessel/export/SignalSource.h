@@ -1,0 +1,48 @@
+/// Where pictures and samples come from: a clip, or in tests something simpler.
+#pragma once
+
+#include "FrameConverter.h"
+
+#include <importhost/Clip.h>
+
+#include <cstdint>
+#include <span>
+
+namespace tessel::exporting {
+
+/// Threads: [thread-safe].
+class SignalSource {
+public:
+    SignalSource() = default;
+    SignalSource(const SignalSource&) = delete;
+    SignalSource& operator=(const SignalSource&) = delete;
+    virtual ~SignalSource() = default;
+
+    [[nodiscard]] virtual const importhost::ClipDescription& Description() const = 0;
+    [[nodiscard]] virtual FrameView RenderFrame(std::int64_t frame) const = 0;
+    /// As `importhost::Clip::RenderAudio`.
+    virtual void RenderAudio(std::int64_t position, std::uint32_t sampleCount,
+                             std::span<float* const> channels) const = 0;
+};
+
+/// A clip of the host's. Borrows it.
+class ClipSource final : public SignalSource {
+public:
+    explicit ClipSource(const importhost::Clip& clip) : mClip(clip) {}
+
+    [[nodiscard]] const importhost::ClipDescription& Description() const override { return mClip.Description(); }
+    [[nodiscard]] FrameView RenderFrame(std::int64_t frame) const override
+    {
+        return ViewOf(mClip.RenderFrame(frame));
+    }
+    void RenderAudio(std::int64_t position, std::uint32_t sampleCount,
+                     std::span<float* const> channels) const override
+    {
+        mClip.RenderAudio(position, sampleCount, channels);
+    }
+
+private:
+    const importhost::Clip& mClip;
+};
+
+} // namespace tessel::exporting

@@ -1,0 +1,18 @@
+/// The v210 packing: three 10-bit samples in each little-endian 32-bit word, six pixels in four words:
+/// Cb0 Y0 Cr0 | Y1 Cb2 Y2 | Cr2 Y3 Cb4 | Y4 Cr4 Y5.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tessel::exporting {
+
+/// Unpacks one row: `width` luma samples and (width + 1) / 2 of each chroma. Reads whole groups of 16 bytes.
+void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* luma, std::uint16_t* cb,
+                   std::uint16_t* cr) noexcept;
+
+/// Packs one row into `V210RowBytes(width)` bytes; samples beyond the picture are 0.
+void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr, std::int32_t width,
+                 std::byte* packed) noexcept;
+
+} // namespace tessel::exporting
