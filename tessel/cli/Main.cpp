@@ -70,6 +70,7 @@ int Run(int argc, char** argv)
         app.add_flag("--no-testing-plugins", context.noTestingPlugins,
                      "Load test plug-ins only where the debug database says so");
         AddInfoCommand(app, context);
+        AddRenderCommand(app, context);
         AddBenchCommand(app, context);
         AddEditCommand(app, context);
         return ParseAndRun(app, context, argc, argv);

@@ -70,8 +70,8 @@ Container ContainerOf(const Options& options)
         return FormatNamed(options.format);
     }
     if (options.output == "-") {
-        throw UsageError(fmt::format("writing to standard output needs --format: one of {}",
-                                     exporting::ContainerNames()));
+        throw UsageError(
+            fmt::format("writing to standard output needs --format: one of {}", exporting::ContainerNames()));
     }
     std::string extension = fs::path(options.output).extension().string();
     if (!extension.empty()) {
@@ -79,9 +79,10 @@ Container ContainerOf(const Options& options)
     }
     const std::optional<Container> container = exporting::ContainerNamed(extension);
     if (!container) {
-        throw ExportError(fmt::format("'{}': the extension says none of the formats that can be written; there are "
-                                      "{} (or say --format)",
-                                      options.output, exporting::ContainerNames()));
+        throw ExportError(
+            fmt::format("'{}': the extension says none of the formats that can be written; there are "
+                        "{} (or say --format)",
+                        options.output, exporting::ContainerNames()));
     }
     return *container;
 }
@@ -124,8 +125,8 @@ std::vector<Target> TargetsOf(const Options& options)
     for (const std::string& clip : options.clips) {
         targets.push_back({clip, FileInFolder(options.output, clip, container), container});
         if (!names.insert(targets.back().output).second) {
-            throw UsageError(
-                fmt::format("two clips would become '{}'; render them one by one", targets.back().output.string()));
+            throw UsageError(fmt::format("two clips would become '{}'; render them one by one",
+                                         targets.back().output.string()));
         }
     }
     return targets;
@@ -167,27 +168,28 @@ void RenderOne(const Options& options, const Target& target, Context& context)
     }
     importhost::OpenOptions open;
     open.allowDefault = options.allowDefault;
-    const importhost::Clip clip = importhost::Clip::Open(context.LoadImporter(), target.clip, open);
+    const importhost::Clip clip = context.OpenClip(target.clip, open);
     const exporting::ClipSource source(clip);
 
     exporting::RenderJob job;
     job.output = request;
     job.target = target.output;
-    job.threadCount =
-        options.threads > 0 ? options.threads : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    job.threadCount = options.threads > 0 ? options.threads
+                                          : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     std::optional<exporting::ProgressBar> bar;
     if (!options.noProgress && exporting::StandardErrorIsTerminal()) {
         bar.emplace(target.output.filename().string());
         job.progress = &*bar;
     }
     try {
-        job.frames = exporting::ChooseFrames(clip.Description().frameCount, options.from, options.to, options.frames);
+        job.frames =
+            exporting::ChooseFrames(clip.Description().frameCount, options.from, options.to, options.frames);
         exporting::Render(source, job);
     } catch (const ExportError& error) {
         const std::string line = error.what();
         const bool namesFile = line.find(target.output.string()) != std::string::npos;
-        throw ExportError(namesFile || target.output == "-" ? line
-                                                            : fmt::format("{}: {}", target.clip.string(), line));
+        throw ExportError(
+            namesFile || target.output == "-" ? line : fmt::format("{}: {}", target.clip.string(), line));
     }
 }
 
@@ -227,7 +229,8 @@ void AddRenderCommand(CLI::App& app, Context& context)
     command->add_option("--format", options->format,
                         "What to write, where the extension does not say it: " + exporting::ContainerNames());
     command->add_option("--video-codec", options->videoCodec,
-                        "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
+                        "Instead of the one that keeps the clip's format best: " +
+                            exporting::VideoCodecNames());
     command->add_option("--audio-codec", options->audioCodec,
                         "Instead of the container's usual one: " + exporting::AudioCodecNames());
     command->add_option("--from", options->from, "First frame, counted from 0")->type_name("FRAME");

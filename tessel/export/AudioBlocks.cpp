@@ -25,9 +25,11 @@ std::int64_t FrameStartSample(std::int64_t frame, std::int32_t rateNumerator, st
     return seconds * sampleRate + (2 * rest * sampleRate + rateNumerator) / (2 * std::int64_t{rateNumerator});
 }
 
-AudioBlockReader::AudioBlockReader(const SignalSource& source, std::int32_t sampleRate, std::int32_t channelCount)
+AudioBlockReader::AudioBlockReader(const SignalSource& source, std::int32_t sampleRate,
+                                   std::int32_t channelCount)
     : mSource(source), mBlockSize(AudioBlockSize(sampleRate)),
-      mChannels(static_cast<std::size_t>(channelCount), std::vector<float>(static_cast<std::size_t>(mBlockSize)))
+      mChannels(static_cast<std::size_t>(channelCount),
+                std::vector<float>(static_cast<std::size_t>(mBlockSize)))
 {
     for (std::vector<float>& channel : mChannels) {
         mPointers.push_back(channel.data());

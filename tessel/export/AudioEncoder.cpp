@@ -108,8 +108,8 @@ AudioEncoder::AudioEncoder(const AudioPlan& plan, Container container)
     const CodecChoice choice = ChoiceFor(plan.codec);
     const AVCodec* codec = avcodec_find_encoder_by_name(choice.name);
     if (codec == nullptr) {
-        throw ExportError(fmt::format("this build of FFmpeg's libraries has no {} encoder ({})", NameOf(plan.codec),
-                                      choice.name));
+        throw ExportError(fmt::format("this build of FFmpeg's libraries has no {} encoder ({})",
+                                      NameOf(plan.codec), choice.name));
     }
     CheckSampleRate(*codec, plan);
     mContext = libav::MakeCodecContext(codec);
@@ -128,8 +128,8 @@ AudioEncoder::AudioEncoder(const AudioPlan& plan, Container container)
     }
     SetLayout(context, plan);
     libav::Check(avcodec_open2(&context, codec, nullptr),
-                 fmt::format("cannot encode {} audio of {} channels at {} Hz", NameOf(plan.codec), mChannelCount,
-                             plan.sampleRate));
+                 fmt::format("cannot encode {} audio of {} channels at {} Hz", NameOf(plan.codec),
+                             mChannelCount, plan.sampleRate));
 }
 
 void AudioEncoder::DescribeStream(AVStream& stream) const
@@ -138,8 +138,8 @@ void AudioEncoder::DescribeStream(AVStream& stream) const
     stream.time_base = mContext->time_base;
 }
 
-void AudioEncoder::Encode(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition,
-                          const Sink& sink)
+void AudioEncoder::Encode(const std::vector<const float*>& channels, std::int64_t count,
+                          std::int64_t clipPosition, const Sink& sink)
 {
     const bool isFloat = ChoiceFor(mPlan.codec).bits == 0;
     for (std::int64_t i = 0; i < count; ++i) {

@@ -31,6 +31,7 @@ struct ColorTags {
 ///   format: wrong tags are a wanted test. In an R'G'B' space they announce the format's matrix, limited.
 /// - Y'CbCr pixels made from R'G'B' announce what they were made with.
 /// @param kind  of the clip's own format
-[[nodiscard]] ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const LayoutInfo& layout) noexcept;
+[[nodiscard]] ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes,
+                                const LayoutInfo& layout) noexcept;
 
 } // namespace tessel::exporting

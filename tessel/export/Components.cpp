@@ -64,7 +64,8 @@ void WithConstantSteps(int sourceStep, int targetStep, const Row& row)
 }
 
 template <class From, class To, class Convert>
-void ForEachSample(const ComponentSource& source, const ComponentTarget& target, const Convert& convert) noexcept
+void ForEachSample(const ComponentSource& source, const ComponentTarget& target,
+                   const Convert& convert) noexcept
 {
     WithConstantSteps(source.step, target.step, [&](auto sourceStep, auto targetStep) {
         for (std::int32_t y = 0; y < target.height; ++y) {
@@ -84,13 +85,15 @@ void MoveIntegers(const ComponentSource& source, const ComponentTarget& target, 
     const auto widened = [shiftLeft](From value) { return static_cast<std::uint16_t>(value << shiftLeft); };
     switch (target.type) {
     case SampleType::U8:
-        ForEachSample<From, std::uint8_t>(source, target, [](From value) { return static_cast<std::uint8_t>(value); });
+        ForEachSample<From, std::uint8_t>(source, target,
+                                          [](From value) { return static_cast<std::uint8_t>(value); });
         break;
     case SampleType::U16:
         ForEachSample<From, std::uint16_t>(source, target, widened);
         break;
     case SampleType::U16be:
-        ForEachSample<From, BigEndian16>(source, target, [&](From value) { return BigEndian16(widened(value)); });
+        ForEachSample<From, BigEndian16>(source, target,
+                                         [&](From value) { return BigEndian16(widened(value)); });
         break;
     case SampleType::F32:
         break;
@@ -102,8 +105,12 @@ template <class Byte, class Float>
 ComponentSamples<Byte> FloatComponent(Float* samples, std::ptrdiff_t samplesPerRow, std::int32_t width,
                                       std::int32_t height) noexcept
 {
-    return {reinterpret_cast<Byte*>(samples), samplesPerRow * static_cast<std::ptrdiff_t>(sizeof(float)),
-            sizeof(float), width, height, SampleType::F32};
+    return {reinterpret_cast<Byte*>(samples),
+            samplesPerRow * static_cast<std::ptrdiff_t>(sizeof(float)),
+            sizeof(float),
+            width,
+            height,
+            SampleType::F32};
 }
 
 } // namespace
@@ -120,7 +127,11 @@ ComponentTarget ComponentOf(const Picture& picture, int index) noexcept
     if (info.planes == 1 && (index == 1 || index == 2)) {
         size.width = (size.width + (1 << info.chromaShiftX) - 1) >> info.chromaShiftX;
     }
-    return {picture.planes[plane] + place.offset, picture.rowBytes[plane], place.step, size.width, size.height,
+    return {picture.planes[plane] + place.offset,
+            picture.rowBytes[plane],
+            place.step,
+            size.width,
+            size.height,
             info.type};
 }
 
@@ -133,7 +144,8 @@ void MoveSamples(const ComponentSource& source, const ComponentTarget& target, i
         return MoveIntegers<std::uint16_t>(source, target, shiftLeft);
     case SampleType::F32:
         // As 32-bit integers: a float register may change the bits of a NaN.
-        return ForEachSample<std::uint32_t, std::uint32_t>(source, target, [](std::uint32_t bits) { return bits; });
+        return ForEachSample<std::uint32_t, std::uint32_t>(source, target,
+                                                           [](std::uint32_t bits) { return bits; });
     case SampleType::U16be:
         break; // Frames have no big-endian samples.
     }
@@ -144,7 +156,8 @@ void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t sa
     const auto target = FloatComponent<std::byte>(samples, samplesPerRow, source.width, source.height);
     switch (source.type) {
     case SampleType::U8:
-        return ForEachSample<std::uint8_t, float>(source, target, [](std::uint8_t v) { return static_cast<float>(v); });
+        return ForEachSample<std::uint8_t, float>(source, target,
+                                                  [](std::uint8_t v) { return static_cast<float>(v); });
     case SampleType::U16:
         return ForEachSample<std::uint16_t, float>(source, target,
                                                    [](std::uint16_t v) { return static_cast<float>(v); });
@@ -171,8 +184,8 @@ void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const Compo
         return ForEachSample<float, std::uint8_t>(source, target,
                                                   [&](float v) { return static_cast<std::uint8_t>(code(v)); });
     case SampleType::U16:
-        return ForEachSample<float, std::uint16_t>(source, target,
-                                                   [&](float v) { return static_cast<std::uint16_t>(code(v)); });
+        return ForEachSample<float, std::uint16_t>(
+            source, target, [&](float v) { return static_cast<std::uint16_t>(code(v)); });
     case SampleType::U16be:
         return ForEachSample<float, BigEndian16>(
             source, target, [&](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });

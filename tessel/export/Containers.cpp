@@ -20,7 +20,8 @@ constexpr std::array<std::string_view, 1> kDpxExtensions{"dpx"};
 constexpr std::array<std::string_view, 1> kExrExtensions{"exr"};
 
 using enum VideoCodec;
-constexpr std::array kAnyMovieVideo{Ffv1, Raw, V210, V408, ProRes, VideoCodec::Png, H264, Mpeg2, VideoCodec::Dv};
+constexpr std::array kAnyMovieVideo{Ffv1, Raw,   V210,          V408, ProRes, VideoCodec::Png,
+                                    H264, Mpeg2, VideoCodec::Dv};
 constexpr std::array kMp4Video{H264, Mpeg2};
 constexpr std::array kMxfVideo{Mpeg2, H264, VideoCodec::Dv};
 constexpr std::array kAviVideo{Ffv1, Raw, V210, V408, ProRes, VideoCodec::Png, H264, Mpeg2, VideoCodec::Dv};

@@ -17,8 +17,8 @@ enum class AudioCodec : std::uint8_t { Pcm16, Pcm24, Pcm32, PcmFloat, Flac, Aac,
 
 /// What a container is for.
 enum class ContainerKind : std::uint8_t {
-    Movie,        ///< picture and sound
-    PictureOnly,  ///< a stream of pictures without sound
+    Movie,       ///< picture and sound
+    PictureOnly, ///< a stream of pictures without sound
     SoundOnly,
     Sequence, ///< a file per picture
 };

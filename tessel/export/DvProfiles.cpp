@@ -16,7 +16,8 @@ constexpr std::array<DvProfile, 8> kProfiles{{
     {PixelFormat::PALDV50, "PAL DV50", 720, 576, 25, 1, PictureLayout::Yuv422p, Matrix::Smpte170M},
     {PixelFormat::NTSCDV25, "NTSC DV25", 720, 480, 30000, 1001, PictureLayout::Yuv411p, Matrix::Smpte170M},
     {PixelFormat::PALDV25, "PAL DV25", 720, 576, 25, 1, PictureLayout::Yuv420p, Matrix::Smpte170M},
-    {PixelFormat::NTSCDV100_720p, "DV100 720p59.94", 960, 720, 60000, 1001, PictureLayout::Yuv422p, Matrix::Bt709},
+    {PixelFormat::NTSCDV100_720p, "DV100 720p59.94", 960, 720, 60000, 1001, PictureLayout::Yuv422p,
+     Matrix::Bt709},
     {PixelFormat::PALDV100_720p, "DV100 720p50", 960, 720, 50, 1, PictureLayout::Yuv422p, Matrix::Bt709},
     {PixelFormat::NTSCDV100_1080i, "DV100 1080i59.94", 1280, 1080, 30000, 1001, PictureLayout::Yuv422p,
      Matrix::Bt709},
@@ -55,8 +56,8 @@ const DvProfile* DvProfileOf(PixelFormat format) noexcept
 
 const DvProfile& DvProfileFor(const importhost::ClipDescription& clip)
 {
-    const std::string clipText = fmt::format("the clip is {}x{} at {}", clip.width, clip.height,
-                                             Rate(clip.timeScale, clip.sampleSize));
+    const std::string clipText =
+        fmt::format("the clip is {}x{} at {}", clip.width, clip.height, Rate(clip.timeScale, clip.sampleSize));
     if (const DvProfile* named = DvProfileOf(clip.pixelFormat)) {
         if (!Fits(*named, clip)) {
             throw ExportError(fmt::format("{} is {}; {}", named->name, Text(*named), clipText));

@@ -112,7 +112,8 @@ public:
         }
         for (std::int32_t y = 0; y < frame.height; ++y) {
             const auto row = [&](std::size_t plane) {
-                return reinterpret_cast<std::uint16_t*>(mUnpacked.planes[plane] + y * mUnpacked.rowBytes[plane]);
+                return reinterpret_cast<std::uint16_t*>(mUnpacked.planes[plane] +
+                                                        y * mUnpacked.rowBytes[plane]);
             };
             UnpackV210Row(frame.top + y * frame.rowBytes, frame.width, row(0), row(1), row(2));
         }
@@ -130,8 +131,12 @@ public:
         }
         const bool isChroma = index == 1 || index == 2;
         const int shift = isChroma ? mInfo.chromaShiftX : 0;
-        return {mFrame->top + place.offset, mFrame->rowBytes, place.step, (mFrame->width + (1 << shift) - 1) >> shift,
-                mFrame->height, mInfo.type};
+        return {mFrame->top + place.offset,
+                mFrame->rowBytes,
+                place.step,
+                (mFrame->width + (1 << shift) - 1) >> shift,
+                mFrame->height,
+                mInfo.type};
     }
 
 private:
@@ -288,7 +293,8 @@ public:
         Picture picture = StartPicture(mTarget, frame.width, frame.height);
         const LayoutInfo& info = InfoOf(picture.layout);
         for (int component = 0; component < 3; ++component) {
-            MoveSamples(mReader.Component(component), ComponentOf(picture, component), info.bits - mSource.bits);
+            MoveSamples(mReader.Component(component), ComponentOf(picture, component),
+                        info.bits - mSource.bits);
         }
         WriteAlpha(mSource, mReader.Component(3), info, ComponentOf(picture, 3), mAlpha);
         return FinishPicture(mTarget, std::move(picture));
@@ -317,8 +323,8 @@ public:
         if (NeedsMatrix(source, target, conversion.coding) || upsamples) {
             const bool toRgb = target.family == ColorFamily::Rgb;
             mMatrix = std::make_unique<MatrixConversion>(
-                MatrixInput{conversion.width, conversion.height, source.kind.family, source.kind.matrix, source.bits,
-                            source.chromaShiftX == 1},
+                MatrixInput{conversion.width, conversion.height, source.kind.family, source.kind.matrix,
+                            source.bits, source.chromaShiftX == 1},
                 target.family, toRgb ? Matrix::Rgb : conversion.coding.matrix);
             mSourceBits = 32;
             for (AlignedBuffer& plane : mInputs) {
@@ -382,9 +388,9 @@ private:
             } else {
                 const ComponentSource source = mReader.Component(component);
                 const int step = source.type == SampleType::U8 ? 1 : 2;
-                MoveSamples(source,
-                            {buffer.Bytes(), input.rowBytes[index], step, source.width, source.height, source.type},
-                            0);
+                MoveSamples(
+                    source,
+                    {buffer.Bytes(), input.rowBytes[index], step, source.width, source.height, source.type}, 0);
             }
         }
         mMatrix->Run(input, {{mPlanes[0].As<float>(), mPlanes[1].As<float>(), mPlanes[2].As<float>()},

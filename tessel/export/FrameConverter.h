@@ -19,8 +19,8 @@ struct FrameView {
     BR::PixelFormat format = BR::PixelFormat::Unknown;
     std::int32_t width = 0;
     std::int32_t height = 0;
-    const std::byte* top = nullptr;   ///< first byte of the top row
-    std::ptrdiff_t rowBytes = 0;      ///< to the next row below; may be negative
+    const std::byte* top = nullptr;    ///< first byte of the top row
+    std::ptrdiff_t rowBytes = 0;       ///< to the next row below; may be negative
     std::shared_ptr<const void> owner; ///< keeps the pixels alive in pictures that share them
 };
 

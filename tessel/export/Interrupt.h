@@ -4,8 +4,7 @@
 namespace tessel::exporting {
 
 /// While one lives, SIGINT, SIGTERM and SIGHUP are noted instead of ending the process, so that work can clean
-/// up; a second one ends it at once. Writing to a closed pipe becomes an error instead of a signal. One at a
-/// time in a process. [ui-thread]
+/// up; a second one ends it at once. One at a time in a process. [ui-thread]
 class InterruptGuard {
 public:
     InterruptGuard();

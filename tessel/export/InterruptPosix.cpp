@@ -34,7 +34,6 @@ InterruptGuard::InterruptGuard()
             sigaction(signal, &action, nullptr);
         }
     }
-    std::signal(SIGPIPE, SIG_IGN);
 }
 
 InterruptGuard::~InterruptGuard()

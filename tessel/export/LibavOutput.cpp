@@ -17,8 +17,8 @@ LibavOutput::LibavOutput(OutputFile& file) : mFile(file)
     if (buffer == nullptr) {
         throw std::bad_alloc();
     }
-    mContext.reset(avio_alloc_context(buffer, kBufferSize, 1, this, nullptr, WriteBytes,
-                                      file.CanSeek() ? Seek : nullptr));
+    mContext.reset(
+        avio_alloc_context(buffer, kBufferSize, 1, this, nullptr, WriteBytes, file.CanSeek() ? Seek : nullptr));
     if (!mContext) {
         av_free(buffer);
         throw std::bad_alloc();

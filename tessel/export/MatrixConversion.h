@@ -1,8 +1,8 @@
 /// Colour matrices and chroma upsampling, by zimg.
 #pragma once
 
-#include "PixelKind.h"
 #include "AlignedBuffer.h"
+#include "PixelKind.h"
 
 #include <array>
 #include <cstddef>

@@ -97,7 +97,8 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
     state.container = info.name;
     const bool needsToSeek = plan.container == Container::Mxf || plan.container == Container::Avi;
     if (needsToSeek && !state.file.CanSeek()) {
-        throw ExportError(fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", info.name));
+        throw ExportError(
+            fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", info.name));
     }
     AVFormatContext* format = nullptr;
     libav::Check(avformat_alloc_output_context2(&format, nullptr, info.muxer, nullptr),
@@ -148,7 +149,8 @@ void MovieWriter::Finish()
     if (state.audio) {
         state.audio->Finish(state.AudioSink());
     }
-    state.Check(av_write_trailer(state.format.get()), fmt::format("cannot finish the {} file", state.container));
+    state.Check(av_write_trailer(state.format.get()),
+                fmt::format("cannot finish the {} file", state.container));
     state.io.Flush();
     state.file.Commit();
 }

@@ -1,14 +1,17 @@
 #include "ExportError.h"
 #include "OutputFile.h"
 
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <fcntl.h>
 #include <random>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
+#include <utility>
 
 namespace tessel::exporting {
 namespace {
@@ -31,7 +34,9 @@ fs::path HiddenSibling(const fs::path& folder, const std::string& stem)
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::random_device random;
     std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
-    std::string name = "." + stem + ".";
+    std::string name = ".";
+    name += stem;
+    name += '.';
     for (int i = 0; i < 8; ++i) {
         name += kLetters[letter(random)];
     }
@@ -47,7 +52,7 @@ fs::path FolderOf(const fs::path& path)
 /// The path under which a file without a name can be linked.
 std::string DescriptorPath(int descriptor)
 {
-    return "/proc/self/fd/" + std::to_string(descriptor);
+    return fmt::format("/proc/self/fd/{}", descriptor);
 }
 
 /// Opens a file without a name, which vanishes with the process however that ends; -1 where the file system or
@@ -96,7 +101,7 @@ OutputFile::OutputFile(fs::path path) : mState(std::make_unique<State>())
 {
     State& state = *mState;
     state.path = std::move(path);
-    state.shownName = "'" + state.path.string() + "'";
+    state.shownName = fmt::format("'{}'", state.path.string());
     struct stat status {};
     const bool exists = ::stat(state.path.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) {

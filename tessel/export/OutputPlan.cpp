@@ -21,9 +21,10 @@ std::int32_t WholeSampleRate(float rate)
     // Files count samples per second in whole numbers.
     constexpr float kHighest = 16'777'216.0F; // the last float below which every integer is one
     if (!(rate >= 1.0F) || rate > kHighest || rate != std::floor(rate)) {
-        throw ExportError(fmt::format("mSampleRate is {}, but files take whole numbers of samples per second from 1 "
-                                      "on; use --video-only for the picture alone",
-                                      rate));
+        throw ExportError(
+            fmt::format("mSampleRate is {}, but files take whole numbers of samples per second from 1 "
+                        "on; use --video-only for the picture alone",
+                        rate));
     }
     return static_cast<std::int32_t>(rate);
 }
@@ -49,9 +50,10 @@ AudioPlan PlanAudio(const ClipDescription& clip, const OutputRequest& request)
     plan.dither = request.dither;
     plan.sampleRate = WholeSampleRate(clip.sampleRate);
     if (clip.channelCount > kMostChannels) {
-        throw ExportError(fmt::format("the clip has {} audio channels, but {} are the most that are played; use "
-                                      "--video-only for the picture alone",
-                                      clip.channelCount, kMostChannels));
+        throw ExportError(
+            fmt::format("the clip has {} audio channels, but {} are the most that are played; use "
+                        "--video-only for the picture alone",
+                        clip.channelCount, kMostChannels));
     }
     plan.codec = request.audioCodec.value_or(info.audioCodecs.front());
     if (std::find(info.audioCodecs.begin(), info.audioCodecs.end(), plan.codec) == info.audioCodecs.end()) {
@@ -86,7 +88,8 @@ OutputPlan PlanOutput(const ClipDescription& clip, const OutputRequest& request)
 {
     const ContainerInfo& info = InfoOf(request.container);
     if (request.streams == Streams::AudioOnly && !info.TakesAudio()) {
-        throw ExportError(fmt::format("{} files have no sound; use wav, mkv or mov with --audio-only", info.name));
+        throw ExportError(
+            fmt::format("{} files have no sound; use wav, mkv or mov with --audio-only", info.name));
     }
     if (request.streams == Streams::VideoOnly && !info.TakesVideo()) {
         throw ExportError(fmt::format("{} files have no picture; use mkv or mov with --video-only", info.name));

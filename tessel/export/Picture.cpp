@@ -12,7 +12,8 @@ using Places = std::array<ComponentPlace, 4>;
 constexpr ComponentPlace kNone{};
 
 /// Four interleaved components; the letters' byte positions are R, G, B, A.
-constexpr Places Interleaved(std::uint8_t r, std::uint8_t g, std::uint8_t b, std::uint8_t a, std::uint8_t sampleBytes)
+constexpr Places Interleaved(std::uint8_t r, std::uint8_t g, std::uint8_t b, std::uint8_t a,
+                             std::uint8_t sampleBytes)
 {
     const auto place = [&](std::uint8_t index) {
         return ComponentPlace{0, static_cast<std::uint8_t>(index * sampleBytes),
@@ -35,7 +36,8 @@ constexpr Places Rgb3(std::uint8_t sampleBytes)
 }
 
 /// One component a plane; the arguments say in which plane R, G, B or Y', Cb, Cr lie.
-constexpr Places Planar(std::int8_t first, std::int8_t second, std::int8_t third, bool alpha, std::uint8_t sampleBytes)
+constexpr Places Planar(std::int8_t first, std::int8_t second, std::int8_t third, bool alpha,
+                        std::uint8_t sampleBytes)
 {
     return {ComponentPlace{first, 0, sampleBytes}, ComponentPlace{second, 0, sampleBytes},
             ComponentPlace{third, 0, sampleBytes}, alpha ? ComponentPlace{3, 0, sampleBytes} : kNone};
@@ -138,7 +140,8 @@ Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t h
     std::int64_t total = 0;
     for (int plane = 0; plane < info.planes; ++plane) {
         const PlaneSize size = SizeOfPlane(info, plane, width, height);
-        const std::int64_t row = (BytesOfRow(info, plane, size.width) + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
+        const std::int64_t row =
+            (BytesOfRow(info, plane, size.width) + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
         const auto index = static_cast<std::size_t>(plane);
         picture.rowBytes[index] = static_cast<std::ptrdiff_t>(row);
         starts[index] = total;

@@ -84,7 +84,8 @@ struct PlaneSize {
     std::int32_t width;
     std::int32_t height;
 };
-[[nodiscard]] PlaneSize SizeOfPlane(const LayoutInfo& info, int plane, std::int32_t width, std::int32_t height) noexcept;
+[[nodiscard]] PlaneSize SizeOfPlane(const LayoutInfo& info, int plane, std::int32_t width,
+                                    std::int32_t height) noexcept;
 
 /// A picture with memory of its own: rows start on multiples of 64 bytes (v210: 128, as files have them),
 /// contents undefined.

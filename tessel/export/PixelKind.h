@@ -22,7 +22,15 @@ enum class Storage : std::uint8_t {
 enum class AlphaKind : std::uint8_t { Straight, Premultiplied, None };
 
 /// Matrix codes of ITU-T H.273 that pixel formats can name.
-enum class Matrix : std::uint8_t { Rgb = 0, Bt709 = 1, Unspecified = 2, Bt470Bg = 5, Smpte170M = 6, Smpte240M = 7, Bt2020 = 9 };
+enum class Matrix : std::uint8_t {
+    Rgb = 0,
+    Bt709 = 1,
+    Unspecified = 2,
+    Bt470Bg = 5,
+    Smpte170M = 6,
+    Smpte240M = 7,
+    Bt2020 = 9
+};
 
 struct PixelKind {
     ColorFamily family = ColorFamily::Rgb;

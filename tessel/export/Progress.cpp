@@ -29,7 +29,8 @@ void ProgressBar::Report(std::int64_t done, std::int64_t total, const char* unit
     const double seconds = std::chrono::duration<double>(now - mStart).count();
     const double rate = seconds > 0.0 ? static_cast<double>(done) / seconds : 0.0;
     const auto filled = static_cast<std::size_t>(done * kCells / total);
-    const std::string bar = std::string(filled, '#') + std::string(static_cast<std::size_t>(kCells) - filled, '.');
+    const std::string bar =
+        std::string(filled, '#') + std::string(static_cast<std::size_t>(kCells) - filled, '.');
     const std::string line = fmt::format("\r\x1b[K{} [{}] {:3} % {}/{} {}, {:.0f} a second", mName, bar,
                                          done * 100 / total, done, total, unit, rate);
     std::fputs(line.c_str(), stderr);

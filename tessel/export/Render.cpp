@@ -149,7 +149,8 @@ void RenderSequence(const SignalSource& source, const RenderJob& job, const Outp
     SequenceWriter writer(job.target, job.frames.count);
     auto makers = MakersFor<Bytes>(job, [&] {
         auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
-        std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, plan.container, /*threadCount=*/1);
+        std::shared_ptr<VideoEncoder> encoder =
+            VideoEncoder::Make(*plan.video, plan.container, /*threadCount=*/1);
         return [&source, &job, converter, encoder](std::int64_t index) {
             Bytes file;
             const Picture picture = converter->Convert(source.RenderFrame(job.frames.first + index));
@@ -180,11 +181,13 @@ FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> fir
     FrameRange range;
     range.first = first.value_or(0);
     if (range.first < 0 || range.first >= clipFrames) {
-        throw ExportError(fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
+        throw ExportError(
+            fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
     }
     const std::int64_t end = last ? *last + 1 : count ? range.first + *count : clipFrames;
     if (end > clipFrames) {
-        throw ExportError(fmt::format("there is no frame {}: the clip has frames 0 to {}", end - 1, clipFrames - 1));
+        throw ExportError(
+            fmt::format("there is no frame {}: the clip has frames 0 to {}", end - 1, clipFrames - 1));
     }
     if (end <= range.first) {
         throw ExportError(fmt::format("frames {} to {} are none", range.first, end - 1));

@@ -19,7 +19,8 @@ std::uint64_t Mix(std::uint64_t value) noexcept
 double TriangularNoise(std::int64_t position, std::int32_t channel) noexcept
 {
     constexpr double kUnit = 1.0 / 4294967296.0;
-    const std::uint64_t bits = Mix(Mix(static_cast<std::uint64_t>(position)) + static_cast<std::uint64_t>(channel));
+    const std::uint64_t bits =
+        Mix(Mix(static_cast<std::uint64_t>(position)) + static_cast<std::uint64_t>(channel));
     return (static_cast<double>(bits >> 32) - static_cast<double>(bits & 0xFFFFFFFFU)) * kUnit;
 }
 
@@ -31,7 +32,8 @@ SampleQuantizer::SampleQuantizer(int bits, Dither dither) noexcept
 {
 }
 
-std::int32_t SampleQuantizer::operator()(float sample, std::int64_t position, std::int32_t channel) const noexcept
+std::int32_t SampleQuantizer::operator()(float sample, std::int64_t position,
+                                         std::int32_t channel) const noexcept
 {
     double scaled = std::isnan(sample) ? 0.0 : static_cast<double>(sample) * mScale;
     if (mDither == Dither::Triangular) {

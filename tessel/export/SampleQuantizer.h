@@ -16,7 +16,8 @@ public:
     SampleQuantizer(int bits, Dither dither) noexcept;
 
     /// @return the code, in the high bits of 32 where `bits` is 24 (what encoders call s32)
-    [[nodiscard]] std::int32_t operator()(float sample, std::int64_t position, std::int32_t channel) const noexcept;
+    [[nodiscard]] std::int32_t operator()(float sample, std::int64_t position,
+                                          std::int32_t channel) const noexcept;
 
 private:
     double mScale;

@@ -40,7 +40,8 @@ std::optional<NumberedName> NumberedName::Parse(const std::string& name)
         }
         if (end == std::string::npos || digits < 1 || digits > kMostDigits || found) {
             throw ExportError(fmt::format(
-                "'{}' is no name for a sequence: it takes one number, as %d or %06d, and %% for a percent sign", name));
+                "'{}' is no name for a sequence: it takes one number, as %d or %06d, and %% for a percent sign",
+                name));
         }
         found = true;
         parsed.mDigits = digits;
@@ -65,15 +66,14 @@ SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount
         return;
     }
     if (std::optional<NumberedName> name = NumberedName::Parse(target.filename().string())) {
-        mNumbered.emplace(Numbered{target.parent_path(), *std::move(name), std::nullopt, {}});
-        mNumbered->folder.emplace(mNumbered->parent);
+        mNumbered.emplace(target.parent_path(), *std::move(name));
         return;
     }
     if (pictureCount != 1) {
-        throw ExportError(fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
-                                      "in {}_%06d{}, or choose one frame with --from N --frames 1",
-                                      target.string(), pictureCount, target.stem().string(),
-                                      target.extension().string()));
+        throw ExportError(
+            fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
+                        "in {}_%06d{}, or choose one frame with --from N --frames 1",
+                        target.string(), pictureCount, target.stem().string(), target.extension().string()));
     }
     mSingle.emplace(target);
 }
@@ -85,7 +85,7 @@ void SequenceWriter::Write(std::span<const std::byte> file, std::int64_t number)
         return;
     }
     std::string name = mNumbered->name.With(number);
-    OutputFile output(mNumbered->folder->Path() / name);
+    OutputFile output(mNumbered->folder.Path() / name);
     output.Write(file);
     output.Commit();
     mNumbered->files.push_back(std::move(name));
@@ -100,7 +100,7 @@ void SequenceWriter::Finish()
     for (std::size_t done = 0; done < mNumbered->files.size(); ++done) {
         const std::string& name = mNumbered->files[done];
         std::error_code error;
-        fs::rename(mNumbered->folder->Path() / name, mNumbered->parent / name, error);
+        fs::rename(mNumbered->folder.Path() / name, mNumbered->parent / name, error);
         if (error) {
             for (std::size_t i = 0; i < done; ++i) {
                 std::error_code ignored;

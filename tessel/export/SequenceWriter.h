@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessel::exporting {
@@ -43,9 +44,14 @@ public:
 
 private:
     struct Numbered {
+        Numbered(std::filesystem::path folderOfFiles, NumberedName nameOfFiles)
+            : parent(std::move(folderOfFiles)), name(std::move(nameOfFiles)), folder(parent)
+        {
+        }
+
         std::filesystem::path parent;
         NumberedName name;
-        std::optional<TemporaryFolder> folder;
+        TemporaryFolder folder;
         std::vector<std::string> files;
     };
     std::optional<Numbered> mNumbered;

@@ -30,7 +30,10 @@ class ClipSource final : public SignalSource {
 public:
     explicit ClipSource(const importhost::Clip& clip) : mClip(clip) {}
 
-    [[nodiscard]] const importhost::ClipDescription& Description() const override { return mClip.Description(); }
+    [[nodiscard]] const importhost::ClipDescription& Description() const override
+    {
+        return mClip.Description();
+    }
     [[nodiscard]] FrameView RenderFrame(std::int64_t frame) const override
     {
         return ViewOf(mClip.RenderFrame(frame));

@@ -45,8 +45,8 @@ void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* l
     }
 }
 
-void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr, std::int32_t width,
-                 std::byte* packed) noexcept
+void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr,
+                 std::int32_t width, std::byte* packed) noexcept
 {
     std::byte* const end = packed + V210RowBytes(width);
     for (std::int32_t x = 0; x < width; x += kPixelsPerGroup, packed += kBytesPerGroup) {

@@ -12,7 +12,7 @@ void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* l
                    std::uint16_t* cr) noexcept;
 
 /// Packs one row into `V210RowBytes(width)` bytes; samples beyond the picture are 0.
-void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr, std::int32_t width,
-                 std::byte* packed) noexcept;
+void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr,
+                 std::int32_t width, std::byte* packed) noexcept;
 
 } // namespace tessel::exporting

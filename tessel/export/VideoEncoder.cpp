@@ -62,7 +62,8 @@ AVBufferRef* ShareOwner(const Picture& picture)
 {
     auto owner = std::make_unique<std::shared_ptr<const void>>(picture.owner);
     const auto release = [](void* opaque, std::uint8_t* /*data*/) {
-        const std::unique_ptr<std::shared_ptr<const void>> last(static_cast<std::shared_ptr<const void>*>(opaque));
+        const std::unique_ptr<std::shared_ptr<const void>> last(
+            static_cast<std::shared_ptr<const void>*>(opaque));
     };
     // The size only matters to those who write into buffers; read-only ones are copied first.
     AVBufferRef* buffer = av_buffer_create(reinterpret_cast<std::uint8_t*>(picture.planes[0]), 1, release,
@@ -153,7 +154,8 @@ void SetCodecOptions(AVCodecContext& context, const VideoPlan& plan, AVDictionar
         av_dict_set(options, "crf", "16", 0);
         av_dict_set(options, "preset", "medium", 0);
         if (isInterlaced) {
-            av_dict_set(options, "x264-params", plan.geometry.order == FieldOrder::UpperFirst ? "tff=1" : "bff=1", 0);
+            av_dict_set(options, "x264-params",
+                        plan.geometry.order == FieldOrder::UpperFirst ? "tff=1" : "bff=1", 0);
         }
         break;
     case VideoCodec::Mpeg2:
@@ -224,7 +226,8 @@ public:
 
     void DescribeStream(AVStream& stream) const override
     {
-        libav::Check(avcodec_parameters_from_context(stream.codecpar, mContext.get()), "cannot describe the video");
+        libav::Check(avcodec_parameters_from_context(stream.codecpar, mContext.get()),
+                     "cannot describe the video");
         if (mRawTag != 0) {
             stream.codecpar->codec_tag = mRawTag;
         }
@@ -277,7 +280,10 @@ private:
         }
     }
 
-    [[nodiscard]] std::string Doing() const { return fmt::format("cannot encode {} video", NameOf(mPlan.codec)); }
+    [[nodiscard]] std::string Doing() const
+    {
+        return fmt::format("cannot encode {} video", NameOf(mPlan.codec));
+    }
 
     VideoPlan mPlan;
     unsigned mRawTag;
@@ -337,13 +343,13 @@ private:
 AVPixelFormat LibavFormat(PictureLayout layout) noexcept
 {
     static constexpr std::array<AVPixelFormat, 28> kFormats{
-        AV_PIX_FMT_BGRA,        AV_PIX_FMT_ARGB,        AV_PIX_FMT_BGR0,        AV_PIX_FMT_0RGB,
-        AV_PIX_FMT_RGBA,        AV_PIX_FMT_RGB24,       AV_PIX_FMT_RGBA64LE,    AV_PIX_FMT_RGB48LE,
-        AV_PIX_FMT_RGBA64BE,    AV_PIX_FMT_RGB48BE,     AV_PIX_FMT_GBRP10LE,    AV_PIX_FMT_GBRP16LE,
-        AV_PIX_FMT_GBRAP16LE,   AV_PIX_FMT_GBRPF32LE,   AV_PIX_FMT_GBRAPF32LE,  AV_PIX_FMT_YUV444P,
-        AV_PIX_FMT_YUVA444P,    AV_PIX_FMT_YUV444P10LE, AV_PIX_FMT_YUVA444P10LE, AV_PIX_FMT_YUV444P16LE,
-        AV_PIX_FMT_YUVA444P16LE, AV_PIX_FMT_YUV422P,    AV_PIX_FMT_YUV422P10LE, AV_PIX_FMT_YUV420P,
-        AV_PIX_FMT_YUV411P,     AV_PIX_FMT_UYVY422,     AV_PIX_FMT_YUYV422,     AV_PIX_FMT_YUV422P10LE};
+        AV_PIX_FMT_BGRA,         AV_PIX_FMT_ARGB,        AV_PIX_FMT_BGR0,         AV_PIX_FMT_0RGB,
+        AV_PIX_FMT_RGBA,         AV_PIX_FMT_RGB24,       AV_PIX_FMT_RGBA64LE,     AV_PIX_FMT_RGB48LE,
+        AV_PIX_FMT_RGBA64BE,     AV_PIX_FMT_RGB48BE,     AV_PIX_FMT_GBRP10LE,     AV_PIX_FMT_GBRP16LE,
+        AV_PIX_FMT_GBRAP16LE,    AV_PIX_FMT_GBRPF32LE,   AV_PIX_FMT_GBRAPF32LE,   AV_PIX_FMT_YUV444P,
+        AV_PIX_FMT_YUVA444P,     AV_PIX_FMT_YUV444P10LE, AV_PIX_FMT_YUVA444P10LE, AV_PIX_FMT_YUV444P16LE,
+        AV_PIX_FMT_YUVA444P16LE, AV_PIX_FMT_YUV422P,     AV_PIX_FMT_YUV422P10LE,  AV_PIX_FMT_YUV420P,
+        AV_PIX_FMT_YUV411P,      AV_PIX_FMT_UYVY422,     AV_PIX_FMT_YUYV422,      AV_PIX_FMT_YUV422P10LE};
     return kFormats[static_cast<std::size_t>(layout)];
 }
 

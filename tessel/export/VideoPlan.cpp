@@ -113,7 +113,8 @@ bool IsEightBit(const PixelKind& kind) noexcept
     return kind.storage != Storage::InterleavedF && kind.storage != Storage::V210;
 }
 
-PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const PixelKind& kind, Container container)
+PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const PixelKind& kind,
+                        Container container)
 {
     const DvProfile* dv = DvProfileOf(clip.pixelFormat);
     switch (codec) {
@@ -170,11 +171,13 @@ BR::PixelFormat FrameFormat(BR::PixelFormat format, const PixelKind& kind) noexc
 PictureGeometry GeometryOf(const ClipDescription& clip)
 {
     if (clip.width < 1 || clip.height < 1) {
-        throw ExportError(fmt::format("the clip has no picture: its frames are {}x{}; use --audio-only for its sound",
-                                      clip.width, clip.height));
+        throw ExportError(
+            fmt::format("the clip has no picture: its frames are {}x{}; use --audio-only for its sound",
+                        clip.width, clip.height));
     }
     if (clip.timeScale < 1 || clip.sampleSize < 1) {
-        throw ExportError("the clip has no frame rate: mVideoFrameRate must be a positive number of ticks per frame");
+        throw ExportError(
+            "the clip has no frame rate: mVideoFrameRate must be a positive number of ticks per frame");
     }
     const std::int32_t divisor = std::gcd(clip.timeScale, clip.sampleSize);
     PictureGeometry geometry;
@@ -216,9 +219,10 @@ VideoPlan PlanVideo(const ClipDescription& clip, Container container, std::optio
     plan.conversion.target = layout;
     plan.conversion.width = clip.width;
     plan.conversion.height = clip.height;
-    plan.conversion.coding = kind.family == ColorFamily::Rgb ? CodingFor(clip.colorCodes) : YCbCrCoding{kind.matrix};
-    const bool byField = kind.storage == Storage::Planar420 ? kind.fieldPicture
-                                                            : plan.geometry.order != FieldOrder::Progressive;
+    plan.conversion.coding =
+        kind.family == ColorFamily::Rgb ? CodingFor(clip.colorCodes) : YCbCrCoding{kind.matrix};
+    const bool byField =
+        kind.storage == Storage::Planar420 ? kind.fieldPicture : plan.geometry.order != FieldOrder::Progressive;
     plan.conversion.chromaRows = byField ? ChromaRows::Field : ChromaRows::Frame;
     plan.tags = TagsFor(kind, clip.colorCodes, InfoOf(layout));
     return plan;
