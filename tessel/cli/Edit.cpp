@@ -17,6 +17,7 @@
 #include <span>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 namespace tessel::cli {
 namespace {
@@ -63,6 +64,11 @@ void KeepDecision(const EditedSettings& edited, const std::filesystem::path& tar
     case SettingsDecision::Cancelled:
         return;
     case SettingsDecision::UseFile:
+        // The dialog lets a person use a file that could not be saved.
+        if (std::error_code error; !std::filesystem::exists(edited.newFile, error)) {
+            throw HostError(DisplayName(edited.newFile) +
+                            ": the file that the clip is to use could not be saved; the settings are lost");
+        }
         WriteOut(edited.newFile.string() + '\n');
         return;
     case SettingsDecision::Accepted:

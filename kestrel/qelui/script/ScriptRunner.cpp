@@ -337,7 +337,7 @@ std::optional<std::u16string> ScriptRunner::TakeFileAnswer()
 std::optional<sharedui::PickerColor> ScriptRunner::TakeColorAnswer()
 {
     if (mColorAnswers.empty()) {
-        Fail(mLine, "a colour picker opened without an answer (answer color R G B A, or answer color cancel)");
+        Fail(mLine, "a color picker opened without an answer (answer color R G B A, or answer color cancel)");
         return std::nullopt;
     }
     const AnswerColor answer = mColorAnswers.front().answer;
