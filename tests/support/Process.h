@@ -40,11 +40,16 @@ struct CommandResult {
 /// Text as one word of a shell command.
 [[nodiscard]] inline std::string Quoted(const std::string& text)
 {
-    std::string quoted = "'";
+    std::string quoted(1, '\'');
     for (const char c : text) {
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+        if (c == '\'') {
+            quoted.append("'\\''");
+        } else {
+            quoted.push_back(c);
+        }
     }
-    return quoted + "'";
+    quoted.push_back('\'');
+    return quoted;
 }
 
 } // namespace testsupport
