@@ -64,7 +64,7 @@ void RequireExtension(const Importer& importer, const std::filesystem::path& fil
     std::string known;
     for (const FileType& type : importer.FileTypes()) {
         for (const std::string& own : type.extensions) {
-            if (extension == "." + LowerASCII(own)) {
+            if (extension.substr(std::min<std::size_t>(extension.size(), 1)) == LowerASCII(own)) {
                 return;
             }
             known += (known.empty() ? "." : ", .") + own;

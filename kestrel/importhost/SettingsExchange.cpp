@@ -59,7 +59,10 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
     std::string lastMessage;
     const qelcore::logging::ScopedListener listener([&](const qelcore::logging::Message& message) {
         lastMessage = message.text;
-        edited.warnings += (edited.warnings.empty() ? "" : "\n") + OneLine(message.text);
+        if (!edited.warnings.empty()) {
+            edited.warnings += '\n';
+        }
+        edited.warnings += OneLine(message.text);
     });
     const std::int32_t result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
     const std::unique_ptr<ksUTF16, FreeBlock> newPath(access.newPath);

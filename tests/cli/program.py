@@ -1,0 +1,108 @@
+"""Running the program and writing documents for it; the tests beside this file build on it."""
+
+import copy
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+PROGRAM = os.environ["TESSEL"]
+PLUGIN = os.environ["TESSEL_PLUGIN"]
+
+TICKS_PER_SECOND = 254_016_000_000
+
+
+def code(text):
+    """A four-character code as documents hold it: four bytes, read little-endian."""
+    return int.from_bytes(text.encode("ascii"), "little")
+
+
+def color(red, green, blue, alpha=1.0):
+    return {"mAlphaPart": alpha, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
+
+
+DOCUMENT = {
+    "mPixelFormat": code("bgra"),
+    "mFrameWidth": 320,
+    "mFrameHeight": 180,
+    "mFramePAR": {"numerator": 1, "denominator": 1},
+    "mFieldType": 0,
+    "mRenderFormat": 1,
+    "mUpperFieldColor": color(1, 0.5, 0.25),
+    "mLowerFieldColor": color(0, 1, 0),
+    "mTopGradiantColorStart": color(1, 0, 0),
+    "mTopGradiantColorEnd": color(0.5, 0.5, 0.5),
+    "mBottomGradiantColorStart": color(0, 1, 0),
+    "mBottomGradiantColorEnd": color(1, 0.5, 0.25),
+    "mVideoDuration": {"ticks": 2 * TICKS_PER_SECOND},
+    "mVideoFrameRate": {"ticksperframe": TICKS_PER_SECOND // 25},
+    "mVersion": 1,
+}
+
+
+def document(**changes):
+    """The document above with keys replaced, or removed where the value is `...`."""
+    made = copy.deepcopy(DOCUMENT)
+    for key, value in changes.items():
+        if value is ...:
+            made.pop(key, None)
+        else:
+            made[key] = value
+    return made
+
+
+class Answer:
+    def __init__(self, completed):
+        self.code = completed.returncode
+        self.out = completed.stdout.decode("utf-8")
+        self.err = completed.stderr.decode("utf-8")  # strict: messages are UTF-8 whatever the file's name is
+
+
+class ProgramTest(unittest.TestCase):
+    """Each test has an empty folder of its own, in which the program runs."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="tessel-cli-")
+        self.addCleanup(shutil.rmtree, self.folder, True)
+
+    def path(self, name):
+        """The name in the test's folder; text or bytes."""
+        folder = self.folder if isinstance(name, str) else os.fsencode(self.folder)
+        return os.path.join(folder, name)
+
+    def write(self, name, content):
+        """Writes a document, or text or bytes as they are. Returns the name."""
+        if isinstance(content, dict):
+            content = json.dumps(content)
+        if isinstance(content, str):
+            content = content.encode("utf-8")
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+        return name
+
+    def run_program(self, *arguments, environment=None, **options):
+        settings = dict(os.environ)
+        settings.pop("KESTREL_PLUGIN_PATH", None)
+        settings["KESTREL_DEBUG_DATABASE"] = self.path("no-such-debug-database.json")
+        settings.update(environment or {})
+        options.setdefault("stdout", subprocess.PIPE)
+        options.setdefault("cwd", self.folder)
+        completed = subprocess.run([PROGRAM, *arguments], env=settings, stdin=subprocess.DEVNULL,
+                                   stderr=subprocess.PIPE, timeout=120, check=False, **options)
+        completed.stdout = completed.stdout or b""
+        return Answer(completed)
+
+    def assert_done(self, answer):
+        self.assertEqual((answer.code, answer.err), (0, ""))
+
+    def assert_failed(self, answer, exit_code, *says):
+        """One line on standard error that holds each of `says`, nothing on standard output."""
+        self.assertEqual(answer.code, exit_code, answer.err)
+        self.assertEqual(answer.out, "")
+        self.assertTrue(answer.err.startswith("tessel: "), answer.err)
+        self.assertEqual(answer.err.count("\n"), 1, answer.err)
+        self.assertTrue(answer.err.endswith("\n"), answer.err)
+        for part in says:
+            self.assertIn(part, answer.err)
