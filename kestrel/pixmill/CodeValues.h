@@ -25,10 +25,10 @@ struct CodeRules {
     PerCode lowest, highest; ///< 0 <= lowest < highest <= 1023
 
     // Made of the above, for `QuickCodes`.
-    PerCode reciprocal; ///< of the divisor
-    PerCode shift;      ///< offset + 0.5
-    PerCode least;      ///< lowest + 0.25 and highest + 0.75: clipped there, a value has the right integer part
-    PerCode most;       ///< and is far from a tie
+    std::array<PerCode, 4> factors; ///< weights over divisors
+    PerCode shift;                  ///< offset + 0.5
+    PerCode least; ///< lowest + 0.25 and highest + 0.75: clipped there, a value has the right integer part
+    PerCode most;  ///< and is far from a tie
 };
 
 using Codes = std::array<std::uint32_t, CodeRules::kCount>;
@@ -37,35 +37,33 @@ using Codes = std::array<std::uint32_t, CodeRules::kCount>;
 [[nodiscard]] std::uint32_t ExactCode(const CodeRules& rules, std::size_t index,
                                       const Components& components) noexcept;
 
+/// Sums of components' magnitudes below this are small enough for `QuickCodes`.
+inline constexpr double kQuickMagnitude = 1024;
+
 /// The codes that the rules give, where plain arithmetic in double can be trusted with that.
 ///
-/// @param components  Finite.
-/// @param magnitude   At least the sum of the components' magnitudes.
+/// @param components  Their magnitudes' sum is below `kQuickMagnitude`.
 /// @return Whether it can: false where a value lies too near to a tie, and then `codes` means nothing.
-[[nodiscard]] inline bool QuickCodes(const CodeRules& rules, const Components& components, double magnitude,
+[[nodiscard]] inline bool QuickCodes(const CodeRules& rules, const Components& components,
                                      Codes& codes) noexcept
 {
-    // Ten roundings of 2^-53, of sums of up to 2^10 times the components and of codes of up to 2^10, stay
-    // below this distance.
-    const double doubt = 0x1p-38 * (1 + magnitude);
+    // Factors are below 2^10: ten roundings of 2^-53 of sums of up to 2^20 make less than 2^-29.
+    constexpr double kDoubt = 0x1p-28;
 
-    CodeRules::PerCode distance; // from a tie
     std::array<std::int32_t, CodeRules::kCount> rounded;
+    std::int32_t doubtful = 0;
     for (std::size_t i = 0; i < CodeRules::kCount; ++i) {
-        const double sum = rules.weights[0][i] * components[0] + rules.weights[1][i] * components[1] +
-                           (rules.weights[2][i] * components[2] + rules.weights[3][i] * components[3]);
-        double shifted = sum * rules.reciprocal[i] + rules.shift[i];
+        double shifted = (rules.factors[0][i] * components[0] + rules.shift[i]) +
+                         (rules.factors[1][i] * components[1] + rules.factors[2][i] * components[2]) +
+                         rules.factors[3][i] * components[3];
         shifted = shifted > rules.least[i] ? shifted : rules.least[i];
         shifted = shifted < rules.most[i] ? shifted : rules.most[i];
         rounded[i] = static_cast<std::int32_t>(shifted);
-        const double fromMiddle = shifted - rounded[i] - 0.5;
-        distance[i] = 0.5 - (fromMiddle < 0 ? -fromMiddle : fromMiddle);
+        doubtful |= static_cast<std::int32_t>(shifted - kDoubt) ^ static_cast<std::int32_t>(shifted + kDoubt);
     }
     codes = {static_cast<std::uint32_t>(rounded[0]), static_cast<std::uint32_t>(rounded[1]),
              static_cast<std::uint32_t>(rounded[2]), static_cast<std::uint32_t>(rounded[3])};
-    const double first = distance[0] < distance[1] ? distance[0] : distance[1];
-    const double second = distance[2] < distance[3] ? distance[2] : distance[3];
-    return (first < second ? first : second) > doubt;
+    return doubtful == 0;
 }
 
 } // namespace pixmill

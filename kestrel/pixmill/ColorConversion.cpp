@@ -4,9 +4,12 @@
 
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace pixmill {
 namespace {
+
+constexpr double kLargestFloat = std::numeric_limits<float>::max();
 
 bool IsPlainFloat(std::uint32_t code) noexcept
 {
@@ -80,7 +83,7 @@ FillWords InExactCodes(std::uint32_t code, const Components& bgra) noexcept
     const CodeRules& rules = RulesFor(code);
     const Components scaled = Scaled(code, bgra);
     Codes codes{};
-    if (!QuickCodes(rules, scaled, Magnitude(scaled), codes)) {
+    if (!(Magnitude(scaled) < kQuickMagnitude) || !QuickCodes(rules, scaled, codes)) {
         for (std::size_t i = 0; i < codes.size(); ++i) {
             codes[i] = ExactCode(rules, i, scaled);
         }

@@ -53,8 +53,8 @@ void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels, F
     }
 }
 
-[[gnu::noinline]] void FillManyRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width,
-                                    std::uint32_t rows, std::uint32_t code, FillWords pattern) noexcept
+void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, std::uint32_t rows,
+              std::uint32_t code, FillWords pattern) noexcept
 {
     const PixelGroup group = GroupOf(code);
     const std::size_t wholeBytes = std::size_t{width / group.pixels} * group.bytes;
@@ -72,23 +72,32 @@ void FillLastGroup(std::byte* group, std::uint32_t code, std::uint32_t pixels, F
     }
 }
 
-/// A gradient fills row by row, and then every store to the stack that a call brings takes part of the time
-/// that a short row takes: hence whole rows one at a time first, and the rest behind calls.
-inline void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, std::uint32_t rows,
-                     std::uint32_t code, FillWords pattern) noexcept
+[[gnu::noinline]] std::int32_t FillAnyRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width,
+                                           std::uint32_t rows, std::uint32_t code, const void* color) noexcept
 {
-    const PixelGroup group = GroupOf(code);
-    if (rows == 1 && width % group.pixels == 0) {
-        FillRow(pixels, std::size_t{width / group.pixels} * group.bytes, pattern);
-    } else {
-        FillManyRows(pixels, rowBytes, width, rows, code, pattern);
-    }
+    const StoredColor stored = ConvertColor(code, LoadColor(color));
+    FillRows(pixels, rowBytes, width, rows, code, std::bit_cast<FillWords>(stored.pattern));
+    return kFilled;
 }
 
-[[gnu::noinline]] void FillCarefully(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width,
-                                     std::uint32_t rows, std::uint32_t code, const ColorBGRA& color) noexcept
+[[gnu::noinline]] std::int32_t FillOneRowExactly(std::byte* row, std::size_t byteCount, std::uint32_t code,
+                                                 const void* color) noexcept
 {
-    FillRows(pixels, rowBytes, width, rows, code, std::bit_cast<FillWords>(ConvertColor(code, color).pattern));
+    FillRow(row, byteCount, ConvertColor(code, LoadColor(color)).pattern);
+    return kFilled;
+}
+
+/// A gradient comes row by row, and a short row takes so little time that whatever a function keeps on the
+/// stack shows: those stores wait behind the row's own. Hence few arguments, and calls at the ends only.
+[[gnu::noinline]] std::int32_t FillOneRow(std::byte* row, std::size_t byteCount, std::uint32_t code,
+                                          const void* color) noexcept
+{
+    FillWords pattern{};
+    if (!ConvertQuickly(code, LoadColor(color), pattern)) [[unlikely]] {
+        return FillOneRowExactly(row, byteCount, code, color);
+    }
+    FillRow(row, byteCount, pattern);
+    return kFilled;
 }
 
 } // namespace
@@ -100,12 +109,11 @@ std::int32_t PM_FillWithColor(void* pixels, std::int32_t rowBytes, std::uint32_t
         return kBadArgument;
     }
     auto* const bytes = static_cast<std::byte*>(pixels);
-    const ColorBGRA given = LoadColor(color);
-    FillWords pattern; // NOLINT(cppcoreguidelines-pro-type-member-init)
-    if ((destCode & kBitFloat) == 0 && ConvertQuickly(destCode, given, pattern)) [[likely]] {
-        FillRows(bytes, rowBytes, width, rows, destCode, pattern);
-    } else {
-        FillCarefully(bytes, rowBytes, width, rows, destCode, given);
+    const PixelGroup group = GroupOf(destCode);
+    if (rows != 1 || width % group.pixels != 0) {
+        return FillAnyRows(bytes, rowBytes, width, rows, destCode, color);
     }
-    return kFilled;
+    const std::size_t byteCount = std::size_t{width / group.pixels} * group.bytes;
+    const bool isFloat = (destCode & kBitFloat) != 0;
+    return (isFloat ? FillOneRowExactly : FillOneRow)(bytes, byteCount, destCode, color);
 }

@@ -57,30 +57,42 @@ __attribute__((target("avx"))) inline void Store(std::byte* at, __m256i value) n
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(at), value);
 }
 
+/// Stores from `row`, a multiple of 32, until less than 32 bytes are left before `end`.
+__attribute__((target("avx"))) inline std::byte* StoreRun(std::byte* row, const std::byte* end,
+                                                          __m256i wide) noexcept
+{
+    constexpr std::size_t kStores = 8;
+    constexpr std::ptrdiff_t kStep = kStores * kWideBytes;
+    for (; end - row >= kStep; row += kStep) {
+        for (std::size_t i = 0; i < kStores; ++i) {
+            Store(row + i * kWideBytes, wide);
+        }
+    }
+    for (; end - row >= static_cast<std::ptrdiff_t>(kWideBytes); row += kWideBytes) {
+        Store(row, wide);
+    }
+    return row;
+}
+
+/// For rows that begin and end at multiples of 32, as nearly all do.
+__attribute__((target("avx"))) void FillAligned(std::byte* row, std::size_t byteCount,
+                                                FillWords pattern) noexcept
+{
+    StoreRun(row, row + byteCount, Wide(pattern));
+}
+
+/// Stores across a cache line's end cost double: one unaligned store, then on from the next boundary, and an
+/// unaligned one at the end.
+///
 /// @param byteCount  At least `kWideBytes`.
-__attribute__((target("avx"))) void FillWide(std::byte* row, std::size_t byteCount, FillWords pattern) noexcept
+__attribute__((target("avx"))) void FillUnaligned(std::byte* row, std::size_t byteCount,
+                                                  FillWords pattern) noexcept
 {
     std::byte* const end = row + byteCount;
-    const __m256i last = Wide(Rotated(pattern, byteCount));
-
-    // Stores across a cache line's end cost double: one unaligned store, then on from the next boundary.
     const std::size_t ahead = -reinterpret_cast<std::uintptr_t>(row) % kWideBytes;
-    if (ahead != 0) {
-        Store(row, Wide(pattern));
-        row += ahead;
-    }
-    const __m256i wide = Wide(Rotated(pattern, ahead));
-    constexpr std::ptrdiff_t kStep = 4 * kWideBytes;
-    for (; end - row > kStep; row += kStep) {
-        Store(row, wide);
-        Store(row + kWideBytes, wide);
-        Store(row + 2 * kWideBytes, wide);
-        Store(row + 3 * kWideBytes, wide);
-    }
-    for (; end - row > static_cast<std::ptrdiff_t>(kWideBytes); row += kWideBytes) {
-        Store(row, wide);
-    }
-    Store(end - kWideBytes, last);
+    Store(row, Wide(pattern));
+    StoreRun(row + ahead, end, Wide(Rotated(pattern, ahead)));
+    Store(end - kWideBytes, Wide(Rotated(pattern, byteCount))); // 32 bytes back is two patterns back
 }
 
 #endif
@@ -91,7 +103,11 @@ void FillRow(std::byte* row, std::size_t byteCount, FillWords pattern) noexcept
 {
 #if defined(__x86_64__)
     if (kHasWideStores && byteCount >= kWideBytes) [[likely]] {
-        FillWide(row, byteCount, pattern);
+        if ((reinterpret_cast<std::uintptr_t>(row) | byteCount) % kWideBytes == 0) [[likely]] {
+            FillAligned(row, byteCount, pattern);
+        } else {
+            FillUnaligned(row, byteCount, pattern);
+        }
         return;
     }
 #endif

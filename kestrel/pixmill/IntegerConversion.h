@@ -8,7 +8,6 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
 
 namespace pixmill {
 
@@ -31,12 +30,12 @@ constexpr CodeRules RulesOf(const std::array<CodeRule, CodeRules::kCount>& each)
     for (std::size_t i = 0; i < each.size(); ++i) {
         for (std::size_t component = 0; component < 4; ++component) {
             rules.weights[component][i] = each[i].weights[component];
+            rules.factors[component][i] = each[i].weights[component] / each[i].divisor;
         }
         rules.divisor[i] = each[i].divisor;
         rules.offset[i] = each[i].offset;
         rules.lowest[i] = each[i].lowest;
         rules.highest[i] = each[i].highest;
-        rules.reciprocal[i] = 1 / each[i].divisor;
         rules.shift[i] = each[i].offset + 0.5;
         rules.least[i] = each[i].lowest + 0.25;
         rules.most[i] = each[i].highest + 0.75;
@@ -86,8 +85,6 @@ inline const CodeRules& RulesFor(std::uint32_t code) noexcept
     return (code & kBit709) != 0 ? k709In8Bits : k601In8Bits;
 }
 
-inline constexpr double kLargestFloat = std::numeric_limits<float>::max();
-
 [[nodiscard]] inline double Magnitude(const Components& components) noexcept
 {
     return std::abs(components[0]) + std::abs(components[1]) + std::abs(components[2]) +
@@ -97,7 +94,10 @@ inline constexpr double kLargestFloat = std::numeric_limits<float>::max();
 /// The components as they are stored: in premultiplied formats the colour multiplied by alpha.
 [[nodiscard]] inline Components Scaled(std::uint32_t code, const Components& bgra) noexcept
 {
-    const double scale = (code & kBitPremultiplied) != 0 ? bgra[3] : 1.0;
+    if ((code & kBitPremultiplied) == 0) {
+        return bgra;
+    }
+    const double scale = bgra[3];
     return {bgra[0] * scale, bgra[1] * scale, bgra[2] * scale, bgra[3]};
 }
 
@@ -155,18 +155,17 @@ inline FillWords InCodes(std::uint32_t code, const Codes& codes) noexcept
 
 /// Converts for a format of integer codes, within some ten nanoseconds and without a call.
 ///
-/// @return false, and `pattern` means nothing, where a component is not finite (or nearly not) or a code lies
-///         on a rounding tie.
+/// @return false, and `pattern` means nothing, where components are huge or not finite or a code lies on a
+///         rounding tie.
 [[nodiscard]] inline bool ConvertQuickly(std::uint32_t code, const ColorBGRA& color,
                                          FillWords& pattern) noexcept
 {
     const Components scaled =
         Scaled(code, {color[0], color[1], color[2], (code & kBitNoAlpha) == 0 ? color[3] : 1.0F});
-    const double magnitude = Magnitude(scaled);
     Codes codes;
-    const bool isCertain = QuickCodes(RulesFor(code), scaled, magnitude, codes);
+    const bool isCertain = QuickCodes(RulesFor(code), scaled, codes);
     pattern = InCodes(code, codes);
-    return isCertain && magnitude < kLargestFloat;
+    return isCertain && Magnitude(scaled) < kQuickMagnitude;
 }
 
 } // namespace pixmill
