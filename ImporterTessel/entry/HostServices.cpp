@@ -11,7 +11,7 @@ const ksServiceTables* ServicesOf(const ksStdParms* stdParms) noexcept
     return stdParms == nullptr ? nullptr : stdParms->services;
 }
 
-const ksSuiteAccess* SuiteAccessOf(const ksStdParms* stdParms) noexcept
+const ksSuiteAccess* SuiteAccessOf(const ksStdParms* stdParms)
 {
     const ksServiceTables* const services = ServicesOf(stdParms);
     const ksUtilityFunctions* const utility = services == nullptr ? nullptr : services->utility;
@@ -23,7 +23,7 @@ const ksSuiteAccess* SuiteAccessOf(const ksStdParms* stdParms) noexcept
 
 } // namespace
 
-const void* AcquireSuite(const ksStdParms* stdParms, const char* name, std::int32_t version) noexcept
+const void* AcquireSuite(const ksStdParms* stdParms, const char* name, std::int32_t version)
 {
     const ksSuiteAccess* const access = SuiteAccessOf(stdParms);
     if (access == nullptr || access->acquireSuite == nullptr) {

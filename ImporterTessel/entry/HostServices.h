@@ -9,14 +9,12 @@ namespace ImporterTessel {
 
 /// The function table of the suite `name` at `version`, or null where any step on the way to it is missing:
 /// the parameters, a service table, the suite access, or the suite itself. The host keeps the table for the
-/// life of the process. Threads: [thread-safe]. Never throws.
-[[nodiscard]] const void* AcquireSuite(const ksStdParms* stdParms, const char* name,
-                                       std::int32_t version) noexcept;
+/// life of the process. Throws only what the host itself throws. Threads: [thread-safe].
+[[nodiscard]] const void* AcquireSuite(const ksStdParms* stdParms, const char* name, std::int32_t version);
 
 /// The same as the suite's own table type.
 template <class Suite>
-[[nodiscard]] const Suite* AcquireSuite(const ksStdParms* stdParms, const char* name,
-                                        std::int32_t version) noexcept
+[[nodiscard]] const Suite* AcquireSuite(const ksStdParms* stdParms, const char* name, std::int32_t version)
 {
     return static_cast<const Suite*>(AcquireSuite(stdParms, name, version));
 }

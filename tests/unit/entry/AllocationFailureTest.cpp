@@ -165,8 +165,7 @@ TEST_F(AllocationFailure, OfOpeningIs4OrTheDefaultClip)
             EXPECT_EQ(Delete(record.instance), 0);
             return result;
         },
-        // The file layer refuses a path that it has no memory to convert.
-        [](std::int32_t result) { return Is4Or0(result) || result == 2; });
+        Is4Or0);
 }
 
 TEST_F(AllocationFailure, OfDescribingATextIs4OrTheDefaultClip)

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 
 using ImporterTessel::TesselInfo;
 
@@ -82,7 +83,7 @@ TEST_F(Description, OfAnExistingFileReportsTheInstancesSettingsInTheseFieldsAndN
     EXPECT_EQ(BytesOf(mRecord), expected);
     EXPECT_TRUE(mInfo == OtherInfo());
     EXPECT_EQ(mHost.mConvertedTicks, 8'475'667'200);
-    const std::vector<std::pair<std::string, std::int32_t>> asked{{"Kestrel Legacy Suite", 2}};
+    const std::vector<std::pair<std::string_view, std::int32_t>> asked{{"Kestrel Legacy Suite", 2}};
     EXPECT_EQ(mHost.mSuites, asked);
 }
 

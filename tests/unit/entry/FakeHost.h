@@ -6,7 +6,7 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,6 +16,7 @@ public:
     FakeHost()
     {
         sCurrent = this;
+        mSuites.reserve(16);
         mMemory.newBlock = [](std::uint32_t bytes) {
             sCurrent->mBlocks.push_back(bytes);
             return sCurrent->mHasMemory ? std::malloc(bytes) : nullptr;
@@ -53,8 +54,8 @@ public:
     std::pair<std::int32_t, std::int32_t> mTimeScale{30000, 1001};
     std::int64_t mTicksPerFrame = 8'475'667'200; // 254016000000 × 1001 / 30000
     std::int64_t mConvertedTicks = 0;
-    std::vector<std::uint32_t> mBlocks;                        ///< sizes that were asked for
-    std::vector<std::pair<std::string, std::int32_t>> mSuites; ///< names and versions that were asked for
+    std::vector<std::uint32_t> mBlocks;                             ///< sizes that were asked for
+    std::vector<std::pair<std::string_view, std::int32_t>> mSuites; ///< the first that were asked for
 
     ksMemoryFunctions mMemory{};
     ksSuiteAccess mAccess{};
@@ -67,8 +68,12 @@ public:
 private:
     std::int32_t Acquire(const char* name, std::int32_t version, const void** suite)
     {
-        mSuites.emplace_back(name, version);
-        if (!mHasLegacySuite || std::string(name) != "Kestrel Legacy Suite" || version < 1 || version > 2) {
+        // Within what is reserved, so that a test may count blocks of memory.
+        if (mSuites.size() < mSuites.capacity()) {
+            mSuites.emplace_back(name, version);
+        }
+        if (!mHasLegacySuite || std::string_view(name) != "Kestrel Legacy Suite" || version < 1 ||
+            version > 2) {
             return -1;
         }
         *suite = version == 1 ? static_cast<const void*>(&mLegacy1) : &mLegacy2;

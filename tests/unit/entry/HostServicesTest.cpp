@@ -6,6 +6,10 @@
 
 #include <cstdlib>
 #include <new>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 using ImporterTessel::AcquireSuite;
 using ImporterTessel::AllocateHostBlock;
@@ -16,7 +20,7 @@ TEST(HostServices, SuiteIsAskedForByNameAndVersion)
     EXPECT_EQ(AcquireSuite<ksLegacySuite1>(&host.mStdParms, kLegacySuiteName, 1), &host.mLegacy1);
     EXPECT_EQ(AcquireSuite<ksLegacySuite2>(&host.mStdParms, kLegacySuiteName, 2), &host.mLegacy2);
     EXPECT_EQ(AcquireSuite(&host.mStdParms, "Another Suite", 2), nullptr);
-    const std::vector<std::pair<std::string, std::int32_t>> asked{
+    const std::vector<std::pair<std::string_view, std::int32_t>> asked{
         {"Kestrel Legacy Suite", 1}, {"Kestrel Legacy Suite", 2}, {"Another Suite", 2}};
     EXPECT_EQ(host.mSuites, asked);
 }
@@ -74,6 +78,15 @@ TEST(HostServices, SuiteIsMissingWhereTheHostIsContentButStoresNothing)
     FakeHost host;
     host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) { return 0; };
     EXPECT_EQ(AcquireSuite(&host.mStdParms, kLegacySuiteName, 2), nullptr);
+}
+
+TEST(HostServices, WhatASuiteThrowsIsTheCallersToHandle)
+{
+    FakeHost host;
+    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
+        throw std::runtime_error("why");
+    };
+    EXPECT_THROW(static_cast<void>(AcquireSuite(&host.mStdParms, kLegacySuiteName, 2)), std::runtime_error);
 }
 
 TEST(HostServices, BlocksComeFromTheHost)

@@ -2,6 +2,7 @@
 
 #include <ImporterTessel/entry/Entries.h>
 #include <ImporterTessel/settings/DataFile.h>
+#include <importabi/Records.h>
 
 #include <gtest/gtest.h>
 #include <unit/settings/TemporaryFolder.h>

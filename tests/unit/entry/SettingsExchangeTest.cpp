@@ -8,7 +8,9 @@
 #include <unit/settings/TemporaryFolder.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 using ImporterTessel::TesselInfo;
@@ -63,7 +65,7 @@ TEST_F(SettingsExchange, NullBufferAsksForTheSizeAndNothingElse)
     const std::u16string folder = mFolder.Path().u16string();
     const std::u16string absent = folder + u"/absent";
     for (const char16_t* const path : {mPath.c_str(), folder.c_str(), absent.c_str(), u""}) {
-        for (const std::uint8_t newClip : {0, 1, 255}) {
+        for (const std::uint8_t newClip : std::initializer_list<std::uint8_t>{0, 1, 255}) {
             mFile.path = path;
             mRecord.newClip = newClip;
             mRecord.bufferSize = 0xCCCCCCCC;
@@ -86,7 +88,7 @@ TEST_F(SettingsExchange, ExistingFileForANewClipGivesItsSettingsAsText)
     std::vector<std::uint8_t> expected = BytesOf(mRecord);
     Put(expected, 8, std::uint32_t{10240});
     const std::vector<std::uint8_t> expectedFile = BytesOf(mFile);
-    for (const std::uint8_t newClip : {1, 2, 255}) {
+    for (const std::uint8_t newClip : std::initializer_list<std::uint8_t>{1, 2, 255}) {
         mRecord.newClip = newClip;
         expected[12] = newClip;
         EXPECT_EQ(Exchange(), 0);
@@ -109,7 +111,7 @@ TEST_F(SettingsExchange, UnreadableFileIs2WithTheBufferUntouched)
     mPath = mFolder.Path().u16string(); // a directory exists, but does not open
     mFile.path = mPath.c_str();
     const std::vector<char> buffer = mBuffer;
-    for (const std::uint8_t newClip : {0, 1}) {
+    for (const std::uint8_t newClip : std::initializer_list<std::uint8_t>{0, 1}) {
         mRecord.newClip = newClip;
         const std::vector<std::uint8_t> expected = BytesOf(mRecord);
         EXPECT_EQ(Exchange(), 2);
@@ -149,7 +151,7 @@ TEST_F(SettingsExchange, NewClipInAHostWithoutTheLegacySuiteIs5)
     mHost.mLegacy1.timeScaleToTicks = nullptr;
     EXPECT_EQ(Exchange(), 5);
     EXPECT_EQ(mBuffer, buffer);
-    const std::vector<std::pair<std::string, std::int32_t>> asked{{"Kestrel Legacy Suite", 1},
-                                                                  {"Kestrel Legacy Suite", 1}};
+    const std::vector<std::pair<std::string_view, std::int32_t>> asked{{"Kestrel Legacy Suite", 1},
+                                                                       {"Kestrel Legacy Suite", 1}};
     EXPECT_EQ(mHost.mSuites, asked);
 }
