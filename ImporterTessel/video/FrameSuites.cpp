@@ -4,7 +4,7 @@
 
 namespace ImporterTessel {
 
-const FrameSuites* AcquireFrameSuites(const ksStdParms* stdParms) noexcept
+const FrameSuites* AcquireFrameSuites(const ksStdParms* stdParms)
 {
     // Intended: no lock. The host runs its first frame request alone.
     static constinit FrameSuites sSuites;

@@ -16,8 +16,8 @@ struct FrameSuites {
 /// The process-wide suites, acquired through `stdParms` while there are none yet and kept from then on:
 /// later calls do not look at `stdParms`. They are kept only when all three were got.
 ///
-/// @return null where a table on the way, or a suite, cannot be had.
+/// @return null where a table on the way, or a suite, cannot be had. Throws only what the host throws.
 /// Threads: [serialised] until it has once returned suites, then [thread-safe].
-[[nodiscard]] const FrameSuites* AcquireFrameSuites(const ksStdParms* stdParms) noexcept;
+[[nodiscard]] const FrameSuites* AcquireFrameSuites(const ksStdParms* stdParms);
 
 } // namespace ImporterTessel

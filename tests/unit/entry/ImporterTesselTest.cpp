@@ -1,3 +1,4 @@
+#include "FakeHost.h"
 #include "RecordBytes.h"
 
 #include <ImporterTessel/entry/Entries.h>
@@ -10,6 +11,8 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -160,6 +163,36 @@ TEST(Audio, EverySampleRateIsServed)
         Buffers buffers;
         EXPECT_EQ(Synthesize(info, buffers), 0) << rate;
     }
+}
+
+TEST(Frame, WhatASuiteThrowsNeverReachesTheHost)
+{
+    const OpenClip clip{TesselInfo()};
+    FakeHost host;
+    auto record = FilledRecord<ksFrameRec>();
+    record.instance = clip.Instance();
+    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
+        throw std::runtime_error("why");
+    };
+    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
+    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
+        throw std::bad_alloc();
+    };
+    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 4);
+    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t { throw 5; };
+    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
+}
+
+TEST(Frame, WithoutSuitesIsAFailureThatWritesNothing)
+{
+    const OpenClip clip{TesselInfo()};
+    FakeHost host;
+    auto record = FilledRecord<ksFrameRec>();
+    record.instance = clip.Instance();
+    const std::vector<std::uint8_t> before = BytesOf(record);
+    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
+    EXPECT_EQ(xImportEntry(47, nullptr, nullptr, &record), 5);
+    EXPECT_EQ(BytesOf(record), before);
 }
 
 TEST(FrameSize, WritesWidthAndHeightAndNothingElse)
