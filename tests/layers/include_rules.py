@@ -1,0 +1,108 @@
+"""The include rules, one row each: which files, and what they must not include (or may only include)."""
+
+import os
+import re
+import sys
+
+SOURCE_FOLDERS = ("ImporterTessel", "kestrel", "tessel")
+SOURCE_ENDINGS = (".h", ".hpp", ".cpp", ".c", ".inc")
+INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:<([^>\n]+)>|"([^"\n]+)")', re.MULTILINE)
+
+# Headers that name an operating system. Architecture headers (immintrin.h) are no platform's.
+PLATFORM_HEADERS = re.compile(
+    r"^(?:sys/.*|linux/.*|unistd\.h|fcntl\.h|dlfcn\.h|pwd\.h|pthread\.h|poll\.h|dirent\.h|termios\.h|elf\.h|link\.h|"
+    r"gelf\.h|libelf\.h|spawn\.h|sched\.h|mach/.*|windows\.h|io\.h)$")
+PLATFORM_FILES = re.compile(r"(?:Linux|Posix)\.(?:cpp|h)$")
+
+QT = re.compile(r"^Q[A-Z][A-Za-z]+$|^Qt[A-Z][A-Za-z]*/|^q[a-z]+\.h$")
+FFMPEG = re.compile(r"^lib(?:av[a-z]+|sw[a-z]+|postproc)/|^zimg")
+JSON = re.compile(r"^nlohmann/")
+COMMAND_LINE = re.compile(r"^CLI/")
+FORMATTING = re.compile(r"^fmt/")
+STANDARD = re.compile(r"^(?:[a-z_]+|(?:assert|stddef|stdint|stdbool|string|math|immintrin|emmintrin)\.h)$")
+HOST_PUBLIC = re.compile(r"^(?:brindle|importabi|ksm|orb|pixmill|qelaccelerate|qelcore|qellumenfactory|"
+                         r"qelmediatypes|qelui|qelworkspace)/")
+
+
+class Rule:
+    def __init__(self, name, files, allowed=None, forbidden=None, exempt=None):
+        self.name = name
+        self.files = re.compile(files)
+        self.exempt = re.compile(exempt) if exempt else None
+        self.allowed = allowed  # patterns of which one must match, or None
+        self.forbidden = forbidden
+
+    def breaks(self, path, included):
+        if not self.files.match(path) or (self.exempt and self.exempt.search(path)):
+            return False
+        if self.allowed is not None:
+            return not any(pattern.search(included) for pattern in self.allowed)
+        return self.forbidden.search(included) is not None
+
+
+RULES = [
+    Rule("the plug-in includes the standard library, itself and the host's public headers only",
+         r"ImporterTessel/", allowed=[STANDARD, re.compile(r"^ImporterTessel/"), HOST_PUBLIC]),
+    Rule("the program never includes the plug-in", r"tessel/", forbidden=re.compile(r"^ImporterTessel/")),
+    Rule("the host never includes the plug-in", r"kestrel/", forbidden=re.compile(r"^ImporterTessel/")),
+    Rule("the host never includes the program", r"kestrel/", forbidden=re.compile(r"^tessel/")),
+    Rule("the base libraries never include the loader", r"kestrel/(?!importhost/)",
+         forbidden=re.compile(r"^importhost/")),
+    Rule("Qt stays in its toolkit and in the viewer", r"(?:kestrel/(?!qt/)|ImporterTessel/|tessel/(?!view/))",
+         forbidden=QT),
+    Rule("the JSON library stays behind serialization",
+         r"(?:kestrel/(?!qelcore/serialization/)|ImporterTessel/|tessel/)", forbidden=JSON),
+    Rule("FFmpeg and zimg stay in the export", r"(?:kestrel/|ImporterTessel/|tessel/(?!export/))", forbidden=FFMPEG),
+    Rule("the command-line library stays in the command line", r"(?:kestrel/|ImporterTessel/|tessel/(?!cli/))",
+         forbidden=COMMAND_LINE),
+    Rule("the host's headers show no formatting library", r"kestrel/.*\.h$", forbidden=FORMATTING),
+    Rule("platform headers stay in platform files", r"(?:kestrel|ImporterTessel|tessel)/",
+         forbidden=PLATFORM_HEADERS, exempt=PLATFORM_FILES.pattern),
+]
+
+
+def without_comments(text):
+    text = re.sub(r"/\*.*?\*/", lambda found: "\n" * found.group().count("\n"), text, flags=re.DOTALL)
+    return re.sub(r"//[^\n]*", "", text)
+
+
+def includes(text):
+    """(line, header, quoted) of each include directive outside comments."""
+    plain = without_comments(text)
+    for found in INCLUDE.finditer(plain):
+        yield plain.count("\n", 0, found.start()) + 1, found.group(1) or found.group(2), found.group(1) is None
+
+
+def rooted(root, path, header, quoted):
+    """The header as it is written from its root: a quoted one of the file's own folder gets the folder's."""
+    if not quoted:
+        return header
+    beside = os.path.normpath(os.path.join(os.path.dirname(path), header))
+    if not os.path.exists(os.path.join(root, beside)):
+        return header
+    return beside[len("kestrel/"):] if beside.startswith("kestrel/") else beside
+
+
+def broken_rules(root):
+    """(path, line, header, rule's name) of everything that breaks a rule below `root`."""
+    for folder in SOURCE_FOLDERS:
+        for where, _, names in sorted(os.walk(os.path.join(root, folder))):
+            for name in sorted(names):
+                if not name.endswith(SOURCE_ENDINGS):
+                    continue
+                path = os.path.relpath(os.path.join(where, name), root)
+                with open(os.path.join(root, path), encoding="utf-8") as file:
+                    text = file.read()
+                for line, header, quoted in includes(text):
+                    for rule in RULES:
+                        if rule.breaks(path, rooted(root, path, header, quoted)):
+                            yield path, line, header, rule.name
+
+
+def count_files(root):
+    return sum(name.endswith(SOURCE_ENDINGS) for folder in SOURCE_FOLDERS
+               for _, _, names in os.walk(os.path.join(root, folder)) for name in names)
+
+
+if __name__ == "__main__":
+    sys.exit("run check_includes.py")

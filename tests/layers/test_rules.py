@@ -1,0 +1,92 @@
+"""Every include rule finds a small violation, and lets the nearest permitted thing pass."""
+
+import os
+import tempfile
+import unittest
+
+from include_rules import RULES, broken_rules
+
+# rule's name, a file that breaks it, a file that does not.
+CASES = [
+    ("the plug-in includes the standard library, itself and the host's public headers only",
+     ("ImporterTessel/entry/A.cpp", "#include <importhost/Clip.h>"),
+     ("ImporterTessel/entry/A.cpp", "#include <qelcore/logging/Log.h>\n#include <vector>\n#include <stdint.h>")),
+    ("the plug-in includes the standard library, itself and the host's public headers only",
+     ("ImporterTessel/dialog/A.h", "#include <fmt/format.h>"),
+     ("ImporterTessel/dialog/A.h", "#include <ImporterTessel/settings/TesselInfo.h>")),
+    ("the plug-in includes the standard library, itself and the host's public headers only",
+     ("ImporterTessel/dialog/A.h", "#include <unistd.h>"),
+     ("ImporterTessel/dialog/A.h", "// #include <unistd.h>")),
+    ("the plug-in includes the standard library, itself and the host's public headers only",
+     ("ImporterTessel/dialog/A.h", '#include "../../kestrel/qt/Toolkit.h"'),
+     ("ImporterTessel/dialog/A.h", "/* #include <qt/Toolkit.h>\n */")),
+    ("the program never includes the plug-in",
+     ("tessel/export/A.cpp", "  #  include <ImporterTessel/settings/TesselInfo.h>"),
+     ("tessel/export/A.cpp", "#include <importhost/Clip.h>")),
+    ("the host never includes the plug-in",
+     ("kestrel/importhost/A.cpp", "#include <ImporterTessel/settings/DataFile.h>"),
+     ("kestrel/importhost/A.cpp", "#include <importabi/Records.h>")),
+    ("the host never includes the program",
+     ("kestrel/qelui/A.cpp", "#include <tessel/cli/Commands.h>"),
+     ("kestrel/qelui/A.cpp", "#include <qelui/Control.h>")),
+    ("the base libraries never include the loader",
+     ("kestrel/pixmill/A.cpp", "#include <importhost/Frame.h>"),
+     ("kestrel/importhost/A.cpp", "#include <importhost/Frame.h>")),
+    ("Qt stays in its toolkit and in the viewer",
+     ("kestrel/qelui/A.cpp", "#include <QWidget>"),
+     ("kestrel/qt/A.cpp", "#include <QWidget>\n#include <QtGui/QImage>")),
+    ("Qt stays in its toolkit and in the viewer",
+     ("tessel/cli/A.cpp", "#include <QtCore/QObject>"),
+     ("tessel/view/A.cpp", "#include <QObject>")),
+    ("the JSON library stays behind serialization",
+     ("kestrel/qelcore/debug/A.cpp", "#include <nlohmann/json.hpp>"),
+     ("kestrel/qelcore/serialization/A.cpp", "#include <nlohmann/json.hpp>")),
+    ("FFmpeg and zimg stay in the export",
+     ("tessel/cli/A.cpp", "#include <libavutil/frame.h>"),
+     ("tessel/export/A.cpp", "#include <libavutil/frame.h>\n#include <zimg.h>")),
+    ("FFmpeg and zimg stay in the export",
+     ("kestrel/pixmill/A.cpp", "#include <zimg.h>"),
+     ("tessel/export/sub/A.cpp", "#include <libswresample/swresample.h>")),
+    ("the command-line library stays in the command line",
+     ("tessel/export/A.cpp", "#include <CLI/CLI.hpp>"),
+     ("tessel/cli/A.cpp", "#include <CLI/CLI.hpp>")),
+    ("the host's headers show no formatting library",
+     ("kestrel/qelcore/A.h", "#include <fmt/format.h>"),
+     ("kestrel/qelcore/A.cpp", "#include <fmt/format.h>")),
+    ("platform headers stay in platform files",
+     ("kestrel/orb/File.cpp", "#include <sys/stat.h>"),
+     ("kestrel/orb/FilePosix.cpp", "#include <sys/stat.h>\n#include <unistd.h>")),
+    ("platform headers stay in platform files",
+     ("tessel/cli/A.h", "#include <dlfcn.h>"),
+     ("tessel/cli/ALinux.cpp", "#include <dlfcn.h>")),
+]
+
+
+class Rules(unittest.TestCase):
+    def broken(self, file):
+        path, text = file
+        with tempfile.TemporaryDirectory() as root:
+            os.makedirs(os.path.join(root, "kestrel/qt"))
+            with open(os.path.join(root, "kestrel/qt/Toolkit.h"), "w", encoding="utf-8"):
+                pass
+            os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
+            with open(os.path.join(root, path), "w", encoding="utf-8") as out:
+                out.write(text + "\n")
+            return {rule for _, _, _, rule in broken_rules(root)}
+
+    def test_every_rule_finds_its_violation(self):
+        for rule, violation, _ in CASES:
+            with self.subTest(rule=rule, violation=violation):
+                self.assertIn(rule, self.broken(violation))
+
+    def test_what_is_permitted_passes_every_rule(self):
+        for rule, _, permitted in CASES:
+            with self.subTest(rule=rule, permitted=permitted):
+                self.assertEqual(self.broken(permitted), set())
+
+    def test_every_rule_has_a_case(self):
+        self.assertEqual({rule.name for rule in RULES}, {rule for rule, _, _ in CASES})
+
+
+if __name__ == "__main__":
+    unittest.main()
