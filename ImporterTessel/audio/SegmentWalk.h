@@ -39,13 +39,12 @@ void WalkSegments(const AudioRequest& request, const PatternGrid& grid, const En
                   const Write& write)
 {
     using qelmediatypes::TickTime;
-    const TickTime requestEnd = request.start.AddFrames(request.sampleCount, request.rate);
     for (std::uint32_t offset = 0; offset < request.sampleCount;) {
         const TickTime time = request.start.AddFrames(offset, request.rate);
         const TickTime cycleStart(time.ToFrame64(grid.Cycle()), grid.Cycle());
         const auto unit = static_cast<std::int32_t>(
             std::clamp<std::int64_t>((time - cycleStart).ToFrame64(grid.unit), 0, grid.unitCount - 1));
-        const TickTime end = std::min(requestEnd, cycleStart.AddFrames(endUnit(unit), grid.unit));
+        const TickTime end = cycleStart.AddFrames(endUnit(unit), grid.unit);
         // A border between two samples would give an empty segment, and a walk that stands still.
         const auto length = static_cast<std::uint32_t>(
             std::clamp<std::int64_t>((end - time).ToFrame64(request.rate), 1, request.sampleCount - offset));

@@ -53,7 +53,7 @@ constexpr double kC6 = -0x1.9f1526a6a914cp-41;
         const double sine = r * (1.0 + z * polynomial);
         // Odd half cycles have the other sign.
         const std::uint64_t sign = std::bit_cast<std::uint64_t>(shifted) << 63U;
-        const double signedSine = std::bit_cast<double>(std::bit_cast<std::uint64_t>(sine) ^ sign);
+        const auto signedSine = std::bit_cast<double>(std::bit_cast<std::uint64_t>(sine) ^ sign);
         out[k] = static_cast<float>(signedSine * amplitude);
     }
 }
