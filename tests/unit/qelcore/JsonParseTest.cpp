@@ -206,9 +206,8 @@ TEST(JSONParse, DeepDocumentsNeedNoDeepStack)
 
 TEST(JSONParse, WhiteSpaceOfAnyLengthIsWhiteSpace)
 {
-    const std::string spaces(100'000'000, ' ');
-    EXPECT_EQ(JSONParse(spaces), nullptr);
-    EXPECT_EQ(Reprinted(spaces + "[1]"), "[1]");
+    EXPECT_EQ(Reprinted(std::string(100'000'000, ' ') + "[1]"), "[1]");
+    EXPECT_EQ(JSONParse(std::string(1'000'000, '\n')), nullptr);
 }
 
 TEST(JSONParse, ByteOrderMarkIsPassedOver)
