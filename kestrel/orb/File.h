@@ -27,6 +27,8 @@ public:
     ~File();
     File(File&& other) noexcept;
     File& operator=(File&& other) noexcept;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
 
     /// Opens for reading. A directory is refused with `kAccessDenied`. Never throws but `std::bad_alloc`.
     [[nodiscard]] static Status OpenForReading(std::u16string_view path, File& file);

@@ -54,7 +54,7 @@ TickTime TickTime::AddFrames(std::int64_t frames, FrameRate rate) const noexcept
 TickTime TickTime::AlignToFrame(FrameRate rate) const noexcept
 {
     if (!rate.HasFrames()) {
-        return TickTime();
+        return {};
     }
     const std::int64_t behind = TicksIntoFrame(mTicks, rate);
     const std::int64_t ahead = rate.ticksPerFrame - behind;

@@ -26,6 +26,7 @@ public:
     /// Ends what `SetOverride` began; no effect on a key without override.
     void ClearOverride(std::string_view key);
 
+    ~DebugDatabase() = default;
     DebugDatabase(const DebugDatabase&) = delete;
     DebugDatabase& operator=(const DebugDatabase&) = delete;
 

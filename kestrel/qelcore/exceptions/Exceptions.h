@@ -14,6 +14,8 @@ class Exception {
 public:
     explicit Exception(std::string message) : mMessage(std::move(message)) {}
     virtual ~Exception();
+    Exception(const Exception&) = default;
+    Exception& operator=(const Exception&) = default;
 
     [[nodiscard]] const std::string& Message() const noexcept { return mMessage; }
 
@@ -26,6 +28,8 @@ class null_pointer_exception : public Exception, public std::runtime_error {
 public:
     explicit null_pointer_exception(std::string_view typeName);
     ~null_pointer_exception() override;
+    null_pointer_exception(const null_pointer_exception&) = default;
+    null_pointer_exception& operator=(const null_pointer_exception&) = default;
 };
 
 namespace serialization {
@@ -35,6 +39,8 @@ class parse_exception : public Exception, public std::runtime_error {
 public:
     explicit parse_exception(const std::string& message);
     ~parse_exception() override;
+    parse_exception(const parse_exception&) = default;
+    parse_exception& operator=(const parse_exception&) = default;
 };
 
 /// An object lacks a required key. `what()` names the key and the record type.
@@ -42,6 +48,8 @@ class missing_key_exception : public parse_exception {
 public:
     missing_key_exception(std::string_view key, std::string_view recordType);
     ~missing_key_exception() override;
+    missing_key_exception(const missing_key_exception&) = default;
+    missing_key_exception& operator=(const missing_key_exception&) = default;
 
     [[nodiscard]] const std::string& Key() const noexcept { return mKey; }
 
@@ -55,6 +63,8 @@ class type_exception : public std::bad_any_cast {
 public:
     type_exception(std::string_view key, std::string_view expectedType);
     ~type_exception() override;
+    type_exception(const type_exception&) = default;
+    type_exception& operator=(const type_exception&) = default;
 
     [[nodiscard]] const char* what() const noexcept override { return mMessage.c_str(); }
     [[nodiscard]] const std::string& Key() const noexcept { return mKey; }

@@ -18,6 +18,8 @@ class resource_exception : public Exception, public std::runtime_error {
 public:
     explicit resource_exception(const std::string& message);
     ~resource_exception() override;
+    resource_exception(const resource_exception&) = default;
+    resource_exception& operator=(const resource_exception&) = default;
 };
 
 /// The bytes of the section `name` of the library file at `file`; nothing where the file has no such

@@ -142,13 +142,13 @@ bool AsBoolean(const ValuePtr& value, std::string_view key)
 
 bool ObjectHasProperty(const ValuePtr& object, std::string_view key) noexcept
 {
-    const Object* const found = Find<Object>(object);
+    const auto* const found = Find<Object>(object);
     return found != nullptr && found->find(key) != found->end();
 }
 
 ValuePtr GetVariantInObject(const ValuePtr& object, std::string_view key) noexcept
 {
-    const Object* const found = Find<Object>(object);
+    const auto* const found = Find<Object>(object);
     if (found == nullptr) {
         return nullptr;
     }
