@@ -1,0 +1,28 @@
+/// Dialogs as real windows.
+#pragma once
+
+#include <qelui/toolkit/Toolkit.h>
+
+#include <memory>
+
+class QApplication;
+
+namespace kestrelqt {
+
+/// Makes the process's `QApplication` where there is none yet. One object. [ui-thread]
+class QtToolkit final : public qelui::Toolkit {
+public:
+    QtToolkit();
+    ~QtToolkit() override;
+
+    void RunModal(qelui::UI_Dialog& dialog) override;
+    [[nodiscard]] std::optional<std::u16string> RunFileDialog(const qelui::FileDialogRequest& request) override;
+    [[nodiscard]] int RunMessageBox(const qelui::MessageBoxRequest& request) override;
+    [[nodiscard]] std::optional<qelui::sharedui::PickerColor>
+    RunColorPicker(const qelui::ColorPickerRequest& request) override;
+
+private:
+    std::unique_ptr<QApplication> mApplication;
+};
+
+} // namespace kestrelqt

@@ -1,0 +1,26 @@
+/// A text that keeps both ends when there is too little room.
+#pragma once
+
+#include <QLabel>
+
+namespace kestrelqt {
+
+/// Shows its whole text where it fits, else with an ellipsis; the whole then stands in the tooltip.
+class ElidedLabel final : public QLabel {
+public:
+    explicit ElidedLabel(QWidget* parent = nullptr);
+
+    void SetText(const QString& text, Qt::TextElideMode mode, const QString& explanation);
+    /// The whole text, fitting or not.
+    [[nodiscard]] const QString& WholeText() const noexcept { return mText; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+private:
+    QString mText;
+    Qt::TextElideMode mMode = Qt::ElideRight;
+};
+
+} // namespace kestrelqt

@@ -1,0 +1,116 @@
+#include "PressableWidgets.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace kestrelqt {
+
+namespace {
+
+/// An ampersand in a caption is itself, not a mnemonic.
+QString Caption(const std::string& label)
+{
+    return QString::fromStdString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+std::string CaptionText(const QAbstractButton& button)
+{
+    return button.text().replace(QLatin1String("&&"), QLatin1String("&")).toStdString();
+}
+
+void FollowCaption(QAbstractButton& button, const qelui::UI_ControlView& model)
+{
+    button.setText(Caption(model.Label()));
+    button.setEnabled(model.IsEnabled());
+    button.setAccessibleName(AccessibleNameOf(model.Label()));
+}
+
+} // namespace
+
+ButtonWidget::ButtonWidget(qelui::UI_Button& button, QWidget* parent)
+    : mModel(button), mWidget(new QPushButton(parent))
+{
+    DressWidget(*mWidget, button);
+    mWidget->setAutoDefault(false);
+    QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] { mModel.Press(); });
+    Follow();
+}
+
+QWidget* ButtonWidget::Widget() const
+{
+    return mWidget;
+}
+
+void ButtonWidget::Follow()
+{
+    FollowCaption(*mWidget, mModel);
+}
+
+qelui::script::SeenState ButtonWidget::See() const
+{
+    return {.value = {}, .text = CaptionText(*mWidget), .enabled = mWidget->isEnabled(), .items = {}};
+}
+
+CheckBoxWidget::CheckBoxWidget(qelui::UI_CheckBox& box, QWidget* parent)
+    : mModel(box), mWidget(new QCheckBox(parent))
+{
+    DressWidget(*mWidget, box);
+    QObject::connect(mWidget, &QCheckBox::clicked, mWidget, [this](bool checked) {
+        mModel.EnterChecked(checked);
+        Follow();
+    });
+    Follow();
+}
+
+QWidget* CheckBoxWidget::Widget() const
+{
+    return mWidget;
+}
+
+void CheckBoxWidget::Follow()
+{
+    FollowCaption(*mWidget, mModel);
+    mWidget->setChecked(mModel.IsChecked());
+}
+
+qelui::script::SeenState CheckBoxWidget::See() const
+{
+    return {.value = mWidget->isChecked() ? "true" : "false",
+            .text = CaptionText(*mWidget),
+            .enabled = mWidget->isEnabled(),
+            .items = {}};
+}
+
+RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* parent)
+    : mModel(button), mWidget(new QRadioButton(parent))
+{
+    DressWidget(*mWidget, button);
+    mWidget->setAutoExclusive(false);
+    QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
+        mModel.Press();
+        Follow(); // a click on the chosen button took Qt's mark away
+    });
+    Follow();
+}
+
+QWidget* RadioButtonWidget::Widget() const
+{
+    return mWidget;
+}
+
+void RadioButtonWidget::Follow()
+{
+    FollowCaption(*mWidget, mModel);
+    mWidget->setChecked(mModel.GetValue() == 1);
+}
+
+qelui::script::SeenState RadioButtonWidget::See() const
+{
+    return {.value = mWidget->isChecked() ? "true" : "false",
+            .text = CaptionText(*mWidget),
+            .enabled = mWidget->isEnabled(),
+            .items = {}};
+}
+
+} // namespace kestrelqt

@@ -1,0 +1,48 @@
+/// A colour picker for colours that are floats.
+#pragma once
+
+#include <qelui/dialogs/ColorPickerDialog.h>
+
+#include <QDialog>
+#include <array>
+
+class QLineEdit;
+class QPushButton;
+
+namespace kestrelqt {
+
+class ColorArea;
+
+/// Four fields hold the channels, with as many digits as they need and any value, above 1 and below 0 too; an
+/// area picks what a screen can show, and two patches compare the new colour with the old one. Channels that
+/// nobody touched come back bit for bit. [ui-thread]
+class ColorPickerWindow final : public QDialog {
+public:
+    ColorPickerWindow(const qelui::sharedui::PickerColor& color, QWidget* parent);
+
+    [[nodiscard]] const qelui::sharedui::PickerColor& Color() const noexcept { return mColor; }
+
+    /// Red, green, blue, alpha. @{
+    static constexpr std::size_t kChannels = 4;
+    [[nodiscard]] QLineEdit& Field(std::size_t channel) const { return *mFields[channel]; }
+    /// @}
+    [[nodiscard]] QPushButton& OkButton() const { return *mOk; }
+    [[nodiscard]] QPushButton& CancelButton() const { return *mCancel; }
+
+private:
+    void TakeField(std::size_t channel);
+    void ShowColor();
+
+    qelui::sharedui::PickerColor mColor;
+    qelui::sharedui::PickerColor mOldColor;
+    std::array<QLineEdit*, kChannels> mFields{};
+    ColorArea* mArea = nullptr;
+    QWidget* mPatches = nullptr;
+    QPushButton* mOk = nullptr;
+    QPushButton* mCancel = nullptr;
+};
+
+/// The shortest text that reads back as the same float.
+[[nodiscard]] QString ShortestText(float value);
+
+} // namespace kestrelqt

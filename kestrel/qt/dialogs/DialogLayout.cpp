@@ -1,0 +1,197 @@
+#include "DialogLayout.h"
+
+#include "../style/Theme.h"
+
+#include <qelui/controls/UI_Button.h>
+#include <qelui/controls/UI_Number.h>
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace kestrelqt {
+
+namespace {
+
+using qelui::ControlKind;
+
+constexpr int kSpacing = 8;
+constexpr int kCardMargin = 12;
+
+/// A group's surface.
+class Card final : public QFrame {
+public:
+    explicit Card(QWidget* parent) : QFrame(parent)
+    {
+        QPalette colors = palette();
+        colors.setColor(QPalette::Window, ColorsOf(AppliedTheme()).card);
+        setPalette(colors);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(palette().color(QPalette::Window));
+        painter.setPen(palette().color(QPalette::Mid));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+    }
+};
+
+QLabel* MakeLabel(const QString& text, QWidget* parent)
+{
+    auto* const label = new QLabel(text, parent);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::Active, QPalette::WindowText, ColorsOf(AppliedTheme()).dimText);
+    colors.setColor(QPalette::Inactive, QPalette::WindowText, ColorsOf(AppliedTheme()).dimText);
+    label->setPalette(colors);
+    return label;
+}
+
+QLabel* MakeHeader(const std::string& text, QWidget* parent)
+{
+    auto* const header = new QLabel(QString::fromStdString(text), parent);
+    QFont bold = header->font();
+    bold.setWeight(QFont::DemiBold);
+    header->setFont(bold);
+    return header;
+}
+
+bool HasLabelBefore(ControlKind kind)
+{
+    return kind == ControlKind::Popup || kind == ControlKind::NumberEdit ||
+           kind == ControlKind::HotTextNumber || kind == ControlKind::StaticText;
+}
+
+bool IsGroup(ControlKind kind)
+{
+    return kind == ControlKind::Dialog || kind == ControlKind::Group || kind == ControlKind::RadioGroup ||
+           kind == ControlKind::OkCancelRow;
+}
+
+QWidget* BuildControl(qelui::UI_ControlView& control, QWidget* parent, DialogWidgets& widgets)
+{
+    auto binding = MakeControlWidget(control, parent);
+    QWidget* const widget = binding->Widget();
+    if (control.Kind() != ControlKind::StaticText) {
+        widgets.tabOrder.push_back(widget);
+    }
+    widgets.controls.emplace(&control, std::move(binding));
+    return widget;
+}
+
+/// The control, with its unit behind it where it has one.
+QWidget* WithUnit(qelui::UI_ControlView& control, QWidget* widget, QWidget* parent)
+{
+    const auto* const number = dynamic_cast<const qelui::UI_NumberView*>(&control);
+    if (number == nullptr || number->PostLabel().empty()) {
+        return widget;
+    }
+    auto* const box = new QWidget(parent);
+    auto* const row = new QHBoxLayout(box);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(widget);
+    row->addWidget(MakeLabel(QString::fromStdString(number->PostLabel()), box));
+    row->addStretch();
+    return box;
+}
+
+/// Adds one child to a form; numbers keep their own width, so that columns of them stay even.
+void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidget* parent,
+               DialogWidgets& widgets)
+{
+    if (IsGroup(control.Kind())) {
+        form.addWidget(BuildGroup(static_cast<qelui::UI_Group&>(control), parent, widgets), row, 0, 1, 2);
+        return;
+    }
+    QWidget* const widget = BuildControl(control, parent, widgets);
+    if (!HasLabelBefore(control.Kind())) {
+        form.addWidget(widget, row, 0, 1, 2,
+                       control.Kind() == ControlKind::Button ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
+        return;
+    }
+    QLabel* const label = MakeLabel(QString::fromStdString(control.Label()), parent);
+    label->setBuddy(widget);
+    widgets.labels.emplace(&control, label);
+    form.addWidget(label, row, 0, Qt::AlignRight | Qt::AlignVCenter);
+    form.addWidget(WithUnit(control, widget, parent), row, 1);
+}
+
+QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
+{
+    auto* const form = new QGridLayout;
+    form->setHorizontalSpacing(kSpacing);
+    form->setVerticalSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing);
+    form->setColumnStretch(1, 1);
+    int row = 0;
+    for (const auto& child : group.Children()) {
+        AddToForm(*child, *form, row++, parent, widgets);
+    }
+    form->setRowStretch(row, 1); // what is left over stays below
+    return form;
+}
+
+QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
+{
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing + 2);
+    for (const auto& child : group.Children()) {
+        if (IsGroup(child->Kind())) {
+            row->addWidget(BuildGroup(static_cast<qelui::UI_Group&>(*child), parent, widgets), 1);
+        } else {
+            row->addWidget(BuildControl(*child, parent, widgets));
+        }
+    }
+    return row;
+}
+
+/// OK and Cancel at the right; OK is what Return presses.
+QLayout* BuildOkCancelRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
+{
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    row->addStretch();
+    for (const auto& child : group.Children()) {
+        QWidget* const widget = BuildControl(*child, parent, widgets);
+        widget->setMinimumWidth(96);
+        auto* const button = qobject_cast<QPushButton*>(widget);
+        if (button != nullptr && child->Identifier() == qelui::UI_OkCancelRow::kOkIdentifier) {
+            button->setDefault(true);
+        }
+        row->addWidget(widget);
+    }
+    return row;
+}
+
+} // namespace
+
+QWidget* BuildGroup(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
+{
+    const bool isCard = group.HasBorder() && group.Kind() == ControlKind::Group;
+    QWidget* const surface = isCard ? static_cast<QWidget*>(new Card(parent)) : new QWidget(parent);
+    surface->setObjectName(QString::fromStdString(group.Identifier()));
+    auto* const column = new QVBoxLayout(surface);
+    const int margin = group.Margin() >= 0 ? group.Margin() : (isCard ? kCardMargin : 0);
+    column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(kSpacing);
+    if (!group.Label().empty()) {
+        QLabel* const header = MakeHeader(group.Label(), surface);
+        widgets.labels.emplace(&group, header);
+        column->addWidget(header);
+    }
+    if (group.Kind() == ControlKind::OkCancelRow) {
+        column->addLayout(BuildOkCancelRow(group, surface, widgets));
+    } else if (group.GetOrientation() == qelui::Orientation::Row) {
+        column->addLayout(BuildRow(group, surface, widgets), 1);
+    } else {
+        column->addLayout(BuildForm(group, surface, widgets), 1);
+    }
+    return surface;
+}
+
+} // namespace kestrelqt

@@ -1,0 +1,155 @@
+#include "DialogWindow.h"
+
+#include "../script/QtDriver.h"
+#include "PreviewPane.h"
+
+#include <qelui/script/ScriptRunner.h>
+
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace kestrelqt {
+
+namespace {
+
+QWidget* ParentOf(const qelui::UI_Dialog& dialog)
+{
+    const qelui::TopLevelWindow* const parent = dialog.ParentWindow();
+    return parent == nullptr ? nullptr : static_cast<QWidget*>(parent->NativeWindow());
+}
+
+} // namespace
+
+DialogWindow::DialogWindow(qelui::UI_Dialog& dialog) : QDialog(ParentOf(dialog)), mDialog(dialog)
+{
+    setWindowTitle(QString::fromStdString(dialog.Title()));
+    setModal(true);
+
+    // The last row, OK and Cancel, stays in sight; the rest scrolls where the screen is too small.
+    auto* const scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    QWidget* const content = BuildGroup(dialog, scroll, mWidgets);
+    scroll->setWidget(content);
+
+    auto* const body = new QHBoxLayout;
+    body->setContentsMargins(0, 0, 0, 0);
+    body->addWidget(scroll, 1);
+    if (dialog.GetPreview()) {
+        auto* const side = new QVBoxLayout;
+        const int margin = qMax(dialog.Margin(), 0);
+        side->setContentsMargins(0, margin, margin, margin);
+        mPreview = new PreviewPane(dialog, this);
+        side->addWidget(mPreview);
+        body->addLayout(side);
+    }
+    setLayout(body);
+    for (std::size_t at = 1; at < mWidgets.tabOrder.size(); ++at) {
+        QWidget::setTabOrder(mWidgets.tabOrder[at - 1], mWidgets.tabOrder[at]);
+    }
+    FitToScreen(*content);
+    dialog.SetNativeWindow(static_cast<QWidget*>(this));
+    dialog.SetObserver(this);
+}
+
+DialogWindow::~DialogWindow()
+{
+    mDialog.SetObserver(nullptr);
+    mDialog.SetNativeWindow(nullptr);
+}
+
+void DialogWindow::FitToScreen(QWidget& content)
+{
+    constexpr int kScreenMargin = 60; // title bar and panels
+    const QSize wanted = content.sizeHint();
+    const QSize available = screen()->availableSize() - QSize(kScreenMargin, kScreenMargin);
+    const int side = mPreview == nullptr ? 0 : mPreview->minimumWidth() + qMax(mDialog.Margin(), 0);
+    const bool isCut = wanted.height() > available.height();
+    const int scrollBar = isCut ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+    resize(qMin(wanted.width() + side + scrollBar, available.width()),
+           qMin(wanted.height(), available.height()));
+}
+
+void DialogWindow::Run()
+{
+    QEventLoop loop;
+    mLoop = &loop;
+    show();
+    raise();
+    activateWindow();
+    if (!mWidgets.tabOrder.empty()) {
+        mWidgets.tabOrder.front()->setFocus(Qt::TabFocusReason);
+    }
+    if (auto* const script = mDialog.Script()) {
+        QTimer::singleShot(0, this, [this, script] {
+            QtDriver driver(*this);
+            script->Play(driver);
+        });
+    }
+    if (!mDialog.IsClosed()) {
+        loop.exec();
+    }
+    mLoop = nullptr;
+    hide();
+}
+
+ControlWidget* DialogWindow::BindingOf(const qelui::UI_ControlView& control) const
+{
+    const auto found = mWidgets.controls.find(&control);
+    return found == mWidgets.controls.end() ? nullptr : found->second.get();
+}
+
+QPixmap DialogWindow::Picture()
+{
+    if (mPreview != nullptr) {
+        mPreview->RefreshIfDue();
+    }
+    return grab();
+}
+
+void DialogWindow::reject()
+{
+    mDialog.RequestCancel();
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore(); // the dialog closes the window, not the other way round
+    mDialog.RequestCancel();
+}
+
+void DialogWindow::OnControlChanged(qelui::UI_ControlView& control)
+{
+    if (const auto label = mWidgets.labels.find(&control); label != mWidgets.labels.end()) {
+        label->second->setText(QString::fromStdString(control.Label()));
+    }
+    if (ControlWidget* const binding = BindingOf(control)) {
+        binding->Follow();
+    } else {
+        // A group: what it holds may have become enabled or disabled with it.
+        for (const auto& [model, widget] : mWidgets.controls) {
+            widget->Follow();
+        }
+    }
+    if (mPreview != nullptr) {
+        mPreview->RefreshSoon();
+    }
+}
+
+void DialogWindow::OnDialogClosed()
+{
+    if (mLoop != nullptr) {
+        mLoop->quit();
+    }
+}
+
+} // namespace kestrelqt

@@ -1,0 +1,45 @@
+/// A dialog's window.
+#pragma once
+
+#include "DialogLayout.h"
+
+#include <qelui/dialogs/UI_Dialog.h>
+
+#include <QDialog>
+
+class QEventLoop;
+
+namespace kestrelqt {
+
+class PreviewPane;
+
+/// Builds the widgets, follows the models, and runs until the dialog is closed. [ui-thread]
+class DialogWindow final : public QDialog, private qelui::WindowObserver {
+public:
+    explicit DialogWindow(qelui::UI_Dialog& dialog);
+    ~DialogWindow() override;
+
+    /// Shows the window and returns once the dialog is closed; plays its script where it has one.
+    void Run();
+
+    /// The binding of a control of the dialog, null for groups.
+    [[nodiscard]] ControlWidget* BindingOf(const qelui::UI_ControlView& control) const;
+    /// A picture of the whole window with an up-to-date preview.
+    [[nodiscard]] QPixmap Picture();
+
+protected:
+    void reject() override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void OnControlChanged(qelui::UI_ControlView& control) override;
+    void OnDialogClosed() override;
+    void FitToScreen(QWidget& content);
+
+    qelui::UI_Dialog& mDialog;
+    DialogWidgets mWidgets;
+    PreviewPane* mPreview = nullptr;
+    QEventLoop* mLoop = nullptr;
+};
+
+} // namespace kestrelqt
