@@ -47,7 +47,7 @@ void AnswerFileDialog(QFileDialog& dialog, const QString& path)
         dialog.setFileMode(QFileDialog::AnyFile);
         QMetaObject::invokeMethod(&dialog, "accept");
         if (dialog.isVisible()) {
-            dialog.done(QDialog::Accepted);
+            static_cast<QDialog&>(dialog).done(QDialog::Accepted);
         }
     });
 }

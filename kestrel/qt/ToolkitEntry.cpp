@@ -8,18 +8,19 @@
 
 extern "C" [[gnu::visibility("default")]] qelui::Toolkit* KestrelGetToolkit(const char** whyNot)
 {
-    static std::unique_ptr<kestrelqt::QtToolkit> toolkit;
-    if (toolkit) {
-        return toolkit.get();
+    // Never destroyed: at the end of the process Qt's own statics are gone before ours would be.
+    static kestrelqt::QtToolkit* toolkit = nullptr;
+    if (toolkit != nullptr) {
+        return toolkit;
     }
     *whyNot = kestrelqt::WhyNoWindow();
     if (*whyNot != nullptr) {
         return nullptr;
     }
     try {
-        toolkit = std::make_unique<kestrelqt::QtToolkit>();
+        toolkit = std::make_unique<kestrelqt::QtToolkit>().release();
     } catch (const std::exception&) {
         *whyNot = "out of memory";
     }
-    return toolkit.get();
+    return toolkit;
 }

@@ -19,6 +19,12 @@ float Fraction(int at, int from, int length)
     return std::clamp(static_cast<float>(at - from) / static_cast<float>(std::max(length - 1, 1)), 0.0F, 1.0F);
 }
 
+/// The way back: a pixel of `length` from `from` on.
+qreal Pixel(float fraction, int from, int length)
+{
+    return from + static_cast<qreal>(fraction) * (length - 1);
+}
+
 /// A ring that shows on every colour.
 void DrawRing(QPainter& painter, const QPointF& center)
 {
@@ -144,14 +150,14 @@ void ColorArea::paintEvent(QPaintEvent* /*event*/)
     }
     painter.fillRect(strip, hues);
 
-    const double hueY = strip.top() + mHsv.hue * static_cast<float>(strip.height() - 1);
+    const qreal hueY = Pixel(mHsv.hue, strip.top(), strip.height());
     painter.setPen(QPen(Qt::black, 3));
     painter.drawRect(QRectF(strip.left() + 1, hueY - 3, strip.width() - 2, 6));
     painter.setPen(QPen(Qt::white, 1.5));
     painter.drawRect(QRectF(strip.left() + 1, hueY - 3, strip.width() - 2, 6));
     painter.setClipRect(square);
-    DrawRing(painter, QPointF(square.left() + mHsv.saturation * static_cast<float>(square.width() - 1),
-                              square.top() + (1.0F - mHsv.value) * static_cast<float>(square.height() - 1)));
+    DrawRing(painter, QPointF(Pixel(mHsv.saturation, square.left(), square.width()),
+                              Pixel(1.0F - mHsv.value, square.top(), square.height())));
     painter.setClipping(false);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
