@@ -101,25 +101,44 @@ QWidget* WithUnit(qelui::UI_ControlView& control, QWidget* widget, QWidget* pare
     return box;
 }
 
-/// Adds one child to a form; numbers keep their own width, so that columns of them stay even.
+/// Whether a group has the dialog's whole width to itself: nothing stands beside it.
+bool IsWide(const qelui::UI_Group& group)
+{
+    for (const qelui::UI_Group* around = &group; around != nullptr; around = around->Parent()) {
+        if (around->GetOrientation() == qelui::Orientation::Row) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Columns of a form. In a wide group controls keep their natural width and what is left over stays to their
+/// right, or a popup would be as wide as the window.
+enum FormColumn { kLabelColumn = 0, kControlColumn = 1, kSpareColumn = 2, kFormColumns = 3 };
+
+/// Adds one child to a form.
 void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidget* parent,
                DialogWidgets& widgets)
 {
     if (IsGroup(control.Kind())) {
-        form.addWidget(BuildGroup(static_cast<qelui::UI_Group&>(control), parent, widgets), row, 0, 1, 2);
+        auto& group = static_cast<qelui::UI_Group&>(control);
+        form.addWidget(BuildGroup(group, parent, widgets), row, kLabelColumn, 1, kFormColumns);
         return;
     }
     QWidget* const widget = BuildControl(control, parent, widgets);
     if (!HasLabelBefore(control.Kind())) {
-        form.addWidget(widget, row, 0, 1, 2,
-                       control.Kind() == ControlKind::Button ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
+        // A button without a frame around its group heads a column, and is as wide as that.
+        const bool fills = control.Kind() == ControlKind::Button && !control.Parent()->HasBorder();
+        form.addWidget(widget, row, kLabelColumn, 1, kFormColumns,
+                       fills ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
         return;
     }
     QLabel* const label = MakeLabel(QString::fromStdString(control.Label()), parent);
     label->setBuddy(widget);
     widgets.labels.emplace(&control, label);
-    form.addWidget(label, row, 0, Qt::AlignRight | Qt::AlignVCenter);
-    form.addWidget(WithUnit(control, widget, parent), row, 1);
+    form.addWidget(label, row, kLabelColumn, Qt::AlignRight | Qt::AlignVCenter);
+    const int span = control.Kind() == ControlKind::StaticText ? 2 : 1; // paths take what room there is
+    form.addWidget(WithUnit(control, widget, parent), row, kControlColumn, 1, span);
 }
 
 QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
@@ -127,7 +146,7 @@ QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widge
     auto* const form = new QGridLayout;
     form->setHorizontalSpacing(kSpacing);
     form->setVerticalSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing);
-    form->setColumnStretch(1, 1);
+    form->setColumnStretch(IsWide(group) ? kSpareColumn : kControlColumn, 1);
     int row = 0;
     for (const auto& child : group.Children()) {
         AddToForm(*child, *form, row++, parent, widgets);

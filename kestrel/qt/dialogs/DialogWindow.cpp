@@ -70,13 +70,17 @@ DialogWindow::~DialogWindow()
 void DialogWindow::FitToScreen(QWidget& content)
 {
     constexpr int kScreenMargin = 60; // title bar and panels
-    const QSize wanted = content.sizeHint();
-    const QSize available = screen()->availableSize() - QSize(kScreenMargin, kScreenMargin);
     const int side = mPreview == nullptr ? 0 : mPreview->minimumWidth() + qMax(mDialog.Margin(), 0);
-    const bool isCut = wanted.height() > available.height();
-    const int scrollBar = isCut ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
-    resize(qMin(wanted.width() + side + scrollBar, available.width()),
-           qMin(wanted.height(), available.height()));
+    QSize wanted = content.sizeHint() + QSize(side, 0);
+    // A script's pictures show the whole dialog, whatever the screen of the machine that takes them.
+    if (mDialog.Script() == nullptr) {
+        const QSize available = screen()->availableSize() - QSize(kScreenMargin, kScreenMargin);
+        if (wanted.height() > available.height()) {
+            wanted.rwidth() += style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        }
+        wanted = wanted.boundedTo(available);
+    }
+    resize(wanted);
 }
 
 void DialogWindow::Run()
