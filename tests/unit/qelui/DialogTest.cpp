@@ -1,0 +1,248 @@
+#include "FakeToolkit.h"
+
+#include <qelui/controls/UI_Button.h>
+#include <qelui/controls/UI_Number.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+using namespace qelui;
+using tests::FakeToolkit;
+
+struct SmallDialog {
+    SmallDialog()
+    {
+        ok.NotifyWhenChanged([this] { dialog.Close(); });
+        cancel.NotifyWhenChanged([this] {
+            ++cancels;
+            dialog.Close();
+        });
+    }
+    UI_Dialog dialog{"d"};
+    UI_Button& button = dialog.Add(std::make_unique<UI_Button>("b"));
+    UI_NumberEdit& number = dialog.Add(std::make_unique<UI_NumberEdit>("n"));
+    UI_OkCancelRow& row = dialog.Add(std::make_unique<UI_OkCancelRow>(""));
+    UI_Button& ok = row.GetControl<UI_Button>("okButton");
+    UI_Button& cancel = row.GetControl<UI_Button>("cancelButton");
+    int cancels = 0;
+};
+
+/// Notes what a toolkit would hear.
+struct Recorder final : WindowObserver {
+    void OnControlChanged(UI_ControlView& control) override { changed.push_back(&control); }
+    void OnDialogClosed() override { ++closed; }
+    std::vector<UI_ControlView*> changed;
+    int closed = 0;
+};
+
+TEST(Dialog, OkClosesWithoutCancel)
+{
+    SmallDialog small;
+    const FakeToolkit toolkit([&](UI_Dialog& dialog) {
+        EXPECT_EQ(&dialog, &small.dialog);
+        small.ok.Press();
+        EXPECT_TRUE(dialog.IsClosed());
+    });
+    small.dialog.RunModal();
+    EXPECT_EQ(small.cancels, 0);
+}
+
+TEST(Dialog, ATwoWayCancelPressesTheButtonOnce)
+{
+    SmallDialog small;
+    const FakeToolkit toolkit([](UI_Dialog& dialog) {
+        dialog.RequestCancel();
+        dialog.RequestCancel();
+    });
+    small.dialog.RunModal();
+    EXPECT_EQ(small.cancels, 1);
+}
+
+TEST(Dialog, AToolkitThatReturnsEarlyCancels)
+{
+    SmallDialog small;
+    const FakeToolkit toolkit;
+    small.dialog.RunModal();
+    EXPECT_EQ(small.cancels, 1);
+    EXPECT_TRUE(small.dialog.IsClosed());
+}
+
+TEST(Dialog, CancelClosesAlsoWithoutAButtonOrWithADisabledOne)
+{
+    UI_Dialog bare("d");
+    bare.RequestCancel();
+    EXPECT_TRUE(bare.IsClosed());
+    SmallDialog small;
+    small.cancel.SetDisabled(true);
+    small.dialog.RequestCancel();
+    EXPECT_TRUE(small.dialog.IsClosed());
+    EXPECT_EQ(small.cancels, 0);
+}
+
+TEST(Dialog, WhatAHandlerThrowsComesOutOfTheModalRun)
+{
+    SmallDialog small;
+    small.button.NotifyWhenChanged([] { throw std::runtime_error("handler"); });
+    const FakeToolkit toolkit([&](UI_Dialog& dialog) {
+        EXPECT_NO_THROW(small.button.Press());
+        EXPECT_TRUE(dialog.IsClosed());
+        // Whatever events are still on their way find nobody.
+        small.button.Press();
+        small.cancel.Press();
+    });
+    try {
+        small.dialog.RunModal();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "handler");
+    }
+    EXPECT_EQ(small.cancels, 0);
+}
+
+TEST(Dialog, AHandlerThatThrowsEndsTheHandlersOfItsControl)
+{
+    SmallDialog small;
+    int later = 0;
+    small.button.NotifyWhenChanged([] { throw 5; });
+    small.button.NotifyWhenChanged([&] { ++later; });
+    const FakeToolkit toolkit([&](UI_Dialog&) { small.button.Press(); });
+    EXPECT_THROW(small.dialog.RunModal(), int);
+    EXPECT_EQ(later, 0);
+}
+
+TEST(Dialog, TheObserverHearsOfCodeAndPersonAlikeAndOfTheEndOnce)
+{
+    SmallDialog small;
+    Recorder recorder;
+    const FakeToolkit toolkit([&](UI_Dialog& dialog) {
+        dialog.SetObserver(&recorder);
+        small.number.SetValue(1.0);
+        small.number.EnterValue(2.0);
+        small.button.SetLabel("x");
+        small.ok.Press();
+        dialog.Close();
+        dialog.SetObserver(nullptr);
+    });
+    small.dialog.RunModal();
+    const std::vector<UI_ControlView*> wanted{&small.number, &small.number, &small.button};
+    EXPECT_EQ(recorder.changed, wanted);
+    EXPECT_EQ(recorder.closed, 1);
+}
+
+TEST(FileDialog, HandsItsRequestToTheToolkitAndKeepsTheAnswer)
+{
+    FakeToolkit toolkit;
+    toolkit.files = {u"/a/b.json", std::nullopt};
+    dialogs::OS_FileOpenDialog open(nullptr);
+    open.AddFilter({"Swatch Colors File", "json"});
+    EXPECT_EQ(open.RunModal(), 1);
+    EXPECT_EQ(open.GetFile().FullPath(), u"/a/b.json");
+    dialogs::OS_FileSaveAsDialog save(nullptr);
+    save.SetProposedName(u"name");
+    EXPECT_EQ(save.RunModal(), 0);
+    EXPECT_EQ(save.GetFile().FullPath(), u"");
+    ASSERT_EQ(toolkit.fileRequests.size(), 2U);
+    EXPECT_FALSE(toolkit.fileRequests[0].saveAs);
+    EXPECT_EQ(toolkit.fileRequests[0].filters.at(0).extension, "json");
+    EXPECT_TRUE(toolkit.fileRequests[1].saveAs);
+    EXPECT_EQ(toolkit.fileRequests[1].proposedName, u"name");
+}
+
+TEST(ColorPicker, ACancelKeepsTheColorThatWasSet)
+{
+    FakeToolkit toolkit;
+    toolkit.colors = {std::nullopt, sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.0F}};
+    sharedui::ColorPickerDialog picker({}, nullptr, false);
+    picker.SetColor({0.1F, 0.2F, 0.3F, 0.4F});
+    EXPECT_FALSE(picker.RunModal());
+    EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{0.1F, 0.2F, 0.3F, 0.4F}));
+    EXPECT_TRUE(picker.RunModal());
+    EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.0F}));
+}
+
+/// Sets environment variables and puts them back.
+class Environment {
+public:
+    Environment(const char* userInterface, const char* script, const char* display)
+    {
+        Set("KESTREL_UI", userInterface);
+        Set("KESTREL_UI_SCRIPT", script);
+        Set("DISPLAY", display);
+        Set("WAYLAND_DISPLAY", nullptr);
+    }
+    ~Environment()
+    {
+        for (const auto& [name, value] : mOld) {
+            Put(name, value ? value->c_str() : nullptr);
+        }
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    static void Put(const char* name, const char* value)
+    {
+        if (value == nullptr) {
+            unsetenv(name); // NOLINT(concurrency-mt-unsafe)
+        } else {
+            setenv(name, value, 1); // NOLINT(concurrency-mt-unsafe)
+        }
+    }
+    void Set(const char* name, const char* value)
+    {
+        const char* const old = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+        mOld.emplace_back(name, old == nullptr ? std::nullopt : std::optional<std::string>(old));
+        Put(name, value);
+    }
+    std::vector<std::pair<const char*, std::optional<std::string>>> mOld;
+};
+
+/// The line with which no toolkit is had; empty where one is.
+std::string Refusal()
+{
+    try {
+        (void)UserInterface::Get().GetToolkit();
+        return {};
+    } catch (const NoToolkitError& error) {
+        return error.what();
+    }
+}
+
+TEST(UserInterface, WithoutDisplayAndScriptThereIsNoToolkit)
+{
+    const Environment environment(nullptr, nullptr, nullptr);
+    EXPECT_NE(Refusal().find("there is no display"), std::string::npos) << Refusal();
+    SmallDialog small;
+    EXPECT_THROW(small.dialog.RunModal(), NoToolkitError);
+}
+
+TEST(UserInterface, WithoutDisplayANamedScriptIsEnough)
+{
+    const Environment environment(nullptr, "x.script", nullptr);
+    EXPECT_EQ(Refusal(), "");
+    EXPECT_EQ(UserInterface::Get().Script(), "x.script");
+}
+
+TEST(UserInterface, AScriptSetInTheProcessWinsOverTheEnvironment)
+{
+    const Environment environment("scripted", nullptr, nullptr);
+    EXPECT_NE(Refusal().find("no script is named"), std::string::npos) << Refusal();
+    UserInterface::Get().SetScript("mine.script");
+    EXPECT_EQ(Refusal(), "");
+    EXPECT_EQ(UserInterface::Get().Script(), "mine.script");
+    UserInterface::Get().SetScript({});
+}
+
+TEST(UserInterface, AnUnknownNameIsRefusedByName)
+{
+    const Environment environment("motif", "x.script", nullptr);
+    EXPECT_NE(Refusal().find("\"motif\""), std::string::npos) << Refusal();
+}
+
+} // namespace
