@@ -163,6 +163,7 @@ void SetCodecOptions(AVCodecContext& context, const VideoPlan& plan, AVDictionar
         context.gop_size = 0;
         context.flags |= AV_CODEC_FLAG_QSCALE;
         context.global_quality = FF_QP2LAMBDA * 2;
+        context.qmax = 28; // the most that the non-linear scale knows
         av_dict_set(options, "non_linear_quant", "1", 0);
         av_dict_set(options, "intra_vlc", "1", 0);
         break;

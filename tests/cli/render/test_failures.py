@@ -1,0 +1,258 @@
+"""What goes wrong gives one line, the right exit code and leaves nothing; what was there stays whole."""
+
+import os
+import signal
+import stat
+import subprocess
+import time
+import unittest
+
+from render_support import RenderTest, document, main
+
+LONG = {"frames": 100000, "size": (640, 480), "pattern": "gradient"}
+
+
+class Failures(RenderTest):
+    def clip(self, **more):
+        return self.save(document(**more))
+
+    def test_wrong_command_lines_exit_2(self):
+        clip = self.clip()
+        for arguments in (("render",), ("render", clip), ("render", "-o", "x.mkv"),
+                          ("render", clip, "-o", "x.mkv", "--format", "ogg"),
+                          ("render", clip, "-o", "x.mkv", "--video-codec", "vp9"),
+                          ("render", clip, "-o", "x.mkv", "--audio-codec", "mp3"),
+                          ("render", clip, "-o", "x.mkv", "--audio-only", "--video-only"),
+                          ("render", clip, "-o", "x.mkv", "--to", "3", "--frames", "2"),
+                          ("render", clip, "-o", "x.mkv", "--frames", "0"),
+                          ("render", clip, "-o", "x.mkv", "--from", "one"),
+                          ("render", clip, "-o", "-"), ("render", clip, clip, "-o", "-", "--format", "nut"),
+                          ("render", clip, clip, "-o", "folder")):
+            self.refuse(*arguments, code=2)
+        self.assertNotIn("x.mkv", os.listdir(self.folder))
+
+    def test_an_unknown_extension_says_which_are_known(self):
+        clip = self.clip()
+        for name in ("x.webm", "x", "x.", ".mkv.bak"):
+            self.refuse("render", clip, "-o", name, says=(name, "mkv", "exr"))
+        self.left_over("clip.tessel")
+
+    def test_a_clip_that_is_missing_malformed_or_foreign_is_named(self):
+        with open(self.path("empty.tessel"), "w", encoding="utf-8"):
+            pass
+        with open(self.path("odd.tessel"), "w", encoding="utf-8") as file:
+            file.write('{"mPixelFormat": "bgra"}')
+        with open(self.path("clip.txt"), "w", encoding="utf-8") as file:
+            file.write("{}")
+        os.mkdir(self.path("folder.tessel"))
+        before = sorted(os.listdir(self.folder))
+        for name, says in (("missing.tessel", ()), ("empty.tessel", ()), ("odd.tessel", ("mPixelFormat",)),
+                           ("clip.txt", ()), ("folder.tessel", ())):
+            self.refuse("render", name, "-o", "x.mkv", says=(name, *says))
+        self.left_over(*before)
+        done = self.run_tessel("render", "odd.tessel", "-o", "x.mkv", "--allow-default", "--frames", "2")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(self.probe(self.path("x.mkv"))["width"], 720)
+
+    def test_a_clip_is_never_replaced_by_its_own_rendering(self):
+        clip = self.clip()
+        os.link(clip, self.path("same.mkv"))
+        with open(clip, "rb") as file:
+            before = file.read()
+        self.refuse("render", clip, "-o", "same.mkv", says=("same.mkv",))
+        self.refuse("render", clip, "-o", clip, "--format", "mkv", says=("clip.tessel",))
+        with open(clip, "rb") as file:
+            self.assertEqual(file.read(), before)
+
+    def test_places_that_cannot_be_written_to_are_named(self):
+        clip = self.clip()
+        self.refuse("render", clip, "-o", "nowhere/x.mkv", says=("nowhere/x.mkv", "No such file"))
+        self.refuse("render", clip, "-o", "nowhere/x_%d.png", says=("nowhere", "No such file"))
+        self.refuse("render", clip, "-o", "/proc/x.mkv", says=("/proc/x.mkv",))
+        os.mkdir(self.path("x.mkv"))
+        os.mkdir(self.path("x.mkv/clip.mkv"))
+        self.refuse("render", clip, "-o", "x.mkv", says=("clip.mkv", "directory"))
+        self.left_over("clip.tessel", "x.mkv")
+
+    @unittest.skipIf(os.geteuid() == 0, "root may write everywhere")
+    def test_a_read_only_folder_and_file_are_named(self):
+        clip = self.clip()
+        os.mkdir(self.path("locked"))
+        os.chmod(self.path("locked"), stat.S_IRUSR | stat.S_IXUSR)
+        self.refuse("render", clip, "-o", "locked/x.mkv", says=("locked/x.mkv", "Permission"))
+        with open(self.path("old.mkv"), "w", encoding="utf-8") as file:
+            file.write("old")
+        os.chmod(self.path("old.mkv"), stat.S_IRUSR)
+        self.refuse("render", clip, "-o", "old.mkv", says=("old.mkv", "Permission"))
+
+    def test_a_full_disk_is_said_at_once(self):
+        clip = self.clip(**LONG)
+        for name in ("mkv", "mov", "nut", "y4m", "wav", "png"):
+            start = time.monotonic()
+            self.refuse("render", clip, "-o", "/dev/full", "--format", name, "--frames",
+                        "1" if name == "png" else "90000", says=("/dev/full", "No space"))
+            self.assertLess(time.monotonic() - start, 60)
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([*self.tessel, "render", clip, "-o", "-", "--format", "nut"], stdout=full,
+                                  stderr=subprocess.PIPE, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"No space", done.stderr)
+        self.left_over("clip.tessel")
+
+    def test_a_closed_pipe_ends_with_one_line(self):
+        for name in ("nut", "mkv", "mov", "y4m", "png"):
+            with subprocess.Popen([*self.tessel, "render", self.clip(**LONG), "-o", "-", "--format", name],
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+                process.stdout.read(1000)
+                process.stdout.close()
+                line = process.stderr.read().decode()
+                self.assertEqual(process.wait(), 1, line)
+                self.assertEqual(line.count("\n"), 1, line)
+                self.assertIn("Broken pipe", line)
+
+    def test_pipes_carry_whole_files(self):
+        clip = self.clip(frames=4)
+        for name, frames in (("nut", 4), ("mkv", 4), ("mov", 4), ("mp4", 4), ("y4m", 4), ("png", 4)):
+            done = self.run_tessel("render", clip, "-o", "-", "--format", name)
+            self.assertEqual((done.returncode, done.stderr), (0, b""), name)
+            with open(self.path("piped." + name), "wb") as file:
+                file.write(done.stdout)
+            demuxer = ("-f", "png_pipe") if name == "png" else ()
+            text = subprocess.run(["ffprobe", "-v", "error", *demuxer, "-count_frames", "-select_streams", "v",
+                                   "-show_entries", "stream=nb_read_frames", "-of", "csv=p=0",
+                                   self.path("piped." + name)], capture_output=True, check=True).stdout
+            self.assertEqual(int(text.decode().strip().strip(",")), frames, name)
+        for name in ("mxf", "avi"):
+            self.refuse("render", clip, "-o", "-", "--format", name, says=(name, "pipe"))
+
+    def end_half_way(self, number, output, arguments=()):
+        """Starts a long rendering, ends it by a signal when it has got going; gives the finished process."""
+        clip = self.clip(**LONG)
+        with subprocess.Popen([*self.tessel, "render", clip, "-o", output, *arguments], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            deadline = time.monotonic() + 60
+            while time.monotonic() < deadline and self.bytes_written(process.pid) < 100000:
+                time.sleep(0.02)
+            self.assertIsNone(process.poll(), "the rendering ended too early")
+            process.send_signal(number)
+            _, errors = process.communicate(timeout=60)
+            return process.returncode, errors
+
+    @staticmethod
+    def bytes_written(process):
+        try:
+            with open(f"/proc/{process}/io", encoding="ascii") as file:
+                return int(next(line for line in file if line.startswith("wchar")).split()[1])
+        except (OSError, StopIteration):
+            return 0
+
+    def test_interrupted_half_way_nothing_is_left_and_shells_see_the_signal(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            for output in ("x.mkv", "x.mov", "x_%04d.png"):
+                code, errors = self.end_half_way(number, output)
+                self.assertEqual((code, errors), (-number, b""), output)
+                self.left_over("clip.tessel")
+
+    def test_killed_half_way_nothing_is_left_of_a_movie(self):
+        code, _ = self.end_half_way(signal.SIGKILL, "x.mkv")
+        self.assertEqual(code, -signal.SIGKILL)
+        names = set(os.listdir(self.folder)) - {"clip.tessel"}
+        self.assertNotIn("x.mkv", names)
+        # Where the file system has files without names, not even a hidden one is left.
+        try:
+            os.close(os.open(self.folder, os.O_TMPFILE | os.O_RDWR))
+        except OSError:
+            self.assertTrue(all(name.startswith(".") for name in names), names)
+        else:
+            self.assertEqual(names, set())
+
+    def test_an_old_file_stays_whole_until_the_new_one_is(self):
+        with open(self.path("x.mkv"), "w", encoding="utf-8") as file:
+            file.write("old")
+        self.end_half_way(signal.SIGTERM, "x.mkv")
+        with open(self.path("x.mkv"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), "old")
+        self.render(document(frames=2), "x.mkv")
+        self.assertEqual(self.probe(self.path("x.mkv"))["codec_name"], "ffv1")
+        self.left_over("clip.tessel", "x.mkv")
+
+    def test_a_link_keeps_pointing_at_the_file_that_is_replaced(self):
+        os.mkdir(self.path("elsewhere"))
+        with open(self.path("elsewhere/real.mkv"), "w", encoding="utf-8") as file:
+            file.write("old")
+        os.symlink("elsewhere/real.mkv", self.path("x.mkv"))
+        self.render(document(frames=2), "x.mkv")
+        self.assertTrue(os.path.islink(self.path("x.mkv")))
+        self.assertEqual(self.probe(self.path("elsewhere/real.mkv"))["codec_name"], "ffv1")
+        self.assertEqual(os.listdir(self.path("elsewhere")), ["real.mkv"])
+
+    def test_new_files_have_the_rights_that_the_mask_leaves(self):
+        path = self.render(document(frames=1), "x.mkv")
+        mask = os.umask(0)
+        os.umask(mask)
+        self.assertEqual(stat.S_IMODE(os.stat(path).st_mode), 0o666 & ~mask)
+
+    def test_frames_that_the_clip_does_not_have_are_refused(self):
+        clip = self.clip(frames=10)
+        for arguments in (("--from", "10"), ("--from", "-1"), ("--to", "10"), ("--from", "5", "--frames", "6"),
+                          ("--from", "5", "--to", "4"), ("--frames", "9223372036854775807"),
+                          ("--from", "9", "--to", "9223372036854775807")):
+            self.refuse("render", clip, "-o", "x.mkv", *arguments)
+        self.refuse("render", self.clip(frames=0), "-o", "x.mkv", says=("mVideoDuration",))
+        self.left_over("clip.tessel")
+
+    def test_several_pictures_need_a_number_in_the_name(self):
+        clip = self.clip(frames=3)
+        self.refuse("render", clip, "-o", "x.png", says=("x_%06d.png", "--frames 1"))
+        for name in ("x_%d_%d.png", "x_%s.png", "x_%6d.png", "x_%.png"):
+            self.refuse("render", clip, "-o", name, says=("%06d",))
+        self.left_over("clip.tessel")
+        done = self.run_tessel("render", clip, "-o", "100%%_%03d.png", "--from", "1")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.left_over("100%_001.png", "100%_002.png", "clip.tessel")
+
+    def test_several_clips_go_into_a_folder(self):
+        self.save(document(frames=2), "a.tessel")
+        self.save(document(frames=2), "b.tessel")
+        for form, names in (((), ["a.mkv", "b.mkv"]), (("--format", "mov"), ["a.mov", "b.mov"]),
+                            (("--format", "png"), ["a_000000.png", "a_000001.png", "b_000000.png", "b_000001.png"])):
+            folder = "out" + "".join(form)
+            done = self.run_tessel("render", "a.tessel", "b.tessel", "-o", folder, *form)
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            self.assertEqual(sorted(os.listdir(self.path(folder))), names)
+
+    def test_odd_file_names_are_files_like_any_other(self):
+        for name in ("with space.mkv", "-dash.mkv", "new\nline.mkv", "umläut.mkv", "file:x.mkv", "pipe:1.mkv",
+                     "'quoted'.mkv", "%.mkv"):
+            done = self.run_tessel("render", self.clip(frames=1), "--output=" + name)
+            self.assertEqual((done.returncode, done.stderr), (0, b""), name)
+            self.assertIn(name, os.listdir(self.folder))
+
+    def test_formats_and_codecs_that_do_not_go_together_say_what_does(self):
+        clip = self.clip()
+        for arguments, says in ((("-o", "x.mp4", "--video-codec", "v210"), ("mp4", "v210", "h264")),
+                                (("-o", "x.mov", "--audio-codec", "flac"), ("mov", "flac", "pcm24")),
+                                (("-o", "x.wav", "--video-codec", "ffv1"), ("wav",)),
+                                (("-o", "x.y4m", "--audio-codec", "pcm16"), ("y4m",)),
+                                (("-o", "x_%d.png", "--audio-only"), ("png",)),
+                                (("-o", "x.wav", "--video-only"), ("wav",))):
+            self.refuse("render", clip, *arguments, says=says)
+        self.left_over("clip.tessel")
+
+    def test_dv_says_which_sizes_and_rates_are_valid(self):
+        for code, says in (("dvn2", ("720x480", "30000/1001")), ("dvp2", ("720x576", "25")),
+                           ("dvn7", ("960x720", "60000/1001")), ("dvp7", ("960x720", "50")),
+                           ("dvn1", ("1280x1080", "30000/1001")), ("dvp1", ("1440x1080", "25"))):
+            self.refuse("render", self.clip(code=code, size=(1920, 1080)), "-o", "x.mov", says=(*says, "1920x1080"))
+        self.refuse("render", self.clip(), "-o", "x.mov", "--video-codec", "dv", says=("720x576", "1440x1080"))
+        self.left_over("clip.tessel")
+
+    def test_a_clip_without_size_or_rate_is_refused(self):
+        for root in ({"mFrameWidth": 0}, {"mFrameHeight": -5}, {"mVideoFrameRate": {"ticksperframe": 0}},
+                     {"mVideoFrameRate": {"ticksperframe": -1}}, {"mPixelFormat": 1}):
+            self.refuse("render", self.save({**document(), **root}), "-o", "x.mkv")
+        self.left_over("clip.tessel")
+
+
+if __name__ == "__main__":
+    main()

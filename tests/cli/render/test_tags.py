@@ -1,0 +1,155 @@
+"""What files announce: size, rate, length, pixel aspect, field order and colours, read back by two other programs."""
+
+import json
+import shutil
+import subprocess
+import unittest
+from fractions import Fraction
+
+from render_support import FORMATS, RenderTest, document, main
+
+# ITU-T H.273 codes as FFmpeg names them.
+PRIMARIES = {1: "bt709", 5: "bt470bg", 6: "smpte170m", 7: "smpte240m", 9: "bt2020", 11: "smpte431", 12: "smpte432"}
+TRANSFERS = {1: "bt709", 6: "smpte170m", 7: "smpte240m", 8: "linear", 13: "iec61966-2-1", 14: "bt2020-10",
+             15: "bt2020-12", 16: "smpte2084", 17: "smpte428", 18: "arib-std-b67"}
+MATRICES = {0: "gbr", 1: "bt709", 5: "bt470bg", 6: "smpte170m", 7: "smpte240m", 9: "bt2020nc"}
+
+SPACES = {
+    "Rec. 601 (NTSC)": (6, 6, 6, 0), "Rec. 601 (PAL)": (5, 6, 5, 0), "Rec. 709": (1, 1, 1, 0),
+    "Rec. 709 Full Range": (1, 1, 1, 1), "sRGB": (1, 13, 0, 1), "P3-D65 (sRGB transfer)": (12, 13, 0, 1),
+    "P3-D65 PQ": (12, 16, 0, 1), "P3 Theatre (gamma 2.6)": (11, 17, 0, 1), "Rec. 2020 (10-bit)": (9, 14, 9, 0),
+    "Rec. 2020 (12-bit)": (9, 15, 9, 0), "Rec. 2100 PQ": (9, 16, 9, 0), "Rec. 2100 HLG": (9, 18, 9, 0),
+    "Rec. 709 Linear": (1, 8, 0, 1), "Rec. 2020 Linear": (9, 8, 0, 1), "SMPTE 240M": (7, 7, 7, 0),
+}
+
+RATES = ((24000, 1001), (24, 1), (25, 1), (30000, 1001), (30, 1), (48, 1), (50, 1), (60000, 1001), (60, 1),
+         (15, 1), (120, 1))
+
+
+class Tags(RenderTest):
+    def expect_colors(self, path, codes, full, what):
+        stream = self.probe(path)
+        got = [stream.get(key) for key in ("color_primaries", "color_transfer", "color_space", "color_range")]
+        names = [PRIMARIES[codes[0]], TRANSFERS[codes[1]], MATRICES[codes[2]], "pc" if full else "tv"]
+        self.assertEqual(got, names, what)
+
+    def test_rgb_pixels_announce_matrix_0_and_their_full_range(self):
+        for space, codes in SPACES.items():
+            path = self.render(document("bgra", (64, 48), frames=1, space=space), "x.mkv", "--video-only")
+            self.expect_colors(path, (codes[0], codes[1], 0), True, space)
+
+    def test_ycbcr_pixels_announce_the_clips_codes_also_where_they_contradict_the_format(self):
+        for code in ("vuyx", "uyv7"):
+            for space, codes in SPACES.items():
+                path = self.render(document(code, (64, 48), frames=1, space=space), "x.mkv", "--video-only")
+                is_rgb_space = codes[2] == 0
+                matrix = {601: 6, 709: 1}[FORMATS[code]["matrix"]] if is_rgb_space else codes[2]
+                self.expect_colors(path, (codes[0], codes[1], matrix), bool(codes[3]) and not is_rgb_space,
+                                   f"{code} {space}")
+
+    def test_an_unspecified_space_stays_unspecified(self):
+        stream = self.probe(self.render(document("vuyx", (64, 48), frames=1, space="Unspecified"), "x.mkv",
+                                        "--video-only"))
+        for key in ("color_primaries", "color_transfer", "color_space"):
+            self.assertIn(stream.get(key), (None, "unknown"), key)
+
+    def test_containers_keep_colors(self):
+        for code, output in (("bgra", "x.mov"), ("BGra", "x.mov"), ("vUYa", "x.mov"), ("VUYA", "x.mp4"), ("VUYA", "x.mxf")):
+            path = self.render(document(code, (128, 96), (25, 1), frames=3), output, "--video-only")
+            matrix = 0 if output == "x.mov" and code == "bgra" else 1
+            self.expect_colors(path, (1, 1, matrix), matrix == 0, f"{code} {output}")
+        for code in ("v211", "uyv7", "yv17"):
+            stream = self.probe(self.render(document(code, (96, 64), frames=3), "x.mov", "--video-only"))
+            self.assertEqual([stream[key] for key in ("color_primaries", "color_transfer", "color_space")],
+                             ["bt709"] * 3, code)
+
+    def test_rates_are_exact_and_lengths_are_to_the_frame(self):
+        for rate in RATES:
+            for output in ("x.mkv", "x.mov", "x.nut", "x.avi", "x.y4m", "x.mp4"):
+                frames = 7
+                path = self.render(document("bgrx", (64, 48), rate, frames), output)
+                stream = self.probe(path)
+                # For Matroska's r_frame_rate FFmpeg guesses from a few milliseconds; avg_ is what the file says.
+                self.assertEqual(Fraction(stream["avg_frame_rate"]), Fraction(*rate), output)
+                self.assertEqual(int(stream["nb_read_packets"]), frames, output)
+                if output in ("x.mov", "x.mp4"):
+                    self.assertEqual(Fraction(stream["time_base"]) * stream["duration_ts"],
+                                     Fraction(frames * rate[1], rate[0]), output)
+                elif output in ("x.mkv", "x.avi"):  # NUT and Y4M only say when the last frame starts
+                    seconds = Fraction(stream["format"]["duration"])
+                    # The sound may stand out by its rounding to a sample, Matroska by its milliseconds.
+                    self.assertLess(abs(seconds - Fraction(frames * rate[1], rate[0])), Fraction(1, 500), output)
+
+    def test_field_order_is_kept(self):
+        for code, output in (("bgra", "x.mkv"), ("v210", "x.mkv"), ("uyvy", "x.mkv"), ("bgra", "x.mov"),
+                             ("BGra", "x.mov"), ("v210", "x.mov"), ("uyvy", "x.mov")):
+            for order, name in ((0, "progressive"), (1, "tb"), (2, "bt")):
+                stream = self.probe(self.render(document(code, (96, 64), order=order), output, "--video-only"))
+                if stream["codec_name"] == "prores" and order != 0:
+                    # FFmpeg's ProRes decoder names coded and shown order alike.
+                    self.assertIn(stream["field_order"], (name, name[0] * 2), f"{code} {output}")
+                else:
+                    self.assertEqual(stream["field_order"], name, f"{code} {output}")
+
+    def test_field_order_reaches_pictures_of_other_codecs(self):
+        for code, size, rate, output, order, top_first in (("VUYA", (128, 96), (25, 1), "x.mp4", 1, 1),
+                                                 ("VUYA", (128, 96), (25, 1), "x.mp4", 2, 0),
+                                                 ("VUYA", (128, 96), (25, 1), "x.mxf", 1, 1),
+                                                 ("dvp2", (720, 576), (25, 1), "x.mov", 2, 0)):
+            path = self.render(document(code, size, rate, order=order, frames=3), output, "--video-only")
+            text = subprocess.run(["ffprobe", "-v", "error", "-read_intervals", "%+#1", "-show_frames", "-of", "json",
+                                   path], capture_output=True, check=True).stdout
+            frame = json.loads(text)["frames"][0]
+            self.assertEqual((frame["interlaced_frame"], frame["top_field_first"]), (1, top_first), f"{code} {output}")
+
+    def test_pixel_aspect_is_kept(self):
+        for aspect in ((10, 11), (40, 33), (12, 11), (16, 11), (2, 1), (4, 3), (3, 2), (9, 10), (128, 117), (64, 45)):
+            for output in ("x.mkv", "x.mov", "x.mp4", "x.y4m", "x.nut"):
+                path = self.render(document("vuyx", (64, 48), frames=1, aspect=aspect), output, "--video-only")
+                got = Fraction(self.probe(path)["sample_aspect_ratio"].replace(":", "/"))
+                self.assertEqual(got, Fraction(*aspect), output)
+
+    def test_an_impossible_pixel_aspect_is_left_unsaid(self):
+        for aspect in ((0, 1), (1, 0), (4294967295, 4294967294)):
+            stream = self.probe(self.render(document("vuyx", (64, 48), frames=1, aspect=aspect), "x.mkv", "--video-only"))
+            self.assertIn(stream.get("sample_aspect_ratio", "0:1"), ("0:1", "1:1"), aspect)
+
+    @unittest.skipUnless(shutil.which("mediainfo"), "MediaInfo is not installed")
+    def test_mediainfo_reads_the_same(self):
+        for output in ("x.mkv", "x.mov"):
+            for order, scan in ((1, "TFF"), (2, "BFF")):
+                path = self.render(document("v211", (720, 576), (25, 1), 10, order, aspect=(12, 11)), output)
+                text = subprocess.run(["mediainfo", "--Output=JSON", path], capture_output=True, check=True).stdout
+                tracks = {track["@type"]: track for track in json.loads(text)["media"]["track"]}
+                video, audio = tracks["Video"], tracks["Audio"]
+                self.assertEqual((video["Width"], video["Height"], float(video["FrameRate"]), video["FrameCount"]),
+                                 ("720", "576", 25.0, "10"), output)
+                self.assertEqual((video["ScanType"], video["ScanOrder"]), ("Interlaced", scan), output)
+                self.assertEqual(video["PixelAspectRatio"], "1.091", output)
+                self.assertEqual((video["colour_primaries"], video["matrix_coefficients"]), ("BT.709", "BT.709"))
+                self.assertEqual((audio["SamplingRate"], audio["Channels"], audio["BitDepth"]), ("48000", "2", "24"))
+
+    def test_ranges_give_the_frames_that_the_clip_has_there(self):
+        root = document("bgrx", (64, 48), frames=20, pattern="gradient")
+        whole = self.render(root, "whole.mkv")
+        part = self.render(root, "part.mkv", "--from", "7", "--to", "11")
+        self.assertEqual(int(self.probe(part)["nb_read_packets"]), 5)
+        for index in range(5):
+            self.assertEqual(self.decode(part, "bgr0", index), self.decode(whole, "bgr0", 7 + index), index)
+        counted = self.render(root, "counted.mkv", "--from", "7", "--frames", "5")
+        with open(part, "rb") as first, open(counted, "rb") as second:
+            self.assertEqual(first.read(), second.read())
+
+    def test_the_same_file_comes_out_whatever_the_number_of_threads_is(self):
+        for code, output in (("BGra", "x.mov"), ("bgra", "x.nut"), ("v210", "x.mkv")):
+            root = document(code, (64, 48), frames=25, pattern="gradient", number=True)
+            files = []
+            for threads in (1, 2, 7):
+                with open(self.render(root, output, "--threads", threads), "rb") as file:
+                    files.append(file.read())
+            self.assertEqual(files[0], files[1])
+            self.assertEqual(files[0], files[2])
+
+
+if __name__ == "__main__":
+    main()
