@@ -67,6 +67,8 @@ public:
     ~Clip();
     Clip(Clip&&) noexcept;
     Clip& operator=(Clip&&) noexcept;
+    Clip(const Clip&) = delete;
+    Clip& operator=(const Clip&) = delete;
 
     [[nodiscard]] const ClipDescription& Description() const noexcept;
 

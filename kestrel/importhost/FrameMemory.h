@@ -15,6 +15,8 @@ public:
     ~FrameMemory();
     FrameMemory(FrameMemory&& other) noexcept;
     FrameMemory& operator=(FrameMemory&& other) noexcept;
+    FrameMemory(const FrameMemory&) = delete;
+    FrameMemory& operator=(const FrameMemory&) = delete;
 
     [[nodiscard]] std::byte* Data() const noexcept { return mData; }
     [[nodiscard]] std::size_t Size() const noexcept { return mSize; }
