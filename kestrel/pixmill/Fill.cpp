@@ -63,12 +63,10 @@ void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, s
         FillRow(pixels, wholeBytes * rows, pattern);
         return;
     }
-    for (std::uint32_t i = 0; i < rows; ++i) {
-        std::byte* const row = pixels + static_cast<std::ptrdiff_t>(i) * rowBytes;
-        FillRow(row, wholeBytes, pattern);
-        if (lastPixels != 0) {
-            FillLastGroup(row + wholeBytes, code, lastPixels, pattern);
-        }
+    FillSeparateRows(pixels, rowBytes, wholeBytes, rows, pattern);
+    for (std::uint32_t i = 0; lastPixels != 0 && i < rows; ++i) {
+        FillLastGroup(pixels + static_cast<std::ptrdiff_t>(i) * rowBytes + wholeBytes, code, lastPixels,
+                      pattern);
     }
 }
 

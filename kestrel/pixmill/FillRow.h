@@ -28,4 +28,10 @@ inline void FillRow(std::byte* row, std::size_t byteCount, const FillPattern& pa
     FillRow(row, byteCount, std::bit_cast<FillWords>(pattern));
 }
 
+/// The same for `rows` rows that do not follow one upon the other, such as those of one field.
+///
+/// @param step  Bytes from one row to the next; may be negative.
+void FillSeparateRows(std::byte* row, std::ptrdiff_t step, std::size_t byteCount, std::uint32_t rows,
+                      FillWords pattern) noexcept;
+
 } // namespace pixmill

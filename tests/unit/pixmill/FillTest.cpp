@@ -146,6 +146,30 @@ TEST_P(EveryFormat, NoRowsAndNoWidthWriteNothing)
 INSTANTIATE_TEST_SUITE_P(Fill, EveryFormat, ::testing::ValuesIn(PaintableFormats()),
                          [](const auto& test) { return test.param.name; });
 
+// Rows far apart in large frames go another way to memory than rows of small ones.
+TEST_P(EveryFormat, FieldsOfLargePicturesInterleave)
+{
+    constexpr ReferenceColor kOther{.75F, .25F, .5F, 1};
+    for (const std::uint32_t rows : {64U, 65U, 2000U}) {
+        const std::uint32_t width = rows > 1000 ? 1920 : 96;
+        const std::size_t used = RowLength(GetParam().code, width);
+        const auto upper = ReferenceFormat(GetParam().name).Row(width, kColor);
+        const auto lower = ReferenceFormat(GetParam().name).Row(width, kOther);
+        GuardedFrame frame(used, rows, 32);
+        const std::ptrdiff_t step = 2 * frame.RowBytes();
+        ASSERT_EQ(Fill(frame, 0, step, width, rows / 2, GetParam().code, kColor), 0);
+        ASSERT_EQ(Fill(frame, rows / 2 * 2 - 1, -step, width, rows / 2, GetParam().code, kOther), 0);
+        for (std::uint32_t row = 0; row < rows / 2 * 2; ++row) {
+            ASSERT_TRUE(SameBytes(frame.Row(row), row % 2 == 0 ? upper : lower)) << row;
+        }
+        if (rows % 2 != 0) {
+            EXPECT_EQ(frame.Row(rows - 1).front(), GuardedFrame::kGuard)
+                << "the last row of an odd number stays";
+        }
+        ASSERT_TRUE(frame.GuardsAreUntouched());
+    }
+}
+
 TEST(Fill, AColorMayLieAtAnyAddress)
 {
     std::array<std::byte, 32> storage{};
