@@ -40,8 +40,11 @@ inline void WriteWithStreamingStores(std::byte* memory, std::size_t byteCount)
 #endif
 }
 
-/// Runs `paint`, memset and streaming stores in turn, each once to warm the caches and once for the clock,
-/// and reports medians: counters `relativeToMemset` and `relativeToStreaming` (1 is level, more is faster).
+/// Streaming stores throw the memory out of the caches; it takes this many passes to settle there again.
+inline constexpr int kWarmings = 3;
+
+/// Runs `paint`, memset and streaming stores in turn, each to warm the caches and then once for the clock, and
+/// reports medians: counters `relativeToMemset` and `relativeToStreaming` (1 is level, more is faster).
 ///
 /// @param memory  What memset and streaming stores write to; `paint` may write to it or to memory of its own
 ///                as large.
@@ -55,7 +58,9 @@ inline void MeasureBesideMemory(benchmark::State& state, importhost::FrameMemory
     std::array<std::vector<double>, 3> seconds;
     for ([[maybe_unused]] const auto& iteration : state) {
         for (std::size_t way = 0; way < ways.size(); ++way) {
-            ways[way]();
+            for (int warming = 0; warming < kWarmings; ++warming) {
+                ways[way]();
+            }
             const auto start = Clock::now();
             ways[way]();
             seconds[way].push_back(std::chrono::duration<double>(Clock::now() - start).count());
