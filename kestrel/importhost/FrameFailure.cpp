@@ -22,7 +22,7 @@ std::string RefusalText(FrameRefusal refusal, const ClipDescription& description
 {
     switch (refusal) {
     case FrameRefusal::FormatCannotBePainted:
-        return "\"mPixelFormat\": " + std::to_string(description.pixelFormatCode) +
+        return R"("mPixelFormat": )" + std::to_string(description.pixelFormatCode) +
                " is no pixel format that can be painted (see tessel list pixel-formats)";
     case FrameRefusal::SizeOutOfRange:
         return "a frame of " + Size(description) +
