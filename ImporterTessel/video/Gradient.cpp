@@ -23,7 +23,7 @@ FloatColor RowRamp::ColorOfRow(std::uint32_t row, std::uint32_t height) const no
 
 RowRamp RampOfFrame(const TesselInfo& info, std::int32_t frame, std::int32_t frameCount) noexcept
 {
-    const double position = static_cast<double>(static_cast<std::uint32_t>(frame));
+    const auto position = static_cast<double>(static_cast<std::uint32_t>(frame));
     const auto share = static_cast<float>(position / static_cast<double>(frameCount));
     return {.top = Mix(info.mTopGradiantColorStart, info.mTopGradiantColorEnd, share),
             .bottom = Mix(info.mBottomGradiantColorStart, info.mBottomGradiantColorEnd, share)};

@@ -144,7 +144,7 @@ GlyphMask::GlyphMask(std::size_t glyph, std::uint32_t digitHeight, std::uint32_t
                 length = std::min(static_cast<std::uint32_t>(clear) + 1, cellWidth - x);
             }
             const double share = std::min(std::max(0.5 - distance, 0.0), 1.0);
-            const auto coverage = static_cast<std::uint8_t>(share * 255 + 0.5);
+            const auto coverage = static_cast<std::uint8_t>(std::lround(share * 255));
             if (coverage != 0) {
                 append(x, coverage == 255 ? length : 1, coverage);
             }
