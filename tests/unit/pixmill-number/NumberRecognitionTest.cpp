@@ -15,7 +15,7 @@ struct FrameSize {
 };
 
 // Steps are primes, so that all digits of a number change from one to the next.
-constexpr std::array<FrameSize, 3> kSizes{{{160, 106, 499}, {720, 480, 997}, {3840, 2160, 19997}}};
+constexpr std::array<FrameSize, 3> kSizes{{{160, 106, 997}, {720, 480, 4999}, {3840, 2160, 33331}}};
 constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
 
 /// Formats of one layout are read from the same samples: the full list of numbers is for one of each (and for
@@ -33,14 +33,17 @@ std::string Describe(const PaintableFormat& format, const FrameSize& size, RowOr
            std::to_string(number);
 }
 
-TEST(NumberRecognition, EveryNumberIsReadBackInEveryFormatSizeAndRowOrder)
+TEST(NumberRecognition, NumbersFrom0To99999AreReadBackInEveryFormatSizeAndRowOrder)
 {
     NumberReader reader;
     double worst = 1;
     for (const PaintableFormat& format : PaintableFormats()) {
         for (const FrameSize& size : kSizes) {
+            if (size.width > 1000 && !IsOneOfItsLayout(format.code)) {
+                continue; // frames of 130 MB
+            }
             for (const RowOrder order : {RowOrder::StepForwards, RowOrder::StepBackwards}) {
-                const std::int32_t step = IsOneOfItsLayout(format.code) ? size.step : 19997;
+                const std::int32_t step = IsOneOfItsLayout(format.code) ? size.step : 33331;
                 PrintedFrame frame(format.code, size.width, size.height, order);
                 frame.Fill(kOrange);
                 for (std::int32_t number = 0; number <= 99999; number += step) {
@@ -67,13 +70,26 @@ TEST(NumberRecognition, LongAndNegativeNumbersAreReadBack)
             }
             for (const RowOrder order : {RowOrder::StepForwards, RowOrder::StepBackwards}) {
                 PrintedFrame frame(format.code, size.width, size.height, order);
-                for (const std::int32_t number : {-1, -99, -123456, 999999, 1000000, -1000000, 87654321,
-                                                  kHighest, kHighest - 1, kLowest, kLowest + 1}) {
+                for (const std::int32_t number :
+                     {-1, -123456, 1000000, 87654321, kHighest, kHighest - 1, kLowest, kLowest + 1}) {
                     frame.Fill(kOrange);
                     ASSERT_EQ(frame.Print(number), 0);
                     ASSERT_EQ(reader.Read(frame.Picture()), number) << Describe(format, size, order, number);
                 }
             }
+        }
+    }
+}
+
+TEST(NumberRecognition, EveryDigitIsReadBackInEveryPlace)
+{
+    NumberReader reader;
+    for (const auto& [width, height] : {std::pair{160U, 106U}, std::pair{720U, 480U}}) {
+        PrintedFrame frame(pixmill::kBGRA8, width, height);
+        frame.Fill(kOrange);
+        for (std::int32_t number = 0; number <= 99999; number += 89) {
+            ASSERT_EQ(frame.Print(number), 0);
+            ASSERT_EQ(reader.Read(frame.Picture()), number) << width << "x" << height;
         }
     }
 }
