@@ -5,6 +5,8 @@ function(tessel_add_test)
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_options ${arg_LIBRARIES} GTest::gtest GTest::gtest_main)
     target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/tests")
+    # The tests' own code need not be fast, and optimising it takes most of a build's time.
+    target_compile_options(${arg_NAME} PRIVATE $<$<CONFIG:Release>:-O1>)
     set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-programs")
     gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${arg_NAME}: "
                          PROPERTIES TIMEOUT 300)
