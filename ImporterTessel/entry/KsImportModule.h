@@ -34,7 +34,9 @@ public:
     KsImportModule() = default;
     virtual ~KsImportModule() = default;
     KsImportModule(const KsImportModule&) = delete;
+    KsImportModule(KsImportModule&&) = delete;
     KsImportModule& operator=(const KsImportModule&) = delete;
+    KsImportModule& operator=(KsImportModule&&) = delete;
 
     /// Keeps the host's standard parameters, which outlive the instance.
     virtual void SetStdParms(const ksStdParms* stdParms) { mStdParms = stdParms; }
