@@ -110,9 +110,10 @@ void NumberInk::PaintPlate(std::byte* row, std::uint32_t x, std::uint32_t count)
     PaintSpan(row, mCode, x, count, mBlack);
 }
 
-void NumberInk::PaintSolid(std::byte* row, std::uint32_t x, std::uint32_t count) const noexcept
+template <NumberInk::Layout kLayout>
+inline void NumberInk::PaintSolid(std::byte* row, std::uint32_t x, std::uint32_t count) const noexcept
 {
-    switch (mLayout) {
+    switch (kLayout) {
     case Layout::Bytes4:
         FillShort(row + std::size_t{x} * 4, std::size_t{count} * 4, mWhite.pattern);
         break;
@@ -143,10 +144,11 @@ void NumberInk::PaintSolid(std::byte* row, std::uint32_t x, std::uint32_t count)
     }
 }
 
-void NumberInk::PaintEdges(std::byte* row, std::uint32_t x, std::uint32_t count,
-                           const std::uint8_t* coverages) const noexcept
+template <NumberInk::Layout kLayout>
+inline void NumberInk::PaintEdges(std::byte* row, std::uint32_t x, std::uint32_t count,
+                                  const std::uint8_t* coverages) const noexcept
 {
-    switch (mLayout) {
+    switch (kLayout) {
     case Layout::Bytes4:
         for (std::uint32_t i = 0; i < count; ++i) {
             std::memcpy(row + std::size_t{x + i} * 4, &mCodes[coverages[i]], 4);
@@ -172,15 +174,31 @@ void NumberInk::PaintEdges(std::byte* row, std::uint32_t x, std::uint32_t count,
     }
 }
 
-void NumberInk::PaintRuns(std::byte* row, std::uint32_t x, const GlyphMask& mask,
-                          std::span<const InkRun> runs) const noexcept
+template <NumberInk::Layout kLayout>
+void NumberInk::PaintRunsAs(std::byte* row, std::uint32_t x, const GlyphMask& mask,
+                            std::span<const InkRun> runs) const noexcept
 {
     for (const InkRun& run : runs) {
         if (run.edges == InkRun::kSolid) {
-            PaintSolid(row, x + run.x, run.length);
+            PaintSolid<kLayout>(row, x + run.x, run.length);
         } else {
-            PaintEdges(row, x + run.x, run.length, mask.Edges(run));
+            PaintEdges<kLayout>(row, x + run.x, run.length, mask.Edges(run));
         }
+    }
+}
+
+void NumberInk::PaintRuns(std::byte* row, std::uint32_t x, const GlyphMask& mask,
+                          std::span<const InkRun> runs) const noexcept
+{
+    switch (mLayout) {
+    case Layout::Bytes4:
+        return PaintRunsAs<Layout::Bytes4>(row, x, mask, runs);
+    case Layout::Floats4:
+        return PaintRunsAs<Layout::Floats4>(row, x, mask, runs);
+    case Layout::Subsampled8:
+        return PaintRunsAs<Layout::Subsampled8>(row, x, mask, runs);
+    case Layout::V210:
+        return PaintRunsAs<Layout::V210>(row, x, mask, runs);
     }
 }
 

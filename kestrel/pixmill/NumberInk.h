@@ -32,7 +32,13 @@ public:
 private:
     enum class Layout : std::uint8_t { Bytes4, Floats4, Subsampled8, V210 };
 
+    // The layout is chosen once for all runs of a row: there are thousands of runs, most a few pixels long.
+    template <Layout kLayout>
+    void PaintRunsAs(std::byte* row, std::uint32_t x, const GlyphMask& mask,
+                     std::span<const InkRun> runs) const noexcept;
+    template <Layout kLayout>
     void PaintSolid(std::byte* row, std::uint32_t x, std::uint32_t count) const noexcept;
+    template <Layout kLayout>
     void PaintEdges(std::byte* row, std::uint32_t x, std::uint32_t count,
                     const std::uint8_t* coverages) const noexcept;
 
