@@ -191,8 +191,10 @@ Rounding RoundingFor(const LayoutInfo& target, int component, int sourceBits, bo
     }
     // Codes of 8 bits times this are codes of the target's.
     const auto unit = static_cast<float>(1U << (target.bits - 8));
-    rounding.lowest = fullRange ? 0.0F : unit;
-    rounding.highest = fullRange ? HighestCode(target.bits) : 255.0F * unit - 1.0F;
+    // Codes that are kept stay as they are; only those that are made keep clear of the timing codes.
+    const bool keepsClear = sourceBits == 32 && !fullRange;
+    rounding.lowest = keepsClear ? unit : 0.0F;
+    rounding.highest = keepsClear ? 255.0F * unit - 1.0F : HighestCode(target.bits);
     if (sourceBits != 32) {
         rounding.scale = unit / static_cast<float>(1U << (sourceBits - 8));
     } else if (fullRange) {
@@ -313,8 +315,11 @@ public:
     ComputeWay(const Conversion& conversion, const SourceInfo& source)
         : mConversion(conversion), mSource(source), mReader(source, conversion.width, conversion.height)
     {
+        // zimg only knows whole pairs: an odd last column gets a partner.
+        const bool hasHalfPair = source.chromaShiftX == 1 && conversion.width % 2 == 1;
+        mMatrixWidth = conversion.width + (hasHalfPair ? 1 : 0);
         // Rows of 16 floats are rows on multiples of 64 bytes.
-        mRowSamples = (static_cast<std::ptrdiff_t>(conversion.width) + 15) / 16 * 16;
+        mRowSamples = (static_cast<std::ptrdiff_t>(mMatrixWidth) + 15) / 16 * 16;
         const std::size_t planeBytes =
             static_cast<std::size_t>(mRowSamples) * static_cast<std::size_t>(conversion.height) * sizeof(float);
         const LayoutInfo& target = InfoOf(conversion.target);
@@ -323,7 +328,7 @@ public:
         if (NeedsMatrix(source, target, conversion.coding) || upsamples) {
             const bool toRgb = target.family == ColorFamily::Rgb;
             mMatrix = std::make_unique<MatrixConversion>(
-                MatrixInput{conversion.width, conversion.height, source.kind.family, source.kind.matrix,
+                MatrixInput{mMatrixWidth, conversion.height, source.kind.family, source.kind.matrix,
                             source.bits, source.chromaShiftX == 1},
                 target.family, toRgb ? Matrix::Rgb : conversion.coding.matrix);
             mSourceBits = 32;
@@ -397,6 +402,15 @@ private:
                              mRowSamples * static_cast<std::ptrdiff_t>(sizeof(float))});
     }
 
+    static void RepeatLastColumn(const ComponentTarget& samples) noexcept
+    {
+        const auto sampleBytes = static_cast<std::size_t>(samples.step);
+        for (std::int32_t y = 0; y < samples.height; ++y) {
+            std::byte* last = samples.first + y * samples.rowBytes + (samples.width - 1) * samples.step;
+            std::memcpy(last + sampleBytes, last, sampleBytes);
+        }
+    }
+
     /// Subsamples where the target has less chroma, then rounds.
     void Store(int component, const LayoutInfo& target, int sourceShift, const ComponentTarget& samples)
     {
@@ -427,6 +441,7 @@ private:
     Conversion mConversion;
     SourceInfo mSource;
     SourceReader mReader;
+    std::int32_t mMatrixWidth = 0;
     std::ptrdiff_t mRowSamples = 0;
     int mSourceBits = 8; ///< of the integer codes that the float planes hold; 32: normalised values
     std::unique_ptr<MatrixConversion> mMatrix;

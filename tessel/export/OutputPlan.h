@@ -30,8 +30,8 @@ enum class Streams : std::uint8_t { All, AudioOnly, VideoOnly };
 struct OutputRequest {
     Container container = Container::Mkv;
     Streams streams = Streams::All;
-    std::optional<VideoCodec> videoCodec;
-    std::optional<AudioCodec> audioCodec;
+    std::optional<VideoCodec> videoCodec{};
+    std::optional<AudioCodec> audioCodec{};
     Dither dither = Dither::None;
 };
 

@@ -184,14 +184,16 @@ FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> fir
         throw ExportError(
             fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
     }
-    const std::int64_t end = last ? *last + 1 : count ? range.first + *count : clipFrames;
-    if (end > clipFrames) {
+    // Compared before anything is added: what is typed may be as large as numbers get.
+    if (last && (*last >= clipFrames || *last < range.first)) {
         throw ExportError(
-            fmt::format("there is no frame {}: the clip has frames 0 to {}", end - 1, clipFrames - 1));
+            fmt::format("--to {} is not among the clip's frames {} to {}", *last, range.first, clipFrames - 1));
     }
-    if (end <= range.first) {
-        throw ExportError(fmt::format("frames {} to {} are none", range.first, end - 1));
+    if (count && (*count < 1 || *count > clipFrames - range.first)) {
+        throw ExportError(fmt::format("there are not {} frames from frame {} on: the clip has frames 0 to {}",
+                                      *count, range.first, clipFrames - 1));
     }
+    const std::int64_t end = last ? *last + 1 : range.first + count.value_or(clipFrames - range.first);
     range.count = end - range.first;
     return range;
 }

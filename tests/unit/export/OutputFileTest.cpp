@@ -1,0 +1,118 @@
+#include <tessel/export/ExportError.h>
+#include <tessel/export/OutputFile.h>
+#include <tessel/export/SequenceWriter.h>
+
+#include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
+
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string_view>
+
+namespace tessel::exporting {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Write(OutputFile& file, std::string_view text)
+{
+    file.Write(std::as_bytes(std::span(text)));
+}
+
+std::string ContentOf(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::set<std::string> NamesIn(const fs::path& folder)
+{
+    std::set<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        names.insert(entry.path().filename().string());
+    }
+    return names;
+}
+
+TEST(OutputFile, AppearsWholeAndOnlyWhenCommitted)
+{
+    const test::TemporaryFolder folder;
+    const fs::path path = folder.Path() / "x";
+    {
+        OutputFile file(path);
+        Write(file, "one two");
+        EXPECT_FALSE(fs::exists(path));
+        file.SeekTo(4);
+        Write(file, "six");
+        EXPECT_EQ(file.Size(), 7);
+        file.Commit();
+    }
+    EXPECT_EQ(ContentOf(path), "one six");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"x"});
+}
+
+TEST(OutputFile, UncommittedLeavesNothingAndTheOldFileWhole)
+{
+    const test::TemporaryFolder folder;
+    const fs::path path = folder.Path() / "x";
+    std::ofstream(path) << "old";
+    {
+        OutputFile file(path);
+        Write(file, "new");
+    }
+    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"x"});
+}
+
+TEST(OutputFile, FolderAndMissingFolderAreRefusedByName)
+{
+    const test::TemporaryFolder folder;
+    EXPECT_THROW(OutputFile{folder.Path()}, ExportError);
+    try {
+        const OutputFile file(folder.Path() / "none" / "x");
+        FAIL();
+    } catch (const ExportError& error) {
+        EXPECT_NE(std::string_view(error.what()).find("none/x"), std::string_view::npos) << error.what();
+    }
+}
+
+TEST(NumberedName, TakesOneNumberAndPercentSigns)
+{
+    EXPECT_EQ(NumberedName::Parse("a%d.png")->With(7), "a7.png");
+    EXPECT_EQ(NumberedName::Parse("%%%06d%%.png")->With(123), "%000123%.png");
+    EXPECT_EQ(NumberedName::Parse("%03d")->With(12345), "12345");
+    EXPECT_FALSE(NumberedName::Parse("plain.png"));
+    for (const char* wrong : {"%", "%6d", "%s", "%d%d", "%0d", "%-3d", "%00d", "%0999d", "%06x"}) {
+        EXPECT_THROW(static_cast<void>(NumberedName::Parse(wrong)), ExportError) << wrong;
+    }
+}
+
+TEST(SequenceWriter, FilesAppearTogetherOrNotAtAll)
+{
+    const test::TemporaryFolder folder;
+    const std::string_view text = "picture";
+    {
+        SequenceWriter writer(folder.Path() / "%d.png", 2);
+        writer.Write(std::as_bytes(std::span(text)), 5);
+    }
+    EXPECT_TRUE(NamesIn(folder.Path()).empty());
+    {
+        SequenceWriter writer(folder.Path() / "%d.png", 2);
+        writer.Write(std::as_bytes(std::span(text)), 5);
+        writer.Write(std::as_bytes(std::span(text)), 6);
+        writer.Finish();
+    }
+    EXPECT_EQ(NamesIn(folder.Path()), (std::set<std::string>{"5.png", "6.png"}));
+    EXPECT_EQ(ContentOf(folder.Path() / "5.png"), text);
+}
+
+TEST(SequenceWriter, SeveralPicturesWithoutANumberAreRefused)
+{
+    const test::TemporaryFolder folder;
+    EXPECT_THROW(SequenceWriter(folder.Path() / "x.png", 2), ExportError);
+    EXPECT_NO_THROW(SequenceWriter(folder.Path() / "x.png", 1));
+}
+
+} // namespace
+} // namespace tessel::exporting
