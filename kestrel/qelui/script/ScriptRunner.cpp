@@ -267,6 +267,11 @@ ScriptRunner::ScriptRunner(std::filesystem::path file, UI_Dialog& dialog)
     mCommands = std::get<std::vector<Command>>(std::move(parsed));
 }
 
+ScriptRunner::ScriptRunner(std::filesystem::path file, std::vector<Command> commands, UI_Dialog& dialog)
+    : mFile(std::move(file)), mDialog(dialog), mCommands(std::move(commands))
+{
+}
+
 void ScriptRunner::Fail(int line, std::string text)
 {
     if (!mFailure) {

@@ -23,6 +23,9 @@ public:
     /// then only cancels.
     ScriptRunner(std::filesystem::path file, UI_Dialog& dialog);
 
+    /// The same with commands that are parsed already; `file` is what failures call them.
+    ScriptRunner(std::filesystem::path file, std::vector<Command> commands, UI_Dialog& dialog);
+
     /// Acts line by line and returns with the dialog closed: by a press on OK or Cancel, or by cancelling it
     /// when the script ends or fails. Called once by the toolkit, see <qelui/toolkit/Toolkit.h>.
     void Play(ControlDriver& driver);

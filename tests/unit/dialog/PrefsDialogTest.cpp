@@ -250,7 +250,7 @@ TEST_F(PrefsDialog, AnAmplitudeThatIsNoNumberShowsTheLeast)
 
 TEST_F(PrefsDialog, DecibelsAndGainAreEachOthersInverse)
 {
-    for (int tenths = -3000; tenths <= 0; tenths += 7) {
+    for (int tenths = -3000; tenths <= 0; tenths += 37) {
         const double decibels = tenths / 10.0;
         const TesselInfo after = Run({}, [&](UI_Dialog& dialog) {
             dialog.GetControl<UI_HotTextNumber>("amplitudeHotTextNumber").EnterValue(decibels);
