@@ -1,6 +1,8 @@
 #include "ImporterTesselPrefsDialogImpl.h"
 
+#include <ImporterTessel/settings/DataFile.h>
 #include <qelcore/exceptions/Exceptions.h>
+#include <qelui/toolkit/UserInterface.h>
 #include <qelworkspace/Workspace.h>
 
 #include <sstream>
@@ -110,6 +112,10 @@ void ImporterTesselPrefsDialogImpl::BindControls()
     bindAll(Bindings::kStaticTexts);
     BindColorColumns();
     InitializeControls();
+    // The host may show a picture of the settings; all that it gets is their text.
+    if (const auto& render = qelui::UserInterface::Get().GetPreviewRenderer()) {
+        GetDialog().SetPreview([this, render] { return render(TesselToUTF8String(mPrefs)); });
+    }
 }
 
 void CreatePrefsDialog(qelcore::classref::UnknownBase& source, const qelui::DrawSupplier& supplier,

@@ -6,6 +6,7 @@
 #include <importhost/HostError.h>
 #include <importhost/PathText.h>
 #include <importhost/SettingsExchange.h>
+#include <importhost/SettingsPreview.h>
 #include <orb/File.h>
 #include <qelcore/text/Unicode.h>
 #include <qellumenfactory/UI_NodeManager.h>
@@ -110,6 +111,9 @@ void Edit(Context& context, const EditOptions& options)
     }
 
     const auto importer = context.LoadImporter();
+    userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
+        return importhost::RenderSettingsPreview(*importer, settingsText);
+    });
     const EditedSettings edited = isNew ? importhost::EditNewClipSettings(*importer, sequence)
                                         : importhost::EditClipSettings(*importer, options.clip);
     if (const auto& failure = userInterface.LastScriptFailure()) {

@@ -4,12 +4,11 @@
 #include <qelui/DrawSupplier.h>
 #include <qelui/TopLevelWindow.h>
 #include <qelui/controls/UI_Group.h>
+#include <qelui/dialogs/PreviewPicture.h>
 
-#include <cstdint>
 #include <exception>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace qelui {
 
@@ -28,14 +27,6 @@ public:
     virtual void OnControlChanged(UI_ControlView& control) = 0;
     /// The dialog is over: end the modal run.
     virtual void OnDialogClosed() = 0;
-};
-
-/// A small picture of what the settings in a dialog make.
-struct PreviewPicture {
-    int width = 0;  ///< pixels as they are seen (square); 0 where there is nothing to show
-    int height = 0; ///< pixels
-    /// 0xAARRGGBB, not premultiplied, rows from the top without gaps.
-    std::vector<std::uint32_t> pixels;
 };
 
 /// Life: built, handed to `RunModal` once, read, destroyed.

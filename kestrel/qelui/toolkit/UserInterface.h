@@ -2,6 +2,7 @@
 #pragma once
 
 #include <qelcore/exceptions/Exceptions.h>
+#include <qelui/dialogs/PreviewPicture.h>
 
 #include <filesystem>
 #include <optional>
@@ -52,6 +53,12 @@ public:
     [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
     void SetScriptFailure(std::optional<ScriptFailure> failure);
 
+    /// What this program offers to dialogs that can show a picture of their settings; empty where it offers
+    /// nothing. @{
+    [[nodiscard]] const PreviewRenderer& GetPreviewRenderer() const noexcept { return mPreviewRenderer; }
+    void SetPreviewRenderer(PreviewRenderer renderer) { mPreviewRenderer = std::move(renderer); }
+    /// @}
+
     UserInterface(const UserInterface&) = delete;
     UserInterface& operator=(const UserInterface&) = delete;
 
@@ -60,6 +67,7 @@ private:
     Toolkit* mToolkit = nullptr;
     std::filesystem::path mScript;
     std::optional<ScriptFailure> mFailure;
+    PreviewRenderer mPreviewRenderer;
 };
 
 } // namespace qelui
