@@ -1,5 +1,6 @@
 #include "QtToolkit.h"
 
+#include "Messages.h"
 #include "dialogs/ColorPickerWindow.h"
 #include "dialogs/DialogWindow.h"
 #include "script/PersonEvents.h"
@@ -56,6 +57,7 @@ void AnswerFileDialog(QFileDialog& dialog, const QString& path)
 
 QtToolkit::QtToolkit()
 {
+    SendQtMessagesToLog();
     if (QCoreApplication::instance() == nullptr) {
         // Both outlive the application, as it requires.
         static int argumentCount = 1;

@@ -50,11 +50,16 @@ void DressWidget(QWidget& widget, const qelui::UI_ControlView& control)
     widget.setToolTip(QString::fromStdString(control.Tooltip()));
     widget.setAccessibleName(AccessibleNameOf(control.Label()));
     widget.setAccessibleDescription(QString::fromStdString(control.Tooltip()));
+}
+
+void KeepLeastSize(QWidget& widget, const qelui::UI_ControlView& control)
+{
+    const QSize least = widget.minimumSizeHint(); // an explicit minimum would take its place
     if (control.MinWidth() > 0) {
         widget.setMinimumWidth(control.MinWidth());
     }
     if (control.MinHeight() > 0) {
-        widget.setMinimumHeight(control.MinHeight());
+        widget.setMinimumHeight(qMax(control.MinHeight(), least.height()));
     }
 }
 

@@ -34,7 +34,10 @@ public:
 /// A label as a name for assistive tools: without its colon and dots.
 [[nodiscard]] QString AccessibleNameOf(const std::string& label);
 
-/// Size, tooltip and name, which all kinds take from their model alike.
+/// Tooltip and name, which all kinds take from their model alike.
 void DressWidget(QWidget& widget, const qelui::UI_ControlView& control);
+
+/// Gives the widget its model's least size, where that has one, but no less height than the widget needs.
+void KeepLeastSize(QWidget& widget, const qelui::UI_ControlView& control);
 
 } // namespace kestrelqt

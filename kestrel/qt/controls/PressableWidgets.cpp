@@ -32,7 +32,8 @@ ButtonWidget::ButtonWidget(qelui::UI_Button& button, QWidget* parent)
     : mModel(button), mWidget(new QPushButton(parent))
 {
     DressWidget(*mWidget, button);
-    mWidget->setAutoDefault(false);
+    KeepLeastSize(*mWidget, button);
+    mWidget->setAutoDefault(true); // Return presses the button that has the focus
     QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] { mModel.Press(); });
     Follow();
 }
@@ -56,6 +57,7 @@ CheckBoxWidget::CheckBoxWidget(qelui::UI_CheckBox& box, QWidget* parent)
     : mModel(box), mWidget(new QCheckBox(parent))
 {
     DressWidget(*mWidget, box);
+    KeepLeastSize(*mWidget, box);
     QObject::connect(mWidget, &QCheckBox::clicked, mWidget, [this](bool checked) {
         mModel.EnterChecked(checked);
         Follow();
@@ -86,6 +88,7 @@ RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* par
     : mModel(button), mWidget(new QRadioButton(parent))
 {
     DressWidget(*mWidget, button);
+    KeepLeastSize(*mWidget, button);
     mWidget->setAutoExclusive(false);
     QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
         mModel.Press();

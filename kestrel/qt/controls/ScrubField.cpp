@@ -3,7 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyle>
+#include <algorithm>
 
 namespace kestrelqt {
 
@@ -11,6 +11,11 @@ namespace {
 
 constexpr double kPixelsPerStep = 2.0;
 constexpr int kDragThreshold = 3; // pixels: less is a click
+
+bool IsPartOfNumber(const QString& typed)
+{
+    return typed.size() == 1 && (typed[0].isDigit() || QStringLiteral("+-.").contains(typed[0]));
+}
 
 double Speed(Qt::KeyboardModifiers modifiers)
 {
@@ -49,7 +54,8 @@ void ScrubField::EndTyping()
 
 void ScrubField::keyPressEvent(QKeyEvent* event)
 {
-    if (mMode == Mode::Dragging && event->key() == Qt::Key_Escape) {
+    const bool isHeld = mMode == Mode::Pressed || mMode == Mode::Dragging;
+    if (isHeld && event->key() == Qt::Key_Escape) {
         mMode = Mode::Resting;
         Follow();
         return;
@@ -58,6 +64,9 @@ void ScrubField::keyPressEvent(QKeyEvent* event)
     if (isReturn && mMode == Mode::Resting) {
         BeginTyping();
         return;
+    }
+    if (mMode == Mode::Resting && IsPartOfNumber(event->text())) {
+        BeginTyping(); // the digit then takes the place of the whole number
     }
     if (mMode == Mode::Typing && (isReturn || event->key() == Qt::Key_Escape)) {
         if (isReturn) {
@@ -106,6 +115,9 @@ void ScrubField::mouseMoveEvent(QMouseEvent* event)
     }
     if (mMode == Mode::Dragging) {
         mDragged += (x - mLastX) / kPixelsPerStep * Number().Step() * Speed(event->modifiers());
+        // Kept within the limits on the way, so that a drag that turns round takes effect at once.
+        mDragged = std::max(mDragged, Number().Minimum().value_or(mDragged));
+        mDragged = std::min(mDragged, Number().Maximum().value_or(mDragged));
         mLastX = x;
         const double shown = Number().Constrain(mDragged);
         setText(QString::fromStdString(qelui::FormatNumber(shown, Number().DecimalPlaces())));
@@ -151,8 +163,8 @@ void ScrubField::paintEvent(QPaintEvent* event)
     painter.drawText(inner, Qt::AlignRight | Qt::AlignVCenter, text());
     if (hasFocus()) {
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(palette().color(QPalette::Highlight));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 3, 3);
+        painter.setPen(QPen(palette().color(QPalette::Link), 2));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 3, 3);
     }
 }
 

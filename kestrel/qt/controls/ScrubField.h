@@ -7,7 +7,7 @@ namespace kestrelqt {
 
 /// Looks like underlined text. A drag moves the number by one step every two pixels, with Shift by ten times
 /// that, with Control by a tenth; it shows the number while it lasts and enters it once, on release; Escape
-/// takes it back. A double click or Return makes it a field to type into.
+/// takes it back. A double click, Return or the first digit makes it a field to type into.
 class ScrubField final : public NumberField {
 public:
     explicit ScrubField(qelui::UI_NumberView& number, QWidget* parent = nullptr);

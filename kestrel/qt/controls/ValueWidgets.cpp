@@ -3,7 +3,9 @@
 #include "ElidedLabel.h"
 #include "ScrubField.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QMouseEvent>
 #include <QStandardItemModel>
 #include <QWheelEvent>
 
@@ -11,10 +13,37 @@ namespace kestrelqt {
 
 namespace {
 
-/// A combo box that a wheel turned over the dialog does not change in passing.
+/// A combo box as wide as its longest item, and at least as large as its model says. A wheel turned over the
+/// dialog does not change it in passing, and a click on an item that cannot be chosen does nothing: Qt would
+/// choose the present item once more.
 class ChoiceBox final : public QComboBox {
 public:
-    using QComboBox::QComboBox;
+    ChoiceBox(const qelui::UI_Popup& popup, QWidget* parent)
+        : QComboBox(parent), mLeast(popup.MinWidth(), popup.MinHeight())
+    {
+        setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        view()->viewport()->installEventFilter(this);
+    }
+
+    [[nodiscard]] QSize sizeHint() const override { return QComboBox::sizeHint().expandedTo(mLeast); }
+    [[nodiscard]] QSize minimumSizeHint() const override
+    {
+        return QComboBox::minimumSizeHint().expandedTo(mLeast);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        const bool isClick =
+            event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease;
+        if (isClick && watched == view()->viewport()) {
+            const QPoint at = static_cast<QMouseEvent*>(event)->position().toPoint();
+            const QModelIndex item = view()->indexAt(at);
+            if (item.isValid() && !item.flags().testFlag(Qt::ItemIsEnabled)) {
+                return true;
+            }
+        }
+        return QComboBox::eventFilter(watched, event);
+    }
 
 protected:
     void wheelEvent(QWheelEvent* event) override
@@ -25,6 +54,9 @@ protected:
             event->ignore();
         }
     }
+
+private:
+    QSize mLeast;
 };
 
 NumberField* MakeField(qelui::UI_NumberView& number, QWidget* parent)
@@ -47,11 +79,10 @@ QString Spoken(const qelui::UI_NumberView& number)
 } // namespace
 
 PopupWidget::PopupWidget(qelui::UI_Popup& popup, QWidget* parent)
-    : mModel(popup), mWidget(new ChoiceBox(parent))
+    : mModel(popup), mWidget(new ChoiceBox(popup, parent))
 {
     DressWidget(*mWidget, popup);
     mWidget->setFocusPolicy(Qt::StrongFocus);
-    mWidget->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     mWidget->setMaxVisibleItems(20);
     QObject::connect(mWidget, &QComboBox::activated, mWidget, [this](int index) {
         mModel.Choose(index);
@@ -101,6 +132,7 @@ NumberWidget::NumberWidget(qelui::UI_NumberView& number, QWidget* parent)
     : mModel(number), mWidget(MakeField(number, parent))
 {
     DressWidget(*mWidget, number);
+    KeepLeastSize(*mWidget, number);
     mWidget->setToolTip(Spoken(number));
     mWidget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
@@ -125,6 +157,7 @@ StaticTextWidget::StaticTextWidget(qelui::UI_StaticText& text, QWidget* parent)
     : mModel(text), mWidget(new ElidedLabel(parent))
 {
     DressWidget(*mWidget, text);
+    KeepLeastSize(*mWidget, text);
     Follow();
 }
 

@@ -160,7 +160,7 @@ void ColorArea::paintEvent(QPaintEvent* /*event*/)
                               Pixel(1.0F - mHsv.value, square.top(), square.height())));
     painter.setClipping(false);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
+    painter.setPen(palette().color(hasFocus() ? QPalette::Link : QPalette::Mid));
     painter.drawRect(QRectF(square).adjusted(-0.5, -0.5, -0.5, -0.5));
 }
 

@@ -12,7 +12,9 @@
 #include <QPushButton>
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <functional>
+#include <limits>
 
 namespace kestrelqt {
 
@@ -90,7 +92,7 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
         mColor.red = red;
         mColor.green = green;
         mColor.blue = blue;
-        ShowColor();
+        ShowFields(); // the area keeps its hue, which greys do not have
     });
     grid->addWidget(mArea, 0, 0, static_cast<int>(kChannels) + 1, 1);
     const char* const names[kChannels] = {"Red", "Green", "Blue", "Alpha"};
@@ -105,7 +107,7 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
         grid->addWidget(label, static_cast<int>(channel), 1, Qt::AlignRight | Qt::AlignVCenter);
         grid->addWidget(field, static_cast<int>(channel), 2);
         connect(field, &QLineEdit::textEdited, this, [this, channel] { TakeField(channel); });
-        connect(field, &QLineEdit::editingFinished, this, [this] { ShowColor(); });
+        connect(field, &QLineEdit::editingFinished, this, [this] { ShowFields(); });
         mFields[channel] = field;
     }
     mPatches = new Patches(mOldColor, mColor, this);
@@ -130,23 +132,37 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
     mFields[0]->selectAll();
 }
 
-/// Text that is no number leaves the channel as it was; it is taken back when the field is left.
+/// Text that is no number, or too large a one, leaves the channel as it was before; it is taken back when
+/// the field is left.
 void ColorPickerWindow::TakeField(std::size_t channel)
 {
-    if (const auto value = qelui::ParseNumber(mFields[channel]->text().toStdString())) {
-        mColor.*kMembers[channel] = static_cast<float>(*value);
-        mPatches->update();
-    }
+    constexpr double kLargest = std::numeric_limits<float>::max();
+    const auto value = qelui::ParseNumber(mFields[channel]->text().toStdString());
+    const bool isChannel = value && std::abs(*value) <= kLargest;
+    mColor.*kMembers[channel] = isChannel ? static_cast<float>(*value) : mBeforeEdit.*kMembers[channel];
+    ShowArea();
 }
 
 void ColorPickerWindow::ShowColor()
 {
+    ShowFields();
+    ShowArea();
+}
+
+void ColorPickerWindow::ShowFields()
+{
+    mBeforeEdit = mColor;
     for (std::size_t channel = 0; channel < kChannels; ++channel) {
         const QString text = ShortestText(mColor.*kMembers[channel]);
         if (mFields[channel]->text() != text) {
             mFields[channel]->setText(text);
         }
     }
+    mPatches->update();
+}
+
+void ColorPickerWindow::ShowArea()
+{
     Hsv hsv;
     Shown(mColor).getHsvF(&hsv.hue, &hsv.saturation, &hsv.value);
     hsv.hue = std::max(hsv.hue, 0.0F); // Qt says -1 for greys

@@ -32,9 +32,12 @@ public:
 private:
     void TakeField(std::size_t channel);
     void ShowColor();
+    void ShowFields();
+    void ShowArea();
 
     qelui::sharedui::PickerColor mColor;
     qelui::sharedui::PickerColor mOldColor;
+    qelui::sharedui::PickerColor mBeforeEdit; ///< what the fields showed before they were typed into
     std::array<QLineEdit*, kChannels> mFields{};
     ColorArea* mArea = nullptr;
     QWidget* mPatches = nullptr;

@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace kestrelqt {
 
@@ -21,6 +22,7 @@ using qelui::ControlKind;
 
 constexpr int kSpacing = 8;
 constexpr int kCardMargin = 12;
+constexpr int kIndent = 26; // as far as the text of a radio button stands from its left edge
 
 /// A group's surface.
 class Card final : public QFrame {
@@ -113,32 +115,55 @@ bool IsWide(const qelui::UI_Group& group)
 }
 
 /// Columns of a form. In a wide group controls keep their natural width and what is left over stays to their
-/// right, or a popup would be as wide as the window.
-enum FormColumn { kLabelColumn = 0, kControlColumn = 1, kSpareColumn = 2, kFormColumns = 3 };
+/// right, or a popup would be as wide as the window; other groups have no spare column.
+enum FormColumn { kLabelColumn = 0, kControlColumn = 1, kSpareColumn = 2 };
 
 /// Adds one child to a form.
 void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidget* parent,
                DialogWidgets& widgets)
 {
+    const bool isWide = IsWide(*control.Parent());
+    const int columns = isWide ? kSpareColumn + 1 : kControlColumn + 1;
     if (IsGroup(control.Kind())) {
         auto& group = static_cast<qelui::UI_Group&>(control);
-        form.addWidget(BuildGroup(group, parent, widgets), row, kLabelColumn, 1, kFormColumns);
+        form.addWidget(BuildGroup(group, parent, widgets), row, kLabelColumn, 1, columns);
         return;
     }
     QWidget* const widget = BuildControl(control, parent, widgets);
     if (!HasLabelBefore(control.Kind())) {
         // A button without a frame around its group heads a column, and is as wide as that.
         const bool fills = control.Kind() == ControlKind::Button && !control.Parent()->HasBorder();
-        form.addWidget(widget, row, kLabelColumn, 1, kFormColumns,
+        form.addWidget(widget, row, kLabelColumn, 1, columns,
                        fills ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
         return;
     }
     QLabel* const label = MakeLabel(QString::fromStdString(control.Label()), parent);
     label->setBuddy(widget);
+    if (control.Parent()->Kind() == ControlKind::RadioGroup) {
+        label->setContentsMargins(kIndent, 0, 0, 0); // what a radio button governs stands below it, indented
+    }
     widgets.labels.emplace(&control, label);
     form.addWidget(label, row, kLabelColumn, Qt::AlignRight | Qt::AlignVCenter);
-    const int span = control.Kind() == ControlKind::StaticText ? 2 : 1; // paths take what room there is
+    const bool isPath = control.Kind() == ControlKind::StaticText; // takes what room there is
+    const int span = isPath ? columns - kControlColumn : 1;
     form.addWidget(WithUnit(control, widget, parent), row, kControlColumn, 1, span);
+}
+
+/// Gives the columns of rows that stand below one another the same least width, so that their edges line up.
+void AlignRows(const qelui::UI_Group& group, const DialogWidgets& widgets)
+{
+    std::map<std::pair<std::size_t, std::size_t>, int> widest; // by number of columns, and column
+    const auto forEachColumn = [&](auto act) {
+        for (const auto& child : group.Children()) {
+            const auto row = widgets.rows.find(child.get());
+            const std::size_t count = row == widgets.rows.end() ? 0 : row->second.size();
+            for (std::size_t column = 0; column < count; ++column) {
+                act(*row->second[column], widest[{count, column}]);
+            }
+        }
+    };
+    forEachColumn([](const QWidget& cell, int& width) { width = qMax(width, cell.minimumSizeHint().width()); });
+    forEachColumn([](QWidget& cell, int width) { cell.setMinimumWidth(width); });
 }
 
 QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
@@ -149,9 +174,12 @@ QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widge
     form->setColumnStretch(IsWide(group) ? kSpareColumn : kControlColumn, 1);
     int row = 0;
     for (const auto& child : group.Children()) {
-        AddToForm(*child, *form, row++, parent, widgets);
+        if (child.get() != OkCancelRowOf(group)) {
+            AddToForm(*child, *form, row++, parent, widgets);
+        }
     }
     form->setRowStretch(row, 1); // what is left over stays below
+    AlignRows(group, widgets);
     return form;
 }
 
@@ -161,7 +189,9 @@ QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widget
     row->setSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing + 2);
     for (const auto& child : group.Children()) {
         if (IsGroup(child->Kind())) {
-            row->addWidget(BuildGroup(static_cast<qelui::UI_Group&>(*child), parent, widgets), 1);
+            QWidget* const cell = BuildGroup(static_cast<qelui::UI_Group&>(*child), parent, widgets);
+            widgets.rows[&group].push_back(cell);
+            row->addWidget(cell, 1);
         } else {
             row->addWidget(BuildControl(*child, parent, widgets));
         }
@@ -169,8 +199,8 @@ QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widget
     return row;
 }
 
-/// OK and Cancel at the right; OK is what Return presses.
-QLayout* BuildOkCancelRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
+/// OK and Cancel at the right; OK is what Return presses in a field.
+QLayout* ArrangeOkCancel(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     auto* const row = new QHBoxLayout;
     row->setSpacing(kSpacing);
@@ -189,6 +219,15 @@ QLayout* BuildOkCancelRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets
 
 } // namespace
 
+qelui::UI_Group* OkCancelRowOf(qelui::UI_Group& group)
+{
+    const bool isDialog = group.Kind() == ControlKind::Dialog;
+    if (!isDialog || group.Children().empty() || group.Children().back()->Kind() != ControlKind::OkCancelRow) {
+        return nullptr;
+    }
+    return static_cast<qelui::UI_Group*>(group.Children().back().get());
+}
+
 QWidget* BuildGroup(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     const bool isCard = group.HasBorder() && group.Kind() == ControlKind::Group;
@@ -204,7 +243,7 @@ QWidget* BuildGroup(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widg
         column->addWidget(header);
     }
     if (group.Kind() == ControlKind::OkCancelRow) {
-        column->addLayout(BuildOkCancelRow(group, surface, widgets));
+        column->addLayout(ArrangeOkCancel(group, surface, widgets));
     } else if (group.GetOrientation() == qelui::Orientation::Row) {
         column->addLayout(BuildRow(group, surface, widgets), 1);
     } else {

@@ -19,11 +19,17 @@ struct DialogWidgets {
     std::map<const qelui::UI_ControlView*, std::unique_ptr<ControlWidget>> controls;
     /// Labels that stand before their control, and headers of groups.
     std::map<const qelui::UI_ControlView*, QLabel*> labels;
+    /// The groups that stand side by side in a row.
+    std::map<const qelui::UI_ControlView*, std::vector<QWidget*>> rows;
     /// What can have the focus, in reading order.
     std::vector<QWidget*> tabOrder;
 };
 
-/// Builds the widgets of a group and of everything in it.
+/// The row of OK and Cancel that ends a dialog; null in other groups and where there is none.
+[[nodiscard]] qelui::UI_Group* OkCancelRowOf(qelui::UI_Group& group);
+
+/// Builds the widgets of a group and of everything in it, but not the dialog's own `OkCancelRowOf`, which the
+/// window keeps in sight.
 ///
 /// Columns of controls are forms: labels right-aligned in one column, controls in the next; rows stand side by
 /// side and share the width. Groups with a border are cards with their header on top.

@@ -19,6 +19,8 @@ namespace kestrelqt {
 
 namespace {
 
+constexpr int kButtonGap = 8; // logical pixels above OK and Cancel in a dialog without margins
+
 QWidget* ParentOf(const qelui::UI_Dialog& dialog)
 {
     const qelui::TopLevelWindow* const parent = dialog.ParentWindow();
@@ -32,7 +34,7 @@ DialogWindow::DialogWindow(qelui::UI_Dialog& dialog) : QDialog(ParentOf(dialog))
     setWindowTitle(QString::fromStdString(dialog.Title()));
     setModal(true);
 
-    // The last row, OK and Cancel, stays in sight; the rest scrolls where the screen is too small.
+    // OK and Cancel stay in sight; the rest scrolls where the screen is too small.
     auto* const scroll = new QScrollArea(this);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
@@ -52,7 +54,16 @@ DialogWindow::DialogWindow(qelui::UI_Dialog& dialog) : QDialog(ParentOf(dialog))
         side->addWidget(mPreview);
         body->addLayout(side);
     }
-    setLayout(body);
+    auto* const page = new QVBoxLayout(this);
+    page->setContentsMargins(0, 0, 0, 0);
+    page->setSpacing(0);
+    page->addLayout(body, 1);
+    if (qelui::UI_Group* const row = OkCancelRowOf(dialog)) {
+        mButtons = BuildGroup(*row, this, mWidgets);
+        const int margin = qMax(dialog.Margin(), 0);
+        mButtons->layout()->setContentsMargins(margin, margin > 0 ? 0 : kButtonGap, margin, margin);
+        page->addWidget(mButtons);
+    }
     for (std::size_t at = 1; at < mWidgets.tabOrder.size(); ++at) {
         QWidget::setTabOrder(mWidgets.tabOrder[at - 1], mWidgets.tabOrder[at]);
     }
@@ -71,7 +82,8 @@ void DialogWindow::FitToScreen(QWidget& content)
 {
     constexpr int kScreenMargin = 60; // title bar and panels
     const int side = mPreview == nullptr ? 0 : mPreview->minimumWidth() + qMax(mDialog.Margin(), 0);
-    QSize wanted = content.sizeHint() + QSize(side, 0);
+    const int below = mButtons == nullptr ? 0 : mButtons->sizeHint().height();
+    QSize wanted = content.sizeHint() + QSize(side, below);
     // A script's pictures show the whole dialog, whatever the screen of the machine that takes them.
     if (mDialog.Script() == nullptr) {
         const QSize available = screen()->availableSize() - QSize(kScreenMargin, kScreenMargin);
@@ -93,10 +105,16 @@ void DialogWindow::Run()
     if (!mWidgets.tabOrder.empty()) {
         mWidgets.tabOrder.front()->setFocus(Qt::TabFocusReason);
     }
+    std::exception_ptr failure;
     if (auto* const script = mDialog.Script()) {
-        QTimer::singleShot(0, this, [this, script] {
-            QtDriver driver(*this);
-            script->Play(driver);
+        QTimer::singleShot(0, this, [this, script, &failure] {
+            try {
+                QtDriver driver(*this);
+                script->Play(driver);
+            } catch (...) { // out of memory; Qt's event loop must not see it
+                failure = std::current_exception();
+                mDialog.Close();
+            }
         });
     }
     if (!mDialog.IsClosed()) {
@@ -104,6 +122,9 @@ void DialogWindow::Run()
     }
     mLoop = nullptr;
     hide();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
 }
 
 ControlWidget* DialogWindow::BindingOf(const qelui::UI_ControlView& control) const

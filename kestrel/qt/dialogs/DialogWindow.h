@@ -39,6 +39,7 @@ private:
     qelui::UI_Dialog& mDialog;
     DialogWidgets mWidgets;
     PreviewPane* mPreview = nullptr;
+    QWidget* mButtons = nullptr; ///< the row of OK and Cancel
     QEventLoop* mLoop = nullptr;
 };
 

@@ -10,21 +10,23 @@ namespace {
 constexpr qreal kRadius = 3.0;
 constexpr int kFieldHeight = 26;
 
-/// A rounded box whose one-pixel outline lies on the pixel grid.
-void DrawBox(QPainter* painter, const QRect& rect, const QBrush& fill, const QColor& outline)
+/// The outline is twice as thick around what has the focus.
+QPen OutlineOf(const QStyleOption& option)
 {
+    const bool focused = option.state.testFlag(QStyle::State_HasFocus);
+    return {option.palette.color(focused ? QPalette::Link : QPalette::Mid), focused ? 2.0 : 1.0};
+}
+
+/// A rounded box whose outline lies on the pixel grid.
+void DrawBox(QPainter* painter, const QRect& rect, const QBrush& fill, const QPen& outline)
+{
+    const qreal inset = outline.widthF() / 2;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setBrush(fill);
     painter->setPen(outline);
-    painter->drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter->drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
     painter->restore();
-}
-
-QColor OutlineOf(const QStyleOption& option)
-{
-    const bool focused = option.state.testFlag(QStyle::State_HasFocus);
-    return option.palette.color(focused ? QPalette::Highlight : QPalette::Mid);
 }
 
 void DrawButton(const QStyleOptionButton& option, QPainter* painter)
@@ -37,10 +39,10 @@ void DrawButton(const QStyleOptionButton& option, QPainter* painter)
     } else if (option.state.testFlag(QStyle::State_MouseOver) && enabled) {
         fill = isDefault ? fill.darker(108) : fill.lighter(108);
     }
-    QColor outline = isDefault ? fill : option.palette.color(QPalette::Mid);
-    if (option.state.testFlag(QStyle::State_HasFocus)) {
-        outline =
-            isDefault ? option.palette.color(QPalette::WindowText) : option.palette.color(QPalette::Highlight);
+    QPen outline = OutlineOf(option);
+    if (isDefault) {
+        const bool focused = option.state.testFlag(QStyle::State_HasFocus);
+        outline.setColor(focused ? option.palette.color(QPalette::WindowText) : fill);
     }
     DrawBox(painter, option.rect, enabled ? QBrush(fill) : QBrush(Qt::NoBrush), outline);
 }
@@ -54,7 +56,7 @@ void DrawIndicator(const QStyleOption& option, QPainter* painter, bool round)
     const QRectF box = QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(on ? accent : OutlineOf(option));
+    painter->setPen(on ? QPen(accent) : QPen(OutlineOf(option).color()));
     painter->setBrush(on ? accent : option.palette.color(QPalette::Base));
     if (round) {
         painter->drawEllipse(box);

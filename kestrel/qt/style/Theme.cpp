@@ -37,7 +37,7 @@ const ThemeColors& ColorsOf(qelui::Theme theme)
                                     .border = QColor(0xBDBDBD),
                                     .text = QColor(0x1B1B1B),
                                     .dimText = QColor(0x4F4F4F),
-                                    .disabled = QColor(0x8E8E8E),
+                                    .disabled = QColor(0x858585),
                                     .accent = QColor(0x1F6FC4),
                                     .accentInk = QColor(0x155A9F)};
     return theme == qelui::Theme::Light ? kLight : kDark;

@@ -10,7 +10,7 @@ class QApplication;
 namespace kestrelqt {
 
 /// The colours that windows are drawn in. Every text stands at 4.5:1 or more on every surface it is used on
-/// (WCAG 2.1, 1.4.3); `tests/ui` measures it.
+/// (WCAG 2.1, 1.4.3); `tests/ui-qt` measures it.
 struct ThemeColors {
     QColor window;    ///< behind everything
     QColor card;      ///< groups
@@ -20,8 +20,8 @@ struct ThemeColors {
     QColor text;      ///< on all of the above
     QColor dimText;   ///< labels and headers
     QColor disabled;  ///< text of what cannot be used
-    QColor accent;    ///< default button, chosen items, focus; carries white text
-    QColor accentInk; ///< hot text: the accent as a text colour
+    QColor accent;    ///< default button, chosen items; carries white text
+    QColor accentInk; ///< the accent as ink: hot text, outline of what has the focus
 };
 
 [[nodiscard]] const ThemeColors& ColorsOf(qelui::Theme theme);

@@ -1,0 +1,280 @@
+#include "QtFixture.h"
+
+#include <qelui/dialogs/UI_MessageBox.h>
+#include <qelui/toolkit/Toolkit.h>
+#include <qelui/toolkit/UserInterface.h>
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+#include <functional>
+#include <stdexcept>
+
+using kestrelqt::Click;
+using kestrelqt::Focus;
+using kestrelqt::PressKey;
+using kestrelqt::TypeText;
+
+namespace {
+
+/// Runs the dialog modally on the Qt toolkit; `act` is called once with its window, from the event loop.
+void RunWith(qelui::UI_Dialog& dialog, const std::function<void(QWidget&)>& act)
+{
+    auto& userInterface = qelui::UserInterface::Get();
+    userInterface.SetToolkit(&ui_qt::Toolkit());
+    QTimer::singleShot(0, qApp, [&] { act(*static_cast<QWidget*>(dialog.NativeWindow())); });
+    // A dialog that nothing closes must not hang the test.
+    QTimer guard;
+    guard.setSingleShot(true);
+    bool timedOut = false;
+    QObject::connect(&guard, &QTimer::timeout, &guard, [&] {
+        timedOut = true;
+        dialog.Close();
+    });
+    guard.start(20000);
+    const auto restore = [&] { userInterface.SetToolkit(nullptr); };
+    try {
+        dialog.RunModal();
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+    EXPECT_FALSE(timedOut);
+}
+
+struct OkCancelDialog {
+    OkCancelDialog() : dialog("dialog")
+    {
+        dialog.SetTitle("Settings & more");
+        dialog.Add(std::make_unique<qelui::UI_Button>("act")).SetLabel("Act");
+        dialog.Add(std::make_unique<qelui::UI_OkCancelRow>("row"));
+        dialog.GetControl<qelui::UI_Button>("okButton").NotifyWhenChanged([this] {
+            ++oks;
+            dialog.Close();
+        });
+        dialog.GetControl<qelui::UI_Button>("cancelButton").NotifyWhenChanged([this] {
+            ++cancels;
+            dialog.Close();
+        });
+    }
+    qelui::UI_Dialog dialog;
+    int oks = 0;
+    int cancels = 0;
+};
+
+QPushButton& ButtonOf(QWidget& window, const char* identifier)
+{
+    return *window.findChild<QPushButton*>(QString::fromLatin1(identifier));
+}
+
+TEST(DialogWindow, ClosingTheWindowIsOneCancel)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [](QWidget& window) {
+        EXPECT_EQ(window.windowTitle(), "Settings & more");
+        window.close();
+    });
+    EXPECT_EQ(test.cancels, 1);
+    EXPECT_EQ(test.oks, 0);
+    EXPECT_EQ(test.dialog.NativeWindow(), nullptr);
+}
+
+TEST(DialogWindow, EscapeIsOneCancel)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [](QWidget& window) { PressKey(ButtonOf(window, "act"), Qt::Key_Escape); });
+    EXPECT_EQ(test.cancels, 1);
+}
+
+TEST(DialogWindow, ReturnPressesTheButtonThatHasTheFocus)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [](QWidget& window) {
+        QPushButton& cancel = ButtonOf(window, "cancelButton");
+        Focus(cancel);
+        PressKey(cancel, Qt::Key_Return);
+    });
+    EXPECT_EQ(test.cancels, 1);
+    EXPECT_EQ(test.oks, 0);
+}
+
+TEST(DialogWindow, WhatAHandlerThrowsIsThrownAfterTheModalRun)
+{
+    OkCancelDialog test;
+    bool cameBack = false;
+    test.dialog.GetControl<qelui::UI_Button>("act").NotifyWhenChanged(
+        [] { throw std::runtime_error("thrown"); });
+    const auto run = [&] {
+        RunWith(test.dialog, [&](QWidget& window) {
+            QPushButton& act = ButtonOf(window, "act");
+            Click(act, act.rect().center());
+            cameBack = true; // through Qt, which must not see the exception
+        });
+    };
+    try {
+        run();
+        FAIL() << "nothing was thrown";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "thrown");
+    }
+    EXPECT_TRUE(cameBack);
+    EXPECT_EQ(test.dialog.NativeWindow(), nullptr) << "the window is gone by then";
+    EXPECT_EQ(test.oks + test.cancels, 0);
+}
+
+TEST(DialogWindow, ABoxAnswersWithTheButtonPressedAndNoWhenClosed)
+{
+    ui_qt::Toolkit();
+    qelui::MessageBoxRequest request;
+    request.title = "Title";
+    request.text = "Again?";
+    request.buttonSet = qelui::dialogs::kButtonsYesNo;
+    request.defaultButton = qelui::dialogs::kButtonYes;
+    request.icon = qelui::dialogs::kIconWarning;
+    const auto answer = [&request](Qt::Key key) {
+        QTimer::singleShot(0, qApp, [key] { PressKey(*QApplication::activeModalWidget(), key); });
+        return ui_qt::Toolkit().RunMessageBox(request);
+    };
+    EXPECT_EQ(answer(Qt::Key_Return), qelui::dialogs::kButtonYes) << "the default button";
+    EXPECT_EQ(answer(Qt::Key_Escape), qelui::dialogs::kButtonNo);
+    request.defaultButton = qelui::dialogs::kButtonNo;
+    EXPECT_EQ(answer(Qt::Key_Return), qelui::dialogs::kButtonNo);
+}
+
+class Popup : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        mPopup = &mOpen.Add<qelui::UI_Popup>("popup", "Choice:");
+        for (const char* const item :
+             {"Apple", "Banana", "Cherry", "Damson with a name that is far from short"}) {
+            mPopup->AddItem(item);
+        }
+        mPopup->SetItemEnabled(1, false);
+        mPopup->SetValue(0);
+        mPopup->NotifyWhenChanged([this] { ++mChanges; });
+        mOpen.Open();
+        mBox = &mOpen.Find<QComboBox>("popup");
+        Focus(*mBox);
+    }
+
+    void ClickItem(int index)
+    {
+        mBox->showPopup();
+        ui_qt::Settle();
+        const QRect place = mBox->view()->visualRect(mBox->model()->index(index, 0));
+        Click(*mBox->view()->viewport(), place.center());
+        ui_qt::Settle();
+    }
+
+    ui_qt::OpenDialog mOpen;
+    qelui::UI_Popup* mPopup = nullptr;
+    QComboBox* mBox = nullptr;
+    int mChanges = 0;
+};
+
+TEST_F(Popup, IgnoresAClickOnADisabledItem)
+{
+    ClickItem(1);
+    mBox->hidePopup();
+    EXPECT_EQ(mPopup->GetValue(), 0);
+    EXPECT_EQ(mBox->currentIndex(), 0);
+    EXPECT_EQ(mChanges, 0);
+}
+
+TEST_F(Popup, ArrowsSkipDisabledItems)
+{
+    PressKey(*mBox, Qt::Key_Down);
+    EXPECT_EQ(mPopup->GetValue(), 2);
+    EXPECT_EQ(mChanges, 1);
+    PressKey(*mBox, Qt::Key_Up);
+    EXPECT_EQ(mPopup->GetValue(), 0);
+}
+
+TEST_F(Popup, TypingFindsAnItemButNotADisabledOne)
+{
+    TypeText(*mBox, "c");
+    EXPECT_EQ(mPopup->GetValue(), 2);
+    PressKey(*mBox, Qt::Key_Home);
+    EXPECT_EQ(mPopup->GetValue(), 0);
+}
+
+TEST_F(Popup, ChoosingTheShownItemAgainCounts)
+{
+    mBox->showPopup();
+    ui_qt::Settle();
+    PressKey(*mBox->view(), Qt::Key_Return);
+    ui_qt::Settle();
+    EXPECT_EQ(mPopup->GetValue(), 0);
+    EXPECT_EQ(mChanges, 1);
+}
+
+TEST_F(Popup, FollowsCodeThatChangesItemsAndChoice)
+{
+    mPopup->RemoveAllItems();
+    mPopup->AddItem("One");
+    EXPECT_EQ(mBox->count(), 1);
+    EXPECT_EQ(mBox->currentIndex(), -1) << "nothing is chosen until somebody does";
+    mPopup->SetValue(0);
+    EXPECT_EQ(mBox->currentText(), "One");
+    EXPECT_EQ(mChanges, 0);
+}
+
+TEST_F(Popup, IsWideEnoughForItsLongestItem)
+{
+    int widest = 0;
+    for (int index = 0; index < mBox->count(); ++index) {
+        widest = qMax(widest, mBox->fontMetrics().horizontalAdvance(mBox->itemText(index)));
+    }
+    EXPECT_GT(mBox->width(), widest);
+}
+
+TEST(Pressable, CheckBoxEntersWhatAClickMakesOfIt)
+{
+    ui_qt::OpenDialog open;
+    auto& box = open.Add<qelui::UI_CheckBox>("box", "Salt & pepper");
+    int changes = 0;
+    box.NotifyWhenChanged([&changes] { ++changes; });
+    open.Open();
+    auto& widget = open.Find<QCheckBox>("box");
+    Click(widget, QPoint(8, widget.height() / 2));
+    EXPECT_TRUE(box.IsChecked());
+    PressKey(widget, Qt::Key_Space);
+    EXPECT_FALSE(box.IsChecked());
+    EXPECT_EQ(changes, 2);
+    box.SetChecked(true);
+    EXPECT_TRUE(widget.isChecked());
+    EXPECT_EQ(changes, 2) << "code does not notify";
+}
+
+TEST(Pressable, RadioButtonsExcludeOneAnotherForAPersonOnly)
+{
+    ui_qt::OpenDialog open;
+    auto& group = open.Dialog().Add(std::make_unique<qelui::UI_RadioGroup>("group"));
+    auto& first = group.Add(std::make_unique<qelui::UI_RadioButton>("first"));
+    auto& second = group.Add(std::make_unique<qelui::UI_RadioButton>("second"));
+    first.SetValue(1);
+    second.SetValue(1);
+    int changes = 0;
+    second.NotifyWhenChanged([&changes] { ++changes; });
+    open.Open();
+    auto& firstWidget = open.Find<QRadioButton>("first");
+    auto& secondWidget = open.Find<QRadioButton>("second");
+    EXPECT_TRUE(firstWidget.isChecked());
+    EXPECT_TRUE(secondWidget.isChecked());
+    Click(firstWidget, QPoint(8, firstWidget.height() / 2));
+    EXPECT_TRUE(firstWidget.isChecked()) << "chosen already, so nothing happens";
+    EXPECT_TRUE(secondWidget.isChecked());
+    first.SetValue(0);
+    second.SetValue(0);
+    Click(secondWidget, QPoint(8, secondWidget.height() / 2));
+    EXPECT_EQ(second.GetValue(), 1);
+    EXPECT_FALSE(firstWidget.isChecked());
+    EXPECT_EQ(changes, 1);
+}
+
+} // namespace
