@@ -114,7 +114,7 @@ void ImporterTesselPrefsDialogImpl::ChooseSwatchColorsFile()
     }
 }
 
-ORB::Status ImporterTesselPrefsDialogImpl::WriteDataFile(std::u16string path)
+ORB::Status ImporterTesselPrefsDialogImpl::WriteDataFile(const std::u16string& path)
 {
     // Intended: noted before anything can fail, so OK and "Save File" try a failed path again.
     mPrefs.mSavePath = path;

@@ -30,6 +30,8 @@ public:
     ImporterTesselPrefsDialogImpl(std::shared_ptr<IImporterTesselPrefsDialogDataExchange> exchange,
                                   const qelui::DrawSupplier& supplier, qelui::TopLevelWindow* parent);
     ~ImporterTesselPrefsDialogImpl() override;
+    ImporterTesselPrefsDialogImpl(const ImporterTesselPrefsDialogImpl&) = delete;
+    ImporterTesselPrefsDialogImpl& operator=(const ImporterTesselPrefsDialogImpl&) = delete;
 
     /// @throws qelcore::null_pointer_exception naming the type of a control that the layout lacks.
     void BindControls() override;
@@ -131,7 +133,7 @@ private:
     [[nodiscard]] ORB::Status RunSaveAsDialog();
     /// Writes the settings to `path`. @return negative on failure; the record's save path is `path` even
     ///         then.
-    ORB::Status WriteDataFile(std::u16string path);
+    ORB::Status WriteDataFile(const std::u16string& path);
     void OnSaveFile();
     void OnUseAsCustomImporter();
 

@@ -78,7 +78,7 @@ private:
         }
     }
 
-    std::vector<std::string> Parameters(const LayoutNode& node) const
+    [[nodiscard]] std::vector<std::string> Parameters(const LayoutNode& node) const
     {
         std::vector<std::string> texts;
         for (const Key key : KeysOf(node.kind)) {

@@ -96,6 +96,8 @@ class LayoutError : public qelcore::Exception, public std::runtime_error {
 public:
     LayoutError(std::string_view name, Position position, std::string_view text);
     ~LayoutError() override;
+    LayoutError(const LayoutError&) = default;
+    LayoutError& operator=(const LayoutError&) = default;
     [[nodiscard]] Position Where() const noexcept { return mPosition; }
 
 private:

@@ -199,7 +199,7 @@ private:
     }
 
     /// Leaves the value's token in place, for messages about it.
-    ParameterValue ParseValue(Key key, const std::string& name) const
+    [[nodiscard]] ParameterValue ParseValue(Key key, const std::string& name) const
     {
         switch (TypeOf(key)) {
         case ValueType::Text:

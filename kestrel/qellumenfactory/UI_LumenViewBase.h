@@ -29,6 +29,9 @@ enum LumenVersionPreference : int { kPreferSable = 0, kPreferLumen = 1 };
 /// A modal view. Life: made, given its script, run, read, gone. [ui-thread]
 class UI_LumenViewBase : public UI_ILumenView {
 public:
+    UI_LumenViewBase(const UI_LumenViewBase&) = delete;
+    UI_LumenViewBase& operator=(const UI_LumenViewBase&) = delete;
+
     [[nodiscard]] void* QueryInterface(std::string_view typeName) noexcept override;
 
     /// Writes the layout text for `identifier` to `stream`: the resource of that name in the file of a loaded

@@ -20,6 +20,7 @@ public:
 
 private:
     UI_NodeManager() = default;
+    ~UI_NodeManager() = default;
     qelui::DrawSupplier mSupplier;
 };
 

@@ -23,6 +23,8 @@ class MainWindow final : public qelui::TopLevelWindow {
 public:
     explicit MainWindow(std::string workspaceName);
     ~MainWindow() override;
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
     [[nodiscard]] Workspace* GetWorkspace() noexcept override { return &mWorkspace; }
 
 private:

@@ -19,6 +19,8 @@ class UI_Group : public UI_ControlView {
 public:
     explicit UI_Group(std::string identifier, ControlKind kind = ControlKind::Group);
     ~UI_Group() override;
+    UI_Group(const UI_Group&) = delete;
+    UI_Group& operator=(const UI_Group&) = delete;
 
     /// Takes the control over, as the last child. @return it.
     template <class Control>

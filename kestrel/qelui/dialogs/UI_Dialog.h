@@ -20,7 +20,10 @@ class ScriptRunner;
 /// handlers; must not throw.
 class WindowObserver {
 public:
+    WindowObserver() = default;
     virtual ~WindowObserver();
+    WindowObserver(const WindowObserver&) = delete;
+    WindowObserver& operator=(const WindowObserver&) = delete;
     /// Bring the widget in line with its model: label, value, items, enabled state, tooltip. Code or a person
     /// changed it; a widget that a person just used hears of its own change, too. Signals that the widget
     /// sends while it is brought in line must not be entered again.
@@ -35,6 +38,8 @@ public:
     static constexpr std::string_view kTypeName = "qelui::UI_Dialog";
     explicit UI_Dialog(std::string identifier);
     ~UI_Dialog() override;
+    UI_Dialog(const UI_Dialog&) = delete;
+    UI_Dialog& operator=(const UI_Dialog&) = delete;
 
     [[nodiscard]] const std::string& Title() const noexcept { return mTitle; }
     void SetTitle(std::string title) { mTitle = std::move(title); }

@@ -92,7 +92,7 @@ struct ScriptRunner::Visitor {
     ControlDriver& driver;
 
     /// The control, which a person must be able to act on now.
-    UI_ControlView& FindEnabled(const std::string& identifier) const
+    [[nodiscard]] UI_ControlView& FindEnabled(const std::string& identifier) const
     {
         UI_ControlView& control = Find(runner.mDialog, identifier);
         if (!driver.See(control).enabled) {

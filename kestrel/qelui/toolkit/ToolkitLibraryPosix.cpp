@@ -25,7 +25,7 @@ std::filesystem::path FindLibrary()
 {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&IsDisplayPresent), &info) != 0 && info.dli_fname != nullptr) {
-        const auto beside = std::filesystem::path(info.dli_fname).parent_path() / kLibraryName;
+        auto beside = std::filesystem::path(info.dli_fname).parent_path() / kLibraryName;
         std::error_code error;
         if (std::filesystem::exists(beside, error)) {
             return beside;

@@ -17,6 +17,8 @@ class NoToolkitError : public qelcore::Exception, public std::runtime_error {
 public:
     explicit NoToolkitError(const std::string& line);
     ~NoToolkitError() override;
+    NoToolkitError(const NoToolkitError&) = default;
+    NoToolkitError& operator=(const NoToolkitError&) = default;
 };
 
 /// Why a script stopped.
@@ -64,6 +66,7 @@ public:
 
 private:
     UserInterface() = default;
+    ~UserInterface() = default;
     Toolkit* mToolkit = nullptr;
     std::filesystem::path mScript;
     std::optional<ScriptFailure> mFailure;
