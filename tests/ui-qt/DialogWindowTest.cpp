@@ -7,6 +7,7 @@
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEventLoop>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
@@ -231,6 +232,31 @@ TEST_F(Popup, IsWideEnoughForItsLongestItem)
         widest = qMax(widest, mBox->fontMetrics().horizontalAdvance(mBox->itemText(index)));
     }
     EXPECT_GT(mBox->width(), widest);
+}
+
+// In a column of its own a popup fills its card; Qt would shrink it a moment after a change of its items.
+TEST(PopupInARow, KeepsTheWidthOfItsCardWhenItsItemsChange)
+{
+    ui_qt::OpenDialog open;
+    auto& row = open.Dialog().Add(std::make_unique<qelui::UI_Group>("row"));
+    row.SetOrientation(qelui::Orientation::Row);
+    row.SetBorder(false);
+    auto& card = row.Add(std::make_unique<qelui::UI_Group>("card"));
+    auto& popup = card.Add(std::make_unique<qelui::UI_Popup>("popup"));
+    popup.SetLabel("Choice:");
+    popup.AddItem("One");
+    auto& wide = card.Add(std::make_unique<qelui::UI_NumberEdit>("wide"));
+    wide.SetMinSize(400, 0);
+    open.Open();
+    const auto& box = open.Find<QComboBox>("popup");
+    const int width = box.width();
+    ASSERT_GE(width, 400) << "as wide as the field below it";
+    popup.SetItemEnabled(0, false);
+    popup.AddItem("Another");
+    QEventLoop wait;
+    QTimer::singleShot(60, &wait, &QEventLoop::quit); // Qt's moment is 20 ms
+    wait.exec();
+    EXPECT_EQ(box.width(), width);
 }
 
 TEST(Pressable, CheckBoxEntersWhatAClickMakesOfIt)

@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QMouseEvent>
 #include <QStandardItemModel>
+#include <QStyleOptionComboBox>
 #include <QWheelEvent>
 
 namespace kestrelqt {
@@ -21,15 +22,23 @@ public:
     ChoiceBox(const qelui::UI_Popup& popup, QWidget* parent)
         : QComboBox(parent), mLeast(popup.MinWidth(), popup.MinHeight())
     {
-        setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        // Its width comes from `sizeHint`: the policies that look at the items shrink the box at each change.
+        setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         view()->viewport()->installEventFilter(this);
     }
 
-    [[nodiscard]] QSize sizeHint() const override { return QComboBox::sizeHint().expandedTo(mLeast); }
-    [[nodiscard]] QSize minimumSizeHint() const override
+    [[nodiscard]] QSize sizeHint() const override
     {
-        return QComboBox::minimumSizeHint().expandedTo(mLeast);
+        int widest = 0;
+        for (int index = 0; index < count(); ++index) {
+            widest = qMax(widest, fontMetrics().horizontalAdvance(itemText(index)));
+        }
+        QStyleOptionComboBox option;
+        initStyleOption(&option);
+        const QSize contents(widest + kTextMargin, fontMetrics().height());
+        return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this).expandedTo(mLeast);
     }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
@@ -56,6 +65,7 @@ protected:
     }
 
 private:
+    static constexpr int kTextMargin = 8; // logical pixels between text and arrow
     QSize mLeast;
 };
 
@@ -104,6 +114,7 @@ void PopupWidget::Follow()
         for (const auto& item : items) {
             mWidget->addItem(QString::fromStdString(item.text));
         }
+        mWidget->updateGeometry();
     }
     auto* const rows = qobject_cast<QStandardItemModel*>(mWidget->model());
     for (int index = 0; index < mWidget->count(); ++index) {

@@ -6,6 +6,7 @@
 #include <qelui/script/ScriptRunner.h>
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -138,6 +139,7 @@ QPixmap DialogWindow::Picture()
     if (mPreview != nullptr) {
         mPreview->RefreshIfDue();
     }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     return grab();
 }
 
