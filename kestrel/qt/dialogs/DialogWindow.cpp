@@ -82,7 +82,7 @@ DialogWindow::~DialogWindow()
 void DialogWindow::FitToScreen(QWidget& content)
 {
     constexpr int kScreenMargin = 60; // title bar and panels
-    const int side = mPreview == nullptr ? 0 : mPreview->minimumWidth() + qMax(mDialog.Margin(), 0);
+    const int side = mPreview == nullptr ? 0 : mPreview->width() + qMax(mDialog.Margin(), 0);
     const int below = mButtons == nullptr ? 0 : mButtons->sizeHint().height();
     QSize wanted = content.sizeHint() + QSize(side, below);
     // A script's pictures show the whole dialog, whatever the screen of the machine that takes them.

@@ -1,5 +1,7 @@
 #include "PreviewPane.h"
 
+#include "../style/Theme.h"
+
 #include <QPainter>
 #include <cstring>
 
@@ -9,7 +11,9 @@ namespace {
 
 constexpr int kQuietMilliseconds = 120; // long enough not to render at each keystroke
 constexpr int kChecker = 8;             // logical pixels
-const QColor kSurround(0x11, 0x11, 0x11);
+constexpr int kWidth = 320;             // logical pixels
+constexpr int kTallest = 480;           // a portrait picture is narrower instead
+constexpr int kCaptionGap = 8;
 
 } // namespace
 
@@ -17,8 +21,8 @@ PreviewPane::PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent) : QWid
 {
     setAccessibleName(tr("Preview of frame 0"));
     setToolTip(tr("Frame 0 of the clip as the settings stand now."));
-    setMinimumWidth(280);
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
+    setFixedWidth(kWidth);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     mTimer.setSingleShot(true);
     mTimer.setInterval(kQuietMilliseconds);
     connect(&mTimer, &QTimer::timeout, this, [this] { Refresh(); });
@@ -54,15 +58,22 @@ void PreviewPane::Refresh()
 void PreviewPane::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), kSurround);
+    const QColor ink = ColorsOf(AppliedTheme()).dimText;
     if (mPicture.isNull()) {
-        painter.setPen(QColor(0xB4, 0xB4, 0xB4));
-        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
+        painter.setPen(ink);
+        painter.drawText(rect(), Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
                          tr("No picture: these settings cannot be rendered."));
         return;
     }
-    const QSize fitted = mPicture.size().scaled(size(), Qt::KeepAspectRatio);
-    const QRect target(QPoint((width() - fitted.width()) / 2, 0), fitted);
+    const int caption = fontMetrics().height() + kCaptionGap;
+    const QSize room(width() - 2, qMin(height() - caption, kTallest) - 2);
+    const QSize fitted = mPicture.size().scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QRect target(QPoint((width() - fitted.width()) / 2, 1), fitted);
+    painter.setPen(ink);
+    painter.drawText(QRect(0, target.bottom() + kCaptionGap, width(), fontMetrics().height()), Qt::AlignHCenter,
+                     tr("Frame 0"));
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(target.adjusted(-1, -1, 0, 0));
     painter.setClipRect(target);
     for (int y = 0; y < fitted.height(); y += kChecker) {
         for (int x = 0; x < fitted.width(); x += kChecker) {
@@ -77,7 +88,7 @@ void PreviewPane::paintEvent(QPaintEvent* /*event*/)
 
 QSize PreviewPane::sizeHint() const
 {
-    return {320, 240};
+    return {kWidth, 240};
 }
 
 } // namespace kestrelqt

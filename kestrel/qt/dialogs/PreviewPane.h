@@ -9,8 +9,8 @@
 
 namespace kestrelqt {
 
-/// Asks the dialog for its preview a moment after the last change, and shows it at its own aspect on neutral
-/// grey; transparent parts over a checkerboard.
+/// Asks the dialog for its preview a moment after the last change, and shows it at its own aspect;
+/// transparent parts over a checkerboard.
 class PreviewPane final : public QWidget {
 public:
     explicit PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent = nullptr);

@@ -121,6 +121,13 @@ void FlatStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
             return;
         }
         break;
+    case PE_Frame: // of lists, popups' lists among them
+        painter->save();
+        painter->setPen(option->palette.color(QPalette::Mid));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+        return;
     case PE_IndicatorCheckBox:
         DrawIndicator(*option, painter, /*round=*/false);
         return;
@@ -203,6 +210,9 @@ QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     if (type == CT_LineEdit || type == CT_ComboBox || type == CT_PushButton) {
         size.setHeight(qMax(size.height(), kFieldHeight));
+    }
+    if (type == CT_ItemViewItem) {
+        size.rheight() += 4;
     }
     if (type == CT_PushButton) {
         size.rwidth() += 10;
