@@ -6,7 +6,8 @@ set(CMAKE_C_STANDARD 11)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+# The build tree has the shape of an installed one, so both use the same search path.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
