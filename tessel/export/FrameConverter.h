@@ -61,6 +61,8 @@ public:
     /// @throws ExportError  for a source that frames never have, or where zimg refuses.
     explicit FrameConverter(const Conversion& conversion);
     ~FrameConverter();
+    FrameConverter(const FrameConverter&) = delete;
+    FrameConverter& operator=(const FrameConverter&) = delete;
     FrameConverter(FrameConverter&&) noexcept;
     FrameConverter& operator=(FrameConverter&&) noexcept;
 
