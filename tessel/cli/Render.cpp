@@ -99,8 +99,14 @@ bool NamesFolder(const Options& options)
 fs::path FileInFolder(const fs::path& folder, const fs::path& clip, Container container)
 {
     const exporting::ContainerInfo& info = exporting::InfoOf(container);
+    std::string name;
+    for (const char letter : clip.stem().string()) {
+        // In the name of a sequence a lone percent sign would be a number's place.
+        name +=
+            letter == '%' && info.kind == exporting::ContainerKind::Sequence ? "%%" : std::string(1, letter);
+    }
     const char* number = info.kind == exporting::ContainerKind::Sequence ? "_%06d" : "";
-    return folder / fmt::format("{}{}.{}", clip.stem().string(), number, info.name);
+    return folder / fmt::format("{}{}.{}", name, number, info.name);
 }
 
 std::vector<Target> TargetsOf(const Options& options)

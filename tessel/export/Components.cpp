@@ -122,7 +122,7 @@ ComponentTarget ComponentOf(const Picture& picture, int index) noexcept
     if (place.plane < 0) {
         return {};
     }
-    const auto plane = static_cast<std::size_t>(place.plane);
+    const auto plane = static_cast<std::size_t>(static_cast<std::uint8_t>(place.plane));
     PlaneSize size = SizeOfPlane(info, place.plane, picture.width, picture.height);
     if (info.planes == 1 && (index == 1 || index == 2)) {
         size.width = (size.width + (1 << info.chromaShiftX) - 1) >> info.chromaShiftX;

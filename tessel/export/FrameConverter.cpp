@@ -320,7 +320,7 @@ public:
         mMatrixWidth = conversion.width + (hasHalfPair ? 1 : 0);
         // Rows of 16 floats are rows on multiples of 64 bytes.
         mRowSamples = (static_cast<std::ptrdiff_t>(mMatrixWidth) + 15) / 16 * 16;
-        const std::size_t planeBytes =
+        const auto planeBytes =
             static_cast<std::size_t>(mRowSamples) * static_cast<std::size_t>(conversion.height) * sizeof(float);
         const LayoutInfo& target = InfoOf(conversion.target);
         const bool upsamples = source.chromaShiftX > target.chromaShiftX;
@@ -414,7 +414,7 @@ private:
     /// Subsamples where the target has less chroma, then rounds.
     void Store(int component, const LayoutInfo& target, int sourceShift, const ComponentTarget& samples)
     {
-        float* plane = mPlanes[static_cast<std::size_t>(component)].As<float>();
+        auto* plane = mPlanes[static_cast<std::size_t>(component)].As<float>();
         std::ptrdiff_t rowSamples = mRowSamples;
         if (component != 0 && (target.chromaShiftX > sourceShift || target.chromaShiftY > 0)) {
             const ComponentSource source = mReader.Component(component);

@@ -24,10 +24,13 @@ public:
 
     /// Discards what was not committed.
     ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
     OutputFile(OutputFile&&) noexcept;
     OutputFile& operator=(OutputFile&&) noexcept;
 
     /// @throws ExportError  disk full, pipe closed, ...
+    /// @throws Interrupted  told to stop while waiting for a pipe's reader
     void Write(std::span<const std::byte> bytes);
 
     [[nodiscard]] bool CanSeek() const noexcept;

@@ -1,4 +1,5 @@
 #include "ExportError.h"
+#include "Interrupt.h"
 #include "OutputFile.h"
 
 #include <fcntl.h>
@@ -151,6 +152,11 @@ void OutputFile::Write(std::span<const std::byte> bytes)
 {
     State& state = *mState;
     while (!bytes.empty()) {
+        // A reader that does not read must not keep the program from ending. An interrupted write comes back
+        // here, whether it had written something or not.
+        if (InterruptGuard::Requested()) {
+            throw Interrupted();
+        }
         const ssize_t written = ::write(state.descriptor, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) {
             continue;

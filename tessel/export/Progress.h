@@ -23,6 +23,8 @@ class ProgressBar final : public ProgressListener {
 public:
     explicit ProgressBar(std::string name);
     ~ProgressBar() override;
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
     void Report(std::int64_t done, std::int64_t total, const char* unit) override;
 
 private:

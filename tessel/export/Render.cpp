@@ -77,6 +77,7 @@ template <class Result, class MakeOne>
 std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job, const MakeOne& makeOne)
 {
     std::vector<std::function<Result(std::int64_t)>> makers;
+    makers.reserve(static_cast<std::size_t>(job.threadCount));
     for (int i = 0; i < job.threadCount; ++i) {
         makers.push_back(makeOne());
     }

@@ -34,7 +34,7 @@ void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* l
         }
         // Cb Y Cr Y, three times.
         for (std::int32_t pair = 0; pair < 3 && x + 2 * pair < width; ++pair) {
-            const auto first = static_cast<std::size_t>(4 * pair);
+            const std::size_t first = 4 * static_cast<std::size_t>(pair);
             cb[x / 2 + pair] = samples[first];
             luma[x + 2 * pair] = samples[first + 1];
             cr[x / 2 + pair] = samples[first + 2];
@@ -52,7 +52,7 @@ void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::
     for (std::int32_t x = 0; x < width; x += kPixelsPerGroup, packed += kBytesPerGroup) {
         GroupSamples samples{};
         for (std::int32_t pair = 0; pair < 3 && x + 2 * pair < width; ++pair) {
-            const auto first = static_cast<std::size_t>(4 * pair);
+            const std::size_t first = 4 * static_cast<std::size_t>(pair);
             samples[first] = cb[x / 2 + pair];
             samples[first + 1] = luma[x + 2 * pair];
             samples[first + 2] = cr[x / 2 + pair];

@@ -221,6 +221,20 @@ class Failures(RenderTest):
             self.assertEqual((done.returncode, done.stderr), (0, b""))
             self.assertEqual(sorted(os.listdir(self.path(folder))), names)
 
+    def test_a_percent_sign_in_a_clips_name_is_no_numbers_place(self):
+        self.save(document(frames=1), "50%d.tessel")
+        done = self.run_tessel("render", "50%d.tessel", "-o", "out/", "--format", "png")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertEqual(os.listdir(self.path("out")), ["50%d_000000.png"])
+
+    def test_interrupted_while_nobody_reads_the_pipe_it_ends(self):
+        with subprocess.Popen([*self.tessel, "render", self.clip(**LONG), "-o", "-", "--format", "nut"],
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            process.stdout.read(1)
+            time.sleep(1)  # a pipe holds 64 KiB; by now it is full, or soon will be
+            process.send_signal(signal.SIGTERM)
+            self.assertEqual(process.wait(timeout=60), -signal.SIGTERM)
+
     def test_odd_file_names_are_files_like_any_other(self):
         for name in ("with space.mkv", "-dash.mkv", "new\nline.mkv", "umläut.mkv", "file:x.mkv", "pipe:1.mkv",
                      "'quoted'.mkv", "%.mkv"):
