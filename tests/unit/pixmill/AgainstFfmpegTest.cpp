@@ -6,6 +6,7 @@
 #include <support/PaintableFormats.h>
 #include <support/Process.h>
 #include <support/ReferenceColor.h>
+#include <support/TemporaryFolder.h>
 
 #include <array>
 #include <filesystem>
@@ -44,11 +45,11 @@ std::string Picture(std::uint32_t code, std::size_t rowBytes)
 /// Decodes raw bytes into planes: Y, then Cb and Cr of half the width.
 std::string Decoded(const std::string& bytes, const std::string& input, const std::string& planes)
 {
-    const auto path = std::filesystem::path(::testing::TempDir()) / "unit-pixmill-picture.raw";
+    const test::TemporaryFolder folder;
+    const std::filesystem::path path = folder / "picture.raw";
     std::ofstream(path, std::ios::binary) << bytes;
     const CommandResult result = RunCommand("ffmpeg -v error -nostdin " + input + " -video_size 720x480 -i " +
                                             Quoted(path.string()) + " -f rawvideo -pix_fmt " + planes + " -");
-    std::filesystem::remove(path);
     EXPECT_TRUE(result.succeeded);
     return result.output;
 }
