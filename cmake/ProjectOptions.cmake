@@ -27,6 +27,8 @@ if(TESSEL_FUZZERS)
 endif()
 if(sanitizers)
     target_compile_options(project_options INTERFACE
-        ${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        ${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # Sanitized, g++ 12 takes parts of the standard library for uninitialised.
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(project_options INTERFACE ${sanitizers})
 endif()
