@@ -134,6 +134,14 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
 
 /// Text that is no number, or too large a one, leaves the channel as it was before; it is taken back when
 /// the field is left.
+ColorPickerWindow::~ColorPickerWindow()
+{
+    // A field that loses the focus while Qt's base class takes it down must find nobody to tell.
+    for (QLineEdit* const field : mFields) {
+        field->disconnect(this);
+    }
+}
+
 void ColorPickerWindow::TakeField(std::size_t channel)
 {
     constexpr double kLargest = std::numeric_limits<float>::max();

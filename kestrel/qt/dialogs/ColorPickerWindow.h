@@ -19,6 +19,7 @@ class ColorArea;
 class ColorPickerWindow final : public QDialog {
 public:
     ColorPickerWindow(const qelui::sharedui::PickerColor& color, QWidget* parent);
+    ~ColorPickerWindow() override;
 
     [[nodiscard]] const qelui::sharedui::PickerColor& Color() const noexcept { return mColor; }
 
