@@ -23,7 +23,7 @@ std::string RefusalText(FrameRefusal refusal, const ClipDescription& description
     switch (refusal) {
     case FrameRefusal::FormatCannotBePainted:
         return R"("mPixelFormat": )" + std::to_string(description.pixelFormatCode) +
-               " is no pixel format that can be painted (see tessel list pixel-formats)";
+               " is no pixel format that can be painted, one of the host's 48 was expected";
     case FrameRefusal::SizeOutOfRange:
         return "a frame of " + Size(description) +
                " cannot be made: \"mFrameWidth\" and \"mFrameHeight\" must be 1 to " +
