@@ -20,13 +20,10 @@ struct FillWords {
 ///
 /// @param row        Borrowed; any alignment; exactly `byteCount` bytes are written.
 /// @param byteCount  A multiple of 4.
-/// Threads: [any-thread].
-void FillRow(std::byte* row, std::size_t byteCount, FillWords pattern) noexcept;
-
-inline void FillRow(std::byte* row, std::size_t byteCount, const FillPattern& pattern) noexcept
-{
-    FillRow(row, byteCount, std::bit_cast<FillWords>(pattern));
-}
+/// @param ahead      How many bytes on memory is fetched while this is written: the way to the next row, or
+/// some
+///                   KiB in a long run; 0 where nothing follows. Only a hint: nothing is touched there.
+void FillRow(std::byte* row, std::size_t byteCount, FillWords pattern, std::ptrdiff_t ahead) noexcept;
 
 /// The same for `rows` rows that do not follow one upon the other, such as those of one field.
 ///

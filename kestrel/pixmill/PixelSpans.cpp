@@ -103,7 +103,7 @@ void PaintSpan(std::byte* row, std::uint32_t code, std::uint32_t x, std::uint32_
     }
     const std::uint32_t groups = count / group.pixels;
     FillRow(row + std::size_t{x / group.pixels} * group.bytes, std::size_t{groups} * group.bytes,
-            color.pattern);
+            std::bit_cast<FillWords>(color.pattern), 0);
     for (std::uint32_t i = groups * group.pixels; i < count; ++i) {
         MixSubsampled(row, code, x + i, color, 1, Chroma::OfEveryPixel);
     }
