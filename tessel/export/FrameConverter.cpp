@@ -1,71 +1,17 @@
 #include "FrameConverter.h"
 
 #include "Components.h"
-#include "ExportError.h"
 #include "MatrixConversion.h"
+#include "SourceFrame.h"
+#include "TargetPicture.h"
 #include "TransferFunction.h"
-#include "V210Packing.h"
 
-#include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
 namespace tessel::exporting {
 namespace {
-
-/// What a frame's samples are, as a layout would say it.
-struct SourceInfo {
-    PixelKind kind;
-    SampleType type = SampleType::U8;
-    int bits = 8;
-    int chromaShiftX = 0;
-    std::array<ComponentPlace, 4> components;
-};
-
-SourceInfo SourceInfoOf(BR::PixelFormat format)
-{
-    SourceInfo info;
-    info.kind = KindOf(format);
-    const bool isRgb = info.kind.family == ColorFamily::Rgb;
-    const auto interleaved = [&](std::uint8_t bytes) {
-        // BGRA and VUYA have their first component third; ARGB has alpha first.
-        std::array<std::uint8_t, 4> order{2, 1, 0, 3};
-        if (isRgb && info.kind.swapped) {
-            order = {1, 2, 3, 0};
-        }
-        for (std::size_t i = 0; i < 4; ++i) {
-            info.components[i] = {0, static_cast<std::uint8_t>(order[i] * bytes),
-                                  static_cast<std::uint8_t>(4 * bytes)};
-        }
-        if (!info.kind.HasAlpha()) {
-            info.components[3] = {};
-        }
-    };
-    switch (info.kind.storage) {
-    case Storage::Interleaved8:
-        interleaved(1);
-        break;
-    case Storage::InterleavedF:
-        info.type = SampleType::F32;
-        info.bits = 32;
-        interleaved(4);
-        break;
-    case Storage::Pairs422:
-        info.chromaShiftX = 1;
-        info.components = InfoOf(info.kind.swapped ? PictureLayout::Yuyv : PictureLayout::Uyvy).components;
-        break;
-    case Storage::V210:
-        info.type = SampleType::U16;
-        info.bits = 10;
-        info.chromaShiftX = 1;
-        info.components = InfoOf(PictureLayout::Yuv422p10).components;
-        break;
-    case Storage::Planar420:
-    case Storage::Dv:
-        throw ExportError("frames do not come in planar or compressed formats");
-    }
-    return info;
-}
 
 /// Whether a frame in memory already is a picture of the layout.
 bool IsSameArrangement(const PixelKind& kind, PictureLayout target) noexcept
@@ -91,143 +37,6 @@ bool NeedsMatrix(const SourceInfo& source, const LayoutInfo& target, const YCbCr
         return true;
     }
     return target.family == ColorFamily::YCbCr && source.kind.matrix != coding.matrix;
-}
-
-/// Components of frames; v210 is unpacked into planes first.
-class SourceReader {
-public:
-    SourceReader(const SourceInfo& info, std::int32_t width, std::int32_t height) : mInfo(info)
-    {
-        if (info.kind.storage == Storage::V210) {
-            mUnpacked = AllocatePicture(PictureLayout::Yuv422p10, width, height);
-        }
-    }
-
-    /// Makes `frame` the current one.
-    void Take(const FrameView& frame) noexcept
-    {
-        mFrame = &frame;
-        if (mInfo.kind.storage != Storage::V210) {
-            return;
-        }
-        for (std::int32_t y = 0; y < frame.height; ++y) {
-            const auto row = [&](std::size_t plane) {
-                return reinterpret_cast<std::uint16_t*>(mUnpacked.planes[plane] +
-                                                        y * mUnpacked.rowBytes[plane]);
-            };
-            UnpackV210Row(frame.top + y * frame.rowBytes, frame.width, row(0), row(1), row(2));
-        }
-    }
-
-    [[nodiscard]] ComponentSource Component(int index) const noexcept
-    {
-        if (mInfo.kind.storage == Storage::V210) {
-            const ComponentTarget samples = ComponentOf(mUnpacked, index);
-            return {samples.first, samples.rowBytes, samples.step, samples.width, samples.height, samples.type};
-        }
-        const ComponentPlace place = mInfo.components[static_cast<std::size_t>(index)];
-        if (place.plane < 0) {
-            return {};
-        }
-        const bool isChroma = index == 1 || index == 2;
-        const int shift = isChroma ? mInfo.chromaShiftX : 0;
-        return {mFrame->top + place.offset,
-                mFrame->rowBytes,
-                place.step,
-                (mFrame->width + (1 << shift) - 1) >> shift,
-                mFrame->height,
-                mInfo.type};
-    }
-
-private:
-    SourceInfo mInfo;
-    Picture mUnpacked;
-    const FrameView* mFrame = nullptr;
-};
-
-/// Pictures in the making: v210 targets are filled as planes and packed at the end.
-Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height)
-{
-    return AllocatePicture(target == PictureLayout::V210 ? PictureLayout::Yuv422p10 : target, width, height);
-}
-
-Picture FinishPicture(PictureLayout target, Picture picture)
-{
-    if (target != PictureLayout::V210) {
-        const ComponentPlace filler = InfoOf(target).filler;
-        if (filler.plane >= 0) {
-            FillSamples({picture.planes[0] + filler.offset, picture.rowBytes[0], filler.step, picture.width,
-                         picture.height, SampleType::U8},
-                        0xFF);
-        }
-        return picture;
-    }
-    Picture packed = AllocatePicture(PictureLayout::V210, picture.width, picture.height);
-    for (std::int32_t y = 0; y < picture.height; ++y) {
-        const auto row = [&](std::size_t plane) {
-            return reinterpret_cast<const std::uint16_t*>(picture.planes[plane] + y * picture.rowBytes[plane]);
-        };
-        PackV210Row(row(0), row(1), row(2), picture.width, packed.planes[0] + y * packed.rowBytes[0]);
-    }
-    return packed;
-}
-
-float HighestCode(int bits) noexcept
-{
-    return static_cast<float>((1U << bits) - 1U);
-}
-
-/// Rounding of a component from the domain that its floats are in to the target's codes.
-/// @param sourceBits  integer codes of so many bits, or 32 for normalised values
-Rounding RoundingFor(const LayoutInfo& target, int component, int sourceBits, bool fullRange) noexcept
-{
-    Rounding rounding;
-    const bool isFloat = target.type == SampleType::F32;
-    const bool isLinearScale = target.family == ColorFamily::Rgb || component == 3;
-    if (isLinearScale) {
-        rounding.highest = isFloat ? 1.0F : HighestCode(target.bits);
-        rounding.scale = rounding.highest / (sourceBits == 32 ? 1.0F : HighestCode(sourceBits));
-        return rounding;
-    }
-    // Codes of 8 bits times this are codes of the target's.
-    const auto unit = static_cast<float>(1U << (target.bits - 8));
-    // Codes that are kept stay as they are; only those that are made keep clear of the timing codes.
-    const bool keepsClear = sourceBits == 32 && !fullRange;
-    rounding.lowest = keepsClear ? unit : 0.0F;
-    rounding.highest = keepsClear ? 255.0F * unit - 1.0F : HighestCode(target.bits);
-    if (sourceBits != 32) {
-        rounding.scale = unit / static_cast<float>(1U << (sourceBits - 8));
-    } else if (fullRange) {
-        rounding.scale = HighestCode(target.bits);
-        rounding.offset = component == 0 ? 0.0F : 128.0F * unit;
-    } else {
-        rounding.scale = (component == 0 ? 219.0F : 224.0F) * unit;
-        rounding.offset = (component == 0 ? 16.0F : 128.0F) * unit;
-    }
-    return rounding;
-}
-
-/// Alpha: moved where the sample type is the same, else rescaled; opaque where the source has none.
-void WriteAlpha(const SourceInfo& info, const ComponentSource& source, const LayoutInfo& target,
-                const ComponentTarget& samples, AlignedBuffer& scratch)
-{
-    if (!target.HasAlpha()) {
-        return;
-    }
-    if (source.first == nullptr) {
-        FillSamples(samples, static_cast<std::uint16_t>((1U << std::min<int>(target.bits, 16)) - 1U));
-        return;
-    }
-    if (source.type == target.type && info.bits == target.bits) {
-        MoveSamples(source, samples, 0);
-        return;
-    }
-    const std::size_t count = static_cast<std::size_t>(source.width) * static_cast<std::size_t>(source.height);
-    if (scratch.Size() < count * sizeof(float)) {
-        scratch = AlignedBuffer(count * sizeof(float));
-    }
-    LoadFloats(source, scratch.As<float>(), source.width);
-    StoreFloats(scratch.As<float>(), source.width, samples, RoundingFor(target, 3, info.bits, false));
 }
 
 } // namespace

@@ -2,29 +2,16 @@
 #pragma once
 
 #include "ChromaFilter.h"
+#include "FrameView.h"
 #include "Picture.h"
 #include "PixelKind.h"
 
 #include <brindle/PixelFormat.h>
-#include <importhost/Frame.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 
 namespace tessel::exporting {
-
-/// Pixels of one frame in a paintable format, seen upright.
-struct FrameView {
-    BR::PixelFormat format = BR::PixelFormat::Unknown;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    const std::byte* top = nullptr;    ///< first byte of the top row
-    std::ptrdiff_t rowBytes = 0;       ///< to the next row below; may be negative
-    std::shared_ptr<const void> owner; ///< keeps the pixels alive in pictures that share them
-};
-
-[[nodiscard]] FrameView ViewOf(const importhost::Frame& frame);
 
 /// How Y'CbCr values are made from R'G'B' ones.
 struct YCbCrCoding {

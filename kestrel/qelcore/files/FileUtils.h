@@ -7,8 +7,9 @@ namespace qelcore::utility {
 
 struct FileUtils {
     /// True for an existing file or directory, false for an empty path and whenever it cannot be told.
-    /// Threads: [thread-safe]. Never throws.
-    [[nodiscard]] static bool FileOrDirExists(std::u16string_view path) noexcept;
+    /// Threads: [thread-safe].
+    /// @throws std::bad_alloc  where there is no memory to find out.
+    [[nodiscard]] static bool FileOrDirExists(std::u16string_view path);
 };
 
 } // namespace qelcore::utility

@@ -184,6 +184,19 @@ TEST_F(AllocationFailure, OfDescribingATextIs4OrTheDefaultClip)
         Is4Or0);
 }
 
+TEST_F(AllocationFailure, OfDescribingAFileThatIsThereIs4)
+{
+    FailEachAllocation(
+        [&] {
+            ksFileInfoRec record{};
+            const std::int32_t result = Module::ImportEntry(37, &mHost.mStdParms, &mFile, &record);
+            EXPECT_EQ(record.instance != nullptr, result == 0);
+            EXPECT_EQ(Delete(record.instance), 0);
+            return result;
+        },
+        Is4);
+}
+
 TEST_F(AllocationFailure, OfTheSettingsExchangeIs4OrTheDefaultClip)
 {
     std::vector<char> buffer(10240);
@@ -194,8 +207,8 @@ TEST_F(AllocationFailure, OfTheSettingsExchangeIs4OrTheDefaultClip)
             record.newClip = 1;
             return Module::ImportEntry(38, &mHost.mStdParms, &mFile, &record);
         },
-        // Without memory a path can neither be looked for (and the dialog would be due) nor opened.
-        [](std::int32_t result) { return Is4Or0(result) || result == 2 || result == 5; });
+        // Without memory a file that is there cannot be opened either.
+        [](std::int32_t result) { return Is4Or0(result) || result == 2; });
 }
 
 TEST_F(AllocationFailure, OfTheGateIs4)
