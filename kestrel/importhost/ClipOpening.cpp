@@ -242,9 +242,9 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
         if (!complaints.First().empty()) {
             Refuse(file, Diagnosis(file, complaints.First()));
         }
-        if (!BeginsLikeAnObject(file)) {
-            // Such a document is no error to the plug-in, which reads nothing from it.
-            Refuse(file, Diagnosis(file, "expected a JSON object with a clip's settings"));
+        // A document that is no object is no error to the plug-in, which reads nothing from it.
+        if (const auto problem = DocumentProblem(file)) {
+            Refuse(file, *problem);
         }
     }
     state->warning = complaints.Lines();

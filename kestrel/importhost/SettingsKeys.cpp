@@ -69,14 +69,17 @@ std::string_view UpToNul(std::string_view text)
     return text.substr(0, text.find('\0'));
 }
 
+ValuePtr Unwrapped(const ValuePtr& root)
+{
+    return qelcore::serialization::ObjectHasProperty(root, kWrapper) ? GetVariantInObject(root, kWrapper)
+                                                                     : root;
+}
+
 } // namespace
 
 std::optional<SettingsKeys> SettingsKeysFromText(std::string_view text)
 {
-    ValuePtr root = qelcore::serialization::JSONParse(UpToNul(text));
-    if (qelcore::serialization::ObjectHasProperty(root, kWrapper)) {
-        root = GetVariantInObject(root, kWrapper);
-    }
+    const ValuePtr root = Unwrapped(qelcore::serialization::JSONParse(UpToNul(text)));
     if (root == nullptr || !root->IsObject()) {
         return std::nullopt;
     }
@@ -101,18 +104,6 @@ std::optional<SettingsKeys> SettingsKeysFromFile(const std::filesystem::path& fi
     return SettingsKeysFromText(Contents(file));
 }
 
-bool BeginsLikeAnObject(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::istreambuf_iterator<char> character(stream);
-    constexpr std::string_view kWhiteSpace = " \t\n\r";
-    while (character != std::istreambuf_iterator<char>() &&
-           kWhiteSpace.find(*character) != std::string_view::npos) {
-        ++character;
-    }
-    return character != std::istreambuf_iterator<char>() && *character == '{';
-}
-
 std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
 {
     const std::string text = Contents(file);
@@ -121,10 +112,13 @@ std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
     if (root == nullptr) {
         return error.empty() ? "not well-formed JSON" : error;
     }
-    if (!root->IsObject()) {
-        return "expected a JSON object with a clip's settings";
+    const ValuePtr settings = Unwrapped(root);
+    if (settings != nullptr && settings->IsObject()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return settings == root
+               ? "expected a JSON object with a clip's settings"
+               : std::string("\"") + kWrapper + "\": expected a JSON object with a clip's settings";
 }
 
 } // namespace importhost

@@ -39,11 +39,8 @@ struct SettingsKeys {
 /// The same from a clip's file.
 [[nodiscard]] std::optional<SettingsKeys> SettingsKeysFromFile(const std::filesystem::path& file);
 
-/// Whether the first character of the file that is no JSON white space opens an object. Reads no further.
-[[nodiscard]] bool BeginsLikeAnObject(const std::filesystem::path& file);
-
-/// What keeps a document from being well-formed, in one line with its place, or that it is no JSON object;
-/// nothing where it is one.
+/// What keeps a document from being well-formed, in one line with its place, or that it (or what it wraps) is
+/// no JSON object; nothing where it is one.
 [[nodiscard]] std::optional<std::string> DocumentProblem(const std::filesystem::path& file);
 
 } // namespace importhost

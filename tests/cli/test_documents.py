@@ -67,6 +67,11 @@ class Documents(ProgramTest):
         for text in ("[]", " \t\r\n[{}]", "42", "\"text\"", "null"):
             self.refuse(self.write("clip.tessel", text), "expected a JSON object")
 
+    def test_wrappers_of_no_object(self):
+        for text in ("[]", "42", "null"):
+            self.refuse(self.write("clip.tessel", '{"SerializerWrappedObject": %s}' % text),
+                        '"SerializerWrappedObject": expected a JSON object')
+
     def test_binary_files_are_refused_in_one_line(self):
         self.refuse(self.write("clip.tessel", bytes(range(256)) * 100))
         self.refuse(self.write("clip.tessel", b"\0" * 1000))
