@@ -39,26 +39,28 @@ private:
     std::filesystem::path mPath;
 };
 
-std::vector<std::int32_t> NumbersToTry()
+std::vector<std::int32_t> NumbersToTry(std::int32_t step)
 {
     std::vector<std::int32_t> numbers{-1,       -123456,
                                       -9876543, std::numeric_limits<std::int32_t>::max(),
                                       1000000,  std::numeric_limits<std::int32_t>::min(),
                                       0,        888888,
                                       999999,   666666};
-    for (std::int32_t number = 0; number <= 99999; number += 1009) {
+    for (std::int32_t number = 0; number <= 99999; number += step) {
         numbers.push_back(number);
     }
     return numbers;
 }
 
-void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, const std::string& encoderOptions)
+/// @param step  between the numbers tried from 0 to 99999
+void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, std::int32_t step,
+                       const std::string& encoderOptions)
 {
     if (!IsInstalled("ffmpeg") || !RunCommand("ffmpeg -hide_banner -encoders | grep -q libx264").succeeded) {
         GTEST_SKIP() << "needs ffmpeg with libx264";
     }
     const ScratchFolder folder;
-    const std::vector<std::int32_t> numbers = NumbersToTry();
+    const std::vector<std::int32_t> numbers = NumbersToTry(step);
     {
         std::ofstream raw(folder.File("in.uyvy"), std::ios::binary);
         for (const std::int32_t number : numbers) {
@@ -96,12 +98,17 @@ TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromThumbnailPictures)
 {
     // Each picture by itself: between pictures this quality rather keeps some of the last number's pixels
     // than spend bits on digits of 13 pixels.
-    EncodeAndReadBack(160, 106, "-g 1");
+    EncodeAndReadBack(160, 106, 1009, "-g 1");
 }
 
 TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromAMovieInStandardDefinition)
 {
-    EncodeAndReadBack(720, 480, "");
+    EncodeAndReadBack(720, 480, 1009, "");
+}
+
+TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromAMovieInUltraHighDefinition)
+{
+    EncodeAndReadBack(3840, 2160, 19997, "-preset ultrafast");
 }
 
 /// The plate as dark text on white with digits about 40 pixels high, as text recognition likes it.
