@@ -26,7 +26,7 @@ std::string RefusalText(FrameRefusal refusal, const ClipDescription& description
                " is no pixel format that can be painted, one of the host's 48 was expected";
     case FrameRefusal::SizeOutOfRange:
         return "a frame of " + Size(description) +
-               " cannot be made: \"mFrameWidth\" and \"mFrameHeight\" must be 1 to " +
+               R"( cannot be made: "mFrameWidth" and "mFrameHeight" must be 1 to )" +
                std::to_string(kLargestFrameSide);
     case FrameRefusal::TooLarge:
         return "a frame of " + Size(description) + " in this pixel format is too large: it would pass 2 GiB";
