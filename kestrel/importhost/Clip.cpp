@@ -30,12 +30,6 @@ FieldOrder ClipDescription::Order() const noexcept
     return fieldType == 2 ? FieldOrder::LowerFirst : FieldOrder::UpperFirst;
 }
 
-qelmediatypes::FrameRate ClipDescription::Rate() const noexcept
-{
-    const std::int64_t ticks = TicksFromTimeScale({timeScale, sampleSize});
-    return ticks > 0 ? qelmediatypes::FrameRate{ticks} : qelmediatypes::FrameRate{};
-}
-
 Clip::State::State(std::shared_ptr<const Importer> usedImporter, std::filesystem::path clipFile,
                    FrameFilling filling)
     : importer(std::move(usedImporter)), file(std::move(clipFile)), frames(filling)
@@ -76,7 +70,7 @@ const std::filesystem::path& Clip::File() const noexcept
 
 Frame Clip::RenderFrame(std::int64_t frame) const
 {
-    const qelmediatypes::TickTime time(frame, mState->description.Rate());
+    const qelmediatypes::TickTime time(frame, mState->description.rate);
     RenderedFrame rendered = mState->frames.Render([&](FrameRequest& request, ksFrameHandle& handle) {
         ksFrameRec record{};
         record.instance = mState->instance;

@@ -25,11 +25,13 @@ struct ClipDescription {
     std::int32_t width = 0;  ///< pixels
     std::int32_t height = 0; ///< pixels
     qelmediatypes::PixelAspectRatio pixelAspect;
-    std::uint8_t fieldType = 0;  ///< as the record has it; see `Order`
-    std::int32_t timeScale = 0;  ///< units per second
-    std::int32_t sampleSize = 0; ///< units per frame: the rate is timeScale / sampleSize, exact
-    std::int64_t frameCount = 0; ///< 0 or more
-    float sampleRate = 0.0F;     ///< samples per second
+    std::uint8_t fieldType = 0;    ///< as the record has it; see `Order`
+    std::int32_t timeScale = 0;    ///< units per second
+    std::int32_t sampleSize = 0;   ///< units per frame: the rate is timeScale / sampleSize, exact unless `rate`
+                                   ///< is no fraction of 32-bit numbers
+    qelmediatypes::FrameRate rate; ///< ticks per frame; without frames where there is no rate
+    std::int64_t frameCount = 0;   ///< 0 or more
+    float sampleRate = 0.0F;       ///< samples per second
     std::int32_t channelCount = 0;
     std::int32_t channelType = 0;      ///< host's layout code: 2 stereo, 3 5.1
     std::uint32_t pixelFormatCode = 0; ///< host four-character code as the settings have it
@@ -40,8 +42,6 @@ struct ClipDescription {
 
     /// Values above 2 count as upper field first, the order in which fields are drawn.
     [[nodiscard]] FieldOrder Order() const noexcept;
-    /// Ticks per frame; a rate without frames where time scale or sample size is not positive.
-    [[nodiscard]] qelmediatypes::FrameRate Rate() const noexcept;
 };
 
 /// What frames are filled with before the plug-in paints them.

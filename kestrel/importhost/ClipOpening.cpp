@@ -2,6 +2,7 @@
 
 #include "ClipState.h"
 #include "HostError.h"
+#include "LegacySuite.h"
 #include "PathText.h"
 
 #include <brindle/ColorSpaces.h>
@@ -166,6 +167,18 @@ void Describe(const ksFileInfoRec& record, ClipDescription& description)
     description.supportsColorManagement = record.supportsColorManagement != 0;
 }
 
+/// The settings' own ticks per frame where the record's pair stands for them. Few rates are no fraction of
+/// 32-bit numbers; but times counted in frames of the rounded pair come to lie before the frame they mean.
+qelmediatypes::FrameRate RateOf(const ClipDescription& description, std::int64_t settingsTicks)
+{
+    const TimeScalePair pair{description.timeScale, description.sampleSize};
+    const std::int64_t ticks = TicksFromTimeScale(pair);
+    if (ticks <= 0) {
+        return {};
+    }
+    return {TimeScaleFromTicks(settingsTicks) == pair ? settingsTicks : ticks};
+}
+
 std::string ColorSpaceName(const ksSEIColorCodesRec& wanted)
 {
     for (const auto& space : BR::ColorSpaces::GetSupportedOverridableMediaColorSpaces()) {
@@ -265,6 +278,7 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
         Refuse(file, "its settings cannot be read");
     }
     state->keys = *keys;
+    state->description.rate = RateOf(state->description, keys->ticksPerFrame);
     state->description.pixelFormatCode = keys->pixelFormat;
     state->description.pixelFormat = BR::SDKToBEPixelFormat(keys->pixelFormat);
     state->description.channelType = keys->channelType;

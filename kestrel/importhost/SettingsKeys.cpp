@@ -85,6 +85,12 @@ std::optional<SettingsKeys> SettingsKeysFromText(std::string_view text)
     }
     SettingsKeys keys;
     keys.pixelFormat = Integer32(GetVariantInObject(root, "mPixelFormat")).value_or(keys.pixelFormat);
+    const ValuePtr ticks = GetVariantInObject(GetVariantInObject(root, "mVideoFrameRate"), "ticksperframe");
+    if (ticks != nullptr) {
+        if (const auto* integer = std::get_if<std::int64_t>(&ticks->Get())) {
+            keys.ticksPerFrame = *integer;
+        }
+    }
     if (const auto type = Integer32(GetVariantInObject(root, "mKsAudioChannelType"))) {
         keys.channelType = static_cast<std::int32_t>(*type);
     }
@@ -116,9 +122,8 @@ std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
     if (settings != nullptr && settings->IsObject()) {
         return std::nullopt;
     }
-    return settings == root
-               ? "expected a JSON object with a clip's settings"
-               : std::string("\"") + kWrapper + "\": expected a JSON object with a clip's settings";
+    const std::string wrapper = settings == root ? "" : '"' + std::string(kWrapper) + "\": ";
+    return wrapper + "expected a JSON object with a clip's settings";
 }
 
 } // namespace importhost

@@ -26,6 +26,7 @@ struct SwatchBand {
 
 struct SettingsKeys {
     std::uint32_t pixelFormat = 0;           ///< "mPixelFormat"
+    std::int64_t ticksPerFrame = 0;          ///< "mVideoFrameRate"
     std::int32_t channelType = 2;            ///< "mKsAudioChannelType"
     std::int32_t renderFormat = 1;           ///< "mRenderFormat"
     std::array<SwatchBand, 3> swatchBands{}; ///< color swatches, legal range, full range

@@ -96,7 +96,7 @@ std::optional<std::u16string> QtToolkit::RunFileDialog(const qelui::FileDialogRe
         dialog.selectFile(QString::fromStdU16String(request.proposedName));
     }
     if (request.script != nullptr) {
-        const auto answer = request.script->TakeFileAnswer();
+        auto answer = request.script->TakeFileAnswer();
         if (answer) {
             AnswerFileDialog(dialog, QString::fromStdU16String(*answer));
         } else {

@@ -13,6 +13,8 @@ namespace kestrelqt {
 class QtToolkit final : public qelui::Toolkit {
 public:
     QtToolkit();
+    QtToolkit(const QtToolkit&) = delete;
+    QtToolkit& operator=(const QtToolkit&) = delete;
     ~QtToolkit() override;
 
     void RunModal(qelui::UI_Dialog& dialog) override;

@@ -36,14 +36,14 @@ bool IsStoredBottomRowFirst(const ClipDescription& description)
 
 double FramesPerSecond(const ClipDescription& description)
 {
-    return description.Rate().HasFrames()
+    return description.rate.HasFrames()
                ? static_cast<double>(description.timeScale) / static_cast<double>(description.sampleSize)
                : 0.0;
 }
 
 double Seconds(const ClipDescription& description)
 {
-    return description.Rate().HasFrames()
+    return description.rate.HasFrames()
                ? static_cast<double>(description.frameCount) * static_cast<double>(description.sampleSize) /
                      static_cast<double>(description.timeScale)
                : 0.0;
@@ -73,11 +73,11 @@ std::string RatioText(qelmediatypes::PixelAspectRatio ratio)
 
 std::string RateText(const ClipDescription& description)
 {
-    if (!description.Rate().HasFrames()) {
+    if (!description.rate.HasFrames()) {
         return fmt::format("none ({}/{} is no frame rate)", description.timeScale, description.sampleSize);
     }
     return fmt::format("{}/{} fps ({:.3f}), {} ticks per frame", description.timeScale, description.sampleSize,
-                       FramesPerSecond(description), description.Rate().ticksPerFrame);
+                       FramesPerSecond(description), description.rate.ticksPerFrame);
 }
 
 std::string FormatText(const ClipDescription& description)
@@ -156,7 +156,7 @@ Value ReportAsDocument(const Clip& clip)
     AddToObject(rate, "denominator", Integer(description.sampleSize));
     AddToObject(rate, "framesPerSecond", Value(FramesPerSecond(description)));
     AddToObject(rate, "ticksPerFrame",
-                Integer(description.Rate().HasFrames() ? description.Rate().ticksPerFrame : 0));
+                Integer(description.rate.HasFrames() ? description.rate.ticksPerFrame : 0));
 
     Object duration;
     AddToObject(duration, "frames", Integer(description.frameCount));

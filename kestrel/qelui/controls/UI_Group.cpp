@@ -3,6 +3,7 @@
 #include <qelcore/exceptions/Exceptions.h>
 #include <qelui/controls/UI_Button.h>
 
+#include <ranges>
 #include <string>
 #include <utility>
 
@@ -23,8 +24,8 @@ std::vector<UI_ControlView*> UI_Group::AllControls()
     std::vector<UI_ControlView*> controls;
     std::vector<UI_ControlView*> waiting;
     const auto push = [&waiting](UI_Group& group) {
-        for (auto child = group.mChildren.rbegin(); child != group.mChildren.rend(); ++child) {
-            waiting.push_back(child->get());
+        for (const auto& child : std::views::reverse(group.mChildren)) {
+            waiting.push_back(child.get());
         }
     };
     push(*this);

@@ -19,6 +19,8 @@ class ColorArea;
 class ColorPickerWindow final : public QDialog {
 public:
     ColorPickerWindow(const qelui::sharedui::PickerColor& color, QWidget* parent);
+    ColorPickerWindow(const ColorPickerWindow&) = delete;
+    ColorPickerWindow& operator=(const ColorPickerWindow&) = delete;
     ~ColorPickerWindow() override;
 
     [[nodiscard]] const qelui::sharedui::PickerColor& Color() const noexcept { return mColor; }

@@ -17,6 +17,8 @@ class PreviewPane;
 class DialogWindow final : public QDialog, private qelui::WindowObserver {
 public:
     explicit DialogWindow(qelui::UI_Dialog& dialog);
+    DialogWindow(const DialogWindow&) = delete;
+    DialogWindow& operator=(const DialogWindow&) = delete;
     ~DialogWindow() override;
 
     /// Shows the window and returns once the dialog is closed; plays its script where it has one.

@@ -194,8 +194,7 @@ int FlatStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
                          QStyleHintReturn* returnData) const
 {
     switch (hint) {
-    case SH_ComboBox_Popup:
-        return 0; // a list below the field, with search by typing
+    case SH_ComboBox_Popup: // a list below the field, with search by typing
     case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_UnderlineShortcut:
         return 0;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <thread>
@@ -87,7 +88,7 @@ TEST_F(ClipTest, TheDescriptionIsTheDocuments)
     EXPECT_EQ(description.Order(), importhost::FieldOrder::LowerFirst);
     EXPECT_EQ(description.timeScale, 30000);
     EXPECT_EQ(description.sampleSize, 1001);
-    EXPECT_EQ(description.Rate().ticksPerFrame, 8475667200);
+    EXPECT_EQ(description.rate.ticksPerFrame, 8475667200);
     EXPECT_EQ(description.frameCount, 59); // 2 s × 29.97 = 59.94
     EXPECT_EQ(description.sampleRate, 44100.0F);
     EXPECT_EQ(description.channelCount, 6);
@@ -140,12 +141,34 @@ TEST_F(ClipTest, DurationsThatWrapTheirRecordAreStillCounted)
     EXPECT_EQ(clip.Description().frameCount, ticks / 8475667201);
 }
 
+TEST_F(ClipTest, RatesBesideEveryFractionCountTheirOwnFrames)
+{
+    for (const std::int64_t ticks : {8467200001, 8467199999, 10160640001, 4233600001}) {
+        const Clip clip =
+            Open(Document()
+                     .Set("mRenderFormat", "1")
+                     .Set("mPixelFormat", std::to_string(CodeOf("BGra")))
+                     .Set("mTopGradiantColorEnd",
+                          R"({"mAlphaPart": 0, "mRedPart": 0, "mGreenPart": 0, "mBluePart": 0})")
+                     .Set("mVideoFrameRate", "{\"ticksperframe\": " + std::to_string(ticks) + "}"));
+        EXPECT_EQ(clip.Description().rate.ticksPerFrame, ticks);
+        // The gradient moves with every frame: two alike are one that came too early.
+        std::vector<std::vector<std::byte>> rows;
+        for (std::int64_t frame = 0; frame < 5; ++frame) {
+            const importhost::Frame picture = clip.RenderFrame(frame);
+            const std::byte* const row = picture.Row(31); // stored bottom row first
+            rows.emplace_back(row, row + 16);
+        }
+        EXPECT_EQ(std::adjacent_find(rows.begin(), rows.end()), rows.end()) << ticks;
+    }
+}
+
 TEST_F(ClipTest, ARateThatIsNoneMakesAClipWithoutFramesAndNothingTraps)
 {
     for (const char* rate : {"0", "-1", "9223372036854775807", "-9223372036854775808", "1"}) {
         const Clip clip =
             Open(Document().Set("mVideoFrameRate", std::string("{\"ticksperframe\": ") + rate + "}"));
-        EXPECT_FALSE(clip.Description().Rate().HasFrames()) << rate;
+        EXPECT_FALSE(clip.Description().rate.HasFrames()) << rate;
         EXPECT_EQ(clip.Description().frameCount, 0) << rate;
         EXPECT_TRUE(clip.RenderFrame(0)) << rate;
     }
