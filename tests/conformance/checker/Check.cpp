@@ -20,9 +20,9 @@ void ExpectEqual(long long actual, long long expected, const std::string& what)
 std::vector<Check> AllChecks()
 {
     std::vector<Check> all;
-    for (auto* const subject :
-         {SelectorChecks, StartUpChecks, RegistrationChecks, InstanceChecks, DescriptionChecks,
-          SettingsTextChecks, DocumentChecks, FrameChecks, SwatchChecks, AudioChecks, AllocationChecks}) {
+    for (auto* const subject : {SelectorChecks, StartUpChecks, RegistrationChecks, InstanceChecks,
+                                DescriptionChecks, SettingsTextChecks, SettingsDialogChecks, DocumentChecks,
+                                FrameChecks, SwatchChecks, AudioChecks, AllocationChecks}) {
         std::vector<Check> checks = subject();
         std::move(checks.begin(), checks.end(), std::back_inserter(all));
     }

@@ -35,6 +35,7 @@ void ExpectEqual(long long actual, long long expected, const std::string& what);
 [[nodiscard]] std::vector<Check> InstanceChecks();
 [[nodiscard]] std::vector<Check> DescriptionChecks();
 [[nodiscard]] std::vector<Check> SettingsTextChecks();
+[[nodiscard]] std::vector<Check> SettingsDialogChecks();
 [[nodiscard]] std::vector<Check> DocumentChecks();
 [[nodiscard]] std::vector<Check> FrameChecks();
 [[nodiscard]] std::vector<Check> SwatchChecks();

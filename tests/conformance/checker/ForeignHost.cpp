@@ -43,6 +43,18 @@ bool ForeignFrame::GuardsIntact() const
     return std::all_of(from, memory.data() + memory.size(), isGuard);
 }
 
+ForeignBlock::ForeignBlock(std::uint32_t bytes)
+    : size(bytes), memory(std::make_unique<std::uint8_t[]>(bytes + kGuardBytes))
+{
+    std::memset(memory.get(), kGuard, bytes + kGuardBytes);
+}
+
+bool ForeignBlock::IsGuardIntact() const
+{
+    const std::uint8_t* behind = memory.get() + size;
+    return std::all_of(behind, behind + kGuardBytes, [](std::uint8_t byte) { return byte == kGuard; });
+}
+
 ForeignHostState& Foreign()
 {
     static ForeignHostState state;
@@ -157,7 +169,7 @@ std::int32_t RefuseSuite(const char*, std::int32_t, const void**)
 
 void* NewBlock(std::uint32_t bytes)
 {
-    return std::malloc(bytes);
+    return Foreign().hasMemory ? Foreign().blocks.emplace_back(bytes).Data() : nullptr;
 }
 
 ksSuiteAccess* GetSuiteAccess()

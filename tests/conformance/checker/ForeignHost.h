@@ -32,6 +32,21 @@ struct ForeignFrame {
     std::vector<std::uint8_t> memory;
 };
 
+/// A block of the foreign host's memory, with guard bytes behind it.
+struct ForeignBlock {
+    static constexpr std::uint8_t kGuard = 0xA5;
+    static constexpr std::size_t kGuardBytes = 64;
+
+    explicit ForeignBlock(std::uint32_t bytes);
+
+    [[nodiscard]] void* Data() const noexcept { return memory.get(); }
+    /// Whether the bytes behind it are as they were.
+    [[nodiscard]] bool IsGuardIntact() const;
+
+    std::uint32_t size; ///< as it was asked for
+    std::unique_ptr<std::uint8_t[]> memory;
+};
+
 /// What a frame creation was called with.
 struct CreateCall {
     std::int32_t access;
@@ -59,12 +74,14 @@ struct ForeignHostState {
     std::int32_t legacyTimeScale = 30;
     std::int32_t legacySampleSize = 1;
     std::int64_t legacyTicks = 0;
+    bool hasMemory = true;                  ///< false: the allocator gives null
     std::vector<std::string> refusedSuites; ///< by name
 
     std::vector<std::string> acquired; ///< "name/version"
     std::vector<CreateCall> creations;
     std::vector<std::int64_t> legacyTicksAsked;
     std::vector<std::unique_ptr<ForeignFrame>> frames;
+    std::vector<ForeignBlock> blocks;
 };
 
 [[nodiscard]] ForeignHostState& Foreign();
