@@ -62,14 +62,21 @@ __attribute__((target("avx"))) inline void Store(std::byte* at, __m256i value) n
 // storing what comes some way later was measured faster than memset in the caches and beyond.
 constexpr std::size_t kLineBytes = 64;
 
+/// An address that may lie outside the frame, good for a hint alone.
+inline const void* Beyond(const std::byte* at, std::ptrdiff_t distance) noexcept
+{
+    return reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(at) +
+                                         static_cast<std::uintptr_t>(distance));
+}
+
 /// Stores from `row`, a multiple of 32, until less than 32 bytes are left before `end`.
 ///
-/// @param ahead  How many bytes on to fetch. Nothing is written there, and no address is wrong.
+/// @param ahead  How many bytes on to fetch; nothing is written there.
 __attribute__((target("avx"))) inline std::byte* StoreRun(std::byte* row, const std::byte* end, __m256i wide,
                                                           std::ptrdiff_t ahead) noexcept
 {
     for (; end - row >= static_cast<std::ptrdiff_t>(kLineBytes); row += kLineBytes) {
-        __builtin_prefetch(row + ahead, /*write=*/1);
+        __builtin_prefetch(Beyond(row, ahead), /*write=*/1);
         Store(row, wide);
         Store(row + kWideBytes, wide);
     }
