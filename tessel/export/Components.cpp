@@ -68,12 +68,15 @@ void ForEachSample(const ComponentSource& source, const ComponentTarget& target,
                    const Convert& convert) noexcept
 {
     WithConstantSteps(source.step, target.step, [&](auto sourceStep, auto targetStep) {
+        // Copies, which the bytes that are written cannot be part of: else no loop becomes vector code.
+        const Convert convertHere = convert;
+        const std::int32_t width = target.width;
         for (std::int32_t y = 0; y < target.height; ++y) {
             const std::byte* from = source.first + y * source.rowBytes;
             std::byte* to = target.first + y * target.rowBytes;
-            for (std::int32_t x = 0; x < target.width; ++x) {
+            for (std::int32_t x = 0; x < width; ++x) {
                 Write<To>(to + static_cast<std::ptrdiff_t>(x) * targetStep,
-                          convert(Read<From>(from + static_cast<std::ptrdiff_t>(x) * sourceStep)));
+                          convertHere(Read<From>(from + static_cast<std::ptrdiff_t>(x) * sourceStep)));
             }
         }
     });
@@ -93,7 +96,7 @@ void MoveIntegers(const ComponentSource& source, const ComponentTarget& target, 
         break;
     case SampleType::U16be:
         ForEachSample<From, BigEndian16>(source, target,
-                                         [&](From value) { return BigEndian16(widened(value)); });
+                                         [widened](From value) { return BigEndian16(widened(value)); });
         break;
     case SampleType::F32:
         break;
@@ -173,25 +176,28 @@ void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const Compo
 {
     const auto source = FloatComponent<const std::byte>(samples, samplesPerRow, target.width, target.height);
     const auto code = [rounding](float value) {
-        const float scaled = value * rounding.scale + rounding.offset + 0.5F;
+        // Doubles hold the sums exactly (24 bits of value times at most 16 of scale), so there is one rounding:
+        // in floats, 0.9 of 65535, which is 58981.498, plus a half is already 58982.
+        const double scaled = static_cast<double>(value) * rounding.scale + rounding.offset + 0.5;
         // Every comparison with NaN is false, which makes it the lowest code. Codes are not negative, so
         // truncation rounds down.
-        const float above = scaled > rounding.lowest ? scaled : rounding.lowest;
+        const double above = scaled > rounding.lowest ? scaled : rounding.lowest;
         return static_cast<std::int32_t>(std::min(above, rounding.highest));
     };
     switch (target.type) {
     case SampleType::U8:
-        return ForEachSample<float, std::uint8_t>(source, target,
-                                                  [&](float v) { return static_cast<std::uint8_t>(code(v)); });
+        return ForEachSample<float, std::uint8_t>(
+            source, target, [code](float v) { return static_cast<std::uint8_t>(code(v)); });
     case SampleType::U16:
         return ForEachSample<float, std::uint16_t>(
-            source, target, [&](float v) { return static_cast<std::uint16_t>(code(v)); });
+            source, target, [code](float v) { return static_cast<std::uint16_t>(code(v)); });
     case SampleType::U16be:
         return ForEachSample<float, BigEndian16>(
-            source, target, [&](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
+            source, target, [code](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
     case SampleType::F32:
-        return ForEachSample<float, float>(
-            source, target, [rounding](float v) { return v * rounding.scale + rounding.offset; });
+        return ForEachSample<float, float>(source, target, [rounding](float v) {
+            return static_cast<float>(static_cast<double>(v) * rounding.scale + rounding.offset);
+        });
     }
 }
 

@@ -33,10 +33,10 @@ void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t sa
 /// A float value to a code: clamp(floor(value × scale + offset + 0.5), lowest, highest), NaN as `lowest`. For
 /// float targets value × scale + offset, unclamped.
 struct Rounding {
-    float scale = 1.0F;
-    float offset = 0.0F;
-    float lowest = 0.0F;
-    float highest = 0.0F;
+    double scale = 1.0;
+    double offset = 0.0;
+    double lowest = 0.0;
+    double highest = 0.0;
 };
 void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const ComponentTarget& target,
                  const Rounding& rounding) noexcept;

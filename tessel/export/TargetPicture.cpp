@@ -8,9 +8,9 @@
 namespace tessel::exporting {
 namespace {
 
-float HighestCode(int bits) noexcept
+double HighestCode(int bits) noexcept
 {
-    return static_cast<float>((1U << bits) - 1U);
+    return static_cast<double>((1U << bits) - 1U);
 }
 
 } // namespace
@@ -47,24 +47,24 @@ Rounding RoundingFor(const LayoutInfo& target, int component, int sourceBits, bo
     const bool isFloat = target.type == SampleType::F32;
     const bool isLinearScale = target.family == ColorFamily::Rgb || component == 3;
     if (isLinearScale) {
-        rounding.highest = isFloat ? 1.0F : HighestCode(target.bits);
-        rounding.scale = rounding.highest / (sourceBits == 32 ? 1.0F : HighestCode(sourceBits));
+        rounding.highest = isFloat ? 1.0 : HighestCode(target.bits);
+        rounding.scale = rounding.highest / (sourceBits == 32 ? 1.0 : HighestCode(sourceBits));
         return rounding;
     }
     // Codes of 8 bits times this are codes of the target's.
-    const auto unit = static_cast<float>(1U << (target.bits - 8));
+    const auto unit = static_cast<double>(1U << (target.bits - 8));
     // Codes that are kept stay as they are; only those that are made keep clear of the timing codes.
     const bool keepsClear = sourceBits == 32 && !fullRange;
-    rounding.lowest = keepsClear ? unit : 0.0F;
-    rounding.highest = keepsClear ? 255.0F * unit - 1.0F : HighestCode(target.bits);
+    rounding.lowest = keepsClear ? unit : 0.0;
+    rounding.highest = keepsClear ? 255.0 * unit - 1.0 : HighestCode(target.bits);
     if (sourceBits != 32) {
-        rounding.scale = unit / static_cast<float>(1U << (sourceBits - 8));
+        rounding.scale = unit / static_cast<double>(1U << (sourceBits - 8));
     } else if (fullRange) {
         rounding.scale = HighestCode(target.bits);
-        rounding.offset = component == 0 ? 0.0F : 128.0F * unit;
+        rounding.offset = component == 0 ? 0.0 : 128.0 * unit;
     } else {
-        rounding.scale = (component == 0 ? 219.0F : 224.0F) * unit;
-        rounding.offset = (component == 0 ? 16.0F : 128.0F) * unit;
+        rounding.scale = (component == 0 ? 219.0 : 224.0) * unit;
+        rounding.offset = (component == 0 ? 16.0 : 128.0) * unit;
     }
     return rounding;
 }

@@ -109,6 +109,20 @@ class Pixels(RenderTest):
                     for sample in set(samples):
                         self.assertLessEqual(abs(sample - expected), 1, f"{form['code']} plane {plane} row {row}")
 
+    def test_float_rgb_becomes_the_nearest_16_bit_codes(self):
+        # 65535 times the float 0.9 is 58981.4984, so near a half that floats cannot tell it apart.
+        values = [Fraction(struct.unpack("<f", struct.pack("<f", part))[0]) for part in (0.9, 0.3, 0.7, 0.9)]
+        red, green, blue, alpha = full_codes(values, 16)
+        self.assertEqual(red, 58981)
+        for output, pixel_format, expected in (("x_%d.png", "rgba64be", (">4H", red, green, blue, alpha)),
+                                               ("x_%d.tiff", "rgba64le", ("<4H", red, green, blue, alpha))):
+            path = self.render(document("BGra", (6, 4), upper=(0.9, 0.3, 0.7, 0.9), order=0, frames=1), output)
+            data = self.decode(path.replace("%d", "0"), pixel_format)
+            self.assertEqual(data, struct.pack(*expected) * 24, output)
+        data = self.picture("BGra", "x.mkv", "gbrap16le", upper=(0.9, 0.3, 0.7, 0.9), order=0)
+        codes = (green, blue, red, alpha)
+        self.expect_planes(data, 4, 16, codes, codes, "FFV1")
+
     def test_float_rgb_is_kept_bit_for_bit_in_exr(self):
         upper, lower = (1.5, -0.25, 0.1, 0.5), (0.3, 1e-3, 7.25, 1.0)
         for form in (f for f in FORMATS.values() if f["family"] == "rgb" and f["storage"] in ("float", "linear")):
