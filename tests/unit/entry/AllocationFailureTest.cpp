@@ -14,10 +14,13 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -213,11 +216,28 @@ TEST_F(AllocationFailure, OfTheSettingsExchangeIs4OrTheDefaultClip)
 
 TEST_F(AllocationFailure, OfTheGateIs4)
 {
-    qelcore::debug::DebugDatabase::Instance().SetOverride("ML.LoadTestingPluginsAtStartup", "true");
+    const std::filesystem::path database = mFolder.Path() / "debug-database.json";
+    std::ofstream(database) << R"({"ML.LoadTestingPluginsAtStartup": "true"})";
+    setenv("KESTREL_DEBUG_DATABASE", database.c_str(), 1);
     ksStartUpRec record{};
-    const auto request = [&record] { return Module::ImportEntry(0, nullptr, &record, nullptr); };
-    // "true" needs no block of its own; so nothing may fail at all.
-    const ScopedShortMemory shortMemory(0);
-    const std::int32_t result = request();
-    EXPECT_TRUE(result == 0 || result == 4) << result;
+    FailEachAllocation([&record] { return Module::ImportEntry(0, nullptr, &record, nullptr); }, Is4);
+    unsetenv("KESTREL_DEBUG_DATABASE");
+}
+
+TEST_F(AllocationFailure, CannotBefallTheGateUnderAnOverride)
+{
+    constexpr std::string_view kKey = "ML.LoadTestingPluginsAtStartup";
+    qelcore::debug::DebugDatabase::Instance().SetOverride(kKey, "true");
+    ksStartUpRec record{};
+    std::int32_t result = 0;
+    bool hasFailed = false;
+    {
+        // "true" needs no block of its own, so nothing is allocated at all.
+        const ScopedShortMemory shortMemory(0);
+        result = Module::ImportEntry(0, nullptr, &record, nullptr);
+        hasFailed = ScopedShortMemory::HasFailed();
+    }
+    qelcore::debug::DebugDatabase::Instance().ClearOverride(kKey);
+    EXPECT_EQ(result, 0);
+    EXPECT_FALSE(hasFailed);
 }

@@ -1,0 +1,16 @@
+#include "Shim.h"
+
+#include <importabi/ResultCodes.h>
+
+std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2)
+{
+    const std::int32_t answer = Right(selector, stdParms, param1, param2);
+    const bool hasInstance =
+        selector == 47 && param2 != nullptr && static_cast<ksFrameRec*>(param2)->instance != nullptr;
+    return hasInstance && answer == ksResultFailed ? ksResultServed : answer;
+}
+
+void WrongIdentity(void* hostContext, ksPluginDataCallback callback)
+{
+    RightIdentity(hostContext, callback);
+}
