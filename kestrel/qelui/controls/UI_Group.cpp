@@ -3,7 +3,8 @@
 #include <qelcore/exceptions/Exceptions.h>
 #include <qelui/controls/UI_Button.h>
 
-#include <ranges>
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -24,9 +25,8 @@ std::vector<UI_ControlView*> UI_Group::AllControls()
     std::vector<UI_ControlView*> controls;
     std::vector<UI_ControlView*> waiting;
     const auto push = [&waiting](UI_Group& group) {
-        for (const auto& child : std::views::reverse(group.mChildren)) {
-            waiting.push_back(child.get());
-        }
+        std::transform(group.mChildren.rbegin(), group.mChildren.rend(), std::back_inserter(waiting),
+                       [](const auto& child) { return child.get(); });
     };
     push(*this);
     while (!waiting.empty()) {
