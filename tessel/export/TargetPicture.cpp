@@ -53,8 +53,9 @@ Rounding RoundingFor(const LayoutInfo& target, int component, int sourceBits, bo
     }
     // Codes of 8 bits times this are codes of the target's.
     const auto unit = static_cast<double>(1U << (target.bits - 8));
-    // Codes that are kept stay as they are; only those that are made keep clear of the timing codes.
-    const bool keepsClear = sourceBits == 32 && !fullRange;
+    // Codes that are kept or widened stay as they are; those that are made, be it of more bits, keep clear of
+    // the timing codes. The 1019 of 10 bits, for one, would round to the 255 of 8.
+    const bool keepsClear = sourceBits > target.bits && !fullRange;
     rounding.lowest = keepsClear ? unit : 0.0;
     rounding.highest = keepsClear ? 255.0 * unit - 1.0 : HighestCode(target.bits);
     if (sourceBits != 32) {

@@ -251,10 +251,11 @@ bool Check(const BR::PixelFormatInfo& format, const LayoutModel& target, int wid
     const bool onlyRounds = source.IsRgb() && target.IsRgb() && !source.IsLinear();
     const double computed = target.bits == 32 ? 2e-6 : target.bits == 16 ? 0.55 : 0.501;
     const double slack = onlyRounds ? roundedOnce : computed;
-    // Codes that are kept are not even clipped to the serial interface's range.
+    // Codes that are kept or widened are not even clipped to the serial interface's range; reduced ones are
+    // made.
     const bool keeps = source.IsRgb() == target.IsRgb() && (source.IsRgb() || source.Matrix() == coding.matrix);
     const bool upsamples = source.Is422() && target.chromaShiftX == 0;
-    const bool keepsCodes = keeps && !source.IsFloat() && !upsamples;
+    const bool keepsCodes = keeps && !source.IsFloat() && !upsamples && source.Bits() <= target.bits;
     const bool moves = keeps && !source.IsFloat() && source.Bits() <= target.bits &&
                        target.chromaShiftX == (source.Is422() ? 1 : 0) && target.chromaShiftY == 0 &&
                        !target.IsRgb();
