@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 namespace tessel::exporting {
@@ -196,7 +197,9 @@ void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const Compo
             source, target, [code](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
     case SampleType::F32:
         return ForEachSample<float, float>(source, target, [rounding](float v) {
-            return static_cast<float>(static_cast<double>(v) * rounding.scale + rounding.offset);
+            constexpr double kLargest = std::numeric_limits<float>::max();
+            const double value = static_cast<double>(v) * rounding.scale + rounding.offset;
+            return static_cast<float>(std::clamp(value, -kLargest, kLargest));
         });
     }
 }

@@ -31,7 +31,7 @@ void MoveSamples(const ComponentSource& source, const ComponentTarget& target, i
 void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow) noexcept;
 
 /// A float value to a code: clamp(floor(value × scale + offset + 0.5), lowest, highest), NaN as `lowest`. For
-/// float targets value × scale + offset, unclamped.
+/// float targets value × scale + offset, or the largest float of its sign where that is beyond.
 struct Rounding {
     double scale = 1.0;
     double offset = 0.0;

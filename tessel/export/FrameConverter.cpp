@@ -171,7 +171,13 @@ public:
     }
 
 private:
-    /// Loads a component as floats; unusual floats are made usual and linear light becomes R'G'B'.
+    [[nodiscard]] bool KeepsFloats() const noexcept
+    {
+        return mSource.type == SampleType::F32 && InfoOf(mConversion.target).type == SampleType::F32;
+    }
+
+    /// Loads a component as floats; unusual floats are made usual and for integer targets linear light becomes
+    /// R'G'B'.
     void Load(int component, const AlignedBuffer& buffer, std::ptrdiff_t rowSamples) const
     {
         const ComponentSource source = mReader.Component(component);
@@ -179,11 +185,14 @@ private:
         if (mSource.type != SampleType::F32) {
             return;
         }
-        const bool toFloat = InfoOf(mConversion.target).type == SampleType::F32;
         for (std::int32_t y = 0; y < source.height; ++y) {
             float* row = buffer.As<float>() + y * rowSamples;
+            if (KeepsFloats()) {
+                MakeFiniteWithHeadroom(row, source.width);
+                continue;
+            }
             MakeFinite(row, source.width);
-            if (mSource.kind.linear && !toFloat) {
+            if (mSource.kind.linear) {
                 ApplyBt709Transfer(row, source.width);
             }
         }
@@ -235,8 +244,11 @@ private:
             }
             rowSamples = chroma.width;
         }
-        StoreFloats(plane, rowSamples, samples,
-                    RoundingFor(target, component, mSourceBits, mConversion.coding.fullRange));
+        Rounding rounding = RoundingFor(target, component, mSourceBits, mConversion.coding.fullRange);
+        if (KeepsFloats()) {
+            rounding.scale *= static_cast<double>(kMatrixHeadroom);
+        }
+        StoreFloats(plane, rowSamples, samples, rounding);
     }
 
     static void CloseGaps(const FloatPlane& plane, std::ptrdiff_t rowSamples) noexcept

@@ -142,6 +142,27 @@ class Pixels(RenderTest):
                     self.assertEqual(data[start:start + self.WIDTH * 4], value * self.WIDTH,
                                      f"{form['code']} plane {plane} row {row}")
 
+    def test_float_ycbcr_keeps_values_far_outside_in_exr(self):
+        upper, lower = (20000.0, 40000.0, -30000.0, 1.0), (1e36, 2e36, 1e37, 1.0)
+        for code in ("VUyx", "VUx7"):
+            root = document(code, (self.WIDTH, self.HEIGHT), upper=upper, lower=lower, order=1, frames=1)
+            data = self.decode(self.render(root, "x.exr"), "gbrpf32le")
+            for plane, component in enumerate((1, 2, 0)):
+                for row in range(self.HEIGHT):
+                    start = (plane * self.HEIGHT + row) * self.WIDTH * 4
+                    expected = (lower if row % 2 else upper)[component]
+                    for got in struct.unpack(f"<{self.WIDTH}f", data[start:start + self.WIDTH * 4]):
+                        # Through a matrix of floats and back.
+                        self.assertLess(abs(got - expected), 1e-5 * max(lower if row % 2 else map(abs, upper)),
+                                        f"{code} plane {plane} row {row}")
+
+    def test_v210_reduced_to_8_bits_keeps_clear_of_the_timing_codes(self):
+        # Far outside, v210 has 1019 and 4: a quarter of 1019 would round to 255.
+        data = self.picture("v211", "x.mov", "uyvy422", upper=(3.0,) * 4, lower=(-3.0,) * 3 + (1.0,),
+                            arguments=("--video-codec", "raw"))
+        rows = [bytes((128, 254)) * self.WIDTH, bytes((128, 1)) * self.WIDTH]
+        self.assertEqual(data, b"".join(rows) * (self.HEIGHT // 2))
+
     def test_packed_422_stays_as_it_is(self):
         for code in ("yuy2", "yuy3", "uyvy", "uyv7"):
             form = FORMATS[code]
