@@ -21,23 +21,23 @@ bool IsYCbCrMatrix(std::int32_t code) noexcept
 
 } // namespace
 
-YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes) noexcept
+YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes, CodeRanges ranges) noexcept
 {
     const std::int32_t matrix = codes.matrix;
     if (matrix < 0 || matrix > 255 || !IsYCbCrMatrix(matrix)) {
         return {};
     }
-    return {static_cast<Matrix>(matrix), codes.fullRange != 0};
+    return {static_cast<Matrix>(matrix), codes.fullRange != 0 && ranges == CodeRanges::LimitedAndFull};
 }
 
-ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const LayoutInfo& layout) noexcept
+ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const LayoutInfo& layout,
+                  const YCbCrCoding& coding) noexcept
 {
     ColorTags tags{codes.primaries, codes.transfer, codes.matrix, codes.fullRange != 0};
     if (layout.family == ColorFamily::Rgb) {
         tags.matrix = static_cast<int>(Matrix::Rgb);
         tags.fullRange = true;
     } else if (kind.family == ColorFamily::Rgb) {
-        const YCbCrCoding coding = CodingFor(codes);
         tags.matrix = static_cast<int>(coding.matrix);
         tags.fullRange = coding.fullRange;
     } else if (codes.matrix == static_cast<int>(Matrix::Rgb)) {

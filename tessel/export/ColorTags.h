@@ -7,6 +7,8 @@
 
 #include <importabi/Records.h>
 
+#include <cstdint>
+
 namespace tessel::exporting {
 
 /// Codes of ITU-T H.273.
@@ -19,9 +21,13 @@ struct ColorTags {
     bool operator==(const ColorTags&) const = default;
 };
 
+/// The code ranges that readers of a file can tell apart.
+enum class CodeRanges : std::uint8_t { OnlyLimited, LimitedAndFull };
+
 /// How R'G'B' pixels of a clip become Y'CbCr: by the clip's own matrix and range where it names a Y'CbCr one,
 /// else BT.709 limited range.
-[[nodiscard]] YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes) noexcept;
+/// @param ranges  what the file can say: where readers take its codes for limited range, they are made so
+[[nodiscard]] YCbCrCoding CodingFor(const ksSEIColorCodesRec& codes, CodeRanges ranges) noexcept;
 
 /// The tags of a file with pixels of `layout`.
 ///
@@ -30,8 +36,9 @@ struct ColorTags {
 /// - Y'CbCr pixels of a Y'CbCr format announce the clip's matrix and range, also where they contradict the
 ///   format: wrong tags are a wanted test. In an R'G'B' space they announce the format's matrix, limited.
 /// - Y'CbCr pixels made from R'G'B' announce what they were made with.
-/// @param kind  of the clip's own format
+/// @param kind    of the clip's own format
+/// @param coding  of Y'CbCr pixels made from R'G'B'
 [[nodiscard]] ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes,
-                                const LayoutInfo& layout) noexcept;
+                                const LayoutInfo& layout, const YCbCrCoding& coding) noexcept;
 
 } // namespace tessel::exporting

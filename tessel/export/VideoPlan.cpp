@@ -168,6 +168,16 @@ BR::PixelFormat FrameFormat(BR::PixelFormat format, const PixelKind& kind) noexc
     return format;
 }
 
+/// The ranges of codes that R'G'B' may become: what the file announces and its readers heed.
+CodeRanges RangesOf(VideoCodec codec, Container container) noexcept
+{
+    // H.264 says its range in its own stream, Y4M in its header. The others that turn R'G'B' into Y'CbCr (v210,
+    // v408, ProRes, MPEG-2, DV) are limited to their readers, whatever some containers say beside it; full
+    // range would even use v210's timing codes.
+    const bool saysRange = codec == VideoCodec::H264 || container == Container::Y4m;
+    return saysRange ? CodeRanges::LimitedAndFull : CodeRanges::OnlyLimited;
+}
+
 PictureGeometry GeometryOf(const ClipDescription& clip)
 {
     if (clip.width < 1 || clip.height < 1) {
@@ -219,12 +229,13 @@ VideoPlan PlanVideo(const ClipDescription& clip, Container container, std::optio
     plan.conversion.target = layout;
     plan.conversion.width = clip.width;
     plan.conversion.height = clip.height;
-    plan.conversion.coding =
-        kind.family == ColorFamily::Rgb ? CodingFor(clip.colorCodes) : YCbCrCoding{kind.matrix};
+    plan.conversion.coding = kind.family == ColorFamily::Rgb
+                                 ? CodingFor(clip.colorCodes, RangesOf(plan.codec, container))
+                                 : YCbCrCoding{kind.matrix};
     const bool byField =
         kind.storage == Storage::Planar420 ? kind.fieldPicture : plan.geometry.order != FieldOrder::Progressive;
     plan.conversion.chromaRows = byField ? ChromaRows::Field : ChromaRows::Frame;
-    plan.tags = TagsFor(kind, clip.colorCodes, InfoOf(layout));
+    plan.tags = TagsFor(kind, clip.colorCodes, InfoOf(layout), plan.conversion.coding);
     return plan;
 }
 

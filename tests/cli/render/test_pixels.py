@@ -4,7 +4,7 @@ import struct
 import subprocess
 from fractions import Fraction
 
-from render_support import FORMATS, RenderTest, document, floor_half_up, full_codes, main, ycbcr, ycbcr_codes
+from render_support import FORMATS, RenderTest, color, document, floor_half_up, full_codes, main, ycbcr, ycbcr_codes
 
 UPPER = (1.0, 0.5, 0.25, 1.0)
 LOWER = (0.0, 1.0, 0.0, 1.0)
@@ -245,6 +245,27 @@ class Pixels(RenderTest):
         luma, cb, cr = ycbcr([Fraction(code, 255) for code in full_codes(UPPER[:3])], 709)
         codes = [floor_half_up(255 * luma), floor_half_up(255 * cb + 128), floor_half_up(255 * cr + 128)]
         self.expect_planes(data, 3, 8, codes, codes, "full range")
+
+    def test_full_range_is_made_only_where_readers_are_told(self):
+        # Readers take codes for 16 to 235 unless the file says full range, "pc".
+        rows = (("x.mov", "prores", "tv", "yuva444p12le", 12), ("x.mov", "v210", None, "yuv422p10le", 10),
+                ("x.mkv", "v210", "tv", "yuv422p10le", 10), ("x.mov", "v408", None, "yuva444p", 8),
+                ("x.avi", "v408", None, "yuva444p", 8), ("x.mkv", "mpeg2", "tv", "yuv422p", 8),
+                ("x.mov", "dv", None, "yuv422p", 8), ("x.mkv", "dv", "tv", "yuv422p", 8),
+                ("x.mov", "h264", "pc", "yuvj420p", 8), ("x.avi", "h264", "pc", "yuvj420p", 8),
+                ("x.mxf", "h264", "pc", "yuvj420p", 8), ("x.y4m", "raw", "pc", "yuv444p16le", 16))
+        for output, codec, says, pixel_format, bits in rows:
+            root = document("BGra", (720, 576), (25, 1), 1, space="Rec. 709 Full Range")
+            for name, number in (("white", 1), ("black", 0)):
+                root["mUpperFieldColor"] = root["mLowerFieldColor"] = color(number, number, number)
+                path = self.render(root, output, "--video-only", "--video-codec", codec)
+                self.assertEqual(self.probe(path).get("color_range"), says, f"{output} {codec}")
+                data = self.decode(path, pixel_format)
+                luma = data[0] if bits == 8 else struct.unpack("<H", data[:2])[0]
+                highest, unit = (1 << bits) - 1, 1 << (bits - 8)
+                expected = number * highest if says == "pc" else (16 + 219 * number) * unit
+                slack = 1 if codec in ("prores", "h264", "mpeg2", "dv") else 0
+                self.assertLessEqual(abs(luma - expected), slack, f"{output} {codec} {name}: {luma}")
 
     def test_ycbcr_becomes_rgb_for_pictures(self):
         for code, bits, pixel_format in (("VUYA", 8, "rgba"), ("vuyx", 8, "rgb24"), ("uyvy", 8, "rgb24"),

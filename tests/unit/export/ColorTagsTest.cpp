@@ -11,7 +11,7 @@ constexpr ksSEIColorCodesRec kSRgb{1, 13, 0, 1};
 
 ColorTags Tags(BR::PixelFormat format, const ksSEIColorCodesRec& codes, PictureLayout layout)
 {
-    return TagsFor(KindOf(format), codes, InfoOf(layout));
+    return TagsFor(KindOf(format), codes, InfoOf(layout), CodingFor(codes, CodeRanges::LimitedAndFull));
 }
 
 TEST(ColorTags, RgbPixelsAnnounceMatrix0AndFullRange)
@@ -36,14 +36,26 @@ TEST(ColorTags, YCbCrPixelsInAnRgbSpaceAnnounceTheFormatsMatrix)
               (ColorTags{1, 13, 1, false}));
 }
 
+TEST(ColorTags, YCbCrMadeFromRgbIsLimitedWhereFilesCannotSayOtherwise)
+{
+    const YCbCrCoding coding = CodingFor(kRec709Full, CodeRanges::OnlyLimited);
+    EXPECT_EQ(coding, (YCbCrCoding{Matrix::Bt709, false}));
+    const PixelKind rgb = KindOf(BR::PixelFormat::BGRA_4444_8u);
+    const PixelKind ycbcr = KindOf(BR::PixelFormat::UYVY_422_8u_709);
+    EXPECT_EQ(TagsFor(rgb, kRec709Full, InfoOf(PictureLayout::Uyvy), coding), (ColorTags{1, 1, 1, false}));
+    // Codes that the clip has already stay, and so does what it says of them.
+    EXPECT_EQ(TagsFor(ycbcr, kRec709Full, InfoOf(PictureLayout::Uyvy), coding), (ColorTags{1, 1, 1, true}));
+}
+
 TEST(ColorTags, YCbCrMadeFromRgbAnnouncesWhatItWasMadeWith)
 {
     EXPECT_EQ(Tags(BR::PixelFormat::BGRA_4444_8u, kSRgb, PictureLayout::Yuv420p), (ColorTags{1, 13, 1, false}));
     EXPECT_EQ(Tags(BR::PixelFormat::BGRA_4444_8u, kRec709Full, PictureLayout::Yuv420p),
               (ColorTags{1, 1, 1, true}));
-    EXPECT_EQ(CodingFor({9, 16, 9, 0}), (YCbCrCoding{Matrix::Bt2020, false}));
+    EXPECT_EQ(CodingFor({9, 16, 9, 0}, CodeRanges::LimitedAndFull), (YCbCrCoding{Matrix::Bt2020, false}));
     for (const std::int32_t odd : {-1, 0, 2, 3, 4, 8, 10, 256, 257, 1 << 30}) {
-        EXPECT_EQ(CodingFor({1, 1, odd, 1}), (YCbCrCoding{Matrix::Bt709, false})) << odd;
+        EXPECT_EQ(CodingFor({1, 1, odd, 1}, CodeRanges::LimitedAndFull), (YCbCrCoding{Matrix::Bt709, false}))
+            << odd;
     }
 }
 

@@ -87,6 +87,31 @@ TEST(VideoPlan, H264PairsColumnsAndRowsOnlyWhereTheyCanBe)
     }
 }
 
+TEST(VideoPlan, FullRangeIsMadeOnlyWhereItsReadersAreTold)
+{
+    const struct {
+        Container container;
+        VideoCodec codec;
+        bool fullRange;
+    } kRows[] = {{Container::Mov, VideoCodec::ProRes, false}, {Container::Mov, VideoCodec::V210, false},
+                 {Container::Mkv, VideoCodec::V210, false},   {Container::Avi, VideoCodec::V408, false},
+                 {Container::Mkv, VideoCodec::V408, false},   {Container::Mxf, VideoCodec::Mpeg2, false},
+                 {Container::Mkv, VideoCodec::Dv, false},     {Container::Mp4, VideoCodec::H264, true},
+                 {Container::Avi, VideoCodec::H264, true},    {Container::Y4m, VideoCodec::Raw, true}};
+    for (const auto& row : kRows) {
+        auto clip = DescriptionOf(PixelFormat::BGRA_4444_32f, 720, 480);
+        clip.colorCodes = {1, 1, 1, 1};
+        const VideoPlan made = PlanVideo(clip, row.container, row.codec);
+        EXPECT_EQ(made.conversion.coding.fullRange, row.fullRange) << NameOf(row.codec);
+        EXPECT_EQ(made.tags, (ColorTags{1, 1, 1, row.fullRange})) << NameOf(row.codec);
+        // What has codes keeps them, and what it says about them.
+        clip.pixelFormat = PixelFormat::UYVY_422_8u_709;
+        const VideoPlan kept = PlanVideo(clip, row.container, row.codec);
+        EXPECT_FALSE(kept.conversion.coding.fullRange) << NameOf(row.codec);
+        EXPECT_EQ(kept.tags, (ColorTags{1, 1, 1, true})) << NameOf(row.codec);
+    }
+}
+
 TEST(VideoPlan, ChromaRowsFollowTheFormatElseTheFieldOrder)
 {
     EXPECT_EQ(
