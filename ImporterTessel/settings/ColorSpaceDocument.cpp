@@ -2,9 +2,11 @@
 
 #include "DocumentFields.h"
 
+#include <qelcore/exceptions/Exceptions.h>
 #include <qelcore/serialization/Json.h>
 
 #include <cstdint>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -19,7 +21,12 @@ namespace {
 
 std::vector<std::uint8_t> BytesFromValue(const ValuePtr& value, std::string_view key)
 {
-    return DecodeBinaryDataFromUTF8String(AsText(value, key));
+    const std::string& text = AsText(value, key);
+    try {
+        return DecodeBinaryDataFromUTF8String(text);
+    } catch (const parse_exception& error) {
+        throw parse_exception('"' + std::string(key) + "\": " + error.what());
+    }
 }
 
 ColorProfile ProfileFromValue(const ValuePtr& value, std::string_view key)

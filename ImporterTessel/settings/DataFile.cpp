@@ -17,7 +17,7 @@ constexpr std::string_view kLogContext = "ImporterTessel::`anonymous-namespace':
 void ReadLegacyColorSpace(const qelcore::serialization::ValuePtr& document, TesselInfo& info)
 {
     std::string name;
-    ObjectReader(document, "TesselInfo", "TesselInfo").ReadIfPresent("mPredefinedColorSpace", name);
+    ObjectReader(document, /*path=*/"", "TesselInfo").ReadIfPresent("mPredefinedColorSpace", name);
     if (!name.empty()) {
         info.mColorSpace = BR::QELColorSpaceFromSDKPredefinedColorSpace(name);
     }

@@ -130,8 +130,8 @@ Value ListValue(const std::vector<float>& field)
     return MakeListValue(std::move(array));
 }
 
-ObjectReader::ObjectReader(const ValuePtr& value, std::string_view key, std::string_view recordType)
-    : mObject(AsObject(value, key)), mRecordType(recordType)
+ObjectReader::ObjectReader(const ValuePtr& value, std::string_view path, std::string_view recordType)
+    : mObject(AsObject(value, path.empty() ? recordType : path)), mPath(path), mRecordType(recordType)
 {
 }
 
@@ -139,7 +139,7 @@ const ValuePtr& ObjectReader::Required(std::string_view key) const
 {
     const ValuePtr* const value = Find(key);
     if (value == nullptr) {
-        throw missing_key_exception(key, mRecordType);
+        throw missing_key_exception(PathTo(key), mRecordType);
     }
     return *value;
 }
@@ -148,6 +148,15 @@ const ValuePtr* ObjectReader::Find(std::string_view key) const noexcept
 {
     const auto entry = mObject.find(key);
     return entry == mObject.end() ? nullptr : &entry->second;
+}
+
+std::string ObjectReader::PathTo(std::string_view key) const
+{
+    std::string path(mPath);
+    if (!path.empty()) {
+        path += '.';
+    }
+    return path += key;
 }
 
 } // namespace ImporterTessel

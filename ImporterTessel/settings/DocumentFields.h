@@ -10,9 +10,9 @@
 
 namespace ImporterTessel {
 
-/// Reads a field from `value`; `key` names it in errors. Integers are taken modulo 2^32 where the field has
-/// 32 bits; numbers become floats, so one beyond a float's range becomes an infinity; texts become UTF-16.
-/// Lists replace what the field held.
+/// Reads a field from `value`; `key` names it in errors, after the keys that lead to it, parted by points.
+/// Integers are taken modulo 2^32 where the field has 32 bits; numbers become floats, so one beyond a float's
+/// range becomes an infinity; texts become UTF-16. Lists replace what the field held.
 /// @throws qelcore::serialization::type_exception, with the field untouched.
 /// Threads: [any-thread].
 /// @{
@@ -44,28 +44,30 @@ void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_v
 [[nodiscard]] qelcore::serialization::Value ListValue(const std::vector<float>& field);
 /// @}
 
-/// The object that holds a record's fields. Refers to the value that it was made from, which must outlive it.
+/// The object that holds a record's fields. Refers to the value and the path that it was made from, which must
+/// outlive it.
 /// Threads: [any-thread].
 class ObjectReader {
 public:
-    /// @param key         Names the object in the error where `value` is none.
+    /// @param path        Names the object in errors: the keys that lead to it, parted by points; empty for the
+    ///                    root.
     /// @param recordType  Names the record in errors about missing keys; a literal.
     /// @throws qelcore::serialization::type_exception where `value` is not an object.
-    ObjectReader(const qelcore::serialization::ValuePtr& value, std::string_view key,
+    ObjectReader(const qelcore::serialization::ValuePtr& value, std::string_view path,
                  std::string_view recordType);
 
     /// Reads a required field. @throws missing_key_exception, type_exception
     template <class Field>
     void Read(std::string_view key, Field& field) const
     {
-        FieldFromValue(Required(key), key, field);
+        FieldFromValue(Required(key), PathTo(key), field);
     }
 
-    /// Reads a required record by its own reader, called with the value and the key.
+    /// Reads a required record by its own reader, called with the value and the path to it.
     template <class Record, class Reader>
     void Read(std::string_view key, Record& record, const Reader& recordFromValue) const
     {
-        record = recordFromValue(Required(key), key);
+        record = recordFromValue(Required(key), PathTo(key));
     }
 
     /// Reads where `key` is there, else leaves the field as it is; a null is there and of the wrong type.
@@ -74,7 +76,7 @@ public:
     void ReadIfPresent(std::string_view key, Field& field) const
     {
         if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
-            FieldFromValue(*value, key, field);
+            FieldFromValue(*value, PathTo(key), field);
         }
     }
 
@@ -82,7 +84,7 @@ public:
     void ReadIfPresent(std::string_view key, Record& record, const Reader& recordFromValue) const
     {
         if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
-            record = recordFromValue(*value, key);
+            record = recordFromValue(*value, PathTo(key));
         }
     }
     /// @}
@@ -91,7 +93,10 @@ private:
     [[nodiscard]] const qelcore::serialization::ValuePtr& Required(std::string_view key) const;
     [[nodiscard]] const qelcore::serialization::ValuePtr* Find(std::string_view key) const noexcept;
 
+    [[nodiscard]] std::string PathTo(std::string_view key) const;
+
     const qelcore::serialization::Object& mObject;
+    std::string_view mPath;
     std::string_view mRecordType;
 };
 

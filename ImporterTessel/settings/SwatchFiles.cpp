@@ -31,13 +31,12 @@ Value ValueFromCoordinates(const Coordinates& coordinates)
 
 /// Reads a file into `record` by `recordFromValue`, all or nothing.
 template <class Record, class Reader>
-ORB::Status ReadSwatchFile(std::u16string_view path, Record& record, std::string_view recordType,
-                           const Reader& recordFromValue)
+ORB::Status ReadSwatchFile(std::u16string_view path, Record& record, const Reader& recordFromValue)
 {
     std::string text;
     const ORB::Status opened = ReadDocumentText(path, text);
     if (opened >= 0) {
-        record = recordFromValue(ParseDocument(text), recordType);
+        record = recordFromValue(ParseDocument(text), /*key=*/"");
     }
     return opened;
 }
@@ -84,12 +83,12 @@ Value ValueFromSwatchColors(const SwatchColors& colors)
 
 ORB::Status ReadSwatchCoordinatesFile(std::u16string_view path, SwatchCoordinates& coordinates)
 {
-    return ReadSwatchFile(path, coordinates, "SwatchCoordinates", SwatchCoordinatesFromValue);
+    return ReadSwatchFile(path, coordinates, SwatchCoordinatesFromValue);
 }
 
 ORB::Status ReadSwatchColorsFile(std::u16string_view path, SwatchColors& colors)
 {
-    return ReadSwatchFile(path, colors, "SwatchColors", SwatchColorsFromValue);
+    return ReadSwatchFile(path, colors, SwatchColorsFromValue);
 }
 
 } // namespace ImporterTessel

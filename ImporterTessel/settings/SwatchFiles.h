@@ -10,7 +10,8 @@
 namespace ImporterTessel {
 
 /// Document values to records and back; each reader throws `missing_key_exception` or `type_exception`, and
-/// `key` names the record in errors. Threads: [any-thread]. @{
+/// `key` names the record in errors, after the keys that lead to it, parted by points; empty for the root.
+/// Threads: [any-thread]. @{
 [[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::ValuePtr& value,
                                                            std::string_view key);
 [[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::ValuePtr& value,

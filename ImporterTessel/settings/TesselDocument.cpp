@@ -157,7 +157,7 @@ TesselInfo TesselFromDocument(const ValuePtr& document)
     if (document == nullptr || !document->IsObject()) {
         return info;
     }
-    const ObjectReader reader(document, "TesselInfo", "TesselInfo");
+    const ObjectReader reader(document, /*path=*/"", "TesselInfo");
     ReadRequiredKeys(reader, info);
     ReadOptionalKeys(reader, info);
     return info;

@@ -63,6 +63,24 @@ class Documents(ProgramTest):
     def test_a_missing_key_is_named(self):
         self.refuse(self.write("clip.tessel", document(mVideoDuration=...)), '"mVideoDuration"')
 
+    def test_a_key_in_an_object_is_named_with_those_that_lead_to_it(self):
+        color = dict(document()["mLowerFieldColor"], mRedPart="1")
+        self.refuse(self.write("clip.tessel", document(mLowerFieldColor=color)),
+                    '"mLowerFieldColor.mRedPart": expected a number')
+        self.refuse(self.write("clip.tessel", document(mVideoDuration={})),
+                    '"mVideoDuration.ticks": missing key')
+        bands = {band: {"xCoordinates": [], "yCoordinates": []}
+                 for band in ("colorSwatches", "legalRangeGradient", "fullRangeGradient")}
+        bands["legalRangeGradient"]["yCoordinates"] = [1.5]
+        self.refuse(self.write("clip.tessel", document(mSwatchCoordinates=bands)),
+                    '"mSwatchCoordinates.legalRangeGradient.yCoordinates": expected an integer')
+
+    def test_broken_profile_data_is_named_with_its_key(self):
+        for data in ("not base 64!", "AQIDBA", "AQIDBB=="):
+            space = {"baseColorProfile": {"colorProfileData": data}}
+            self.refuse(self.write("clip.tessel", document(mColorSpace=space)),
+                        '"mColorSpace.baseColorProfile.colorProfileData": ', "base 64")
+
     def test_documents_that_are_no_object(self):
         for text in ("[]", " \t\r\n[{}]", "42", "\"text\"", "null"):
             self.refuse(self.write("clip.tessel", text), "expected a JSON object")

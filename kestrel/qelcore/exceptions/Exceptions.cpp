@@ -16,6 +16,11 @@ std::string Quoted(std::string_view text)
     return quoted;
 }
 
+std::string_view LastKey(std::string_view path)
+{
+    return path.substr(path.rfind('.') + 1); // without a point, all of it: npos + 1 is 0
+}
+
 std::string NullPointerMessage(std::string_view typeName)
 {
     return "there is no " + std::string(typeName);
@@ -40,15 +45,15 @@ parse_exception::parse_exception(const std::string& message) : Exception(message
 
 parse_exception::~parse_exception() = default;
 
-missing_key_exception::missing_key_exception(std::string_view key, std::string_view recordType)
-    : parse_exception(Quoted(key) + ": missing key of " + std::string(recordType)), mKey(key)
+missing_key_exception::missing_key_exception(std::string_view path, std::string_view recordType)
+    : parse_exception(Quoted(path) + ": missing key of " + std::string(recordType)), mKey(LastKey(path))
 {
 }
 
 missing_key_exception::~missing_key_exception() = default;
 
-type_exception::type_exception(std::string_view key, std::string_view expectedType)
-    : mKey(key), mMessage(Quoted(key) + ": expected " + std::string(expectedType))
+type_exception::type_exception(std::string_view path, std::string_view expectedType)
+    : mKey(LastKey(path)), mMessage(Quoted(path) + ": expected " + std::string(expectedType))
 {
 }
 

@@ -43,10 +43,11 @@ public:
     parse_exception& operator=(const parse_exception&) = default;
 };
 
-/// An object lacks a required key. `what()` names the key and the record type.
+/// An object lacks a required key. `what()` names the key with those that lead to it, parted by points, and the
+/// record type: "mUpperFieldColor.mRedPart": missing key of FloatColor. `Key()` is the last of them alone.
 class missing_key_exception : public parse_exception {
 public:
-    missing_key_exception(std::string_view key, std::string_view recordType);
+    missing_key_exception(std::string_view path, std::string_view recordType);
     ~missing_key_exception() override;
     missing_key_exception(const missing_key_exception&) = default;
     missing_key_exception& operator=(const missing_key_exception&) = default;
@@ -57,11 +58,11 @@ private:
     std::string mKey;
 };
 
-/// A value has another type than its reader needs. `what()` names the key and the expected type, for
-/// instance: "mFrameWidth": expected an integer.
+/// A value has another type than its reader needs. `what()` names the key, with those that lead to it as above,
+/// and the expected type: "mFrameWidth": expected an integer. `Key()` is the last of them alone.
 class type_exception : public std::bad_any_cast {
 public:
-    type_exception(std::string_view key, std::string_view expectedType);
+    type_exception(std::string_view path, std::string_view expectedType);
     ~type_exception() override;
     type_exception(const type_exception&) = default;
     type_exception& operator=(const type_exception&) = default;

@@ -28,6 +28,16 @@ TEST(Exceptions, MissingKeyIsEverythingItDerivesFrom)
     EXPECT_FALSE(isCaughtAs(static_cast<std::bad_any_cast*>(nullptr)));
 }
 
+TEST(Exceptions, APathIsInTheMessageAndItsLastKeyIsTheKey)
+{
+    const missing_key_exception missing("mUpperFieldColor.mRedPart", "FloatColor");
+    EXPECT_EQ(missing.Key(), "mRedPart");
+    EXPECT_STREQ(missing.what(), "\"mUpperFieldColor.mRedPart\": missing key of FloatColor");
+    const type_exception wrong("mColorSpace.colorSpaceMetadata.peakLuminance", "a number");
+    EXPECT_EQ(wrong.Key(), "peakLuminance");
+    EXPECT_STREQ(wrong.what(), "\"mColorSpace.colorSpaceMetadata.peakLuminance\": expected a number");
+}
+
 TEST(Exceptions, TypeErrorIsABadAnyCastThatNamesKeyAndType)
 {
     try {

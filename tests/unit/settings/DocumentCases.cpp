@@ -262,6 +262,8 @@ void SetAnswer(const std::string& answer, Case& entry)
         entry.logPart = key() + ": missing key";
     } else if (kind == "wrong" || kind == "reads-but") {
         entry.logPart = key() + ": expected";
+    } else if (kind == "broken" && words.size() > 1) {
+        entry.logPart = key() + ": ";
     } else if (kind != "default" && kind != "reads" && kind != "broken") {
         throw std::runtime_error("no such answer: " + answer);
     }

@@ -9,12 +9,14 @@
 ///   @hex(E282)         bytes
 ///   @repeat(1000,[)    the text behind the comma, so many times
 ///
-/// An answer is one of these, and a default record is meant where no other is named:
+/// An answer is one of these, and a default record is meant where no other is named; a KEY comes after those
+/// that lead to it, parted by points:
 ///   default                    nothing is logged
 ///   malformed                  logged as JSON that is not well-formed
 ///   missing KEY                logged as a missing key
 ///   wrong KEY                  logged as a value of the wrong type
 ///   broken                     logged, somehow
+///   broken KEY                 logged as a value of KEY that stands for nothing
 ///   reads FIELD=VALUE ...      the record of @required but for these fields; nothing is logged
 ///   reads-but KEY FIELD=VALUE  the same, with KEY logged as a value of the wrong type
 #pragma once

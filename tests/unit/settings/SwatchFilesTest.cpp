@@ -119,6 +119,18 @@ TEST(SwatchColorsFile, RootsThatAreNoObjectAreOfTheWrongType)
     }
 }
 
+TEST(SwatchColorsFile, RootThatIsNoObjectIsNamedByItsRecord)
+{
+    const TemporaryFolder folder;
+    SwatchColors colors;
+    try {
+        static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", "[]"), colors));
+        FAIL() << "nothing was thrown";
+    } catch (const std::bad_any_cast& error) {
+        EXPECT_STREQ(error.what(), "\"SwatchColors\": expected an object");
+    }
+}
+
 TEST(SwatchColorsFile, EveryListIsRequired)
 {
     for (const char* const key : {"colorSwatches", "legalRangeGradient", "fullRangeGradient"}) {
@@ -148,6 +160,8 @@ TEST(SwatchCoordinatesFile, MissingYCoordinatesAreNamedInEachOfTheThree)
 {
     const TemporaryFolder folder;
     for (int band = 0; band < 3; ++band) {
+        const char* const name = std::array{"colorSwatches", "legalRangeGradient",
+                                            "fullRangeGradient"}[static_cast<std::size_t>(band)];
         std::string text = kCoordinates;
         std::size_t place = 0;
         for (int skipped = 0; skipped <= band; ++skipped) {
@@ -160,6 +174,8 @@ TEST(SwatchCoordinatesFile, MissingYCoordinatesAreNamedInEachOfTheThree)
             FAIL() << "nothing was thrown: " << text;
         } catch (const missing_key_exception& exception) {
             EXPECT_EQ(exception.Key(), "yCoordinates");
+            EXPECT_EQ(exception.what(),
+                      '"' + std::string(name) + ".yCoordinates\": missing key of Coordinates");
         }
         EXPECT_EQ(coordinates, kOtherCoordinates);
     }
