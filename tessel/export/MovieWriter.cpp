@@ -106,7 +106,10 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
     state.format.reset(format);
     format->pb = state.io.Context();
     format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
-    format->strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
+    // QuickTime has a code for each kind of DV, which FFmpeg's muxer looks up by its rules of strict compliance
+    // only.
+    const bool isDv = plan.video && plan.video->codec == VideoCodec::Dv;
+    format->strict_std_compliance = isDv ? FF_COMPLIANCE_NORMAL : FF_COMPLIANCE_UNOFFICIAL;
 
     if (plan.video) {
         state.video = VideoEncoder::Make(*plan.video, plan.container, threadCount);
