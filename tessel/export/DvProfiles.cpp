@@ -13,9 +13,9 @@ using BR::PixelFormat;
 
 constexpr std::array<DvProfile, 8> kProfiles{{
     {PixelFormat::NTSCDV50, "NTSC DV50", 720, 480, 30000, 1001, PictureLayout::Yuv422p, Matrix::Smpte170M},
-    {PixelFormat::PALDV50, "PAL DV50", 720, 576, 25, 1, PictureLayout::Yuv422p, Matrix::Smpte170M},
+    {PixelFormat::PALDV50, "PAL DV50", 720, 576, 25, 1, PictureLayout::Yuv422p, Matrix::Bt470Bg},
     {PixelFormat::NTSCDV25, "NTSC DV25", 720, 480, 30000, 1001, PictureLayout::Yuv411p, Matrix::Smpte170M},
-    {PixelFormat::PALDV25, "PAL DV25", 720, 576, 25, 1, PictureLayout::Yuv420p, Matrix::Smpte170M},
+    {PixelFormat::PALDV25, "PAL DV25", 720, 576, 25, 1, PictureLayout::Yuv420p, Matrix::Bt470Bg},
     {PixelFormat::NTSCDV100_720p, "DV100 720p59.94", 960, 720, 60000, 1001, PictureLayout::Yuv422p,
      Matrix::Bt709},
     {PixelFormat::PALDV100_720p, "DV100 720p50", 960, 720, 50, 1, PictureLayout::Yuv422p, Matrix::Bt709},

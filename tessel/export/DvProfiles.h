@@ -18,7 +18,7 @@ struct DvProfile {
     std::int32_t rateNumerator; ///< frames per second
     std::int32_t rateDenominator;
     PictureLayout layout;
-    Matrix matrix;
+    Matrix matrix; ///< of its samples, which are limited range
 };
 
 /// The profile that a pixel format names; null for formats that are not DV.

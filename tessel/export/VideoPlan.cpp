@@ -113,6 +113,20 @@ bool IsEightBit(const PixelKind& kind) noexcept
     return kind.storage != Storage::InterleavedF && kind.storage != Storage::V210;
 }
 
+/// 4:2:0 plays everywhere, but pairs columns and rows: rows of the picture or, interlaced, of each field.
+PictureLayout H264Layout(const ClipDescription& clip)
+{
+    const bool isInterlaced = clip.Order() != FieldOrder::Progressive;
+    if (isInterlaced && clip.height % 2 != 0) {
+        throw ExportError(fmt::format(
+            "H.264 has no interlaced pictures of {} rows: make mFrameHeight even or mFieldType 0, or choose "
+            "a codec that has, such as ffv1 in mkv",
+            clip.height));
+    }
+    const std::int32_t rows = isInterlaced ? 4 : 2;
+    return clip.width % 2 == 0 && clip.height % rows == 0 ? PictureLayout::Yuv420p : PictureLayout::Yuv444p;
+}
+
 PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const PixelKind& kind,
                         Container container)
 {
@@ -125,7 +139,9 @@ PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const Pix
     case VideoCodec::V210:
         return PictureLayout::V210;
     case VideoCodec::V408:
-        return ByAlpha(kind, PictureLayout::Yuva444p, PictureLayout::Yuv444p);
+        // v308, the one without alpha, has even widths only; v408 then holds an opaque one.
+        return clip.width % 2 == 0 ? ByAlpha(kind, PictureLayout::Yuva444p, PictureLayout::Yuv444p)
+                                   : PictureLayout::Yuva444p;
     case VideoCodec::ProRes:
         if (kind.storage == Storage::Interleaved8 || kind.storage == Storage::InterleavedF) {
             return ByAlpha(kind, PictureLayout::Yuva444p10, PictureLayout::Yuv444p10);
@@ -146,8 +162,7 @@ PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const Pix
     case VideoCodec::Exr:
         return ByAlpha(kind, PictureLayout::Gbrapf32, PictureLayout::Gbrpf32);
     case VideoCodec::H264:
-        // 4:2:0 plays everywhere, but pairs columns and rows.
-        return clip.width % 2 == 0 && clip.height % 2 == 0 ? PictureLayout::Yuv420p : PictureLayout::Yuv444p;
+        return H264Layout(clip);
     case VideoCodec::Mpeg2:
         return kind.storage == Storage::Planar420 ? PictureLayout::Yuv420p : PictureLayout::Yuv422p;
     case VideoCodec::Dv:
@@ -176,6 +191,19 @@ CodeRanges RangesOf(VideoCodec codec, Container container) noexcept
     // range would even use v210's timing codes.
     const bool saysRange = codec == VideoCodec::H264 || container == Container::Y4m;
     return saysRange ? CodeRanges::LimitedAndFull : CodeRanges::OnlyLimited;
+}
+
+/// How the clip's pictures are coded where the target is Y'CbCr.
+YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, VideoCodec codec, Container container)
+{
+    if (kind.family != ColorFamily::Rgb) {
+        return {kind.matrix};
+    }
+    if (codec == VideoCodec::Dv) {
+        // DV streams do not say their matrix: decoders go by the profile.
+        return {DvProfileFor(clip).matrix};
+    }
+    return CodingFor(clip.colorCodes, RangesOf(codec, container));
 }
 
 PictureGeometry GeometryOf(const ClipDescription& clip)
@@ -229,9 +257,7 @@ VideoPlan PlanVideo(const ClipDescription& clip, Container container, std::optio
     plan.conversion.target = layout;
     plan.conversion.width = clip.width;
     plan.conversion.height = clip.height;
-    plan.conversion.coding = kind.family == ColorFamily::Rgb
-                                 ? CodingFor(clip.colorCodes, RangesOf(plan.codec, container))
-                                 : YCbCrCoding{kind.matrix};
+    plan.conversion.coding = CodingOf(clip, kind, plan.codec, container);
     const bool byField =
         kind.storage == Storage::Planar420 ? kind.fieldPicture : plan.geometry.order != FieldOrder::Progressive;
     plan.conversion.chromaRows = byField ? ChromaRows::Field : ChromaRows::Frame;

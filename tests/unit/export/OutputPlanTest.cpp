@@ -103,13 +103,41 @@ TEST(VideoPlan, FullRangeIsMadeOnlyWhereItsReadersAreTold)
         clip.colorCodes = {1, 1, 1, 1};
         const VideoPlan made = PlanVideo(clip, row.container, row.codec);
         EXPECT_EQ(made.conversion.coding.fullRange, row.fullRange) << NameOf(row.codec);
-        EXPECT_EQ(made.tags, (ColorTags{1, 1, 1, row.fullRange})) << NameOf(row.codec);
+        const int matrix = row.codec == VideoCodec::Dv ? 6 : 1; // 525-line DV's own
+        EXPECT_EQ(made.tags, (ColorTags{1, 1, matrix, row.fullRange})) << NameOf(row.codec);
         // What has codes keeps them, and what it says about them.
         clip.pixelFormat = PixelFormat::UYVY_422_8u_709;
         const VideoPlan kept = PlanVideo(clip, row.container, row.codec);
         EXPECT_FALSE(kept.conversion.coding.fullRange) << NameOf(row.codec);
         EXPECT_EQ(kept.tags, (ColorTags{1, 1, 1, true})) << NameOf(row.codec);
     }
+}
+
+TEST(VideoPlan, InterlacedH264PairsRowsOfFields)
+{
+    for (const std::uint8_t fieldType : {std::uint8_t{1}, std::uint8_t{2}}) {
+        for (int height = 1; height <= 12; ++height) {
+            auto clip = DescriptionOf(PixelFormat::UYVY_422_8u_601, 16, height);
+            clip.fieldType = fieldType;
+            if (height % 2 != 0) {
+                EXPECT_THROW(static_cast<void>(PlanVideo(clip, Container::Mp4, {})), ExportError) << height;
+                continue;
+            }
+            const VideoPlan plan = PlanVideo(clip, Container::Mp4, {});
+            EXPECT_EQ(plan.conversion.target, height % 4 == 0 ? PictureLayout::Yuv420p : PictureLayout::Yuv444p)
+                << height;
+            EXPECT_NO_THROW(static_cast<void>(VideoEncoder::Make(plan, Container::Mp4, 1))) << height;
+        }
+    }
+}
+
+TEST(VideoPlan, RgbBecomesDvByTheProfilesMatrix)
+{
+    auto clip = DescriptionOf(PixelFormat::BGRA_4444_8u, 720, 480);
+    clip.colorCodes = {9, 14, 9, 1};
+    const VideoPlan plan = PlanVideo(clip, Container::Mov, VideoCodec::Dv);
+    EXPECT_EQ(plan.conversion.coding, (YCbCrCoding{Matrix::Smpte170M, false}));
+    EXPECT_EQ(plan.tags, (ColorTags{9, 14, 6, false}));
 }
 
 TEST(VideoPlan, ChromaRowsFollowTheFormatElseTheFieldOrder)
