@@ -47,7 +47,8 @@ const std::array<ContainerInfo, 12> kContainers{{
     {Container::Mxf, "mxf", kMxfExtensions, "mxf", ContainerKind::Movie, kMxfVideo, kMxfAudio},
     {Container::Avi, "avi", kAviExtensions, "avi", ContainerKind::Movie, kAviVideo, kAviAudio},
     {Container::Nut, "nut", kNutExtensions, "nut", ContainerKind::Movie, kAnyMovieVideo, kNutAudio},
-    {Container::Y4m, "y4m", kY4mExtensions, "yuv4mpegpipe", ContainerKind::PictureOnly, kRawVideo, {}},
+    // The Y4M writer makes whole files; the muxer only passes them on.
+    {Container::Y4m, "y4m", kY4mExtensions, "rawvideo", ContainerKind::PictureOnly, kRawVideo, {}},
     {Container::Wav, "wav", kWavExtensions, "wav", ContainerKind::SoundOnly, {}, kWavAudio},
     {Container::Png, "png", kPngExtensions, nullptr, ContainerKind::Sequence, kPngVideo, {}},
     {Container::Tiff, "tiff", kTiffExtensions, nullptr, ContainerKind::Sequence, kTiffVideo, {}},

@@ -1,6 +1,9 @@
 #include "VideoEncoder.h"
 
+#include "DpxHeader.h"
 #include "ExportError.h"
+#include "StreamTags.h"
+#include "UncodedWriters.h"
 
 #include <fmt/format.h>
 
@@ -11,51 +14,13 @@ extern "C" {
 }
 
 #include <array>
-#include <cstring>
 #include <new>
+#include <span>
 
 namespace tessel::exporting {
 namespace {
 
 using importhost::FieldOrder;
-
-// Matroska and QuickTime hold "both fields in one picture, this one first and on top of the coded order".
-AVFieldOrder LibavOrder(FieldOrder order) noexcept
-{
-    switch (order) {
-    case FieldOrder::UpperFirst:
-        return AV_FIELD_TB;
-    case FieldOrder::LowerFirst:
-        return AV_FIELD_BT;
-    case FieldOrder::Progressive:
-        break;
-    }
-    return AV_FIELD_PROGRESSIVE;
-}
-
-AVRational PixelAspect(const PictureGeometry& geometry) noexcept
-{
-    return {geometry.aspectNumerator, geometry.aspectDenominator};
-}
-
-/// Colour tags by name: contexts, frames and parameters have them, each under the same member names.
-template <class Target>
-void SetTags(Target& target, const ColorTags& tags) noexcept
-{
-    target.color_primaries = static_cast<AVColorPrimaries>(tags.primaries);
-    target.color_trc = static_cast<AVColorTransferCharacteristic>(tags.transfer);
-    target.color_range = tags.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
-}
-
-void DescribeRate(AVStream& stream, const PictureGeometry& geometry) noexcept
-{
-    stream.avg_frame_rate = {geometry.rateNumerator, geometry.rateDenominator};
-    stream.r_frame_rate = stream.avg_frame_rate;
-    stream.time_base = av_inv_q(stream.avg_frame_rate);
-    stream.sample_aspect_ratio = PixelAspect(geometry);
-    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio;
-    stream.codecpar->field_order = LibavOrder(geometry.order);
-}
 
 /// An AVFrame's buffer that keeps a picture's owner alive.
 AVBufferRef* ShareOwner(const Picture& picture)
@@ -75,7 +40,7 @@ AVBufferRef* ShareOwner(const Picture& picture)
     return buffer;
 }
 
-const AVCodec* FindEncoder(VideoCodec codec, PictureLayout layout, Container container)
+const AVCodec* FindEncoder(VideoCodec codec, PictureLayout layout)
 {
     const char* name = nullptr;
     switch (codec) {
@@ -83,8 +48,7 @@ const AVCodec* FindEncoder(VideoCodec codec, PictureLayout layout, Container con
         name = "ffv1";
         break;
     case VideoCodec::Raw:
-        // The Y4M muxer takes whole frames instead of bytes.
-        name = container == Container::Y4m ? "wrapped_avframe" : "rawvideo";
+        name = "rawvideo";
         break;
     case VideoCodec::V210:
         break;
@@ -196,7 +160,7 @@ public:
     LibavVideoEncoder(const VideoPlan& plan, Container container, int threadCount)
         : mPlan(plan), mRawTag(plan.codec == VideoCodec::Raw ? RawTag(plan.conversion.target, container) : 0)
     {
-        const AVCodec* codec = FindEncoder(plan.codec, plan.conversion.target, container);
+        const AVCodec* codec = FindEncoder(plan.codec, plan.conversion.target);
         mContext = libav::MakeCodecContext(codec);
         AVCodecContext& context = *mContext;
         context.width = plan.geometry.width;
@@ -209,8 +173,7 @@ public:
         context.thread_count = threadCount;
         context.strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
         context.flags |= AV_CODEC_FLAG_BITEXACT;
-        SetTags(context, plan.tags);
-        context.colorspace = static_cast<AVColorSpace>(plan.tags.matrix);
+        SetTags(context, plan);
         const bool outOfBandHeaders =
             container == Container::Mkv || container == Container::Mov || container == Container::Mp4;
         if (outOfBandHeaders) {
@@ -253,8 +216,7 @@ public:
         if (mPlan.codec == VideoCodec::Mpeg2) {
             frame->quality = mContext->global_quality;
         }
-        SetTags(*frame, mPlan.tags);
-        frame->colorspace = mContext->colorspace;
+        SetTags(*frame, mPlan);
         libav::Check(avcodec_send_frame(mContext.get(), frame.get()), Doing());
         Drain(sink);
     }
@@ -276,6 +238,12 @@ private:
             }
             libav::Check(result, Doing());
             packet->duration = 1;
+            if (mPlan.codec == VideoCodec::Dpx) {
+                libav::Check(av_packet_make_writable(packet.get()), Doing());
+                PatchDpxColors(
+                    std::as_writable_bytes(std::span(packet->data, static_cast<std::size_t>(packet->size))),
+                    mPlan.tags);
+            }
             sink(*packet);
             av_packet_unref(packet.get());
         }
@@ -289,54 +257,6 @@ private:
     VideoPlan mPlan;
     unsigned mRawTag;
     libav::CodecContext mContext;
-};
-
-/// v210 is written as it stands in memory: FFmpeg's own encoder would unpack it, clip it and pack it again.
-class V210Writer final : public VideoEncoder {
-public:
-    explicit V210Writer(const VideoPlan& plan) : mPlan(plan) {}
-
-    void DescribeStream(AVStream& stream) const override
-    {
-        AVCodecParameters& parameters = *stream.codecpar;
-        parameters.codec_type = AVMEDIA_TYPE_VIDEO;
-        parameters.codec_id = AV_CODEC_ID_V210;
-        parameters.codec_tag = MKTAG('v', '2', '1', '0');
-        parameters.format = AV_PIX_FMT_YUV422P10;
-        parameters.width = mPlan.geometry.width;
-        parameters.height = mPlan.geometry.height;
-        parameters.bits_per_coded_sample = 20;
-        parameters.bits_per_raw_sample = 10;
-        SetTags(parameters, mPlan.tags);
-        parameters.color_space = static_cast<AVColorSpace>(mPlan.tags.matrix);
-        DescribeRate(stream, mPlan.geometry);
-        stream.start_time = 0;
-    }
-
-    void Encode(const Picture& picture, std::int64_t index, const Sink& sink) override
-    {
-        const auto fileRow = static_cast<std::size_t>(V210RowBytes(picture.width));
-        // Whole groups of six pixels; what frames hold behind them is not the picture's.
-        const std::size_t painted = (static_cast<std::size_t>(picture.width) + 5) / 6 * 16;
-        const std::size_t size = fileRow * static_cast<std::size_t>(picture.height);
-        const libav::Packet packet = libav::MakePacket();
-        libav::Check(av_new_packet(packet.get(), static_cast<int>(size)), "cannot hold a v210 picture");
-        for (std::int32_t y = 0; y < picture.height; ++y) {
-            std::uint8_t* row = packet->data + static_cast<std::size_t>(y) * fileRow;
-            std::memcpy(row, picture.planes[0] + y * picture.rowBytes[0], painted);
-            std::memset(row + painted, 0, fileRow - painted);
-        }
-        packet->pts = index;
-        packet->dts = index;
-        packet->duration = 1;
-        packet->flags |= AV_PKT_FLAG_KEY;
-        sink(*packet);
-    }
-
-    void Finish(const Sink& /*sink*/) override {}
-
-private:
-    VideoPlan mPlan;
 };
 
 } // namespace
@@ -358,7 +278,10 @@ std::unique_ptr<VideoEncoder> VideoEncoder::Make(const VideoPlan& plan, Containe
 {
     libav::TakeOverLogging();
     if (plan.codec == VideoCodec::V210) {
-        return std::make_unique<V210Writer>(plan);
+        return MakeV210Writer(plan);
+    }
+    if (container == Container::Y4m) {
+        return MakeY4mWriter(plan);
     }
     return std::make_unique<LibavVideoEncoder>(plan, container, threadCount);
 }

@@ -200,6 +200,43 @@ class Pixels(RenderTest):
                     self.assertEqual(packets[row * row_bytes:(row + 1) * row_bytes],
                                      struct.pack(f"<{len(words)}I", *words), f"{code} {output} row {row}")
 
+    def test_y4m_frames_are_whole_at_odd_sizes(self):
+        # Chroma planes round up, whatever the bytes of a sample.
+        for code, pixel_format, shift_x, shift_y, bits in (
+                ("v210", "yuv422p10le", 1, 0, 10), ("uyv7", "yuv422p", 1, 0, 8), ("yvi7", "yuv420p", 1, 1, 8),
+                ("dvn2", "yuv411p", 2, 0, 8), ("VUx7", "yuv444p16le", 0, 0, 16), ("vuyx", "yuv444p", 0, 0, 8)):
+            form = FORMATS[code]
+            for width, height in ((63, 5), (61, 4), (1, 1), (64, 4)):
+                root = document(code, (width, height), upper=UPPER, lower=UPPER, frames=3)
+                path = self.render(root, "x.y4m")
+                columns, rows = -(-width // (1 << shift_x)), -(-height // (1 << shift_y))
+                picture = (width * height + 2 * columns * rows) * (1 if bits == 8 else 2)
+                with open(path, "rb") as file:
+                    header = file.readline()
+                    self.assertEqual(len(file.read()), 3 * (len(b"FRAME\n") + picture), f"{header} {code}")
+                if code == "dvn2":
+                    continue
+                data = self.decode(path, pixel_format, 2)
+                self.assertEqual(len(data), picture, code)
+                samples = struct.unpack(f"<{picture}B" if bits == 8 else f"<{picture // 2}H", data)
+                luma, cb, cr = ycbcr_codes(UPPER[:3], form["matrix"], bits)
+                ends = (0, width * height, width * height + columns * rows, len(samples))
+                for plane, code_value in enumerate((luma, cb, cr)):
+                    # 16 bits are more than the floats behind them hold to the last code.
+                    for sample in set(samples[ends[plane]:ends[plane + 1]]):
+                        self.assertLessEqual(abs(sample - code_value), bits // 16, f"{code} {width} plane {plane}")
+
+    def test_opaque_8_bit_ycbcr_is_kept_in_mov_at_odd_widths(self):
+        # v308 has none, so v408 with full alpha holds them.
+        for code in ("vuyx", "vux7"):
+            for output in ("x.mov", "x.avi"):
+                root = document(code, (37, 18), upper=UPPER, lower=UPPER, frames=1)
+                path = self.render(root, output, "--video-only", "--video-codec", "v408")
+                data = self.decode(path, "yuva444p")
+                for plane, value in enumerate(ycbcr_codes(UPPER[:3], FORMATS[code]["matrix"]) + [255]):
+                    self.assertEqual(set(data[plane * 37 * 18:(plane + 1) * 37 * 18]), {value}, f"{code} {output}")
+            self.assertEqual(self.probe(self.render(root, "y.mov"))["codec_name"], "v408")
+
     def test_planar_420_is_real_420(self):
         # Frame pictures average both fields' chroma; field pictures keep each field's.
         for code in ("yv12", "yvi2", "yv17", "yvi7"):
@@ -310,6 +347,23 @@ class Pixels(RenderTest):
                 grey = ycbcr_codes([Fraction(128, 255)] * 3, 709)
                 self.assertLessEqual(max(abs(sample - grey[0]) for sample in data[:size[0] * size[1]]), 1, output)
                 self.assertLessEqual(max(abs(sample - 128) for sample in data[size[0] * size[1]:]), 1, output)
+
+    def test_rgb_becomes_dv_by_the_profiles_matrix(self):
+        # Decoders of DV go by the profile: 601 for standard definition, 709 for high, limited range.
+        for size, rate, matrix, name in (((720, 480), (30000, 1001), 601, "smpte170m"),
+                                         ((720, 576), (25, 1), 601, "bt470bg"), ((1440, 1080), (25, 1), 709, "bt709")):
+            for space in ("Rec. 709 Full Range", "Rec. 2020 (10-bit)", "Rec. 601 (NTSC)"):
+                root = document("bgra", size, rate, 1, upper=UPPER, lower=UPPER, space=space)
+                path = self.render(root, "x.mkv", "--video-only", "--video-codec", "dv")
+                stream = self.probe(path)
+                self.assertEqual((stream["color_space"], stream["color_range"]), (name, "tv"), space)
+                data = self.decode(path, "yuv422p")
+                luma, cb, cr = ycbcr_codes([Fraction(code, 255) for code in full_codes(UPPER[:3])], matrix)
+                pixels = size[0] * size[1]
+                ends = (0, pixels, pixels * 3 // 2, pixels * 2)
+                for plane, code in enumerate((luma, cb, cr)):
+                    for sample in set(data[ends[plane]:ends[plane + 1]]):
+                        self.assertLessEqual(abs(sample - code), 1, f"{size} {space} plane {plane}")
 
 
 if __name__ == "__main__":

@@ -84,6 +84,12 @@ class Tags(RenderTest):
                     # The sound may stand out by its rounding to a sample, Matroska by its milliseconds.
                     self.assertLess(abs(seconds - Fraction(frames * rate[1], rate[0])), Fraction(1, 500), output)
 
+    @staticmethod
+    def first_frame(path):
+        text = subprocess.run(["ffprobe", "-v", "error", "-read_intervals", "%+#1", "-show_frames", "-of", "json",
+                               path], capture_output=True, check=True).stdout
+        return json.loads(text)["frames"][0]
+
     def test_field_order_is_kept(self):
         for code, output in (("bgra", "x.mkv"), ("v210", "x.mkv"), ("uyvy", "x.mkv"), ("bgra", "x.mov"),
                              ("BGra", "x.mov"), ("v210", "x.mov"), ("uyvy", "x.mov")):
@@ -101,10 +107,83 @@ class Tags(RenderTest):
                                                  ("VUYA", (128, 96), (25, 1), "x.mxf", 1, 1),
                                                  ("dvp2", (720, 576), (25, 1), "x.mov", 2, 0)):
             path = self.render(document(code, size, rate, order=order, frames=3), output, "--video-only")
-            text = subprocess.run(["ffprobe", "-v", "error", "-read_intervals", "%+#1", "-show_frames", "-of", "json",
-                                   path], capture_output=True, check=True).stdout
-            frame = json.loads(text)["frames"][0]
+            frame = self.first_frame(path)
             self.assertEqual((frame["interlaced_frame"], frame["top_field_first"]), (1, top_first), f"{code} {output}")
+
+    def test_mxf_names_the_field_order_of_mpeg2(self):
+        # "tb" is FFmpeg's name for "upper field stored first, lower shown first".
+        for order, name, top_first in ((0, "progressive", 0), (1, "tt", 1), (2, "tb", 0)):
+            for size, rate in (((720, 576), (25, 1)), ((720, 480), (30000, 1001))):
+                path = self.render(document("uyvy", size, rate, 2, order), "x.mxf", "--video-only")
+                self.assertEqual(self.probe(path)["field_order"], name, size)
+        # The container of these says nothing, their pictures do.
+        for code, size, codec in (("uyvy", (720, 576), "h264"), ("dvp5", (720, 576), "dv"), ("dvp2", (720, 576), "dv")):
+            for order in (1, 2):
+                path = self.render(document(code, size, (25, 1), 2, order), "x.mxf", "--video-only", "--video-codec", codec)
+                frame = self.first_frame(path)
+                self.assertEqual((frame["interlaced_frame"], frame["top_field_first"]), (1, int(order == 1)), code)
+
+    def test_range_is_kept_where_the_table_says_so(self):
+        for code, output, codec in (("bgra", "x.mov", "png"), ("uyvy", "x.mov", "h264"), ("uyvy", "x.mp4", "h264"),
+                                    ("uyvy", "x.mxf", "h264"), ("uyvy", "x.y4m", "raw"), ("uyvy", "x.mkv", "v210")):
+            for space, full in (("Rec. 709", code == "bgra"), ("Rec. 709 Full Range", True)):
+                path = self.render(document(code, (128, 96), (25, 1), 1, space=space), output, "--video-only",
+                                   "--video-codec", codec)
+                self.assertEqual(self.probe(path)["color_range"], "pc" if full else "tv", f"{output} {codec} {space}")
+
+    def test_quicktime_names_each_kind_of_dv_and_of_raw_pictures(self):
+        for code, size, rate, tag in (("dvn2", (720, 480), (30000, 1001), "dvc "), ("dvp2", (720, 576), (25, 1), "dvcp"),
+                                      ("dvn5", (720, 480), (30000, 1001), "dv5n"), ("dvp5", (720, 576), (25, 1), "dv5p"),
+                                      ("dvn7", (960, 720), (60000, 1001), "dvhp"), ("dvp7", (960, 720), (50, 1), "dvhq"),
+                                      ("dvn1", (1280, 1080), (30000, 1001), "dvh6"),
+                                      ("dvp1", (1440, 1080), (25, 1), "dvh5"), ("uyvy", (96, 64), (25, 1), "2vuy"),
+                                      ("yuy3", (96, 64), (25, 1), "yuvs"), ("v210", (96, 64), (25, 1), "v210"),
+                                      ("yv12", (96, 64), (25, 1), "I420"), ("vuyx", (96, 64), (25, 1), "v308")):
+            path = self.render(document(code, size, rate, 1), "x.mov")
+            self.assertEqual(self.probe(path)["codec_tag_string"], tag, code)
+            self.assertEqual(self.probe(path, "audio")["codec_tag_string"], "in24", code)
+
+    def test_interlaced_h264_has_any_even_height(self):
+        for height, progressive, interlaced in ((576, "yuv420p", "yuv420p"), (486, "yuv420p", "yuv444p"),
+                                                (18, "yuv420p", "yuv444p"), (27, "yuv444p", None)):
+            for order, pixel_format in ((0, progressive), (1, interlaced), (2, interlaced)):
+                root = document("uyvy", (720, height), (30000, 1001), 1, order)
+                if pixel_format is None:
+                    self.refuse("render", self.save(root), "-o", "x.mp4", "--video-only",
+                                says=("clip.tessel", height, "mFieldType", "mkv"))
+                    continue
+                path = self.render(root, "x.mp4", "--video-only")
+                stream = self.probe(path)
+                self.assertEqual((stream["pix_fmt"], stream["height"]), (pixel_format, height))
+                frame = self.first_frame(path)
+                self.assertEqual((frame["interlaced_frame"], frame["top_field_first"]),
+                                 (int(order != 0), int(order == 1)), f"{height} {order}")
+
+    def test_chroma_is_announced_where_it_lies(self):
+        # Every second column; 4:2:0 between two rows ("left"), the others on every row ("topleft").
+        for code, place in (("uyvy", "topleft"), ("v210", "topleft"), ("yv12", "left"), ("yvi7", "left")):
+            for order in (0, 1):
+                root = document(code, (96, 64), frames=1, order=order)
+                path = self.render(root, "x.mkv", "--video-only")
+                self.assertEqual(self.probe(path).get("chroma_location"), place, code)
+                path = self.render(root, "h.mkv", "--video-only", "--video-codec", "h264")
+                self.assertEqual(self.probe(path).get("chroma_location"), "left", code)
+                path = self.render(root, "x.y4m")
+                if place == "left":
+                    self.assertEqual(self.probe(path).get("chroma_location"), place, code)
+        for code in ("bgra", "vuyx", "VUya"):
+            path = self.render(document(code, (96, 64), frames=1), "x.mkv", "--video-only")
+            self.assertIn(self.probe(path).get("chroma_location"), (None, "unspecified"), code)
+
+    def test_dpx_files_announce_the_clips_transfer_and_primaries(self):
+        # Codes of SMPTE 268M: 0 user-defined, 2 linear, 4 unspecified, 6 ITU-R 709, 7 and 8 ITU-R 601 (625, 525 lines).
+        for space, transfer, colorimetry in (("Rec. 709", 6, 6), ("Rec. 601 (NTSC)", 8, 8), ("Rec. 601 (PAL)", 7, 7),
+                                             ("sRGB", 0, 6), ("Rec. 709 Linear", 2, 6), ("Rec. 2100 PQ", 0, 0),
+                                             ("Unspecified", 4, 4)):
+            for code in ("bgra", "v210"):
+                path = self.render(document(code, (64, 48), frames=1, space=space), "x.dpx")
+                with open(path, "rb") as file:
+                    self.assertEqual(tuple(file.read()[801:803]), (transfer, colorimetry), f"{space} {code}")
 
     def test_pixel_aspect_is_kept(self):
         for aspect in ((10, 11), (40, 33), (12, 11), (16, 11), (2, 1), (4, 3), (3, 2), (9, 10), (128, 117), (64, 45)):
@@ -117,6 +196,8 @@ class Tags(RenderTest):
         for aspect in ((0, 1), (1, 0), (4294967295, 4294967294)):
             stream = self.probe(self.render(document("vuyx", (64, 48), frames=1, aspect=aspect), "x.mkv", "--video-only"))
             self.assertIn(stream.get("sample_aspect_ratio", "0:1"), ("0:1", "1:1"), aspect)
+            with open(self.render(document("vuyx", (64, 48), frames=1, aspect=aspect), "x.y4m"), "rb") as file:
+                self.assertIn(b" A0:0 ", file.readline())
 
     @unittest.skipUnless(shutil.which("mediainfo"), "MediaInfo is not installed")
     def test_mediainfo_reads_the_same(self):
