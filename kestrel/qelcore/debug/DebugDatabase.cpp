@@ -52,7 +52,8 @@ ValuePtr ReadDatabase()
     }
     std::string text;
     std::ifstream stream;
-    if (!std::filesystem::is_directory(file, error)) {
+    // Opening a pipe would wait for its writer.
+    if (std::filesystem::is_regular_file(file, error)) {
         stream.open(file, std::ios::binary);
         text.assign(std::istreambuf_iterator<char>(stream), {});
     }

@@ -248,11 +248,12 @@ ScriptRunner::ScriptRunner(std::filesystem::path file, UI_Dialog& dialog)
 {
     std::error_code error;
     std::ifstream stream;
-    if (!std::filesystem::is_directory(mFile, error)) {
-        stream.open(mFile, std::ios::binary);
-    } else {
-        stream.setstate(std::ios::failbit);
+    if (const auto status = std::filesystem::status(mFile, error);
+        std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        Fail(0, "the script is not an ordinary file"); // opening a pipe would wait for its writer
+        return;
     }
+    stream.open(mFile, std::ios::binary);
     std::ostringstream text;
     text << stream.rdbuf();
     if (!stream.is_open() || stream.bad()) {

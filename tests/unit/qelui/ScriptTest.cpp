@@ -228,7 +228,7 @@ TEST_F(Playing, AScriptThatCannotBeReadCancels)
 TEST_F(Playing, AFolderIsNoScript)
 {
     UserInterface::Get().SetScript(mFolder);
-    EXPECT_EQ(Run(), "0: the script cannot be read");
+    EXPECT_EQ(Run(), "0: the script is not an ordinary file");
 }
 
 TEST_F(Playing, AnEmptyScriptCancelsWithoutAFailure)
