@@ -1,4 +1,5 @@
 #include "File.h"
+#include "FileReplacement.h"
 
 #include <qelcore/text/Unicode.h>
 
@@ -7,13 +8,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <optional>
-#include <random>
 #include <utility>
 
 namespace ORB {
@@ -56,55 +54,6 @@ int OpenRestarted(const char* path, int flags, mode_t mode) noexcept
         descriptor = open(path, flags | O_CLOEXEC, mode);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
-}
-
-struct Freer {
-    void operator()(char* text) const noexcept
-    {
-        std::free(text); // NOLINT(cppcoreguidelines-no-malloc): what realpath gives must be freed so.
-    }
-};
-
-/// The file that `path` stands for once all symbolic links are followed, also when it does not exist yet.
-/// @return 0, or an error number.
-int ResolveTarget(const std::string& path, std::string& target)
-{
-    target = path;
-    constexpr int kMostLinks = 40; // as the system's own limit
-    for (int links = 0; links < kMostLinks; ++links) {
-        if (const std::unique_ptr<char, Freer> resolved{realpath(target.c_str(), nullptr)}) {
-            target = resolved.get();
-            return 0;
-        }
-        if (errno != ENOENT) {
-            return errno;
-        }
-        std::array<char, 4096> link{};
-        const ssize_t length = readlink(target.c_str(), link.data(), link.size());
-        if (length < 0) {
-            return errno == ENOENT || errno == EINVAL ? 0 : errno; // No link: the file to be made.
-        }
-        if (static_cast<std::size_t>(length) == link.size()) {
-            return ENAMETOOLONG;
-        }
-        const std::string_view next(link.data(), static_cast<std::size_t>(length));
-        const std::size_t folderLength = next.substr(0, 1) == "/" ? 0 : target.rfind('/') + 1;
-        target.replace(folderLength, std::string::npos, next);
-    }
-    return ELOOP;
-}
-
-/// A name beside `target` that nobody else uses.
-std::string TemporaryName(const std::string& target, std::random_device& random)
-{
-    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    const std::size_t folderLength = target.rfind('/') + 1; // npos + 1 is 0
-    std::string name = target.substr(0, folderLength) + ".";
-    // A file name has at most 255 bytes; nothing of the target's is needed to be unique.
-    for (int i = 0; i < 16; ++i) {
-        name += kLetters[random() % kLetters.size()];
-    }
-    return name + ".tmp";
 }
 
 } // namespace
@@ -176,9 +125,8 @@ Status File::Create(std::u16string_view path, std::int32_t access, std::int32_t 
     if (replaces && (!S_ISREG(old.st_mode) || ::access(state->target.c_str(), W_OK) != 0)) {
         return kAccessDenied;
     }
-    std::random_device random;
     for (int attempt = 0; attempt < 100 && state->descriptor < 0; ++attempt) {
-        std::string temporary = TemporaryName(state->target, random);
+        std::string temporary = TemporaryName(state->target);
         state->descriptor = OpenRestarted(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0666);
         if (state->descriptor >= 0) {
             state->temporary = std::move(temporary);

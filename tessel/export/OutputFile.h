@@ -11,13 +11,14 @@
 namespace tessel::exporting {
 
 /// Bytes on their way to a file. Until `Commit`, nothing of it can be seen under the final name, and what an
-/// earlier file of that name holds stays whole; without `Commit` nothing is left. Devices and pipes, which
-/// cannot be replaced, are written to directly. Threads: one object, one thread at a time.
+/// earlier file of that name holds stays whole; without `Commit` nothing is left. The new file keeps the old
+/// one's permissions; where the name is a link, its target is what is written. Devices and pipes, which cannot
+/// be replaced, are written to directly. Threads: one object, one thread at a time.
 class OutputFile {
 public:
     /// Starts a file that will be `path`.
     /// @throws ExportError  naming the path, where it cannot be.
-    explicit OutputFile(std::filesystem::path path);
+    explicit OutputFile(const std::filesystem::path& path);
 
     struct StandardOutput {};
     explicit OutputFile(StandardOutput);
@@ -46,6 +47,13 @@ private:
     struct State;
     std::unique_ptr<State> mState;
 };
+
+/// @throws ExportError  naming `path`, where `Replace` would fail: it is a folder, a device, protected, ...
+void RequireReplaceable(const std::filesystem::path& path);
+
+/// Moves a file that is whole to `path`, on the same file system, as `OutputFile::Commit` does.
+/// @throws ExportError  naming `path`
+void Replace(const std::filesystem::path& path, const std::filesystem::path& whole);
 
 /// A folder for the files of a sequence in the making, beside where they go. Removed with all it holds by the
 /// destructor.

@@ -2,15 +2,16 @@
 #include "Interrupt.h"
 #include "OutputFile.h"
 
+#include <orb/FileReplacement.h>
+
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <random>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -29,25 +30,48 @@ std::string ErrnoText(int error)
     throw ExportError("cannot write " + name + ": " + ErrnoText(error));
 }
 
-/// A name beside `path` that nothing has yet.
-fs::path HiddenSibling(const fs::path& folder, const std::string& stem)
-{
-    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    std::random_device random;
-    std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
-    std::string name = ".";
-    name += stem;
-    name += '.';
-    for (int i = 0; i < 8; ++i) {
-        name += kLetters[letter(random)];
-    }
-    return folder / name;
-}
-
 fs::path FolderOf(const fs::path& path)
 {
     const fs::path parent = path.parent_path();
     return parent.empty() ? fs::path(".") : parent;
+}
+
+/// Where a file goes.
+struct Place {
+    fs::path path;                 ///< of a file: with all links followed, as their target is replaced
+    std::optional<mode_t> oldMode; ///< of the ordinary file there, which the new one keeps
+    bool direct = false;           ///< a device or a pipe, which cannot be replaced
+};
+
+/// @throws ExportError  where nothing can be written
+Place PlaceOf(const fs::path& path, const std::string& shownName)
+{
+    struct stat status {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) {
+        FailToWrite(shownName, errno);
+    }
+    if (exists && S_ISDIR(status.st_mode)) {
+        FailToWrite(shownName, EISDIR);
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        // Its name as given: that of a shell's pipe, /dev/fd/63, leads to no other name.
+        return {path, std::nullopt, /*direct=*/true};
+    }
+    // Renaming would also replace a file that its permissions protect.
+    if (exists && ::access(path.c_str(), W_OK) != 0) {
+        FailToWrite(shownName, errno);
+    }
+    std::string target;
+    if (const int error = ORB::ResolveTarget(path.native(), target)) {
+        FailToWrite(shownName, error);
+    }
+    return {target, exists ? std::optional(status.st_mode & 07777U) : std::nullopt, /*direct=*/false};
+}
+
+std::string Shown(const fs::path& path)
+{
+    return fmt::format("'{}'", path.string());
 }
 
 /// The path under which a file without a name can be linked.
@@ -89,7 +113,7 @@ struct OutputFile::State {
     }
 
     int descriptor = -1;
-    fs::path path;       ///< final name
+    fs::path path;       ///< final name, no link
     fs::path temporary;  ///< empty: nameless, or written directly
     bool direct = false; ///< a device, a pipe or standard output
     bool canSeek = false;
@@ -98,17 +122,13 @@ struct OutputFile::State {
     std::int64_t size = 0;
 };
 
-OutputFile::OutputFile(fs::path path) : mState(std::make_unique<State>())
+OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 {
     State& state = *mState;
-    state.path = std::move(path);
-    state.shownName = fmt::format("'{}'", state.path.string());
-    struct stat status {};
-    const bool exists = ::stat(state.path.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode)) {
-        FailToWrite(state.shownName, EISDIR);
-    }
-    if (exists && !S_ISREG(status.st_mode)) {
+    state.shownName = Shown(path);
+    Place place = PlaceOf(path, state.shownName);
+    state.path = std::move(place.path);
+    if (place.direct) {
         state.direct = true;
         state.descriptor = ::open(state.path.c_str(), O_WRONLY | O_CLOEXEC);
         if (state.descriptor < 0) {
@@ -116,24 +136,20 @@ OutputFile::OutputFile(fs::path path) : mState(std::make_unique<State>())
         }
         return;
     }
-    if (exists && ::access(state.path.c_str(), W_OK) != 0) {
-        FailToWrite(state.shownName, errno);
-    }
-    if (exists) {
-        // A link keeps pointing: it is its target that is replaced.
-        state.path = fs::canonical(state.path);
-    }
     const fs::path folder = FolderOf(state.path);
     state.canSeek = true;
     state.descriptor = OpenNameless(folder);
     if (state.descriptor < 0) {
-        state.temporary = HiddenSibling(folder, state.path.filename().string());
+        state.temporary = ORB::TemporaryName(state.path.native());
         state.descriptor = ::open(state.temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     }
     if (state.descriptor < 0) {
         const int error = errno;
         state.temporary.clear();
         FailToWrite(state.shownName, error);
+    }
+    if (place.oldMode && ::fchmod(state.descriptor, *place.oldMode) != 0) {
+        FailToWrite(state.shownName, errno);
     }
 }
 
@@ -201,7 +217,7 @@ void OutputFile::Commit()
     }
     if (state.temporary.empty()) {
         // A nameless file can only be linked under a new name; the rename then replaces an old file at once.
-        const fs::path named = HiddenSibling(FolderOf(state.path), state.path.filename().string());
+        const fs::path named = ORB::TemporaryName(state.path.native());
         if (::linkat(AT_FDCWD, DescriptorPath(state.descriptor).c_str(), AT_FDCWD, named.c_str(),
                      AT_SYMLINK_FOLLOW) != 0) {
             FailToWrite(state.shownName, errno);
@@ -218,10 +234,27 @@ void OutputFile::Commit()
     state.temporary.clear();
 }
 
+void RequireReplaceable(const fs::path& path)
+{
+    if (PlaceOf(path, Shown(path)).direct) {
+        throw ExportError(fmt::format("cannot write {}: it is no ordinary file", Shown(path)));
+    }
+}
+
+void Replace(const fs::path& path, const fs::path& whole)
+{
+    const std::string shownName = Shown(path);
+    const Place place = PlaceOf(path, shownName);
+    if ((place.oldMode && ::chmod(whole.c_str(), *place.oldMode) != 0) ||
+        ::rename(whole.c_str(), place.path.c_str()) != 0) {
+        FailToWrite(shownName, errno);
+    }
+}
+
 TemporaryFolder::TemporaryFolder(const fs::path& parent)
 {
     const fs::path folder = parent.empty() ? fs::path(".") : parent;
-    mPath = HiddenSibling(folder, "tessel");
+    mPath = ORB::TemporaryName((folder / "x").native());
     if (::mkdir(mPath.c_str(), 0777) != 0) {
         throw ExportError("cannot write into '" + folder.string() + "': " + ErrnoText(errno));
     }

@@ -85,6 +85,7 @@ void SequenceWriter::Write(std::span<const std::byte> file, std::int64_t number)
         return;
     }
     std::string name = mNumbered->name.With(number);
+    RequireReplaceable(mNumbered->parent / name); // now, not when all are rendered
     OutputFile output(mNumbered->folder.Path() / name);
     output.Write(file);
     output.Commit();
@@ -99,15 +100,14 @@ void SequenceWriter::Finish()
     }
     for (std::size_t done = 0; done < mNumbered->files.size(); ++done) {
         const std::string& name = mNumbered->files[done];
-        std::error_code error;
-        fs::rename(mNumbered->folder.Path() / name, mNumbered->parent / name, error);
-        if (error) {
+        try {
+            Replace(mNumbered->parent / name, mNumbered->folder.Path() / name);
+        } catch (const ExportError&) {
             for (std::size_t i = 0; i < done; ++i) {
                 std::error_code ignored;
                 fs::remove(mNumbered->parent / mNumbered->files[i], ignored);
             }
-            throw ExportError(
-                fmt::format("cannot write '{}': {}", (mNumbered->parent / name).string(), error.message()));
+            throw;
         }
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OutputFile.h"
+#include "OutputFolder.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,7 +31,8 @@ private:
 };
 
 /// Where the pictures of a sequence go: numbered files, one file, or one after the other into standard output.
-/// Numbered files take their names when all are whole. Threads: one object, one thread at a time.
+/// Numbered files take their names when all are whole; their folder is made where it is missing. Threads: one
+/// object, one thread at a time.
 class SequenceWriter {
 public:
     /// @param target        path with a number in its file name; for one picture it may go without; `-`
@@ -45,12 +47,14 @@ public:
 private:
     struct Numbered {
         Numbered(std::filesystem::path folderOfFiles, NumberedName nameOfFiles)
-            : parent(std::move(folderOfFiles)), name(std::move(nameOfFiles)), folder(parent)
+            : parent(std::move(folderOfFiles)), name(std::move(nameOfFiles)),
+              made(parent, OutputFolder::Missing::Last), folder(parent)
         {
         }
 
         std::filesystem::path parent;
         NumberedName name;
+        OutputFolder made; ///< before the temporary one in it, which goes first
         TemporaryFolder folder;
         std::vector<std::string> files;
     };
