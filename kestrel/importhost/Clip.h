@@ -53,6 +53,10 @@ struct OpenOptions {
     FrameFilling filling = FrameFilling::Zero;
 };
 
+/// @throws HostError  for a name without one of the extensions that the plug-in owns, in any case; names the
+///                    file and those. Looks at the name only. Threads: [thread-safe].
+void RequireExtension(const Importer& importer, const std::filesystem::path& file);
+
 /// Owns the plug-in's instance. Threads: [thread-safe] for `RenderFrame` and `RenderAudio`; the first
 /// frame request of a process runs alone, because it fills the plug-in's suite handles.
 class Clip {

@@ -59,6 +59,8 @@ void RequireReadableFile(const std::filesystem::path& file)
     }
 }
 
+} // namespace
+
 void RequireExtension(const Importer& importer, const std::filesystem::path& file)
 {
     const std::string extension = LowerASCII(file.extension().string());
@@ -75,6 +77,8 @@ void RequireExtension(const Importer& importer, const std::filesystem::path& fil
                                     : "unknown file extension " + OneLine(extension)) +
                      ", " + known + " was expected");
 }
+
+namespace {
 
 /// The name as plug-ins take it: absolute where that can be said in UTF-16.
 std::u16string PluginPath(const std::filesystem::path& file)

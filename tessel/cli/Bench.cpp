@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Measurement.h"
 #include "MemorySpeed.h"
+#include "ValueChecks.h"
 
 #include <importhost/FrameMemory.h>
 #include <importhost/HostError.h>
@@ -169,15 +170,15 @@ void AddBenchCommand(CLI::App& app, Context& context)
 {
     auto options = std::make_shared<BenchOptions>();
     CLI::App* command = app.add_subcommand("bench", "Measure how fast a clip is synthesised on one thread");
-    command->add_option("clip", options->clip, "Tessel document")->required();
+    command->add_option("clip", options->clip, "Tessel document")->required()->check(NotEmpty());
     command->add_flag("--json", options->json, "Print JSON");
     command->add_option("--seconds", options->limits.seconds, "Seconds to spend on each measurement")
-        ->check(CLI::Range(0.001, 3600.0))
+        ->check(Seconds(0.001, 3600.0))
         ->capture_default_str();
     command
         ->add_option("--frames", options->limits.mostRuns,
                      "Frames (or sound requests) to stop after; 0: no limit")
-        ->check(CLI::Range(std::int64_t{0}, std::int64_t{1} << 40U))
+        ->transform(WholeFromZero())
         ->capture_default_str();
     command->add_flag("--allow-default", options->allowDefault,
                       "Take a malformed document as the default clip instead of refusing it");

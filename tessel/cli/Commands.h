@@ -54,8 +54,9 @@ void FlushOut();
 /// Writes "tessel: `line`" to standard error, control characters made visible so that it stays one line.
 void WriteError(std::string_view line) noexcept;
 
-/// Lets writes to a closed pipe fail instead of ending the program. Called once, before any thread.
-void IgnoreBrokenPipes() noexcept;
+/// Lets writes to a closed pipe, or beyond the largest size of files, fail instead of ending the program.
+/// Called once, before any thread.
+void LetWritesFail() noexcept;
 
 /// Each registers one command. Its callback throws `importhost::HostError` for work that failed and
 /// `UsageError` for a wrong command line; the context outlives the app. @{

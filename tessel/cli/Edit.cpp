@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "SequenceOptions.h"
+#include "ValueChecks.h"
 
 #include <importhost/HostError.h>
 #include <importhost/PathText.h>
@@ -83,6 +84,16 @@ void KeepDecision(const EditedSettings& edited, const std::filesystem::path& tar
     WriteDocument(target, *edited.text);
 }
 
+/// A document of another name would be refused by everything that opens clips. @throws UsageError
+void RequireClipName(const importhost::Importer& importer, const std::filesystem::path& out)
+{
+    try {
+        importhost::RequireExtension(importer, out);
+    } catch (const HostError& error) {
+        throw UsageError(error.what());
+    }
+}
+
 void Edit(Context& context, const EditOptions& options)
 {
     const bool isNew = options.clip.empty();
@@ -111,6 +122,9 @@ void Edit(Context& context, const EditOptions& options)
     }
 
     const auto importer = context.LoadImporter();
+    if (!options.out.empty()) {
+        RequireClipName(*importer, options.out);
+    }
     userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
         return importhost::RenderSettingsPreview(*importer, settingsText);
     });
@@ -132,8 +146,10 @@ void AddEditCommand(CLI::App& app, Context& context)
 {
     auto* const command = app.add_subcommand("edit", "Edit a clip's settings in their dialog");
     const auto options = std::make_shared<EditOptions>();
-    command->add_option("CLIP", options->clip, "The data file to edit; without it a new one is made");
-    command->add_option("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is");
+    command->add_option("CLIP", options->clip, "The data file to edit; without it a new one is made")
+        ->check(NotEmpty());
+    command->add_option("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is")
+        ->check(NotEmpty());
     const auto* const size =
         command->add_option("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT")
             ->capture_default_str();
@@ -143,7 +159,8 @@ void AddEditCommand(CLI::App& app, Context& context)
     const auto* const pixelAspect =
         command->add_option("--par", options->pixelAspect, "Pixel aspect ratio of a new clip: 10/11")
             ->capture_default_str();
-    command->add_option("--script", options->script, "Work the dialog with this script instead of by hand");
+    command->add_option("--script", options->script, "Work the dialog with this script instead of by hand")
+        ->check(NotEmpty());
     command->add_option("--theme", options->theme, "How the dialog looks")
         ->check(CLI::IsMember({"dark", "light"}))
         ->capture_default_str();

@@ -2,6 +2,7 @@
 
 #include "ClipReport.h"
 #include "Commands.h"
+#include "ValueChecks.h"
 
 #include <importhost/HostError.h>
 #include <qelcore/serialization/Json.h>
@@ -62,7 +63,7 @@ void AddInfoCommand(CLI::App& app, Context& context)
 {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* command = app.add_subcommand("info", "Show what the plug-in reports of clips");
-    command->add_option("clip", options->clips, "Tessel documents")->required();
+    command->add_option("clip", options->clips, "Tessel documents")->required()->check(NotEmpty());
     command->add_flag("--json", options->json, "Print JSON: an object for one clip, an array for several");
     command->add_flag("--allow-default", options->allowDefault,
                       "Take a malformed document as the default clip instead of refusing it");

@@ -2,6 +2,7 @@
 /// and an exit code.
 
 #include "Commands.h"
+#include "ValueChecks.h"
 
 #include <importhost/HostError.h>
 #include <importhost/PathText.h>
@@ -12,6 +13,7 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace tessel::cli {
 
@@ -39,6 +41,20 @@ int Fail(int exitCode, const std::string& line)
     return exitCode;
 }
 
+/// Names what was typed for a command where that is none.
+std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error)
+{
+    const std::vector<std::string> unknown = app.remaining();
+    if (!app.get_subcommands().empty() || unknown.empty()) {
+        return error.what();
+    }
+    std::string known;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        known += (known.empty() ? "" : ", ") + command->get_name();
+    }
+    return "'" + unknown.front() + "' is no command; there are " + known;
+}
+
 /// Parses and runs. @return the exit code; throws what a command throws.
 int ParseAndRun(CLI::App& app, const Context& context, int argc, char** argv)
 {
@@ -49,7 +65,7 @@ int ParseAndRun(CLI::App& app, const Context& context, int argc, char** argv)
         app.exit(answer, text, text);
         WriteOut(text.str());
     } catch (const CLI::ParseError& error) {
-        return Fail(kWrongCommandLine, std::string(error.what()) + " (see tessel --help)");
+        return Fail(kWrongCommandLine, WhatIsWrong(app, error) + " (see tessel --help)");
     }
     FlushOut();
     return context.exitCode;
@@ -57,7 +73,7 @@ int ParseAndRun(CLI::App& app, const Context& context, int argc, char** argv)
 
 int Run(int argc, char** argv)
 {
-    IgnoreBrokenPipes();
+    LetWritesFail();
     try {
         CLI::App app{"Exact test signals from small documents"};
         app.name("tessel");
@@ -66,7 +82,8 @@ int Run(int argc, char** argv)
         app.set_version_flag("--version", std::string("tessel ") + TESSEL_VERSION);
 
         Context context;
-        app.add_option("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in");
+        app.add_option("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in")
+            ->check(NotEmpty());
         app.add_flag("--no-testing-plugins", context.noTestingPlugins,
                      "Load test plug-ins only where the debug database says so");
         AddInfoCommand(app, context);

@@ -46,7 +46,10 @@ std::vector<double> MedianSecondsPerRun(std::span<const std::function<void()>> w
     std::vector<std::vector<double>> samples(ways.size());
     std::vector<std::int64_t> runs(ways.size(), 0);
     std::vector<double> spent(ways.size(), 0.0);
-    const auto isDone = [&](std::size_t i) { return spent[i] >= limits.seconds || runs[i] >= mostRuns; };
+    const auto isDone = [&](std::size_t i) {
+        // Not "spent >= limit": a limit that is not a number would never be reached.
+        return !(spent[i] < limits.seconds) || runs[i] >= mostRuns;
+    };
     for (bool goOn = true; goOn;) {
         goOn = false;
         for (std::size_t i = 0; i < ways.size(); ++i) {

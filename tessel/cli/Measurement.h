@@ -9,7 +9,7 @@
 namespace tessel::cli {
 
 struct MeasurementLimits {
-    double seconds = 1.0;      ///< spent on each way of doing it
+    double seconds = 1.0;      ///< spent on each way of doing it; not a number counts as 0
     std::int64_t mostRuns = 0; ///< of each way; 0 for no limit
 };
 

@@ -1,13 +1,16 @@
 /// `tessel render`: clips to files.
 
 #include "Commands.h"
+#include "ValueChecks.h"
 
 #include <importhost/Clip.h>
 #include <tessel/export/Containers.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/Interrupt.h>
 #include <tessel/export/OutputFile.h>
+#include <tessel/export/OutputFolder.h>
 #include <tessel/export/Render.h>
+#include <tessel/export/SequenceWriter.h>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -79,7 +82,7 @@ Container ContainerOf(const Options& options)
     }
     const std::optional<Container> container = exporting::ContainerNamed(extension);
     if (!container) {
-        throw ExportError(
+        throw UsageError(
             fmt::format("'{}': the extension says none of the formats that can be written; there are "
                         "{} (or say --format)",
                         options.output, exporting::ContainerNames()));
@@ -109,23 +112,45 @@ fs::path FileInFolder(const fs::path& folder, const fs::path& clip, Container co
     return folder / fmt::format("{}{}.{}", name, number, info.name);
 }
 
+/// Several clips do not fit into one file: what reads like a file's name is not taken for a folder's.
+void RequireFolderName(const Options& options)
+{
+    std::error_code ignored;
+    const fs::path path = options.output;
+    const bool isNumbered = path.filename().string().find('%') != std::string::npos;
+    if ((!path.has_extension() && !isNumbered) || fs::is_directory(path, ignored)) {
+        return;
+    }
+    const std::string extension = path.has_extension() ? path.extension().string().substr(1) : "";
+    const fs::path folder = path.parent_path() / (isNumbered ? fs::path("out") : path.stem());
+    throw UsageError(fmt::format("several clips cannot all become '{}'; name a folder, as in -o {}/{}",
+                                 options.output, folder.string(),
+                                 exporting::ContainerNamed(extension) ? " --format " + extension : ""));
+}
+
+void RequireSequenceName(const fs::path& file)
+{
+    try {
+        static_cast<void>(exporting::NumberedName::Parse(file.filename().string()));
+    } catch (const ExportError& error) {
+        throw UsageError(error.what());
+    }
+}
+
 std::vector<Target> TargetsOf(const Options& options)
 {
-    if (options.output.empty()) {
-        throw UsageError("-o needs a file, a folder or -");
-    }
     if (options.clips.size() > 1 && options.output == "-") {
         throw UsageError("several clips cannot share standard output; name a folder");
     }
     if (!NamesFolder(options)) {
-        return {{options.clips.front(), options.output, ContainerOf(options)}};
+        const Target target{options.clips.front(), options.output, ContainerOf(options)};
+        if (exporting::InfoOf(target.container).kind == exporting::ContainerKind::Sequence) {
+            RequireSequenceName(target.output);
+        }
+        return {target};
     }
+    RequireFolderName(options);
     const Container container = options.format.empty() ? Container::Mkv : FormatNamed(options.format);
-    std::error_code error;
-    fs::create_directories(options.output, error);
-    if (error) {
-        throw ExportError(fmt::format("cannot make the folder '{}': {}", options.output, error.message()));
-    }
     std::vector<Target> targets;
     std::set<fs::path> names;
     for (const std::string& clip : options.clips) {
@@ -162,12 +187,17 @@ exporting::OutputRequest RequestOf(const Options& options, Container container)
         }
     }
     request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
+    try {
+        exporting::CheckRequest(request);
+    } catch (const ExportError& error) {
+        throw UsageError(error.what());
+    }
     return request;
 }
 
-void RenderOne(const Options& options, const Target& target, Context& context)
+void RenderOne(const Options& options, const Target& target, const exporting::OutputRequest& request,
+               Context& context)
 {
-    const exporting::OutputRequest request = RequestOf(options, target.container);
     std::error_code ignored;
     if (target.output != "-" && fs::equivalent(target.clip, target.output, ignored)) {
         throw ExportError(fmt::format("'{}' is the clip itself; give another name", target.output.string()));
@@ -188,8 +218,7 @@ void RenderOne(const Options& options, const Target& target, Context& context)
         job.progress = &*bar;
     }
     try {
-        job.frames =
-            exporting::ChooseFrames(clip.Description().frameCount, options.from, options.to, options.frames);
+        job.frames = exporting::ChooseFrames(clip.Description(), options.from, options.to, options.frames);
         exporting::Render(source, job);
     } catch (const ExportError& error) {
         const std::string line = error.what();
@@ -207,11 +236,21 @@ void RunRender(const Options& options, Context& context)
     if (options.to && options.frames) {
         throw UsageError("--to and --frames exclude each other");
     }
+    if (options.from && options.to && *options.to < *options.from) {
+        throw UsageError(
+            fmt::format("--to {} comes before --from {}; --to is the last frame", *options.to, *options.from));
+    }
     const std::vector<Target> targets = TargetsOf(options);
+    // All targets are of one format.
+    const exporting::OutputRequest request = RequestOf(options, targets.front().container);
     try {
         const exporting::InterruptGuard guard;
+        std::optional<exporting::OutputFolder> folder;
+        if (NamesFolder(options)) {
+            folder.emplace(options.output, exporting::OutputFolder::Missing::All);
+        }
         for (const Target& target : targets) {
-            RenderOne(options, target, context);
+            RenderOne(options, target, request, context);
         }
     } catch (const exporting::Interrupted&) {
         // Everything unfinished is gone by now.
@@ -225,25 +264,38 @@ void AddRenderCommand(CLI::App& app, Context& context)
 {
     CLI::App* command = app.add_subcommand("render", "Render clips into movie, sound and picture files");
     auto options = std::make_shared<Options>();
-    command->add_option("clip", options->clips, "Clips to render")->required()->type_name("CLIP");
+    command->add_option("clip", options->clips, "Clips to render")
+        ->required()
+        ->check(NotEmpty())
+        ->type_name("CLIP");
     command
         ->add_option("-o,--output", options->output,
                      "File to write, or a folder, or - for standard output; sequences take a number, as in "
                      "out/%06d.exr")
         ->required()
+        ->check(NotEmpty())
         ->type_name("OUT");
-    command->add_option("--format", options->format,
-                        "What to write, where the extension does not say it: " + exporting::ContainerNames());
-    command->add_option("--video-codec", options->videoCodec,
-                        "Instead of the one that keeps the clip's format best: " +
-                            exporting::VideoCodecNames());
-    command->add_option("--audio-codec", options->audioCodec,
-                        "Instead of the container's usual one: " + exporting::AudioCodecNames());
-    command->add_option("--from", options->from, "First frame, counted from 0")->type_name("FRAME");
-    command->add_option("--to", options->to, "Last frame, included")->type_name("FRAME");
+    command
+        ->add_option("--format", options->format,
+                     "What to write, where the extension does not say it: " + exporting::ContainerNames())
+        ->check(NotEmpty());
+    command
+        ->add_option("--video-codec", options->videoCodec,
+                     "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames())
+        ->check(NotEmpty());
+    command
+        ->add_option("--audio-codec", options->audioCodec,
+                     "Instead of the container's usual one: " + exporting::AudioCodecNames())
+        ->check(NotEmpty());
+    command->add_option("--from", options->from, "First frame, counted from 0")
+        ->type_name("FRAME")
+        ->transform(WholeFromZero());
+    command->add_option("--to", options->to, "Last frame, included")
+        ->type_name("FRAME")
+        ->transform(WholeFromZero());
     command->add_option("--frames", options->frames, "Number of frames")
         ->type_name("COUNT")
-        ->check(CLI::PositiveNumber);
+        ->transform(WholeFromOne());
     command->add_flag("--audio-only", options->audioOnly, "Sound alone");
     command->add_flag("--video-only", options->videoOnly, "Picture alone");
     command->add_flag("--dither", options->dither, "Triangular dither for integer samples");
@@ -251,7 +303,7 @@ void AddRenderCommand(CLI::App& app, Context& context)
                       "Render a document that cannot be read as the default clip");
     command->add_flag("--no-progress", options->noProgress, "No progress bar");
     command->add_option("--threads", options->threads, "Threads to use; all cores where not said")
-        ->check(CLI::PositiveNumber);
+        ->transform(WholeFromOne());
     command->callback([options, &context] { RunRender(*options, context); });
 }
 

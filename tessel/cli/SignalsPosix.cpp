@@ -4,9 +4,10 @@
 
 namespace tessel::cli {
 
-void IgnoreBrokenPipes() noexcept
+void LetWritesFail() noexcept
 {
     (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace tessel::cli

@@ -1,6 +1,8 @@
 /// Many threads make things, one takes them in order.
 #pragma once
 
+#include "ExportError.h"
+
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -8,6 +10,8 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -24,6 +28,7 @@ public:
 
     /// @param makers    one per thread, each called on its own thread only
     /// @param capacity  1 or more
+    /// @throws ExportError  where the system does not start that many threads
     OrderedPipeline(std::int64_t count, std::vector<Make> makers, std::int64_t capacity)
         : mCount(count), mCapacity(capacity)
     {
@@ -32,6 +37,11 @@ public:
             for (Make& make : makers) {
                 mThreads.emplace_back([this, make = std::move(make)] { Work(make); });
             }
+        } catch (const std::system_error&) {
+            const std::size_t started = mThreads.size();
+            Stop();
+            throw ExportError("the system starts only " + std::to_string(started) + " of " +
+                              std::to_string(makers.size()) + " threads; use fewer, as in --threads 4");
         } catch (...) {
             Stop();
             throw;

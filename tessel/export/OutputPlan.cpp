@@ -43,6 +43,12 @@ std::int32_t MostChannels(AudioCodec codec) noexcept
     }
 }
 
+template <class Codec>
+bool Carries(std::span<const Codec> codecs, Codec codec) noexcept
+{
+    return std::find(codecs.begin(), codecs.end(), codec) != codecs.end();
+}
+
 AudioPlan PlanAudio(const ClipDescription& clip, const OutputRequest& request)
 {
     const ContainerInfo& info = InfoOf(request.container);
@@ -56,10 +62,6 @@ AudioPlan PlanAudio(const ClipDescription& clip, const OutputRequest& request)
                         clip.channelCount, kMostChannels));
     }
     plan.codec = request.audioCodec.value_or(info.audioCodecs.front());
-    if (std::find(info.audioCodecs.begin(), info.audioCodecs.end(), plan.codec) == info.audioCodecs.end()) {
-        throw ExportError(fmt::format("{} files do not carry {} audio; they carry {}", info.name,
-                                      NameOf(plan.codec), NamesOf(info.audioCodecs)));
-    }
     constexpr std::int32_t kHighestFlacRate = 655'350;
     const bool fits = clip.channelCount <= MostChannels(plan.codec) &&
                       (plan.codec != AudioCodec::Flac || plan.sampleRate <= kHighestFlacRate);
@@ -84,7 +86,7 @@ AudioPlan PlanAudio(const ClipDescription& clip, const OutputRequest& request)
 
 } // namespace
 
-OutputPlan PlanOutput(const ClipDescription& clip, const OutputRequest& request)
+void CheckRequest(const OutputRequest& request)
 {
     const ContainerInfo& info = InfoOf(request.container);
     if (request.streams == Streams::AudioOnly && !info.TakesAudio()) {
@@ -100,6 +102,20 @@ OutputPlan PlanOutput(const ClipDescription& clip, const OutputRequest& request)
     if (request.videoCodec && !info.TakesVideo()) {
         throw ExportError(fmt::format("{} files have no picture, so --video-codec says nothing", info.name));
     }
+    if (request.videoCodec && !Carries(info.videoCodecs, *request.videoCodec)) {
+        throw ExportError(fmt::format("{} files do not carry {} video; they carry {}", info.name,
+                                      NameOf(*request.videoCodec), NamesOf(info.videoCodecs)));
+    }
+    if (request.audioCodec && !Carries(info.audioCodecs, *request.audioCodec)) {
+        throw ExportError(fmt::format("{} files do not carry {} audio; they carry {}", info.name,
+                                      NameOf(*request.audioCodec), NamesOf(info.audioCodecs)));
+    }
+}
+
+OutputPlan PlanOutput(const ClipDescription& clip, const OutputRequest& request)
+{
+    CheckRequest(request);
+    const ContainerInfo& info = InfoOf(request.container);
     OutputPlan plan;
     plan.container = request.container;
     if (info.TakesVideo() && request.streams != Streams::AudioOnly) {

@@ -35,6 +35,10 @@ struct OutputRequest {
     Dither dither = Dither::None;
 };
 
+/// @throws ExportError  where container, streams and codecs do not go together whatever the clip is; says what
+///                      would
+void CheckRequest(const OutputRequest& request);
+
 struct OutputPlan {
     Container container = Container::Mkv;
     std::optional<VideoPlan> video;

@@ -36,7 +36,7 @@ PixelKind KindOf(BR::PixelFormat format)
 {
     const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(format);
     if (code == 0) {
-        throw ExportError("the clip's pixel format is none of the host's 48");
+        throw ExportError("\"mPixelFormat\" is none of the host's 48");
     }
     PixelKind kind;
     kind.storage = StorageOf(code);

@@ -77,8 +77,10 @@ template <class Result, class MakeOne>
 std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job, const MakeOne& makeOne)
 {
     std::vector<std::function<Result(std::int64_t)>> makers;
-    makers.reserve(static_cast<std::size_t>(job.threadCount));
-    for (int i = 0; i < job.threadCount; ++i) {
+    // More threads than frames would have nothing to do.
+    const auto count = static_cast<std::size_t>(std::min<std::int64_t>(job.threadCount, job.frames.count));
+    makers.reserve(count);
+    while (makers.size() < count) {
         makers.push_back(makeOne());
     }
     return makers;
@@ -92,9 +94,7 @@ OutputFile OpenTarget(const std::filesystem::path& target)
 /// The span's end in samples: the start of frame `frame`.
 std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& clip, const AudioPlan& plan)
 {
-    if (clip.timeScale < 1 || clip.sampleSize < 1) {
-        throw ExportError("the clip has no frame rate, so its length is not known");
-    }
+    RequireRate(clip);
     return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
 }
 
@@ -173,9 +173,11 @@ void RenderSequence(const SignalSource& source, const RenderJob& job, const Outp
 
 } // namespace
 
-FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> first,
+FrameRange ChooseFrames(const importhost::ClipDescription& clip, std::optional<std::int64_t> first,
                         std::optional<std::int64_t> last, std::optional<std::int64_t> count)
 {
+    RequireRate(clip); // without one, frames cannot be counted
+    const std::int64_t clipFrames = clip.frameCount;
     if (clipFrames < 1) {
         throw ExportError("the clip has no frames: mVideoDuration must be at least one frame long");
     }

@@ -20,9 +20,10 @@ struct FrameRange {
 /// @param first  first frame; the clip's first where not given
 /// @param last   last frame, included
 /// @param count  number of frames; at most one of `last` and `count` is given
-/// @throws ExportError  for a clip without frames, and for frames that the clip does not have
-[[nodiscard]] FrameRange ChooseFrames(std::int64_t clipFrames, std::optional<std::int64_t> first,
-                                      std::optional<std::int64_t> last, std::optional<std::int64_t> count);
+/// @throws ExportError  for a clip without a rate or frames, and for frames that the clip does not have
+[[nodiscard]] FrameRange ChooseFrames(const importhost::ClipDescription& clip,
+                                      std::optional<std::int64_t> first, std::optional<std::int64_t> last,
+                                      std::optional<std::int64_t> count);
 
 struct RenderJob {
     OutputRequest output;

@@ -13,6 +13,7 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <span>
@@ -170,7 +171,8 @@ public:
         context.framerate = {plan.geometry.rateNumerator, plan.geometry.rateDenominator};
         context.sample_aspect_ratio = PixelAspect(plan.geometry);
         context.field_order = LibavOrder(plan.geometry.order);
-        context.thread_count = threadCount;
+        constexpr int kMostCodecThreads = 64; // FFmpeg's encoders refuse more
+        context.thread_count = std::min(threadCount, kMostCodecThreads);
         context.strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
         context.flags |= AV_CODEC_FLAG_BITEXACT;
         SetTags(context, plan);

@@ -209,14 +209,11 @@ YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, VideoCo
 PictureGeometry GeometryOf(const ClipDescription& clip)
 {
     if (clip.width < 1 || clip.height < 1) {
-        throw ExportError(
-            fmt::format("the clip has no picture: its frames are {}x{}; use --audio-only for its sound",
-                        clip.width, clip.height));
+        throw ExportError(fmt::format("the clip has no picture: its frames are {}x{}, but \"mFrameWidth\" and "
+                                      "\"mFrameHeight\" must be 1 or more; use --audio-only for its sound",
+                                      clip.width, clip.height));
     }
-    if (clip.timeScale < 1 || clip.sampleSize < 1) {
-        throw ExportError(
-            "the clip has no frame rate: mVideoFrameRate must be a positive number of ticks per frame");
-    }
+    RequireRate(clip);
     const std::int32_t divisor = std::gcd(clip.timeScale, clip.sampleSize);
     PictureGeometry geometry;
     geometry.width = clip.width;
@@ -240,18 +237,22 @@ PictureGeometry GeometryOf(const ClipDescription& clip)
 
 } // namespace
 
+void RequireRate(const ClipDescription& clip)
+{
+    if (clip.timeScale < 1 || clip.sampleSize < 1) {
+        // 254016000000 ticks a second / 25
+        throw ExportError("the clip has no frame rate: \"ticksperframe\" of \"mVideoFrameRate\" must be a "
+                          "positive number of ticks, such as 10160640000 for 25 frames per second");
+    }
+}
+
 VideoPlan PlanVideo(const ClipDescription& clip, Container container, std::optional<VideoCodec> chosen)
 {
     const PixelKind kind = KindOf(clip.pixelFormat);
-    const ContainerInfo& info = InfoOf(container);
 
     VideoPlan plan;
     plan.geometry = GeometryOf(clip);
     plan.codec = chosen.value_or(DefaultCodec(kind, container));
-    if (std::find(info.videoCodecs.begin(), info.videoCodecs.end(), plan.codec) == info.videoCodecs.end()) {
-        throw ExportError(fmt::format("{} files do not carry {} video; they carry {}", info.name,
-                                      NameOf(plan.codec), NamesOf(info.videoCodecs)));
-    }
     const PictureLayout layout = LayoutFor(plan.codec, clip, kind, container);
     plan.conversion.source = FrameFormat(clip.pixelFormat, kind);
     plan.conversion.target = layout;

@@ -30,9 +30,13 @@ struct VideoPlan {
     ColorTags tags;
 };
 
+/// @throws ExportError  for a clip whose frames last no time that can be told
+void RequireRate(const importhost::ClipDescription& clip);
+
 /// @param chosen  the codec that a person asked for
-/// @throws ExportError  for a clip without a size or rate, for a codec that the container does not carry,
-///                      and where the codec cannot have the clip's size or rate; says what could.
+///                one that the container carries
+/// @throws ExportError  for a clip without a size or rate, and where the codec cannot have the clip's size or
+///                      rate; says what could.
 [[nodiscard]] VideoPlan PlanVideo(const importhost::ClipDescription& clip, Container container,
                                   std::optional<VideoCodec> chosen);
 

@@ -51,7 +51,8 @@ class Bench(ProgramTest):
     def test_limits_that_make_no_sense_are_a_wrong_command_line(self):
         self.assert_failed(self.bench(document(), "--frames", "-1"), 2, "--frames")
         self.assert_failed(self.run_program("bench", "clip.tessel", "--seconds", "0"), 2, "--seconds")
-        self.assert_failed(self.run_program("bench", "clip.tessel", "--seconds", "soon"), 2, "--seconds")
+        for seconds in ("soon", "nan", "-nan", "inf", "-1", "1e9", ""):
+            self.assert_failed(self.run_program("bench", "clip.tessel", "--seconds=" + seconds), 2, "--seconds")
 
 
 if __name__ == "__main__":

@@ -14,6 +14,46 @@ class CommandLine(ProgramTest):
             with self.subTest(arguments=arguments):
                 self.assert_failed(self.run_program(*arguments), 2, "tessel --help")
 
+    def test_an_unknown_command_is_named_beside_those_that_there_are(self):
+        self.assert_failed(self.run_program("bogus"), 2, "'bogus' is no command", "info, render, bench, edit")
+        self.assert_failed(self.run_program("bogus", "a.tessel"), 2, "'bogus' is no command")
+
+    def test_empty_values_are_not_taken_for_missing_ones(self):
+        clip = self.write("clip.tessel", document())
+        before = os.stat(self.path(clip)).st_mtime_ns
+        script = self.write("accept.script", "accept\n")
+        for arguments, option in ((["info", ""], "clip"), (["info", clip, ""], "clip"), (["bench", ""], "clip"),
+                                  (["render", "", "-o", "x.mkv"], "clip"), (["render", clip, "-o", ""], "--output"),
+                                  (["render", clip, "-o", "x.mkv", "--format", ""], "--format"),
+                                  (["render", clip, "-o", "x.mkv", "--video-codec", ""], "--video-codec"),
+                                  (["render", clip, "-o", "x.mkv", "--audio-codec", ""], "--audio-codec"),
+                                  (["--plugin", "", "info", clip], "--plugin"),
+                                  (["edit", clip, "-o", "", "--script", script], "--output"),
+                                  (["edit", clip, "--script", ""], "--script"),
+                                  (["edit", "", "-o", "new.tessel", "--script", script], "CLIP")):
+            with self.subTest(arguments=arguments):
+                self.assert_failed(self.run_program(*arguments), 2, option, "must not be empty")
+        self.assertEqual(os.stat(self.path(clip)).st_mtime_ns, before)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["accept.script", "clip.tessel"])
+
+    def test_settings_are_not_written_to_a_name_that_no_clip_can_have(self):
+        clip = self.write("clip.tessel", document())
+        script = self.write("accept.script", "accept\n")
+        for arguments in ((clip,), ()):
+            self.assert_failed(self.run_program("edit", *arguments, "-o", "x.mov", "--script", script), 2, "x.mov",
+                               ".tessel was expected")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["accept.script", "clip.tessel"])
+
+    def test_pipes_in_the_place_of_files_are_not_waited_for(self):
+        clip = self.write("clip.tessel", document())
+        os.mkfifo(self.path("pipe"))
+        self.assert_failed(self.run_program("edit", clip, "--script", "pipe"), 1, "pipe: ", "script",
+                           "not an ordinary file")
+        answer = self.run_program("--no-testing-plugins", "info", clip,
+                                  environment={"KESTREL_DEBUG_DATABASE": self.path("pipe")})
+        self.assertEqual(answer.code, 1)
+        self.assertIn("pipe: cannot be read", answer.err)
+
     def test_help_and_version_go_to_standard_output(self):
         for arguments, says in ((["--help"], "info"), (["info", "--help"], "--json"),
                                 (["bench", "--help"], "--seconds"), (["--version"], "tessel ")):

@@ -1,6 +1,7 @@
 """What goes wrong gives one line, the right exit code and leaves nothing; what was there stays whole."""
 
 import os
+import resource
 import signal
 import stat
 import subprocess
@@ -24,17 +25,34 @@ class Failures(RenderTest):
                           ("render", clip, "-o", "x.mkv", "--audio-codec", "mp3"),
                           ("render", clip, "-o", "x.mkv", "--audio-only", "--video-only"),
                           ("render", clip, "-o", "x.mkv", "--to", "3", "--frames", "2"),
-                          ("render", clip, "-o", "x.mkv", "--frames", "0"),
                           ("render", clip, "-o", "x.mkv", "--from", "one"),
+                          ("render", clip, "-o", "x.mkv", "--from", "-1"),
+                          ("render", clip, "-o", "x.mkv", "--to", "-1"),
+                          ("render", clip, "-o", "x_%s.png"), ("render", clip, "-o", "x.wav", "--video-only"),
                           ("render", clip, "-o", "-"), ("render", clip, clip, "-o", "-", "--format", "nut"),
                           ("render", clip, clip, "-o", "folder")):
             self.refuse(*arguments, code=2)
         self.assertNotIn("x.mkv", os.listdir(self.folder))
 
+    def test_numbers_that_make_no_sense_say_which_would(self):
+        clip = self.clip()
+        for option in ("--frames", "--threads"):
+            for number in ("0", "-1", "2x", "1.5", "99999999999999999999"):
+                line = self.refuse("render", clip, "-o", "x.mkv", f"{option}={number}", code=2,
+                                   says=(option, "must be a whole number from 1 on", number))
+                self.assertLess(len(line), 120)
+        self.refuse("render", clip, "-o", "x.mkv", "--from", "5", "--to", "3", code=2,
+                    says=("--to 3 comes before --from 5",))
+        self.left_over("clip.tessel")
+
+    def test_numbers_are_decimal(self):
+        self.render(document(frames=12), "x_%d.png", "--from", "01", "--frames", "010")
+        self.left_over("clip.tessel", *(f"x_{number}.png" for number in range(1, 11)))
+
     def test_an_unknown_extension_says_which_are_known(self):
         clip = self.clip()
         for name in ("x.webm", "x", "x.", ".mkv.bak"):
-            self.refuse("render", clip, "-o", name, says=(name, "mkv", "exr"))
+            self.refuse("render", clip, "-o", name, code=2, says=(name, "mkv", "exr"))
         self.left_over("clip.tessel")
 
     def test_a_clip_that_is_missing_malformed_or_foreign_is_named(self):
@@ -67,7 +85,7 @@ class Failures(RenderTest):
     def test_places_that_cannot_be_written_to_are_named(self):
         clip = self.clip()
         self.refuse("render", clip, "-o", "nowhere/x.mkv", says=("nowhere/x.mkv", "No such file"))
-        self.refuse("render", clip, "-o", "nowhere/x_%d.png", says=("nowhere", "No such file"))
+        self.refuse("render", clip, "-o", "nowhere/deeper/x_%d.png", says=("nowhere/deeper", "No such file"))
         self.refuse("render", clip, "-o", "/proc/x.mkv", says=("/proc/x.mkv",))
         os.mkdir(self.path("x.mkv"))
         os.mkdir(self.path("x.mkv/clip.mkv"))
@@ -186,6 +204,66 @@ class Failures(RenderTest):
         self.assertEqual(self.probe(self.path("elsewhere/real.mkv"))["codec_name"], "ffv1")
         self.assertEqual(os.listdir(self.path("elsewhere")), ["real.mkv"])
 
+    def test_a_link_to_nothing_keeps_pointing_at_the_file_that_is_made(self):
+        os.mkdir(self.path("elsewhere"))
+        for name, output in (("x.mkv", "x.mkv"), ("s_0.png", "s_%d.png")):
+            os.symlink("elsewhere/" + name, self.path(name))
+            self.render(document(frames=1), output)
+            self.assertTrue(os.path.islink(self.path(name)))
+            self.assertTrue(os.path.isfile(self.path("elsewhere/" + name)))
+
+    def test_a_file_that_is_replaced_keeps_its_permissions(self):
+        for name, output in (("x.mkv", "x.mkv"), ("s_0.png", "s_%d.png")):
+            with open(self.path(name), "w", encoding="utf-8") as file:
+                file.write("old")
+            os.chmod(self.path(name), 0o600)
+            self.render(document(frames=1), output)
+            self.assertGreater(os.path.getsize(self.path(name)), 3)
+            self.assertEqual(stat.S_IMODE(os.stat(self.path(name)).st_mode), 0o600)
+
+    def test_the_pipe_of_a_shell_is_written_to(self):
+        reading, writing = os.pipe()
+        with subprocess.Popen([*self.tessel, "render", self.clip(frames=2), "-o", f"/dev/fd/{writing}", "--format",
+                               "y4m"], pass_fds=[writing], stderr=subprocess.PIPE) as process:
+            os.close(writing)
+            with open(reading, "rb") as file:
+                self.assertTrue(file.read().startswith(b"YUV4MPEG2"))
+            self.assertEqual((process.wait(), process.stderr.read()), (0, b""))
+
+    def test_names_may_be_as_long_as_the_file_system_allows(self):
+        for extension in (".mkv", ".png"):
+            name = "x" * (255 - len(extension)) + extension
+            self.render(document(frames=1), name)
+            self.left_over("clip.tessel", name)
+            os.remove(self.path(name))
+            self.refuse("render", self.clip(frames=1), "-o", "x" + name, says=("File name too long",))
+        self.left_over("clip.tessel")
+
+    def test_the_largest_size_of_files_is_an_error_and_no_signal(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (10000, 10000))
+
+        done = subprocess.run([*self.tessel, "render", self.clip(**LONG), "-o", "x.mkv"], cwd=self.folder,
+                              preexec_fn=limit, capture_output=True, check=False)
+        self.assertEqual((done.returncode, done.stderr), (1, b"tessel: cannot write 'x.mkv': File too large\n"))
+        self.left_over("clip.tessel")
+
+    def test_more_threads_than_codecs_take_are_no_error(self):
+        for name in ("x.mov", "x.mkv", "x.mp4"):
+            self.render(document(frames=2), name, "--threads", "20000")
+
+    def test_too_little_memory_for_threads_is_said(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_AS, (1 << 30, 1 << 30))
+
+        # A thread's stack alone takes 8 MiB of addresses; what it makes may be the first that finds no place.
+        done = subprocess.run([*self.tessel, "render", self.clip(**LONG), "-o", "x.y4m", "--threads", "1000"],
+                              cwd=self.folder, preexec_fn=limit, capture_output=True, check=False)
+        line = done.stderr.decode()
+        self.assertEqual((done.returncode, line.count("\n")), (1, 1), line)
+        self.assertRegex(line, "starts only [0-9]+ of 1000 threads; use fewer, as in --threads 4|out of memory")
+        self.left_over("clip.tessel")
+
     def test_new_files_have_the_rights_that_the_mask_leaves(self):
         path = self.render(document(frames=1), "x.mkv")
         mask = os.umask(0)
@@ -194,8 +272,7 @@ class Failures(RenderTest):
 
     def test_frames_that_the_clip_does_not_have_are_refused(self):
         clip = self.clip(frames=10)
-        for arguments in (("--from", "10"), ("--from", "-1"), ("--to", "10"), ("--from", "5", "--frames", "6"),
-                          ("--from", "5", "--to", "4"), ("--frames", "9223372036854775807"),
+        for arguments in (("--from", "10"), ("--to", "10"), ("--from", "5", "--frames", "6"), ("--frames", "9223372036854775807"),
                           ("--from", "9", "--to", "9223372036854775807")):
             self.refuse("render", clip, "-o", "x.mkv", *arguments)
         self.refuse("render", self.clip(frames=0), "-o", "x.mkv", says=("mVideoDuration",))
@@ -205,11 +282,53 @@ class Failures(RenderTest):
         clip = self.clip(frames=3)
         self.refuse("render", clip, "-o", "x.png", says=("x_%06d.png", "--frames 1"))
         for name in ("x_%d_%d.png", "x_%s.png", "x_%6d.png", "x_%.png"):
-            self.refuse("render", clip, "-o", name, says=("%06d",))
+            self.refuse("render", clip, "-o", name, code=2, says=("%06d",))
         self.left_over("clip.tessel")
         done = self.run_tessel("render", clip, "-o", "100%%_%03d.png", "--from", "1")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.left_over("100%_001.png", "100%_002.png", "clip.tessel")
+
+    def test_several_clips_are_not_put_into_a_folder_with_a_files_name(self):
+        self.save(document(frames=1), "a.tessel")
+        self.save(document(frames=1), "b.tessel")
+        for name, says in (("x.mov", "-o x/ --format mov"), ("deep/x.png", "-o deep/x/ --format png"),
+                           ("x.webm", "-o x/"), ("%06d.exr", "-o out/ --format exr"), ("%d", "-o out/")):
+            self.refuse("render", "a.tessel", "b.tessel", "-o", name, code=2, says=(f"'{name}'", says))
+        self.left_over("a.tessel", "b.tessel")
+        os.mkdir(self.path("there.mov"))
+        for name in ("there.mov", "new.mov/"):
+            done = self.run_tessel("render", "a.tessel", "b.tessel", "-o", name)
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            self.assertEqual(sorted(os.listdir(self.path(name))), ["a.mkv", "b.mkv"])
+
+    def test_folders_are_made_for_sequences(self):
+        self.render(document(frames=2), "new/%03d.exr")
+        self.assertEqual(sorted(os.listdir(self.path("new"))), ["000.exr", "001.exr"])
+        self.left_over("clip.tessel", "new")
+
+    def test_a_failure_leaves_no_folder_that_it_made(self):
+        clip = self.clip(frames=3)
+        self.refuse("render", "nofile.tessel", "-o", "new/", says=("nofile.tessel",))
+        self.refuse("render", "nofile.tessel", clip, "-o", "new/deeper/", says=("nofile.tessel",))
+        self.refuse("render", clip, "-o", "new/", "--from", "99", says=("frame 99",))
+        self.refuse("render", clip, clip, "-o", "new", code=2, says=("clip.mkv",))
+        self.refuse("render", clip, "-o", "new/%d.png", "--from", "99", says=("frame 99",))
+        self.refuse("render", self.save(document(code="BGra", size=(40000, 40000)), "large.tessel"), "-o",
+                    "new/%d.png", says=("large.tessel",))
+        os.remove(self.path("large.tessel"))
+        self.left_over("clip.tessel")
+        code, _ = self.end_half_way(signal.SIGINT, "new/%04d.png")
+        self.assertEqual(code, -signal.SIGINT)
+        code, _ = self.end_half_way(signal.SIGINT, "new/deeper/")
+        self.assertEqual(code, -signal.SIGINT)
+        self.left_over("clip.tessel")
+        os.mkdir(self.path("old"))
+        self.refuse("render", clip, "-o", "old/", "--from", "999999", says=("frame 999999",))
+        self.left_over("clip.tessel", "old")
+
+    def test_a_failed_clip_leaves_the_folder_with_what_is_done(self):
+        self.refuse("render", self.clip(frames=1), "nofile.tessel", "-o", "new/", says=("nofile.tessel",))
+        self.assertEqual(os.listdir(self.path("new")), ["clip.mkv"])
 
     def test_several_clips_go_into_a_folder(self):
         self.save(document(frames=2), "a.tessel")
@@ -250,7 +369,7 @@ class Failures(RenderTest):
                                 (("-o", "x.y4m", "--audio-codec", "pcm16"), ("y4m",)),
                                 (("-o", "x_%d.png", "--audio-only"), ("png",)),
                                 (("-o", "x.wav", "--video-only"), ("wav",))):
-            self.refuse("render", clip, *arguments, says=says)
+            self.refuse("render", clip, *arguments, code=2, says=says)
         self.left_over("clip.tessel")
 
     def test_dv_says_which_sizes_and_rates_are_valid(self):
@@ -262,9 +381,15 @@ class Failures(RenderTest):
         self.left_over("clip.tessel")
 
     def test_a_clip_without_size_or_rate_is_refused(self):
-        for root in ({"mFrameWidth": 0}, {"mFrameHeight": -5}, {"mVideoFrameRate": {"ticksperframe": 0}},
-                     {"mVideoFrameRate": {"ticksperframe": -1}}, {"mPixelFormat": 1}):
-            self.refuse("render", self.save({**document(), **root}), "-o", "x.mkv")
+        for root, says in (({"mFrameWidth": 0}, '"mFrameWidth"'), ({"mFrameHeight": -5}, '"mFrameHeight"'),
+                           ({"mPixelFormat": 1}, '"mPixelFormat"')):
+            self.refuse("render", self.save({**document(), **root}), "-o", "x.mkv", says=(says,))
+        # 118 ticks are more than 2^31 - 1 frames a second; the last is the rate that documents use for none.
+        for ticks in (0, -1, 118, 2**63 - 1):
+            root = {**document(), "mVideoFrameRate": {"ticksperframe": ticks}}
+            for output in ("x.mkv", "x.wav", "x_%d.png"):
+                self.refuse("render", self.save(root), "-o", output,
+                            says=("clip.tessel", '"mVideoFrameRate"', '"ticksperframe"', "10160640000"))
         self.left_over("clip.tessel")
 
 

@@ -105,8 +105,10 @@ TEST(Render, FailureHalfWayLeavesNothing)
 
 TEST(ChooseFrames, GivesTheWholeClipUnlessToldOtherwise)
 {
-    const auto chosen = [](auto first, auto last, auto count) {
-        const FrameRange range = ChooseFrames(10, first, last, count);
+    auto clip = DescriptionOf(BR::PixelFormat::BGRA_4444_8u);
+    clip.frameCount = 10;
+    const auto chosen = [&](auto first, auto last, auto count) {
+        const FrameRange range = ChooseFrames(clip, first, last, count);
         return std::pair(range.first, range.count);
     };
     const std::optional<std::int64_t> none;
@@ -123,7 +125,7 @@ TEST(ChooseFrames, GivesTheWholeClipUnlessToldOtherwise)
           std::tuple{number(5), none, number(6)}, std::tuple{none, number(kHighest), none},
           std::tuple{none, number(kLowest), none}, std::tuple{number(9), none, number(kHighest)},
           std::tuple{none, none, number(0)}}) {
-        EXPECT_THROW(static_cast<void>(ChooseFrames(10, first, last, count)), ExportError);
+        EXPECT_THROW(static_cast<void>(ChooseFrames(clip, first, last, count)), ExportError);
     }
 }
 

@@ -1,0 +1,66 @@
+#include "ValueChecks.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace tessel::cli {
+namespace {
+
+/// All of `text` as a number.
+template <class Number>
+bool Parse(std::string_view text, Number& number) noexcept
+{
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc{} && stop == end;
+}
+
+CLI::Validator WholeFrom(std::int64_t least)
+{
+    return {[least](std::string& text) {
+                std::int64_t number = 0;
+                if (!Parse(text, number) || number < least) {
+                    return fmt::format("must be a whole number from {} on, not \"{}\"", least, text);
+                }
+                text = std::to_string(number);
+                return std::string{};
+            },
+            ""};
+}
+
+} // namespace
+
+CLI::Validator NotEmpty()
+{
+    return {[](const std::string& text) { return text.empty() ? std::string("must not be empty") : ""; }, ""};
+}
+
+CLI::Validator WholeFromOne()
+{
+    return WholeFrom(1);
+}
+
+CLI::Validator WholeFromZero()
+{
+    return WholeFrom(0);
+}
+
+CLI::Validator Seconds(double least, double most)
+{
+    return {[least, most](const std::string& text) {
+                double number = 0.0;
+                // Written so that what is not a number fails.
+                return Parse(text, number) && number >= least && number <= most
+                           ? std::string{}
+                           : fmt::format("must be a number of seconds from {} to {}, not \"{}\"", least, most,
+                                         text);
+            },
+            ""};
+}
+
+} // namespace tessel::cli
