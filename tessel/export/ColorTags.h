@@ -31,7 +31,8 @@ enum class CodeRanges : std::uint8_t { OnlyLimited, LimitedAndFull };
 
 /// The tags of a file with pixels of `layout`.
 ///
-/// Primaries and transfer are the clip's. Matrix and range belong together and follow the pixels:
+/// Primaries and transfer are the clip's, but linear light that passed the BT.709 curve on its way into
+/// integers announces that curve, not linear. Matrix and range belong together and follow the pixels:
 /// - R'G'B' pixels announce matrix 0 and full range.
 /// - Y'CbCr pixels of a Y'CbCr format announce the clip's matrix and range, also where they contradict the
 ///   format: wrong tags are a wanted test. In an R'G'B' space they announce the format's matrix, limited.

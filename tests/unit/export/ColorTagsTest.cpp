@@ -21,6 +21,17 @@ TEST(ColorTags, RgbPixelsAnnounceMatrix0AndFullRange)
               (ColorTags{1, 1, 0, true}));
 }
 
+TEST(ColorTags, LinearLightInIntegersAnnouncesTheCurveThatItPassed)
+{
+    constexpr ksSEIColorCodesRec kRec2020Linear{9, 8, 0, 1};
+    const auto linear = BR::PixelFormat::BGRA_4444_32f_Linear;
+    EXPECT_EQ(Tags(linear, kRec2020Linear, PictureLayout::Rgb24), (ColorTags{9, 1, 0, true}));
+    EXPECT_EQ(Tags(linear, kRec2020Linear, PictureLayout::Gbrpf32), (ColorTags{9, 8, 0, true}));
+    EXPECT_EQ(Tags(BR::PixelFormat::BGRA_4444_8u, kRec2020Linear, PictureLayout::Bgra),
+              (ColorTags{9, 8, 0, true}))
+        << "moved as they are, tags and all";
+}
+
 TEST(ColorTags, FormatAndSpaceThatDisagreeAreBothKept)
 {
     EXPECT_EQ(Tags(BR::PixelFormat::UYVY_422_8u_601, kRec709, PictureLayout::Uyvy),
