@@ -1,8 +1,6 @@
-#include "Shim.h"
+#include "DocumentShim.h"
 
 #include <string>
-
-namespace {
 
 std::string Spoil(std::string document)
 {
@@ -11,16 +9,4 @@ std::string Spoil(std::string document)
         document.replace(at, key.size(), "somethingElse");
     }
     return document;
-}
-
-} // namespace
-
-std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2)
-{
-    return RightWithDocument(Spoil, selector, stdParms, param1, param2);
-}
-
-void WrongIdentity(void* hostContext, ksPluginDataCallback callback)
-{
-    RightIdentity(hostContext, callback);
 }

@@ -17,11 +17,6 @@ void RightIdentity(void* hostContext, ksPluginDataCallback callback);
 /// The bytes of a file that a request names; nothing where it is no file that can be read.
 std::optional<std::string> ContentOf(const ksUTF16* path);
 
-/// What `Right` does, but where the request reads a file it reads another one, which holds what `change` makes
-/// of the file's content.
-std::int32_t RightWithDocument(std::string (*change)(std::string), std::int32_t selector,
-                               const ksStdParms* stdParms, void* param1, void* param2);
-
 /// The wrong plug-in's. @{
 std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2);
 void WrongIdentity(void* hostContext, ksPluginDataCallback callback);
