@@ -150,8 +150,10 @@ INSTANTIATE_TEST_SUITE_P(Fill, EveryFormat, ::testing::ValuesIn(PaintableFormats
 TEST_P(EveryFormat, FieldsOfLargePicturesInterleave)
 {
     constexpr ReferenceColor kOther{.75F, .25F, .5F, 1};
-    for (const std::uint32_t rows : {64U, 65U, 2000U}) {
-        const std::uint32_t width = rows > 1000 ? 1920 : 96;
+    constexpr std::size_t kLargeBytes = 28'000'000; // beyond what a fill takes for a small frame
+    const auto many = static_cast<std::uint32_t>(kLargeBytes / RowLength(GetParam().code, 1920)) / 2 * 2;
+    for (const std::uint32_t rows : {64U, 65U, many}) {
+        const std::uint32_t width = rows == many ? 1920 : 96;
         const std::size_t used = RowLength(GetParam().code, width);
         const auto upper = ReferenceFormat(GetParam().name).Row(width, kColor);
         const auto lower = ReferenceFormat(GetParam().name).Row(width, kOther);
