@@ -3,9 +3,6 @@
 namespace tessel::exporting {
 namespace {
 
-constexpr std::int32_t kBt709Transfer = 1;
-constexpr std::int32_t kLinearTransfer = 8;
-
 bool IsYCbCrMatrix(std::int32_t code) noexcept
 {
     switch (static_cast<Matrix>(code)) {
@@ -37,8 +34,8 @@ ColorTags TagsFor(const PixelKind& kind, const ksSEIColorCodesRec& codes, const 
                   const YCbCrCoding& coding) noexcept
 {
     ColorTags tags{codes.primaries, codes.transfer, codes.matrix, codes.fullRange != 0};
-    if (kind.linear && layout.type != SampleType::F32 && codes.transfer == kLinearTransfer) {
-        tags.transfer = kBt709Transfer;
+    if (kind.linear && layout.type != SampleType::F32 && codes.transfer == h273::kLinear) {
+        tags.transfer = h273::kBt709;
     }
     if (layout.family == ColorFamily::Rgb) {
         tags.matrix = static_cast<int>(Matrix::Rgb);

@@ -11,6 +11,15 @@
 
 namespace tessel::exporting {
 
+/// Codes of ITU-T H.273 for primaries and transfer that files treat differently from others.
+namespace h273 {
+inline constexpr int kBt709 = 1;
+inline constexpr int kUnspecified = 2;
+inline constexpr int kBt470Bg = 5; ///< BT.601 at 625 lines
+inline constexpr int kBt601 = 6;   ///< at 525 lines
+inline constexpr int kLinear = 8;  ///< transfer only
+} // namespace h273
+
 /// Codes of ITU-T H.273.
 struct ColorTags {
     int primaries = 2;

@@ -15,23 +15,16 @@ enum class DpxColor : std::uint8_t {
     Bt601At525 = 8
 };
 
-// Codes of ITU-T H.273.
-constexpr int kBt709 = 1;
-constexpr int kUnspecified = 2;
-constexpr int kBt470Bg = 5;
-constexpr int kBt601 = 6;
-constexpr int kLinear = 8;
-
 DpxColor Colorimetry(const ColorTags& tags) noexcept
 {
     switch (tags.primaries) {
-    case kBt709:
+    case h273::kBt709:
         return DpxColor::Bt709;
-    case kUnspecified:
+    case h273::kUnspecified:
         return DpxColor::Unspecified;
-    case kBt470Bg:
+    case h273::kBt470Bg:
         return DpxColor::Bt601At625;
-    case kBt601:
+    case h273::kBt601:
         return DpxColor::Bt601At525;
     default:
         return DpxColor::UserDefined;
@@ -41,13 +34,13 @@ DpxColor Colorimetry(const ColorTags& tags) noexcept
 DpxColor Transfer(const ColorTags& tags) noexcept
 {
     switch (tags.transfer) {
-    case kBt709:
+    case h273::kBt709:
         return DpxColor::Bt709;
-    case kUnspecified:
+    case h273::kUnspecified:
         return DpxColor::Unspecified;
-    case kBt601:
-        return tags.primaries == kBt470Bg ? DpxColor::Bt601At625 : DpxColor::Bt601At525;
-    case kLinear:
+    case h273::kBt601:
+        return tags.primaries == h273::kBt470Bg ? DpxColor::Bt601At625 : DpxColor::Bt601At525;
+    case h273::kLinear:
         return DpxColor::Linear;
     default:
         return DpxColor::UserDefined;
