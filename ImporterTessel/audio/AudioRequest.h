@@ -1,7 +1,7 @@
 /// One request for sound, as every generator receives it.
 #pragma once
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <cstdint>
 #include <span>

@@ -6,7 +6,7 @@
 #include "SteadyTone.h"
 #include "StereoIdentification.h"
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 namespace ImporterTessel {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "AudioRequest.h"
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <algorithm>
 #include <cstdint>

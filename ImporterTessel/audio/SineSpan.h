@@ -1,7 +1,7 @@
 /// The one sine generator that every signal is made with.
 #pragma once
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <cstdint>
 #include <span>

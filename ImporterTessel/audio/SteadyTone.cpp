@@ -1,6 +1,6 @@
 #include "SteadyTone.h"
 
-#include <qelaccelerate/Vector.h>
+#include <kestrel/qelaccelerate/Vector.h>
 
 #include <span>
 

@@ -3,8 +3,8 @@
 #include "SegmentWalk.h"
 #include "SineSpan.h"
 
-#include <qelaccelerate/Vector.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelaccelerate/Vector.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <cstdint>
 #include <span>

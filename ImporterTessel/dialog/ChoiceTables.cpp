@@ -1,7 +1,7 @@
 #include "ChoiceTables.h"
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <array>
 

@@ -1,9 +1,9 @@
 /// What the dialog's popups offer, and the settings behind it.
 #pragma once
 
-#include <qelmediatypes/PixelAspectRatio.h>
-#include <qelmediatypes/TickTime.h>
-#include <qelmediatypes/color/ColorSpace.h>
+#include <kestrel/qelmediatypes/PixelAspectRatio.h>
+#include <kestrel/qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/color/ColorSpace.h>
 
 #include <cstdint>
 #include <optional>

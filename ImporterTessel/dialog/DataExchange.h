@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <qelcore/classref/ClassWatcher.h>
-#include <qelcore/classref/UnknownBase.h>
+#include <kestrel/qelcore/classref/ClassWatcher.h>
+#include <kestrel/qelcore/classref/UnknownBase.h>
 
 #include <memory>
 #include <string>

@@ -2,12 +2,12 @@
 #include "ImporterTesselPrefsDialogImpl.h"
 
 #include <ImporterTessel/settings/SwatchFiles.h>
-#include <qelcore/files/FileUtils.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/text/Unicode.h>
-#include <qelui/dialogs/ColorPickerDialog.h>
-#include <qelui/dialogs/OS_FileDialog.h>
-#include <qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelcore/files/FileUtils.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qelui/dialogs/ColorPickerDialog.h>
+#include <kestrel/qelui/dialogs/OS_FileDialog.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
 
 #include <new>
 #include <optional>

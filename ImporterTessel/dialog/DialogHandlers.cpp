@@ -2,7 +2,7 @@
 #include "ChoiceTables.h"
 #include "ImporterTesselPrefsDialogImpl.h"
 
-#include <qelmediatypes/Saturating.h>
+#include <kestrel/qelmediatypes/Saturating.h>
 
 #include <cmath>
 #include <limits>

@@ -2,7 +2,7 @@
 #include "ChoiceTables.h"
 #include "ImporterTesselPrefsDialogImpl.h"
 
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "ImporterTesselPrefsDialogImpl.h"
 
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelui/toolkit/UserInterface.h>
-#include <qelworkspace/Workspace.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
+#include <kestrel/qelworkspace/Workspace.h>
 
 #include <sstream>
 #include <utility>

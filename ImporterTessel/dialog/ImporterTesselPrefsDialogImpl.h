@@ -5,12 +5,12 @@
 #include "PopupFillers.h"
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <orb/File.h>
-#include <qellumenfactory/UI_LumenViewBase.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/controls/UI_StaticText.h>
+#include <kestrel/orb/File.h>
+#include <kestrel/qellumenfactory/UI_LumenViewBase.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_StaticText.h>
 
 #include <array>
 #include <cstddef>

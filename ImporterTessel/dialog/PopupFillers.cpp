@@ -2,7 +2,7 @@
 
 #include "ChoiceTables.h"
 
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <cstddef>
 #include <span>

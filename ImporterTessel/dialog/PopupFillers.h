@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
 
 #include <cstdint>
 #include <map>

@@ -3,10 +3,10 @@
 #include "HostServices.h"
 
 #include <ImporterTessel/settings/DataFile.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Suites.h>
-#include <ksm/ColorManagement.h>
-#include <qelcore/files/FileUtils.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Suites.h>
+#include <kestrel/ksm/ColorManagement.h>
+#include <kestrel/qelcore/files/FileUtils.h>
 
 namespace ImporterTessel {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <importabi/Records.h>
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 #include <cstdint>
 #include <string_view>

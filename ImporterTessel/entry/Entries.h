@@ -1,7 +1,7 @@
 /// The two functions that the plug-in exports; see <importabi/Entries.h> for what the host expects of them.
 #pragma once
 
-#include <importabi/Entries.h>
+#include <kestrel/importabi/Entries.h>
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 /// What an importer gets from the host's standard parameters: named suites and blocks of the host's memory.
 #pragma once
 
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "ImportFailures.h"
 
-#include <qelcore/debug/Assert.h>
-#include <qelcore/text/UTF8StringStream.h>
+#include <kestrel/qelcore/debug/Assert.h>
+#include <kestrel/qelcore/text/UTF8StringStream.h>
 
 #include <string>
 

@@ -1,8 +1,8 @@
 /// One request of the host as the dispatcher's rows see it, and the rows that decline.
 #pragma once
 
-#include <importabi/ResultCodes.h>
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 #include <cstddef>
 #include <cstdint>

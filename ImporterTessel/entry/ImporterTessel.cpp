@@ -6,8 +6,8 @@
 
 #include <ImporterTessel/audio/AudioSynthesis.h>
 #include <ImporterTessel/video/FrameSynthesis.h>
-#include <brindle/ColorSpaces.h>
-#include <importabi/ResultCodes.h>
+#include <kestrel/brindle/ColorSpaces.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 namespace ImporterTessel {
 

@@ -4,9 +4,9 @@
 #include "ImportFailures.h"
 #include "ImportRequest.h"
 
-#include <importabi/Records.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
 
 #include <array>
 #include <cstddef>

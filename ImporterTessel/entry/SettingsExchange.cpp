@@ -6,10 +6,10 @@
 #include <ImporterTessel/dialog/DataExchange.h>
 #include <ImporterTessel/dialog/ImporterTesselPrefsDialogImpl.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Suites.h>
-#include <qelcore/files/FileUtils.h>
-#include <qellumenfactory/UI_NodeManager.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Suites.h>
+#include <kestrel/qelcore/files/FileUtils.h>
+#include <kestrel/qellumenfactory/UI_NodeManager.h>
 
 #include <cstring>
 #include <memory>

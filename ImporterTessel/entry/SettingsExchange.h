@@ -1,8 +1,8 @@
 /// Selector 38: a clip's settings as text for the host to keep, edited in the dialog where one is due.
 #pragma once
 
-#include <importabi/Records.h>
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 #include <cstdint>
 

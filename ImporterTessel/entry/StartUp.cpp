@@ -1,7 +1,7 @@
 #include "StartUp.h"
 
-#include <importabi/ResultCodes.h>
-#include <qelcore/debug/DebugDatabase.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/qelcore/debug/DebugDatabase.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 /// What the plug-in tells the host before there is a clip: whether it starts, and its file type.
 #pragma once
 
-#include <importabi/Records.h>
+#include <kestrel/importabi/Records.h>
 
 #include <cstdint>
 

@@ -2,7 +2,7 @@
 
 #include "Entries.h"
 
-#include <brindle/StaticPlugins.h>
+#include <kestrel/brindle/StaticPlugins.h>
 
 namespace ImporterTessel {
 

@@ -2,8 +2,8 @@
 
 #include "DocumentFields.h"
 
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <cstdint>
 #include <string>

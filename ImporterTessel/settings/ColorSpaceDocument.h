@@ -1,8 +1,8 @@
 /// Colour spaces inside a data file.
 #pragma once
 
-#include <qelcore/serialization/Value.h>
-#include <qelmediatypes/color/ColorSpace.h>
+#include <kestrel/qelcore/serialization/Value.h>
+#include <kestrel/qelmediatypes/color/ColorSpace.h>
 
 #include <string_view>
 

@@ -3,9 +3,9 @@
 #include "DocumentFields.h"
 #include "DocumentText.h"
 
-#include <brindle/ColorSpaces.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/brindle/ColorSpaces.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 namespace ImporterTessel {
 

@@ -3,7 +3,7 @@
 
 #include <ImporterTessel/settings/TesselDocument.h>
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <orb/File.h>
+#include <kestrel/orb/File.h>
 
 #include <string>
 #include <string_view>

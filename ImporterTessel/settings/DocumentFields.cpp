@@ -1,7 +1,7 @@
 #include "DocumentFields.h"
 
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 /// Fields of records to and from the values of a document: one place for the rules of widths and types.
 #pragma once
 
-#include <qelcore/serialization/Value.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #include "DocumentText.h"
 
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,8 @@
 /// Texts of documents: from a file to a string, from a string to the value that the readers take.
 #pragma once
 
-#include <orb/File.h>
-#include <qelcore/serialization/Value.h>
+#include <kestrel/orb/File.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <stdexcept>
 #include <string>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <orb/File.h>
-#include <qelcore/serialization/Value.h>
+#include <kestrel/orb/File.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <string_view>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <qelcore/serialization/Value.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 namespace ImporterTessel {
 

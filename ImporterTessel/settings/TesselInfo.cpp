@@ -1,6 +1,6 @@
 #include "TesselInfo.h"
 
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <utility>
 

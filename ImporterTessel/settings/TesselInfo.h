@@ -1,9 +1,9 @@
 /// The settings that describe a synthetic clip completely.
 #pragma once
 
-#include <qelmediatypes/PixelAspectRatio.h>
-#include <qelmediatypes/TickTime.h>
-#include <qelmediatypes/color/ColorSpace.h>
+#include <kestrel/qelmediatypes/PixelAspectRatio.h>
+#include <kestrel/qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/color/ColorSpace.h>
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 /// The host's frame suites, as this process keeps them.
 #pragma once
 
-#include <importabi/StandardParameters.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/StandardParameters.h>
+#include <kestrel/importabi/Suites.h>
 
 namespace ImporterTessel {
 

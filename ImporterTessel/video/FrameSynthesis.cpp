@@ -7,8 +7,8 @@
 #include "PixelFormatChoice.h"
 #include "SwatchChart.h"
 
-#include <importabi/ResultCodes.h>
-#include <pixmill/PrintNumber.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/pixmill/PrintNumber.h>
 
 #include <array>
 #include <cstring>

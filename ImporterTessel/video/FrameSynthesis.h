@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <importabi/Records.h>
+#include <kestrel/importabi/Records.h>
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 #include "FrameView.h"
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <pixmill/Fill.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <array>
 #include <cstddef>

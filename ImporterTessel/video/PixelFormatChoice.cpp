@@ -1,7 +1,7 @@
 #include "PixelFormatChoice.h"
 
-#include <brindle/PixelFormat.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 namespace ImporterTessel {
 

@@ -1,6 +1,6 @@
 #include "SwatchPainter.h"
 
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <algorithm>
 #include <array>

@@ -6,10 +6,10 @@
 #include <ImporterTessel/audio/SineSpan.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <importabi/Records.h>
-#include <importabi/Selectors.h>
-#include <importhost/Importer.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/importhost/Importer.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // PM_FillWithColor in every format: a frame in one call, and row by row in changing colours.
-#include <brindle/PixelFormat.h>
-#include <pixmill/Fill.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <support/BesideMemory.h>
 

@@ -1,8 +1,8 @@
 // Frames as the plug-in makes them: one colour and the number on it, in every format.
-#include <brindle/PixelFormat.h>
-#include <pixmill/Fill.h>
-#include <pixmill/PixelFormatCodes.h>
-#include <pixmill/PrintNumber.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/PrintNumber.h>
 
 #include <support/BesideMemory.h>
 

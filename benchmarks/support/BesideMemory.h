@@ -1,7 +1,7 @@
 /// Measuring a painter beside the machine's own memory writes, in the same run and on as much memory.
 #pragma once
 
-#include <importhost/FrameMemory.h>
+#include <kestrel/importhost/FrameMemory.h>
 
 #include <benchmark/benchmark.h>
 

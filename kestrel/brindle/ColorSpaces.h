@@ -1,9 +1,9 @@
 /// The colour spaces that the host knows, their names, codes and matching.
 #pragma once
 
-#include <brindle/PixelFormat.h>
-#include <importabi/Records.h>
-#include <qelmediatypes/color/ColorSpace.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/qelmediatypes/color/ColorSpace.h>
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
 /// Plug-ins that are linked into a program instead of being loaded from a file.
 #pragma once
 
-#include <qelcore/PluginEntryInfo.h>
+#include <kestrel/qelcore/PluginEntryInfo.h>
 
 #include <array>
 #include <cstdint>

@@ -4,8 +4,8 @@
 #include "LegacySuite.h"
 #include "PathText.h"
 
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
 
 #include <algorithm>
 #include <array>

@@ -2,12 +2,12 @@
 /// through the plug-in's selectors.
 #pragma once
 
-#include <brindle/PixelFormat.h>
-#include <importabi/Records.h>
-#include <importhost/Frame.h>
-#include <importhost/Importer.h>
-#include <qelmediatypes/PixelAspectRatio.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importhost/Frame.h>
+#include <kestrel/importhost/Importer.h>
+#include <kestrel/qelmediatypes/PixelAspectRatio.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -5,11 +5,11 @@
 #include "LegacySuite.h"
 #include "PathText.h"
 
-#include <brindle/ColorSpaces.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/text/Unicode.h>
+#include <kestrel/brindle/ColorSpaces.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <algorithm>
 #include <cerrno>

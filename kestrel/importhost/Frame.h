@@ -1,7 +1,7 @@
 /// A rendered frame.
 #pragma once
 
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <cstddef>
 #include <cstdint>

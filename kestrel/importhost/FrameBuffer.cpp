@@ -1,6 +1,6 @@
 #include "FrameBuffer.h"
 
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <cstring>
 #include <utility>

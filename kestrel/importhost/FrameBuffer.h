@@ -3,7 +3,7 @@
 
 #include "FramePool.h"
 
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "FrameFailure.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "FrameSource.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <cstring>
 

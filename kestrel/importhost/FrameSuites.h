@@ -3,8 +3,8 @@
 
 #include "FrameBuffer.h"
 
-#include <importabi/Records.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <array>
 #include <cstdint>

@@ -6,10 +6,10 @@
 #include "PluginResources.h"
 #include "StandardParameters.h"
 
-#include <importabi/Entries.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
-#include <qelcore/debug/DebugDatabase.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/qelcore/debug/DebugDatabase.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 /// A loaded importer plug-in.
 #pragma once
 
-#include <importabi/Records.h>
+#include <kestrel/importabi/Records.h>
 
 #include <cstdint>
 #include <filesystem>

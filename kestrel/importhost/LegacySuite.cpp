@@ -1,6 +1,6 @@
 #include "LegacySuite.h"
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 /// "Kestrel Legacy Suite": between ticks per frame and the pair of time scale and sample size.
 #pragma once
 
-#include <importabi/Suites.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <cstdint>
 

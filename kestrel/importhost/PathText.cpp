@@ -2,7 +2,7 @@
 
 #include "HostError.h"
 
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 namespace importhost {
 

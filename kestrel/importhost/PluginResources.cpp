@@ -4,8 +4,8 @@
 #include "PathText.h"
 #include "PropertyList.h"
 
-#include <importabi/Entries.h>
-#include <qelcore/resources/ResourceFile.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/qelcore/resources/ResourceFile.h>
 
 #include <algorithm>
 #include <array>

@@ -4,11 +4,11 @@
 #include "PathText.h"
 #include "StandardParameters.h"
 
-#include <importabi/Records.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/text/Unicode.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <memory>
 #include <string_view>

@@ -1,7 +1,7 @@
 /// The settings exchange: shows a plug-in's settings dialog for a clip and takes what came of it.
 #pragma once
 
-#include <importhost/Importer.h>
+#include <kestrel/importhost/Importer.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "SettingsKeys.h"
 
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <fstream>
 #include <iterator>

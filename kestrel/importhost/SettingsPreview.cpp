@@ -3,12 +3,12 @@
 #include "Frame.h"
 #include "FrameSource.h"
 
-#include <importabi/Records.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/serialization/Json.h>
-#include <qelmediatypes/Saturating.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelmediatypes/Saturating.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 /// A small picture of frame 0 of settings that are no clip yet.
 #pragma once
 
-#include <importhost/Importer.h>
-#include <qelui/dialogs/PreviewPicture.h>
+#include <kestrel/importhost/Importer.h>
+#include <kestrel/qelui/dialogs/PreviewPicture.h>
 
 #include <string>
 

@@ -1,7 +1,7 @@
 /// The standard parameters of this host: the way from a request to its allocator and its suites.
 #pragma once
 
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 namespace importhost {
 

@@ -1,7 +1,7 @@
 #include "File.h"
 #include "FileReplacement.h"
 
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 /// The image library's pixel-format codes: one bit layout that says how a pixel is stored.
 #pragma once
 
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <cstdint>
 

@@ -2,7 +2,7 @@
 
 #include "FillRow.h"
 
-#include <qelmediatypes/Saturating.h>
+#include <kestrel/qelmediatypes/Saturating.h>
 
 #include <algorithm>
 #include <cstring>

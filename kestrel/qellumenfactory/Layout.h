@@ -1,7 +1,7 @@
 /// Layout texts as trees: what the two dialects of the layout language have in common.
 #pragma once
 
-#include <qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <optional>
 #include <span>

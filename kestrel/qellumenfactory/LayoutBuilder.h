@@ -3,7 +3,7 @@
 
 #include "Layout.h"
 
-#include <qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #include "Tokenizer.h"
 
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <charconv>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include "LayoutBuilder.h"
 #include "Parser.h"
 
-#include <qelcore/resources/ResourceFile.h>
+#include <kestrel/qelcore/resources/ResourceFile.h>
 
 #include <array>
 #include <iterator>

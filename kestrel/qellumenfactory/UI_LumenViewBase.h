@@ -1,10 +1,10 @@
 /// Base of views that are built from a layout text.
 #pragma once
 
-#include <qelcore/classref/UnknownBase.h>
-#include <qelui/DrawSupplier.h>
-#include <qelui/TopLevelWindow.h>
-#include <qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelcore/classref/UnknownBase.h>
+#include <kestrel/qelui/DrawSupplier.h>
+#include <kestrel/qelui/TopLevelWindow.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <istream>
 #include <memory>

@@ -1,7 +1,7 @@
 /// The host's defaults for views.
 #pragma once
 
-#include <qelui/DrawSupplier.h>
+#include <kestrel/qelui/DrawSupplier.h>
 
 namespace qellumenfactory {
 

@@ -1,7 +1,7 @@
 /// The host's main window and what it shows.
 #pragma once
 
-#include <qelui/TopLevelWindow.h>
+#include <kestrel/qelui/TopLevelWindow.h>
 
 #include <string>
 

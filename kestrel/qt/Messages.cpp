@@ -1,6 +1,6 @@
 #include "Messages.h"
 
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <QString>
 #include <QtGlobal>

@@ -6,9 +6,9 @@
 #include "script/PersonEvents.h"
 #include "style/Theme.h"
 
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/dialogs/UI_MessageBox.h>
-#include <qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,7 +1,7 @@
 /// Dialogs as real windows.
 #pragma once
 
-#include <qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
 
 #include <memory>
 

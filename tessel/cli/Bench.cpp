@@ -5,10 +5,10 @@
 #include "MemorySpeed.h"
 #include "ValueChecks.h"
 
-#include <importhost/FrameMemory.h>
-#include <importhost/HostError.h>
-#include <importhost/PathText.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/importhost/FrameMemory.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

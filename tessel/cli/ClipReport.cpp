@@ -2,8 +2,8 @@
 
 #include "Names.h"
 
-#include <importhost/PathText.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/importhost/PathText.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 /// What the plug-in reports of a clip, for people and for programs.
 #pragma once
 
-#include <importhost/Clip.h>
-#include <qelcore/serialization/Value.h>
+#include <kestrel/importhost/Clip.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <string>
 

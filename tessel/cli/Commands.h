@@ -1,8 +1,8 @@
 /// The program's commands: each adds itself to the command line and runs in its callback.
 #pragma once
 
-#include <importhost/Clip.h>
-#include <importhost/Importer.h>
+#include <kestrel/importhost/Clip.h>
+#include <kestrel/importhost/Importer.h>
 
 #include <filesystem>
 #include <memory>

@@ -4,14 +4,14 @@
 #include "SequenceOptions.h"
 #include "ValueChecks.h"
 
-#include <importhost/HostError.h>
-#include <importhost/PathText.h>
-#include <importhost/SettingsExchange.h>
-#include <importhost/SettingsPreview.h>
-#include <orb/File.h>
-#include <qelcore/text/Unicode.h>
-#include <qellumenfactory/UI_NodeManager.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
+#include <kestrel/importhost/SettingsExchange.h>
+#include <kestrel/importhost/SettingsPreview.h>
+#include <kestrel/orb/File.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qellumenfactory/UI_NodeManager.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <CLI/CLI.hpp>
 

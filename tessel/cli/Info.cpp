@@ -4,8 +4,8 @@
 #include "Commands.h"
 #include "ValueChecks.h"
 
-#include <importhost/HostError.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <CLI/CLI.hpp>
 

@@ -4,8 +4,8 @@
 #include "Commands.h"
 #include "ValueChecks.h"
 
-#include <importhost/HostError.h>
-#include <importhost/PathText.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
 
 #include <CLI/CLI.hpp>
 

@@ -1,9 +1,9 @@
 /// Readable names of the values that a clip has.
 #pragma once
 
-#include <brindle/PixelFormat.h>
-#include <importhost/Clip.h>
-#include <qelmediatypes/PixelAspectRatio.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importhost/Clip.h>
+#include <kestrel/qelmediatypes/PixelAspectRatio.h>
 
 #include <cstdint>
 #include <string>

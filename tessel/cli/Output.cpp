@@ -2,8 +2,8 @@
 
 #include "Commands.h"
 
-#include <importhost/HostError.h>
-#include <importhost/PathText.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
 
 #include <cerrno>
 #include <cstdio>

@@ -3,14 +3,14 @@
 #include "Commands.h"
 #include "ValueChecks.h"
 
-#include <importhost/Clip.h>
-#include <tessel/export/Containers.h>
+#include <kestrel/importhost/Clip.h>
 #include <tessel/export/ExportError.h>
-#include <tessel/export/Interrupt.h>
-#include <tessel/export/OutputFile.h>
-#include <tessel/export/OutputFolder.h>
 #include <tessel/export/Render.h>
-#include <tessel/export/SequenceWriter.h>
+#include <tessel/export/files/Interrupt.h>
+#include <tessel/export/files/OutputFile.h>
+#include <tessel/export/files/OutputFolder.h>
+#include <tessel/export/files/SequenceWriter.h>
+#include <tessel/export/plan/Containers.h>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 /// The options that describe a host's sequence to a new clip.
 #pragma once
 
-#include <importhost/SettingsExchange.h>
+#include <kestrel/importhost/SettingsExchange.h>
 
 #include <string_view>
 

@@ -2,11 +2,13 @@
 
 #include "AudioBlocks.h"
 #include "ExportError.h"
-#include "Interrupt.h"
-#include "MovieWriter.h"
 #include "OrderedPipeline.h"
-#include "SequenceWriter.h"
-#include "VideoEncoder.h"
+
+#include <tessel/export/convert/FrameConverter.h>
+#include <tessel/export/encode/MovieWriter.h>
+#include <tessel/export/encode/VideoEncoder.h>
+#include <tessel/export/files/Interrupt.h>
+#include <tessel/export/files/SequenceWriter.h>
 
 #include <fmt/format.h>
 

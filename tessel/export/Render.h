@@ -1,9 +1,10 @@
 /// From a clip to finished files.
 #pragma once
 
-#include "OutputPlan.h"
 #include "Progress.h"
 #include "SignalSource.h"
+
+#include <tessel/export/plan/OutputPlan.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -1,9 +1,8 @@
 /// Where pictures and samples come from: a clip, or in tests something simpler.
 #pragma once
 
-#include "FrameConverter.h"
-
-#include <importhost/Clip.h>
+#include <kestrel/importhost/Clip.h>
+#include <tessel/export/convert/FrameView.h>
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
 #include "Cases.h"
 
-#include <brindle/PixelFormat.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <fstream>
 #include <iterator>

@@ -2,8 +2,8 @@
 #include "Cases.h"
 #include "Pictures.h"
 
-#include <importhost/Clip.h>
-#include <importhost/Importer.h>
+#include <kestrel/importhost/Clip.h>
+#include <kestrel/importhost/Importer.h>
 
 #include <support/PaintableFormats.h>
 #include <support/Process.h>

@@ -1,6 +1,6 @@
 #include "Pictures.h"
 
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <support/Process.h>
 

@@ -1,7 +1,7 @@
 /// Frames as pictures that one can look at.
 #pragma once
 
-#include <importhost/Frame.h>
+#include <kestrel/importhost/Frame.h>
 
 #include <cstdint>
 #include <filesystem>

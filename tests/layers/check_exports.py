@@ -1,4 +1,4 @@
-"""Checks what the built libraries show the world: check_exports.py [options] IMPORTER HOST."""
+"""Checks what the built libraries show the world: check_exports.py [options] IMPORTER HOST_LIBRARY..."""
 
 import argparse
 import re
@@ -9,7 +9,7 @@ ENTRIES = {"xImportEntry", "PluginDataEntryFunction"}
 # Of libraries that the host keeps to itself. `typeinfo for` and vtables count too.
 PRIVATE = re.compile(r"\b(?:nlohmann|fmt)::|\bv[0-9]+::basic_memory_buffer|\bCLI::")
 # Libraries that the plug-in may need: itself nothing but the C++ runtime and the host.
-PLUGIN_NEEDS = re.compile(r"^(?:libkestrel|libstdc\+\+|libm|libc|libgcc_s|ld-linux.*|libasan|libubsan|libtsan)\.so")
+PLUGIN_NEEDS = re.compile(r"^(?:libkestrel|libkestrelui|libstdc\+\+|libm|libc|libgcc_s|ld-linux.*|libasan|libubsan|libtsan)\.so")
 
 
 def run(*command):
@@ -58,14 +58,14 @@ def main():
     parser.add_argument("--readelf", default="readelf")
     parser.add_argument("--sanitizer", default="", help="sanitizers export symbols of their own")
     parser.add_argument("plugin")
-    parser.add_argument("host")
+    parser.add_argument("host", nargs="+")
     arguments = parser.parse_args()
     check_the_checks()
 
     names = exported(arguments.nm, arguments.plugin)
     if arguments.sanitizer:
         names = {name for name in names if not re.match(r"_*(?:asan|ubsan|tsan|sancov|odr)", name)}
-    host_names = exported(arguments.nm, arguments.host)
+    host_names = set().union(*(exported(arguments.nm, library) for library in arguments.host))
     problems = list(problems_of_plugin(names, needed(arguments.readelf, arguments.plugin)))
     problems += problems_of_host(host_names)
     if not any("importhost::Clip::Open" in name for name in host_names):

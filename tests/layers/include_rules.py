@@ -20,7 +20,7 @@ JSON = re.compile(r"^nlohmann/")
 COMMAND_LINE = re.compile(r"^CLI/")
 FORMATTING = re.compile(r"^fmt/")
 STANDARD = re.compile(r"^(?:[a-z_]+|(?:assert|stddef|stdint|stdbool|string|math|immintrin|emmintrin)\.h)$")
-HOST_PUBLIC = re.compile(r"^(?:brindle|importabi|ksm|orb|pixmill|qelaccelerate|qelcore|qellumenfactory|"
+HOST_PUBLIC = re.compile(r"^kestrel/(?:brindle|importabi|ksm|orb|pixmill|qelaccelerate|qelcore|qellumenfactory|"
                          r"qelmediatypes|qelui|qelworkspace)/")
 
 
@@ -47,7 +47,7 @@ RULES = [
     Rule("the host never includes the plug-in", r"kestrel/", forbidden=re.compile(r"^ImporterTessel/")),
     Rule("the host never includes the program", r"kestrel/", forbidden=re.compile(r"^tessel/")),
     Rule("the base libraries never include the loader", r"kestrel/(?!importhost/)",
-         forbidden=re.compile(r"^importhost/")),
+         forbidden=re.compile(r"^kestrel/importhost/")),
     Rule("Qt stays in its toolkit and in the viewer", r"(?:kestrel/(?!qt/)|ImporterTessel/|tessel/(?!view/))",
          forbidden=QT),
     Rule("the JSON library stays behind serialization",
@@ -80,7 +80,7 @@ def rooted(root, path, header, quoted):
     beside = os.path.normpath(os.path.join(os.path.dirname(path), header))
     if not os.path.exists(os.path.join(root, beside)):
         return header
-    return beside[len("kestrel/"):] if beside.startswith("kestrel/") else beside
+    return beside
 
 
 def broken_rules(root):

@@ -1,7 +1,7 @@
 /// Reads printed frame numbers back from pictures. Knows nothing of how they are drawn but the geometry.
 #pragma once
 
-#include <pixmill/GlyphGeometry.h>
+#include <kestrel/pixmill/GlyphGeometry.h>
 
 #include <algorithm>
 #include <array>

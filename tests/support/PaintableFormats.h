@@ -1,8 +1,8 @@
 /// Looking at pixels of any paintable format, written apart from the code that paints them.
 #pragma once
 
-#include <brindle/PixelFormat.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <cstddef>
 #include <cstdint>

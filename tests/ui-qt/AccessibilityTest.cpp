@@ -1,8 +1,7 @@
 #include "QtFixture.h"
 
-#include <qellumenfactory/LayoutBuilder.h>
-#include <qellumenfactory/Parser.h>
-
+#include <kestrel/qellumenfactory/LayoutBuilder.h>
+#include <kestrel/qellumenfactory/Parser.h>
 #include <kestrel/qt/dialogs/ColorPickerWindow.h>
 
 #include <QAccessible>

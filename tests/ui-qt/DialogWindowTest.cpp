@@ -1,8 +1,8 @@
 #include "QtFixture.h"
 
-#include <qelui/dialogs/UI_MessageBox.h>
-#include <qelui/toolkit/Toolkit.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -1,16 +1,16 @@
 /// What tests of the Qt toolkit share: an application without a screen, and hands.
 #pragma once
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/dialogs/UI_Dialog.h>
-
-#include <gtest/gtest.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 #include <kestrel/qt/QtToolkit.h>
 #include <kestrel/qt/dialogs/DialogWindow.h>
 #include <kestrel/qt/script/PersonEvents.h>
 #include <kestrel/qt/style/Theme.h>
+
+#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
 #include "Assert.h"
 
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <cstdlib>
 #include <exception>

@@ -2,8 +2,8 @@
 
 #include "DebugDatabaseFile.h"
 
-#include <qelcore/logging/Log.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <fstream>
 #include <functional>

@@ -1,7 +1,7 @@
 /// Resources in a plug-in's file, found without loading or running it.
 #pragma once
 
-#include <qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "Json.h"
 
-#include <qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <algorithm>
 #include <cstddef>

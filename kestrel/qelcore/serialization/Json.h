@@ -1,7 +1,7 @@
 /// JSON texts to values and back (RFC 8259).
 #pragma once
 
-#include <qelcore/serialization/Value.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <span>
 #include <string>

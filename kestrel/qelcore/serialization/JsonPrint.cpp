@@ -1,7 +1,7 @@
 #include "Json.h"
 #include "JsonNumber.h"
 
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "Value.h"
 
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelmediatypes/Saturating.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelmediatypes/Saturating.h>
 
 #include <exception>
 #include <utility>

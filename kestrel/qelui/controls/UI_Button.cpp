@@ -1,6 +1,6 @@
 #include "UI_Button.h"
 
-#include <qelui/controls/UI_Group.h>
+#include <kestrel/qelui/controls/UI_Group.h>
 
 namespace qelui {
 

@@ -1,7 +1,7 @@
 /// Controls that are pressed: buttons, check boxes, radio buttons.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 namespace qelui {
 

@@ -1,7 +1,7 @@
 #include "UI_ControlView.h"
 
-#include <qelui/controls/UI_Group.h>
-#include <qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/controls/UI_Group.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <utility>
 

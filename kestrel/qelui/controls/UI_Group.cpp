@@ -1,7 +1,7 @@
 #include "UI_Group.h"
 
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelui/controls/UI_Button.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/controls/UI_Button.h>
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 /// Controls that hold others: groups, radio groups and the row of OK and Cancel.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <memory>
 #include <string_view>

@@ -1,7 +1,7 @@
 /// Controls that hold a number: number edits, and hot-text numbers, which one drags.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <optional>
 #include <string>

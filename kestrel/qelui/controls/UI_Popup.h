@@ -1,7 +1,7 @@
 /// A list of which one item is chosen.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <string>
 #include <vector>

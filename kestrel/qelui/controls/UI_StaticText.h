@@ -1,7 +1,7 @@
 /// Text that a person reads.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "ColorPickerDialog.h"
 
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/toolkit/Toolkit.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <optional>
 

@@ -1,8 +1,8 @@
 /// The host's colour picker.
 #pragma once
 
-#include <qelui/DrawSupplier.h>
-#include <qelui/TopLevelWindow.h>
+#include <kestrel/qelui/DrawSupplier.h>
+#include <kestrel/qelui/TopLevelWindow.h>
 
 namespace qelui::sharedui {
 

@@ -1,8 +1,8 @@
 /// The platform's dialogs for choosing a file.
 #pragma once
 
-#include <qelcore/files/File.h>
-#include <qelui/TopLevelWindow.h>
+#include <kestrel/qelcore/files/File.h>
+#include <kestrel/qelui/TopLevelWindow.h>
 
 #include <string>
 #include <vector>

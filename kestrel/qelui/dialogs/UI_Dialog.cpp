@@ -1,9 +1,9 @@
 #include "UI_Dialog.h"
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/script/ScriptRunner.h>
-#include <qelui/toolkit/Toolkit.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <filesystem>
 #include <memory>

@@ -1,10 +1,10 @@
 /// A modal dialog: the root of a tree of controls, and the window they are in.
 #pragma once
 
-#include <qelui/DrawSupplier.h>
-#include <qelui/TopLevelWindow.h>
-#include <qelui/controls/UI_Group.h>
-#include <qelui/dialogs/PreviewPicture.h>
+#include <kestrel/qelui/DrawSupplier.h>
+#include <kestrel/qelui/TopLevelWindow.h>
+#include <kestrel/qelui/controls/UI_Group.h>
+#include <kestrel/qelui/dialogs/PreviewPicture.h>
 
 #include <exception>
 #include <functional>

@@ -1,7 +1,7 @@
 /// A question with a few answers.
 #pragma once
 
-#include <qelui/TopLevelWindow.h>
+#include <kestrel/qelui/TopLevelWindow.h>
 
 #include <string>
 

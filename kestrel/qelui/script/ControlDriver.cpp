@@ -1,8 +1,8 @@
 #include "ControlDriver.h"
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
 
 namespace qelui::script {
 

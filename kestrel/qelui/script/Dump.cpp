@@ -1,10 +1,10 @@
 #include "Dump.h"
 
-#include <qelcore/serialization/Json.h>
-#include <qelcore/serialization/Value.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Value.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
 
 #include <cstdint>
 #include <memory>

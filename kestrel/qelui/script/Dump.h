@@ -1,8 +1,8 @@
 /// A dialog's state as a JSON document, for scripts and tests.
 #pragma once
 
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/script/ControlDriver.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/script/ControlDriver.h>
 
 #include <string>
 

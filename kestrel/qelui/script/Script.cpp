@@ -1,6 +1,6 @@
 #include "Script.h"
 
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <charconv>
 #include <cmath>

@@ -1,7 +1,7 @@
 /// Dialog scripts: text files with one command a line that act on a dialog as a person would.
 #pragma once
 
-#include <qelui/dialogs/ColorPickerDialog.h>
+#include <kestrel/qelui/dialogs/ColorPickerDialog.h>
 
 #include <filesystem>
 #include <optional>

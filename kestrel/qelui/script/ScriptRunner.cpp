@@ -2,10 +2,10 @@
 
 #include "Dump.h"
 
-#include <qelcore/text/Unicode.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
 
 #include <charconv>
 #include <cstddef>

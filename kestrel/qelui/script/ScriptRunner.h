@@ -1,11 +1,11 @@
 /// Plays one script on one dialog.
 #pragma once
 
-#include <qelui/dialogs/ColorPickerDialog.h>
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/script/ControlDriver.h>
-#include <qelui/script/Script.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/qelui/dialogs/ColorPickerDialog.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/script/ControlDriver.h>
+#include <kestrel/qelui/script/Script.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <deque>
 #include <filesystem>

@@ -1,11 +1,11 @@
 #include "ScriptedToolkit.h"
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/dialogs/UI_MessageBox.h>
-#include <qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
 
 namespace qelui::script {
 

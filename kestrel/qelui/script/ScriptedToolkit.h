@@ -1,8 +1,8 @@
 /// The toolkit without windows: a script acts on the models directly.
 #pragma once
 
-#include <qelui/script/ControlDriver.h>
-#include <qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/script/ControlDriver.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
 
 namespace qelui::script {
 

@@ -27,10 +27,10 @@
 /// where it can. An answer that is missing reads as a cancel (the runner notes the failure).
 #pragma once
 
-#include <qelui/DrawSupplier.h>
-#include <qelui/TopLevelWindow.h>
-#include <qelui/dialogs/ColorPickerDialog.h>
-#include <qelui/dialogs/OS_FileDialog.h>
+#include <kestrel/qelui/DrawSupplier.h>
+#include <kestrel/qelui/TopLevelWindow.h>
+#include <kestrel/qelui/dialogs/ColorPickerDialog.h>
+#include <kestrel/qelui/dialogs/OS_FileDialog.h>
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #include "ToolkitLibrary.h"
 
-#include <qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
 
 #include <dlfcn.h>
 

@@ -1,8 +1,8 @@
 #include "UserInterface.h"
 
-#include <qelcore/logging/Log.h>
-#include <qelui/script/ScriptedToolkit.h>
-#include <qelui/toolkit/ToolkitLibrary.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelui/script/ScriptedToolkit.h>
+#include <kestrel/qelui/toolkit/ToolkitLibrary.h>
 
 #include <cstdlib>
 #include <string>

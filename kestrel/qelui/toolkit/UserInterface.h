@@ -1,8 +1,8 @@
 /// Which toolkit shows dialogs in this process, and what script plays on it.
 #pragma once
 
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelui/dialogs/PreviewPicture.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/dialogs/PreviewPicture.h>
 
 #include <filesystem>
 #include <optional>

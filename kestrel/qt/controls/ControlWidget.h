@@ -1,8 +1,8 @@
 /// One control of a dialog as a real widget.
 #pragma once
 
-#include <qelui/controls/UI_ControlView.h>
-#include <qelui/script/ControlDriver.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
+#include <kestrel/qelui/script/ControlDriver.h>
 
 #include <QString>
 #include <memory>

@@ -1,7 +1,7 @@
 /// A field that shows and takes a number.
 #pragma once
 
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <QLineEdit>
 

@@ -3,7 +3,7 @@
 
 #include "ControlWidget.h"
 
-#include <qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Button.h>
 
 class QCheckBox;
 class QPushButton;

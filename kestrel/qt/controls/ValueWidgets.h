@@ -3,9 +3,9 @@
 
 #include "ControlWidget.h"
 
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/controls/UI_StaticText.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_StaticText.h>
 
 class QComboBox;
 

@@ -2,7 +2,7 @@
 
 #include "ColorArea.h"
 
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <QGridLayout>
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 /// A colour picker for colours that are floats.
 #pragma once
 
-#include <qelui/dialogs/ColorPickerDialog.h>
+#include <kestrel/qelui/dialogs/ColorPickerDialog.h>
 
 #include <QDialog>
 #include <array>

@@ -1,9 +1,8 @@
 #include "DialogLayout.h"
 
-#include "../style/Theme.h"
-
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qt/style/Theme.h>
 
 #include <QFrame>
 #include <QGridLayout>

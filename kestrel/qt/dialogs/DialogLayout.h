@@ -1,9 +1,8 @@
 /// From a dialog's tree of models to a tree of widgets.
 #pragma once
 
-#include "../controls/ControlWidget.h"
-
-#include <qelui/controls/UI_Group.h>
+#include <kestrel/qelui/controls/UI_Group.h>
+#include <kestrel/qt/controls/ControlWidget.h>
 
 #include <map>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "DialogWindow.h"
 
-#include "../script/QtDriver.h"
 #include "PreviewPane.h"
 
-#include <qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
+#include <kestrel/qt/script/QtDriver.h>
 
 #include <QCloseEvent>
 #include <QCoreApplication>

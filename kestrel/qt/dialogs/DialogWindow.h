@@ -3,7 +3,7 @@
 
 #include "DialogLayout.h"
 
-#include <qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #include "PreviewPane.h"
 
-#include "../style/Theme.h"
+#include <kestrel/qt/style/Theme.h>
 
 #include <QPainter>
 #include <cstring>

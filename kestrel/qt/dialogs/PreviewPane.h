@@ -1,7 +1,7 @@
 /// A picture of what the settings make, beside the settings.
 #pragma once
 
-#include <qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <QImage>
 #include <QTimer>

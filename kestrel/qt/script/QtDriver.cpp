@@ -1,11 +1,11 @@
 #include "QtDriver.h"
 
-#include "../dialogs/DialogWindow.h"
 #include "PersonEvents.h"
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qt/dialogs/DialogWindow.h>
 
 #include <QAbstractItemView>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 /// Lets a script act on real widgets.
 #pragma once
 
-#include <qelui/script/ControlDriver.h>
+#include <kestrel/qelui/script/ControlDriver.h>
 
 namespace kestrelqt {
 

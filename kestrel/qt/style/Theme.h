@@ -1,7 +1,7 @@
 /// The two themes: neutral greys, so that no colour on screen tints the judgement of a colour in the picture.
 #pragma once
 
-#include <qelui/DrawSupplier.h>
+#include <kestrel/qelui/DrawSupplier.h>
 
 #include <QColor>
 

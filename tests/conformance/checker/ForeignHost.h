@@ -1,8 +1,8 @@
 /// A host that shares nothing with ours but the wire format: its own tables, frames and suites.
 #pragma once
 
-#include <importabi/StandardParameters.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/StandardParameters.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <cstddef>
 #include <cstdint>

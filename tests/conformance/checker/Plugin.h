@@ -1,8 +1,8 @@
 /// The plug-in under test, reached through its two exports and the sections of its file alone.
 #pragma once
 
-#include <importabi/Entries.h>
-#include <importabi/Records.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/importabi/Records.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "Shim.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <string>
 

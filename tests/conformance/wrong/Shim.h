@@ -2,8 +2,8 @@
 /// the right ones and spoiling something.
 #pragma once
 
-#include <importabi/Entries.h>
-#include <importabi/Records.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/importabi/Records.h>
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "Shim.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 std::int32_t Wrong(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2)
 {

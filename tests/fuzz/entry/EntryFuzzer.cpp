@@ -4,10 +4,10 @@
 
 #include <ImporterTessel/entry/ImporterTessel.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <brindle/PixelFormat.h>
-#include <importabi/Records.h>
-#include <importabi/Selectors.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <unistd.h>
 

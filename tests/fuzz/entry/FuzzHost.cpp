@@ -1,7 +1,7 @@
 #include "FuzzHost.h"
 
-#include <brindle/PixelFormat.h>
-#include <importabi/Suites.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <cstdint>
 #include <cstring>

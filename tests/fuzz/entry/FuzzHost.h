@@ -1,7 +1,7 @@
 /// A complete little host for the fuzzer: suites, frames of exactly their size, an allocator.
 #pragma once
 
-#include <importabi/StandardParameters.h>
+#include <kestrel/importabi/StandardParameters.h>
 
 /// The standard parameters; the same at each call, because an importer keeps suites for the process's life.
 [[nodiscard]] const ksStdParms& FuzzHostParms();

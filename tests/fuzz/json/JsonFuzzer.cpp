@@ -1,6 +1,6 @@
 /// Whatever the text, parsing neither crashes nor throws; what can be parsed is printed and read back equal.
-#include <qelcore/serialization/Json.h>
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,9 +1,9 @@
 /// Whatever the text, parsing a layout gives a layout or an error with a place; a layout can be built, and
 /// formatted in either dialect it reads back the same.
-#include <qelcore/text/Unicode.h>
-#include <qellumenfactory/Formatter.h>
-#include <qellumenfactory/LayoutBuilder.h>
-#include <qellumenfactory/Parser.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qellumenfactory/Formatter.h>
+#include <kestrel/qellumenfactory/LayoutBuilder.h>
+#include <kestrel/qellumenfactory/Parser.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 /// Property lists from files that anybody may have made: taken with all they must have, or refused in one
 /// line.
 
-#include <importhost/HostError.h>
-#include <importhost/PropertyList.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PropertyList.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,13 +1,13 @@
 /// Whatever the script, playing it ends with a closed dialog, and each handler-made dialog gets an answer.
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/controls/UI_StaticText.h>
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/dialogs/UI_MessageBox.h>
-#include <qelui/script/Script.h>
-#include <qelui/script/ScriptRunner.h>
-#include <qelui/script/ScriptedToolkit.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_StaticText.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelui/script/Script.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/script/ScriptedToolkit.h>
 
 #include <cmath>
 #include <cstddef>

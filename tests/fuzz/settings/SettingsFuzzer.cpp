@@ -3,8 +3,8 @@
 #include <ImporterTessel/settings/DataFile.h>
 #include <ImporterTessel/settings/DocumentText.h>
 #include <ImporterTessel/settings/SwatchFiles.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <any>
 #include <cstddef>

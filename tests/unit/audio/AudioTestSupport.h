@@ -3,7 +3,7 @@
 
 #include <ImporterTessel/audio/AudioRequest.h>
 #include <ImporterTessel/audio/SineSpan.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <ImporterTessel/audio/SineSpan.h>
 #include <ImporterTessel/audio/VectorSine.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <gtest/gtest.h>
 

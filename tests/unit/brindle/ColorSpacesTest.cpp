@@ -1,4 +1,4 @@
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <gtest/gtest.h>
 

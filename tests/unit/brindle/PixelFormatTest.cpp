@@ -1,4 +1,4 @@
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <gtest/gtest.h>
 

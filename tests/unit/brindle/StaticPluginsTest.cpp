@@ -1,4 +1,4 @@
-#include <brindle/StaticPlugins.h>
+#include <kestrel/brindle/StaticPlugins.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include <ImporterTessel/dialog/ChoiceTables.h>
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <gtest/gtest.h>
 

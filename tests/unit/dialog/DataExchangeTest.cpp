@@ -1,9 +1,9 @@
 #include <ImporterTessel/dialog/DataExchange.h>
 #include <ImporterTessel/dialog/ImporterTesselPrefsDialogImpl.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/classref/ClassWatcher.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelworkspace/Workspace.h>
+#include <kestrel/qelcore/classref/ClassWatcher.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelworkspace/Workspace.h>
 
 #include <gtest/gtest.h>
 

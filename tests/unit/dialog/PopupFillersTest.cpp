@@ -1,6 +1,6 @@
 #include <ImporterTessel/dialog/ChoiceTables.h>
 #include <ImporterTessel/dialog/PopupFillers.h>
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 /// What scripts cannot reach: settings that no document carries, and what the dialog asks of the host.
 #include <ImporterTessel/dialog/ImporterTesselPrefsDialogImpl.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/text/Unicode.h>
-#include <qellumenfactory/Formatter.h>
-#include <qellumenfactory/Parser.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qellumenfactory/Formatter.h>
+#include <kestrel/qellumenfactory/Parser.h>
 #include <tests/unit/qelui/FakeToolkit.h>
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 /// The settings exchange around the dialog, as far as it needs no layout: sizes, sources, long texts.
 #include <ImporterTessel/entry/SettingsExchange.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <importabi/ResultCodes.h>
-#include <importhost/StandardParameters.h>
-#include <qelcore/text/Unicode.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importhost/StandardParameters.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <gtest/gtest.h>
 

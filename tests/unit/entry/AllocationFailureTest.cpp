@@ -5,8 +5,8 @@
 
 #include <ImporterTessel/entry/ImporterTessel.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/debug/DebugDatabase.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/debug/DebugDatabase.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
 #include <unit/settings/TemporaryFolder.h>

@@ -1,8 +1,8 @@
 #include "TestModule.h"
 
 #include <ImporterTessel/entry/ImporterTessel.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 /// A host of one test: tables that can be incomplete, suites that can be missing, an allocator that can fail.
 #pragma once
 
-#include <importabi/StandardParameters.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/StandardParameters.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <cstdint>
 #include <cstdlib>

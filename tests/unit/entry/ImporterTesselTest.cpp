@@ -3,7 +3,7 @@
 
 #include <ImporterTessel/entry/Entries.h>
 #include <ImporterTessel/settings/DataFile.h>
-#include <importabi/Records.h>
+#include <kestrel/importabi/Records.h>
 
 #include <gtest/gtest.h>
 #include <unit/settings/TemporaryFolder.h>

@@ -1,8 +1,8 @@
 #include <ImporterTessel/entry/Entries.h>
 #include <ImporterTessel/entry/StaticRegistration.h>
 #include <ImporterTessel/resources/PropertyList.h>
-#include <brindle/StaticPlugins.h>
-#include <qelcore/resources/ResourceFile.h>
+#include <kestrel/brindle/StaticPlugins.h>
+#include <kestrel/qelcore/resources/ResourceFile.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "RecordBytes.h"
 
 #include <ImporterTessel/entry/Entries.h>
-#include <importabi/Records.h>
-#include <qelcore/debug/DebugDatabase.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/qelcore/debug/DebugDatabase.h>
 
 #include <gtest/gtest.h>
 

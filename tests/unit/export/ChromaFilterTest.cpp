@@ -1,4 +1,4 @@
-#include <tessel/export/ChromaFilter.h>
+#include <tessel/export/convert/ChromaFilter.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <tessel/export/ColorTags.h>
+#include <tessel/export/plan/ColorTags.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 /// Y'CbCr float values far outside 0..1, infinite or not numbers, on their way into float pictures.
 
-#include <tessel/export/FrameConverter.h>
+#include <tessel/export/convert/FrameConverter.h>
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "PictureModel.h"
 
 #include <tessel/export/ExportError.h>
-#include <tessel/export/FrameConverter.h>
+#include <tessel/export/convert/FrameConverter.h>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <tessel/export/ExportError.h>
-#include <tessel/export/OutputFile.h>
-#include <tessel/export/SequenceWriter.h>
+#include <tessel/export/files/OutputFile.h>
+#include <tessel/export/files/SequenceWriter.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

@@ -1,8 +1,9 @@
 #include "ClipModel.h"
 
 #include <tessel/export/ExportError.h>
-#include <tessel/export/OutputPlan.h>
-#include <tessel/export/VideoEncoder.h>
+#include <tessel/export/convert/FrameConverter.h>
+#include <tessel/export/encode/VideoEncoder.h>
+#include <tessel/export/plan/OutputPlan.h>
 
 #include <gtest/gtest.h>
 

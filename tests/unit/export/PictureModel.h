@@ -2,8 +2,8 @@
 /// own tables.
 #pragma once
 
-#include <tessel/export/FrameConverter.h>
-#include <tessel/export/Picture.h>
+#include <tessel/export/convert/FrameConverter.h>
+#include <tessel/export/convert/Picture.h>
 
 #include <cmath>
 #include <cstdint>

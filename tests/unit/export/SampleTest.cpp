@@ -1,7 +1,7 @@
 #include "ClipModel.h"
 
 #include <tessel/export/AudioBlocks.h>
-#include <tessel/export/SampleQuantizer.h>
+#include <tessel/export/convert/SampleQuantizer.h>
 
 #include <gtest/gtest.h>
 

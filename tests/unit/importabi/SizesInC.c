@@ -1,11 +1,11 @@
 #include "SizesInC.h"
 
-#include <importabi/Entries.h>
-#include <importabi/Records.h>
-#include <importabi/ResultCodes.h>
-#include <importabi/Selectors.h>
-#include <importabi/StandardParameters.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/importabi/StandardParameters.h>
+#include <kestrel/importabi/Suites.h>
 
 #define SIZE_OF(type) {#type, sizeof(type)},
 static const TypeSize kTypeSizes[] = {IMPORT_ABI_TYPES(SIZE_OF)};

@@ -1,8 +1,8 @@
 #include "ClipFolder.h"
 
-#include <importhost/Clip.h>
-#include <importhost/HostError.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/importhost/Clip.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <importhost/FramePool.h>
+#include <kestrel/importhost/FramePool.h>
 
 #include <gtest/gtest.h>
 

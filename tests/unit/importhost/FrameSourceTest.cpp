@@ -1,5 +1,5 @@
-#include <brindle/PixelFormat.h>
-#include <importhost/FrameSource.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importhost/FrameSource.h>
 
 #include <gtest/gtest.h>
 

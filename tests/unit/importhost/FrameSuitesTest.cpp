@@ -1,6 +1,6 @@
-#include <brindle/PixelFormat.h>
-#include <importhost/FrameSuites.h>
-#include <importhost/StandardParameters.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importhost/FrameSuites.h>
+#include <kestrel/importhost/StandardParameters.h>
 
 #include <gtest/gtest.h>
 

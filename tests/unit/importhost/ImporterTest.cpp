@@ -1,8 +1,8 @@
 #include "ClipFolder.h"
 
-#include <importabi/Selectors.h>
-#include <importhost/HostError.h>
-#include <importhost/Importer.h>
+#include <kestrel/importabi/Selectors.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/Importer.h>
 
 #include <gtest/gtest.h>
 

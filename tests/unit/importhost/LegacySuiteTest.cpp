@@ -1,5 +1,5 @@
-#include <importhost/LegacySuite.h>
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/importhost/LegacySuite.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 /// Property lists as bytes, well-formed unless a test bends them.
 #pragma once
 
-#include <importhost/PropertyList.h>
+#include <kestrel/importhost/PropertyList.h>
 
 #include <cstdint>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "PropertyListBuilder.h"
 
-#include <importhost/HostError.h>
-#include <importhost/PropertyList.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PropertyList.h>
 
 #include <gtest/gtest.h>
 

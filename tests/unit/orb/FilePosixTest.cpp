@@ -1,5 +1,5 @@
 // What only a POSIX system has: permissions, symbolic links, pipes, limits on file sizes.
-#include <orb/File.h>
+#include <kestrel/orb/File.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

@@ -1,4 +1,4 @@
-#include <orb/File.h>
+#include <kestrel/orb/File.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

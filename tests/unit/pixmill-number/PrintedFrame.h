@@ -1,8 +1,8 @@
 /// A frame of any paintable format with guarded memory, for printing numbers into.
 #pragma once
 
-#include <pixmill/Fill.h>
-#include <pixmill/PrintNumber.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PrintNumber.h>
 
 #include <support/NumberReader.h>
 #include <support/PaintableFormats.h>

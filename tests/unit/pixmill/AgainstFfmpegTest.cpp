@@ -1,6 +1,6 @@
 // FFmpeg's decoders read from our v210, UYVY and YUYV rows the numbers that belong there.
-#include <pixmill/Fill.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <gtest/gtest.h>
 #include <support/PaintableFormats.h>

@@ -1,5 +1,5 @@
 // zimg, a converter that is not ours, makes the same numbers of colours in range.
-#include <pixmill/ColorConversion.h>
+#include <kestrel/pixmill/ColorConversion.h>
 
 #include <gtest/gtest.h>
 #include <zimg.h>

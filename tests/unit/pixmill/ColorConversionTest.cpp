@@ -1,5 +1,5 @@
 // One colour in each format: against the table of known codes, and against exact arithmetic.
-#include <pixmill/ColorConversion.h>
+#include <kestrel/pixmill/ColorConversion.h>
 
 #include <gtest/gtest.h>
 #include <support/GuardedFrame.h>

@@ -1,6 +1,6 @@
 // Rectangles in every format: the right bytes, no others, in both row directions.
-#include <pixmill/Fill.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/Fill.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <gtest/gtest.h>
 #include <support/GuardedFrame.h>

@@ -1,6 +1,6 @@
 // The codes follow from what a format's name says.
-#include <brindle/PixelFormat.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Runs and single pixels in a row, against a row painted whole.
-#include <pixmill/PixelSpans.h>
+#include <kestrel/pixmill/PixelSpans.h>
 
 #include <gtest/gtest.h>
 #include <support/GuardedFrame.h>

@@ -1,4 +1,4 @@
-#include <qelaccelerate/Vector.h>
+#include <kestrel/qelaccelerate/Vector.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 

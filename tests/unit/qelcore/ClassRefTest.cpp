@@ -1,5 +1,5 @@
-#include <qelcore/classref/ClassWatcher.h>
-#include <qelcore/classref/UnknownBase.h>
+#include <kestrel/qelcore/classref/ClassWatcher.h>
+#include <kestrel/qelcore/classref/UnknownBase.h>
 
 #include <gtest/gtest.h>
 

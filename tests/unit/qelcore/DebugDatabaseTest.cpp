@@ -1,6 +1,6 @@
-#include <qelcore/debug/Assert.h>
-#include <qelcore/debug/DebugDatabase.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/debug/Assert.h>
+#include <kestrel/qelcore/debug/DebugDatabase.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

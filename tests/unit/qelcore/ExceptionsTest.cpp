@@ -1,4 +1,4 @@
-#include <qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <qelcore/files/FileUtils.h>
+#include <kestrel/qelcore/files/FileUtils.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

@@ -1,5 +1,5 @@
 // Numbers in texts do not depend on the process's locale.
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

@@ -1,5 +1,5 @@
-#include <qelcore/serialization/Json.h>
-#include <qelcore/serialization/JsonNumber.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/JsonNumber.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 #include <pthread.h>

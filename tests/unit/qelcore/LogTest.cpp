@@ -1,5 +1,5 @@
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <qelcore/resources/ResourceFile.h>
+#include <kestrel/qelcore/resources/ResourceFile.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

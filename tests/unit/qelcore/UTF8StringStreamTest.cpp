@@ -1,4 +1,4 @@
-#include <qelcore/text/UTF8StringStream.h>
+#include <kestrel/qelcore/text/UTF8StringStream.h>
 
 #include <gtest/gtest.h>
 

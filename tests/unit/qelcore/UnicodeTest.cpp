@@ -1,4 +1,4 @@
-#include <qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/Unicode.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/serialization/Json.h>
-#include <qelcore/serialization/Value.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/serialization/Value.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include <qellumenfactory/Dialects.h>
-#include <qellumenfactory/Formatter.h>
-#include <qellumenfactory/Parser.h>
+#include <kestrel/qellumenfactory/Dialects.h>
+#include <kestrel/qellumenfactory/Formatter.h>
+#include <kestrel/qellumenfactory/Parser.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <qellumenfactory/Parser.h>
+#include <kestrel/qellumenfactory/Parser.h>
 
 #include <gtest/gtest.h>
 

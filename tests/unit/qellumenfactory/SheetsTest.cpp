@@ -1,9 +1,9 @@
 /// The settings dialog's two sheets: alike, tidy, and with every control that the dialog has.
-#include <qellumenfactory/Formatter.h>
-#include <qellumenfactory/LayoutBuilder.h>
-#include <qellumenfactory/Parser.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qellumenfactory/Formatter.h>
+#include <kestrel/qellumenfactory/LayoutBuilder.h>
+#include <kestrel/qellumenfactory/Parser.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <gtest/gtest.h>
 

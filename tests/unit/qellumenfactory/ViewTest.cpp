@@ -1,10 +1,10 @@
-#include <qelcore/exceptions/Exceptions.h>
-#include <qellumenfactory/Layout.h>
-#include <qellumenfactory/UI_LumenViewBase.h>
-#include <qellumenfactory/UI_NodeManager.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelworkspace/Workspace.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qellumenfactory/Layout.h>
+#include <kestrel/qellumenfactory/UI_LumenViewBase.h>
+#include <kestrel/qellumenfactory/UI_NodeManager.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelworkspace/Workspace.h>
 #include <tests/unit/qelui/FakeToolkit.h>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include <qelmediatypes/PixelAspectRatio.h>
-#include <qelmediatypes/color/ColorSpace.h>
+#include <kestrel/qelmediatypes/PixelAspectRatio.h>
+#include <kestrel/qelmediatypes/color/ColorSpace.h>
 
 #include <gtest/gtest.h>
 

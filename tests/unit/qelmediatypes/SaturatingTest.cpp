@@ -1,6 +1,6 @@
 #include "WideIntegers.h"
 
-#include <qelmediatypes/Saturating.h>
+#include <kestrel/qelmediatypes/Saturating.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "WideIntegers.h"
 
-#include <qelmediatypes/TickTime.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Group.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/controls/UI_StaticText.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Group.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/controls/UI_StaticText.h>
 
 #include <gtest/gtest.h>
 

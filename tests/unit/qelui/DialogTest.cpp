@@ -1,7 +1,7 @@
 #include "FakeToolkit.h"
 
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 /// A toolkit whose person is a test.
 #pragma once
 
-#include <qelui/dialogs/UI_Dialog.h>
-#include <qelui/dialogs/UI_MessageBox.h>
-#include <qelui/toolkit/Toolkit.h>
-#include <qelui/toolkit/UserInterface.h>
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+#include <kestrel/qelui/dialogs/UI_MessageBox.h>
+#include <kestrel/qelui/toolkit/Toolkit.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <deque>
 #include <functional>

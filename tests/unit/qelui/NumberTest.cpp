@@ -1,4 +1,4 @@
-#include <qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Number.h>
 
 #include <gtest/gtest.h>
 

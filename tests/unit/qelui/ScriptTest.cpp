@@ -1,14 +1,14 @@
 #include "FakeToolkit.h"
 
-#include <qelcore/logging/Log.h>
-#include <qelcore/serialization/Json.h>
-#include <qelcore/text/Unicode.h>
-#include <qelui/controls/UI_Button.h>
-#include <qelui/controls/UI_Number.h>
-#include <qelui/controls/UI_Popup.h>
-#include <qelui/script/Script.h>
-#include <qelui/script/ScriptRunner.h>
-#include <qelui/script/ScriptedToolkit.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qelui/controls/UI_Button.h>
+#include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qelui/controls/UI_Popup.h>
+#include <kestrel/qelui/script/Script.h>
+#include <kestrel/qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/script/ScriptedToolkit.h>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include <ImporterTessel/settings/DataFile.h>
 #include <ImporterTessel/settings/SwatchFiles.h>
 #include <ImporterTessel/video/SwatchChart.h>
-#include <brindle/PixelFormat.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 #include <support/Process.h>

@@ -4,9 +4,9 @@
 #include "TemporaryFolder.h"
 
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/exceptions/Exceptions.h>
-#include <qelcore/logging/Log.h>
-#include <qelcore/serialization/Json.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "DocumentCases.h"
 
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <algorithm>
 #include <array>

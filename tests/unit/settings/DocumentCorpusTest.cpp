@@ -1,7 +1,7 @@
 #include "DocumentCases.h"
 
 #include <ImporterTessel/settings/DataFile.h>
-#include <qelcore/logging/Log.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
 

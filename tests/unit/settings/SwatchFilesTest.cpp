@@ -1,7 +1,7 @@
 #include "TemporaryFolder.h"
 
 #include <ImporterTessel/settings/SwatchFiles.h>
-#include <qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "RandomTesselInfo.h"
 
 #include <ImporterTessel/settings/TesselInfo.h>
-#include <brindle/ColorSpaces.h>
+#include <kestrel/brindle/ColorSpaces.h>
 
 #include <gtest/gtest.h>
 

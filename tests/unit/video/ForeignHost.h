@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ImporterTessel/video/FrameSynthesis.h>
-#include <importabi/Records.h>
-#include <importabi/Suites.h>
+#include <kestrel/importabi/Records.h>
+#include <kestrel/importabi/Suites.h>
 
 #include <support/PaintableFormats.h>
 

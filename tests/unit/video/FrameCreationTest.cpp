@@ -1,7 +1,7 @@
 // How frames are asked for, and what happens when the host fails.
 #include "ForeignHost.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <gtest/gtest.h>
 #include <support/NumberReader.h>

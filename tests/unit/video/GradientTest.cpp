@@ -1,7 +1,7 @@
 #include "ForeignHost.h"
 
-#include <importabi/ResultCodes.h>
-#include <pixmill/Fill.h>
+#include <kestrel/importabi/ResultCodes.h>
+#include <kestrel/pixmill/Fill.h>
 
 #include <gtest/gtest.h>
 

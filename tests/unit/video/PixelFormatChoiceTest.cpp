@@ -1,6 +1,6 @@
 #include <ImporterTessel/video/PixelFormatChoice.h>
-#include <brindle/PixelFormat.h>
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <gtest/gtest.h>
 

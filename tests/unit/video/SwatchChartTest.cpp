@@ -1,6 +1,6 @@
 #include "ForeignHost.h"
 
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <gtest/gtest.h>
 #include <support/NumberReader.h>

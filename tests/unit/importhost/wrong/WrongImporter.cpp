@@ -1,7 +1,7 @@
 /// Importers that are each wrong in one way, chosen by the definitions below, for tests of the loader.
 
-#include <importabi/Entries.h>
-#include <importabi/ResultCodes.h>
+#include <kestrel/importabi/Entries.h>
+#include <kestrel/importabi/ResultCodes.h>
 
 #include <array>
 #include <cstddef>

@@ -4,9 +4,9 @@
 #include "ColorTags.h"
 #include "Containers.h"
 #include "DvProfiles.h"
-#include "FrameConverter.h"
 
-#include <importhost/Clip.h>
+#include <kestrel/importhost/Clip.h>
+#include <tessel/export/convert/Conversion.h>
 
 #include <optional>
 

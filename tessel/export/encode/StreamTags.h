@@ -2,7 +2,8 @@
 #pragma once
 
 #include "LibavHandles.h"
-#include "VideoPlan.h"
+
+#include <tessel/export/plan/VideoPlan.h>
 
 namespace tessel::exporting {
 

@@ -1,9 +1,9 @@
 /// Packets to one file.
 #pragma once
 
-#include "OutputFile.h"
-#include "OutputPlan.h"
-#include "Picture.h"
+#include <tessel/export/convert/Picture.h>
+#include <tessel/export/files/OutputFile.h>
+#include <tessel/export/plan/OutputPlan.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,10 +1,9 @@
 /// The eight DV formats: what the tape formats (IEC 61834, SMPTE 314M, SMPTE 370M) allow.
 #pragma once
 
-#include "Picture.h"
-
-#include <brindle/PixelFormat.h>
-#include <importhost/Clip.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importhost/Clip.h>
+#include <tessel/export/convert/Picture.h>
 
 #include <string_view>
 

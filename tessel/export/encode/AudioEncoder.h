@@ -2,7 +2,8 @@
 #pragma once
 
 #include "LibavHandles.h"
-#include "OutputPlan.h"
+
+#include <tessel/export/plan/OutputPlan.h>
 
 #include <functional>
 #include <vector>

@@ -1,7 +1,8 @@
 #include "SourceFrame.h"
 
-#include "ExportError.h"
 #include "V210Packing.h"
+
+#include <tessel/export/ExportError.h>
 
 namespace tessel::exporting {
 

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "LibavHandles.h"
-#include "OutputFile.h"
+
+#include <tessel/export/files/OutputFile.h>
 
 #include <exception>
 

@@ -1,9 +1,10 @@
 #include "VideoEncoder.h"
 
 #include "DpxHeader.h"
-#include "ExportError.h"
 #include "StreamTags.h"
 #include "UncodedWriters.h"
+
+#include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 

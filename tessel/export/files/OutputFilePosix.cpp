@@ -1,8 +1,8 @@
-#include "ExportError.h"
 #include "Interrupt.h"
 #include "OutputFile.h"
 
-#include <orb/FileReplacement.h>
+#include <kestrel/orb/FileReplacement.h>
+#include <tessel/export/ExportError.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "OutputFolder.h"
 
-#include "ExportError.h"
+#include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 

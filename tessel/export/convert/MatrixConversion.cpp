@@ -1,6 +1,6 @@
 #include "MatrixConversion.h"
 
-#include "ExportError.h"
+#include <tessel/export/ExportError.h>
 
 #include <zimg.h>
 

@@ -1,35 +1,13 @@
 /// From frames as the plug-in paints them to pictures as encoders take them: upright and exact.
 #pragma once
 
-#include "ChromaFilter.h"
+#include "Conversion.h"
 #include "FrameView.h"
 #include "Picture.h"
-#include "PixelKind.h"
 
-#include <brindle/PixelFormat.h>
-
-#include <cstdint>
 #include <memory>
 
 namespace tessel::exporting {
-
-/// How Y'CbCr values are made from R'G'B' ones.
-struct YCbCrCoding {
-    Matrix matrix = Matrix::Bt709;
-    bool fullRange = false;
-
-    bool operator==(const YCbCrCoding&) const = default;
-};
-
-struct Conversion {
-    BR::PixelFormat source = BR::PixelFormat::Unknown; ///< of the frames: a paintable one
-    PictureLayout target = PictureLayout::Bgra;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    /// Of a Y'CbCr target. Where the source is Y'CbCr with the same matrix, its codes are kept.
-    YCbCrCoding coding;
-    ChromaRows chromaRows = ChromaRows::Frame; ///< for 4:2:0 targets
-};
 
 /// Converts frames of one geometry and format.
 ///

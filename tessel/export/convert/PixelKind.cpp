@@ -1,8 +1,7 @@
 #include "PixelKind.h"
 
-#include "ExportError.h"
-
-#include <pixmill/PixelFormatCodes.h>
+#include <kestrel/pixmill/PixelFormatCodes.h>
+#include <tessel/export/ExportError.h>
 
 namespace tessel::exporting {
 namespace {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "Containers.h"
-#include "SampleQuantizer.h"
 #include "VideoPlan.h"
 
-#include <importhost/Clip.h>
+#include <kestrel/importhost/Clip.h>
+#include <tessel/export/convert/SampleQuantizer.h>
 
 #include <cstdint>
 #include <optional>

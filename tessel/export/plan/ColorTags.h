@@ -1,11 +1,10 @@
 /// What a file announces about its colours.
 #pragma once
 
-#include "FrameConverter.h"
-#include "Picture.h"
-#include "PixelKind.h"
-
-#include <importabi/Records.h>
+#include <kestrel/importabi/Records.h>
+#include <tessel/export/convert/Conversion.h>
+#include <tessel/export/convert/Picture.h>
+#include <tessel/export/convert/PixelKind.h>
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 /// The fields of DPX files (SMPTE 268M) that FFmpeg's encoder fills in alike for every picture.
 #pragma once
 
-#include "ColorTags.h"
+#include <tessel/export/plan/ColorTags.h>
 
 #include <cstddef>
 #include <span>

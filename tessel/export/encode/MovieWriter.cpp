@@ -1,9 +1,10 @@
 #include "MovieWriter.h"
 
 #include "AudioEncoder.h"
-#include "ExportError.h"
 #include "LibavOutput.h"
 #include "VideoEncoder.h"
+
+#include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 

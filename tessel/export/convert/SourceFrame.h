@@ -6,7 +6,7 @@
 #include "Picture.h"
 #include "PixelKind.h"
 
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <array>
 #include <cstdint>

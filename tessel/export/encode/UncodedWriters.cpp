@@ -1,7 +1,8 @@
 #include "UncodedWriters.h"
 
-#include "ExportError.h"
 #include "StreamTags.h"
+
+#include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 /// A host pixel format, taken apart: what a converter and a codec choice need to know of it.
 #pragma once
 
-#include <brindle/PixelFormat.h>
+#include <kestrel/brindle/PixelFormat.h>
 
 #include <cstdint>
 

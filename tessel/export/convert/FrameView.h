@@ -1,8 +1,8 @@
 /// A painted frame as export sees it.
 #pragma once
 
-#include <brindle/PixelFormat.h>
-#include <importhost/Frame.h>
+#include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/importhost/Frame.h>
 
 #include <cstddef>
 #include <cstdint>

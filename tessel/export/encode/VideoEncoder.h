@@ -2,8 +2,9 @@
 #pragma once
 
 #include "LibavHandles.h"
-#include "Picture.h"
-#include "VideoPlan.h"
+
+#include <tessel/export/convert/Picture.h>
+#include <tessel/export/plan/VideoPlan.h>
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "LibavHandles.h"
 
-#include "ExportError.h"
+#include <tessel/export/ExportError.h>
 
 extern "C" {
 #include <libavutil/error.h>
