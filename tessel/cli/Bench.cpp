@@ -1,16 +1,15 @@
 /// `tessel bench`: how fast a clip is synthesised here, beside this machine's own memory-write speed.
 
+#include "CommandLine.h"
 #include "Commands.h"
 #include "Measurement.h"
 #include "MemorySpeed.h"
-#include "ValueChecks.h"
 
 #include <kestrel/importhost/FrameMemory.h>
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/serialization/Json.h>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -166,23 +165,23 @@ void RunBench(Context& context, const BenchOptions& options)
 
 } // namespace
 
-void AddBenchCommand(CLI::App& app, Context& context)
+void AddBenchCommand(CommandLine& commandLine, Context& context)
 {
-    auto options = std::make_shared<BenchOptions>();
-    CLI::App* command = app.add_subcommand("bench", "Measure how fast a clip is synthesised on one thread");
-    command->add_option("clip", options->clip, "Tessel document")->required()->check(NotEmpty());
-    command->add_flag("--json", options->json, "Print JSON");
-    command->add_option("--seconds", options->limits.seconds, "Seconds to spend on each measurement")
-        ->check(Seconds(0.001, 3600.0))
-        ->capture_default_str();
+    const auto options = std::make_shared<BenchOptions>();
+    const Command command =
+        commandLine.AddCommand("bench", "Measure how fast a clip is synthesised on one thread");
+    command.AddOption("clip", options->clip, "Tessel document").Required();
+    command.AddFlag("--json", options->json, "Print JSON");
     command
-        ->add_option("--frames", options->limits.mostRuns,
-                     "Frames (or sound requests) to stop after; 0: no limit")
-        ->transform(WholeFromZero())
-        ->capture_default_str();
-    command->add_flag("--allow-default", options->allowDefault,
-                      "Take a malformed document as the default clip instead of refusing it");
-    command->callback([&context, options] { RunBench(context, *options); });
+        .AddSeconds("--seconds", options->limits.seconds, 0.001, 3600.0, "Seconds to spend on each measurement")
+        .ShowDefault();
+    command
+        .AddNumber("--frames", options->limits.mostRuns, 0,
+                   "Frames (or sound requests) to stop after; 0: no limit")
+        .ShowDefault();
+    command.AddFlag("--allow-default", options->allowDefault,
+                    "Take a malformed document as the default clip instead of refusing it");
+    command.OnRun([&context, options] { RunBench(context, *options); });
 }
 
 } // namespace tessel::cli

@@ -10,11 +10,9 @@
 #include <string>
 #include <string_view>
 
-namespace CLI {
-class App;
-}
-
 namespace tessel::cli {
+
+class CommandLine;
 
 /// Exit codes of the program.
 enum ExitCode : int { kDone = 0, kWorkFailed = 1, kWrongCommandLine = 2 };
@@ -26,11 +24,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// What all commands share: the global options, filled before a command's callback runs.
+/// What all commands share: the global options, filled before a command runs.
 struct Context {
     std::filesystem::path plugin; ///< `--plugin`; empty: looked for
     bool noTestingPlugins = false;
-    int exitCode = kDone; ///< what the program ends with when the callback returns
+    int exitCode = kDone; ///< what the program ends with when the command returns
 
     /// The plug-in, loaded at the first call. @throws importhost::HostError
     [[nodiscard]] std::shared_ptr<const importhost::Importer> LoadImporter();
@@ -58,12 +56,12 @@ void WriteError(std::string_view line) noexcept;
 /// Called once, before any thread.
 void LetWritesFail() noexcept;
 
-/// Each registers one command. Its callback throws `importhost::HostError` for work that failed and
-/// `UsageError` for a wrong command line; the context outlives the app. @{
-void AddInfoCommand(CLI::App& app, Context& context);
-void AddRenderCommand(CLI::App& app, Context& context);
-void AddBenchCommand(CLI::App& app, Context& context);
-void AddEditCommand(CLI::App& app, Context& context);
+/// Each declares one command. Running it throws `importhost::HostError` for work that failed and `UsageError`
+/// for a wrong command line; the context outlives the command line. @{
+void AddInfoCommand(CommandLine& commandLine, Context& context);
+void AddRenderCommand(CommandLine& commandLine, Context& context);
+void AddBenchCommand(CommandLine& commandLine, Context& context);
+void AddEditCommand(CommandLine& commandLine, Context& context);
 /// @}
 
 } // namespace tessel::cli

@@ -1,8 +1,8 @@
 /// `tessel edit`: the settings dialog, on a document or for a new one.
 
+#include "CommandLine.h"
 #include "Commands.h"
 #include "SequenceOptions.h"
-#include "ValueChecks.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
@@ -12,8 +12,6 @@
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <span>
@@ -142,34 +140,29 @@ void Edit(Context& context, const EditOptions& options)
 
 } // namespace
 
-void AddEditCommand(CLI::App& app, Context& context)
+void AddEditCommand(CommandLine& commandLine, Context& context)
 {
-    auto* const command = app.add_subcommand("edit", "Edit a clip's settings in their dialog");
     const auto options = std::make_shared<EditOptions>();
-    command->add_option("CLIP", options->clip, "The data file to edit; without it a new one is made")
-        ->check(NotEmpty());
-    command->add_option("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is")
-        ->check(NotEmpty());
-    const auto* const size =
-        command->add_option("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT")
-            ->capture_default_str();
-    const auto* const rate =
-        command->add_option("--rate", options->rate, "Frame rate of a new clip: 25, 29.97, 30000/1001")
-            ->capture_default_str();
-    const auto* const pixelAspect =
-        command->add_option("--par", options->pixelAspect, "Pixel aspect ratio of a new clip: 10/11")
-            ->capture_default_str();
-    command->add_option("--script", options->script, "Work the dialog with this script instead of by hand")
-        ->check(NotEmpty());
-    command->add_option("--theme", options->theme, "How the dialog looks")
-        ->check(CLI::IsMember({"dark", "light"}))
-        ->capture_default_str();
-    command->add_flag("--allow-default", options->allowDefault,
-                      "Edit a document that cannot be read as if it held the default settings");
-    command->footer("OK writes the settings back. Where the person chose to use a saved file instead, its path "
-                    "is printed and CLIP stays as it is, as it does after Cancel.");
-    command->callback([options, size, rate, pixelAspect, &context] {
-        options->hasSequenceValues = size->count() + rate->count() + pixelAspect->count() > 0;
+    const Command command = commandLine.AddCommand("edit", "Edit a clip's settings in their dialog");
+    command.AddOption("CLIP", options->clip, "The data file to edit; without it a new one is made");
+    command.AddOption("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is");
+    const Option size =
+        command.AddOption("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT").ShowDefault();
+    const Option rate =
+        command.AddOption("--rate", options->rate, "Frame rate of a new clip: 25, 29.97, 30000/1001")
+            .ShowDefault();
+    const Option pixelAspect =
+        command.AddOption("--par", options->pixelAspect, "Pixel aspect ratio of a new clip: 10/11")
+            .ShowDefault();
+    command.AddOption("--script", options->script, "Work the dialog with this script instead of by hand");
+    command.AddChoice("--theme", options->theme, {"dark", "light"}, "How the dialog looks").ShowDefault();
+    command.AddFlag("--allow-default", options->allowDefault,
+                    "Edit a document that cannot be read as if it held the default settings");
+    command.SetFooter(
+        "OK writes the settings back. Where the person chose to use a saved file instead, its path "
+        "is printed and CLIP stays as it is, as it does after Cancel.");
+    command.OnRun([options, size, rate, pixelAspect, &context] {
+        options->hasSequenceValues = size.WasGiven() || rate.WasGiven() || pixelAspect.WasGiven();
         Edit(context, *options);
     });
 }

@@ -1,13 +1,11 @@
 /// `tessel info`: what the plug-in reports of clips.
 
 #include "ClipReport.h"
+#include "CommandLine.h"
 #include "Commands.h"
-#include "ValueChecks.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/qelcore/serialization/Json.h>
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <utility>
@@ -59,15 +57,15 @@ void RunInfo(Context& context, const InfoOptions& options)
 
 } // namespace
 
-void AddInfoCommand(CLI::App& app, Context& context)
+void AddInfoCommand(CommandLine& commandLine, Context& context)
 {
-    auto options = std::make_shared<InfoOptions>();
-    CLI::App* command = app.add_subcommand("info", "Show what the plug-in reports of clips");
-    command->add_option("clip", options->clips, "Tessel documents")->required()->check(NotEmpty());
-    command->add_flag("--json", options->json, "Print JSON: an object for one clip, an array for several");
-    command->add_flag("--allow-default", options->allowDefault,
-                      "Take a malformed document as the default clip instead of refusing it");
-    command->callback([&context, options] { RunInfo(context, *options); });
+    const auto options = std::make_shared<InfoOptions>();
+    const Command command = commandLine.AddCommand("info", "Show what the plug-in reports of clips");
+    command.AddOption("clip", options->clips, "Tessel documents").Required();
+    command.AddFlag("--json", options->json, "Print JSON: an object for one clip, an array for several");
+    command.AddFlag("--allow-default", options->allowDefault,
+                    "Take a malformed document as the default clip instead of refusing it");
+    command.OnRun([&context, options] { RunInfo(context, *options); });
 }
 
 } // namespace tessel::cli

@@ -1,19 +1,15 @@
-/// The program `tessel`: parses the command line, runs one command, turns what went wrong into one line
-/// and an exit code.
+/// The program `tessel`: runs the command that is named and turns what went wrong into one line and an exit
+/// code.
 
+#include "CommandLine.h"
 #include "Commands.h"
-#include "ValueChecks.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 
-#include <CLI/CLI.hpp>
-
 #include <exception>
 #include <new>
-#include <sstream>
 #include <string>
-#include <vector>
 
 namespace tessel::cli {
 
@@ -41,56 +37,23 @@ int Fail(int exitCode, const std::string& line)
     return exitCode;
 }
 
-/// Names what was typed for a command where that is none.
-std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error)
-{
-    const std::vector<std::string> unknown = app.remaining();
-    if (!app.get_subcommands().empty() || unknown.empty()) {
-        return error.what();
-    }
-    std::string known;
-    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-        known += (known.empty() ? "" : ", ") + command->get_name();
-    }
-    return "'" + unknown.front() + "' is no command; there are " + known;
-}
-
-/// Parses and runs. @return the exit code; throws what a command throws.
-int ParseAndRun(CLI::App& app, const Context& context, int argc, char** argv)
-{
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& answer) { // --help and --version
-        std::ostringstream text;
-        app.exit(answer, text, text);
-        WriteOut(text.str());
-    } catch (const CLI::ParseError& error) {
-        return Fail(kWrongCommandLine, WhatIsWrong(app, error) + " (see tessel --help)");
-    }
-    FlushOut();
-    return context.exitCode;
-}
-
 int Run(int argc, char** argv)
 {
     LetWritesFail();
     try {
-        CLI::App app{"Exact test signals from small documents"};
-        app.name("tessel");
-        app.require_subcommand(1);
-        app.fallthrough(); // the options below may also stand behind the command
-        app.set_version_flag("--version", std::string("tessel ") + TESSEL_VERSION);
-
+        CommandLine commandLine("tessel", "Exact test signals from small documents", TESSEL_VERSION);
         Context context;
-        app.add_option("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in")
-            ->check(NotEmpty());
-        app.add_flag("--no-testing-plugins", context.noTestingPlugins,
-                     "Load test plug-ins only where the debug database says so");
-        AddInfoCommand(app, context);
-        AddRenderCommand(app, context);
-        AddBenchCommand(app, context);
-        AddEditCommand(app, context);
-        return ParseAndRun(app, context, argc, argv);
+        const Command shared = commandLine.Shared();
+        shared.AddOption("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in");
+        shared.AddFlag("--no-testing-plugins", context.noTestingPlugins,
+                       "Load test plug-ins only where the debug database says so");
+        AddInfoCommand(commandLine, context);
+        AddRenderCommand(commandLine, context);
+        AddBenchCommand(commandLine, context);
+        AddEditCommand(commandLine, context);
+        commandLine.Run(argc, argv);
+        FlushOut();
+        return context.exitCode;
     } catch (const UsageError& error) {
         return Fail(kWrongCommandLine, error.what());
     } catch (const std::bad_alloc&) {

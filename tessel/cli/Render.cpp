@@ -1,7 +1,7 @@
 /// `tessel render`: clips to files.
 
+#include "CommandLine.h"
 #include "Commands.h"
-#include "ValueChecks.h"
 
 #include <kestrel/importhost/Clip.h>
 #include <tessel/export/ExportError.h>
@@ -12,7 +12,6 @@
 #include <tessel/export/files/SequenceWriter.h>
 #include <tessel/export/plan/Containers.h>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -260,51 +259,35 @@ void RunRender(const Options& options, Context& context)
 
 } // namespace
 
-void AddRenderCommand(CLI::App& app, Context& context)
+void AddRenderCommand(CommandLine& commandLine, Context& context)
 {
-    CLI::App* command = app.add_subcommand("render", "Render clips into movie, sound and picture files");
-    auto options = std::make_shared<Options>();
-    command->add_option("clip", options->clips, "Clips to render")
-        ->required()
-        ->check(NotEmpty())
-        ->type_name("CLIP");
+    const auto options = std::make_shared<Options>();
+    const Command command =
+        commandLine.AddCommand("render", "Render clips into movie, sound and picture files");
+    command.AddOption("clip", options->clips, "Clips to render").Required().ValueName("CLIP");
     command
-        ->add_option("-o,--output", options->output,
-                     "File to write, or a folder, or - for standard output; sequences take a number, as in "
-                     "out/%06d.exr")
-        ->required()
-        ->check(NotEmpty())
-        ->type_name("OUT");
-    command
-        ->add_option("--format", options->format,
-                     "What to write, where the extension does not say it: " + exporting::ContainerNames())
-        ->check(NotEmpty());
-    command
-        ->add_option("--video-codec", options->videoCodec,
-                     "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames())
-        ->check(NotEmpty());
-    command
-        ->add_option("--audio-codec", options->audioCodec,
-                     "Instead of the container's usual one: " + exporting::AudioCodecNames())
-        ->check(NotEmpty());
-    command->add_option("--from", options->from, "First frame, counted from 0")
-        ->type_name("FRAME")
-        ->transform(WholeFromZero());
-    command->add_option("--to", options->to, "Last frame, included")
-        ->type_name("FRAME")
-        ->transform(WholeFromZero());
-    command->add_option("--frames", options->frames, "Number of frames")
-        ->type_name("COUNT")
-        ->transform(WholeFromOne());
-    command->add_flag("--audio-only", options->audioOnly, "Sound alone");
-    command->add_flag("--video-only", options->videoOnly, "Picture alone");
-    command->add_flag("--dither", options->dither, "Triangular dither for integer samples");
-    command->add_flag("--allow-default", options->allowDefault,
-                      "Render a document that cannot be read as the default clip");
-    command->add_flag("--no-progress", options->noProgress, "No progress bar");
-    command->add_option("--threads", options->threads, "Threads to use; all cores where not said")
-        ->transform(WholeFromOne());
-    command->callback([options, &context] { RunRender(*options, context); });
+        .AddOption("-o,--output", options->output,
+                   "File to write, or a folder, or - for standard output; sequences take a number, as in "
+                   "out/%06d.exr")
+        .Required()
+        .ValueName("OUT");
+    command.AddOption("--format", options->format,
+                      "What to write, where the extension does not say it: " + exporting::ContainerNames());
+    command.AddOption("--video-codec", options->videoCodec,
+                      "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
+    command.AddOption("--audio-codec", options->audioCodec,
+                      "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command.AddNumber("--from", options->from, 0, "First frame, counted from 0").ValueName("FRAME");
+    command.AddNumber("--to", options->to, 0, "Last frame, included").ValueName("FRAME");
+    command.AddNumber("--frames", options->frames, 1, "Number of frames").ValueName("COUNT");
+    command.AddFlag("--audio-only", options->audioOnly, "Sound alone");
+    command.AddFlag("--video-only", options->videoOnly, "Picture alone");
+    command.AddFlag("--dither", options->dither, "Triangular dither for integer samples");
+    command.AddFlag("--allow-default", options->allowDefault,
+                    "Render a document that cannot be read as the default clip");
+    command.AddFlag("--no-progress", options->noProgress, "No progress bar");
+    command.AddNumber("--threads", options->threads, 1, "Threads to use; all cores where not said");
+    command.OnRun([options, &context] { RunRender(*options, context); });
 }
 
 } // namespace tessel::cli

@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <cstdint>
-#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -20,47 +18,34 @@ bool Parse(std::string_view text, Number& number) noexcept
     return error == std::errc{} && stop == end;
 }
 
-CLI::Validator WholeFrom(std::int64_t least)
-{
-    return {[least](std::string& text) {
-                std::int64_t number = 0;
-                if (!Parse(text, number) || number < least) {
-                    return fmt::format("must be a whole number from {} on, not \"{}\"", least, text);
-                }
-                text = std::to_string(number);
-                return std::string{};
-            },
-            ""};
-}
-
 } // namespace
 
-CLI::Validator NotEmpty()
+ValueCheck NotEmpty()
 {
-    return {[](const std::string& text) { return text.empty() ? std::string("must not be empty") : ""; }, ""};
+    return [](const std::string& text) { return std::string(text.empty() ? "must not be empty" : ""); };
 }
 
-CLI::Validator WholeFromOne()
+ValueCheck WholeFrom(std::int64_t least)
 {
-    return WholeFrom(1);
+    return [least](std::string& text) {
+        std::int64_t number = 0;
+        if (!Parse(text, number) || number < least) {
+            return fmt::format("must be a whole number from {} on, not \"{}\"", least, text);
+        }
+        text = std::to_string(number);
+        return std::string{};
+    };
 }
 
-CLI::Validator WholeFromZero()
+ValueCheck Seconds(double least, double most)
 {
-    return WholeFrom(0);
-}
-
-CLI::Validator Seconds(double least, double most)
-{
-    return {[least, most](const std::string& text) {
-                double number = 0.0;
-                // Written so that what is not a number fails.
-                return Parse(text, number) && number >= least && number <= most
-                           ? std::string{}
-                           : fmt::format("must be a number of seconds from {} to {}, not \"{}\"", least, most,
-                                         text);
-            },
-            ""};
+    return [least, most](const std::string& text) {
+        double number = 0.0;
+        // Written so that what is not a number fails.
+        return Parse(text, number) && number >= least && number <= most
+                   ? std::string{}
+                   : fmt::format("must be a number of seconds from {} to {}, not \"{}\"", least, most, text);
+    };
 }
 
 } // namespace tessel::cli

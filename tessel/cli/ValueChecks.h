@@ -1,21 +1,23 @@
 /// What the command line asks of values; each complaint is one line that says what would be right.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <functional>
+#include <string>
 
 namespace tessel::cli {
 
-/// Refuses "", which a shell makes of a variable that is not set. Options that were given are never taken for
-/// ones that were not.
-[[nodiscard]] CLI::Validator NotEmpty();
+/// @param text  the value as typed; a check may write it in a form that the parser reads
+/// @return the complaint; empty for a value that is right
+using ValueCheck = std::function<std::string(std::string& text)>;
 
-/// A whole decimal number of 1 or more. For `transform`: leading zeros go, which would make it octal.
-[[nodiscard]] CLI::Validator WholeFromOne();
+/// Refuses "".
+[[nodiscard]] ValueCheck NotEmpty();
 
-/// A whole decimal number of 0 or more, likewise.
-[[nodiscard]] CLI::Validator WholeFromZero();
+/// A whole decimal number of `least` or more. Removes leading zeros, which would make it octal.
+[[nodiscard]] ValueCheck WholeFrom(std::int64_t least);
 
 /// A finite number of seconds, `least` to `most`.
-[[nodiscard]] CLI::Validator Seconds(double least, double most);
+[[nodiscard]] ValueCheck Seconds(double least, double most);
 
 } // namespace tessel::cli

@@ -1,0 +1,112 @@
+/// The command line as commands declare it.
+///
+/// CommandLine.cpp alone includes the parsing library, whose header takes longer to compile than any command.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace tessel::cli {
+
+/// One declared option or argument. Copies refer to the same one, which lives as long as its `CommandLine`.
+/// Threads: [serialised], like the rest of this header.
+class Option {
+public:
+    explicit Option(CLI::Option& option) noexcept : mOption(&option) {}
+
+    /// A command line without it is wrong.
+    Option Required() const;
+
+    /// What `--help` calls its value: "FRAME". Without it the value's type: "TEXT".
+    Option ValueName(const std::string& name) const;
+
+    /// `--help` shows the value that the variable holds now.
+    Option ShowDefault() const;
+
+    /// Whether the parsed command line names it.
+    [[nodiscard]] bool WasGiven() const;
+
+private:
+    CLI::Option* mOption;
+};
+
+/// One command, or what all of them share. Copies refer to the same one.
+///
+/// `names` are "-o,--output" for an option and a bare "clip" for an argument. The variables keep their values
+/// where the option is not given, and must live until the command has run. An empty text or path is an error,
+/// not "not given": a shell makes one of a variable that is not set.
+class Command {
+public:
+    explicit Command(CLI::App& app) noexcept : mApp(&app) {}
+
+    Option AddOption(const std::string& names, std::string& text, const std::string& help) const;
+    Option AddOption(const std::string& names, std::filesystem::path& file, const std::string& help) const;
+    /// Several values; an argument takes all that are left. @{
+    Option AddOption(const std::string& names, std::vector<std::string>& texts, const std::string& help) const;
+    Option AddOption(const std::string& names, std::vector<std::filesystem::path>& files,
+                     const std::string& help) const;
+    /// @}
+
+    /// A decimal whole number of `least` or more; leading zeros do not make it octal. @{
+    Option AddNumber(const std::string& names, int& number, int least, const std::string& help) const;
+    Option AddNumber(const std::string& names, std::int64_t& number, std::int64_t least,
+                     const std::string& help) const;
+    Option AddNumber(const std::string& names, std::optional<std::int64_t>& number, std::int64_t least,
+                     const std::string& help) const;
+    /// @}
+
+    /// A finite number of seconds, `least` to `most`.
+    Option AddSeconds(const std::string& names, double& seconds, double least, double most,
+                      const std::string& help) const;
+
+    /// One of the given words.
+    Option AddChoice(const std::string& names, std::string& word, const std::vector<std::string>& words,
+                     const std::string& help) const;
+
+    void AddFlag(const std::string& names, bool& flag, const std::string& help) const;
+
+    /// A paragraph below the options in `--help`.
+    void SetFooter(const std::string& text) const;
+
+    /// What the command does once the command line is parsed. `run` may throw anything.
+    void OnRun(std::function<void()> run) const;
+
+private:
+    CLI::App* mApp;
+};
+
+/// The program's whole command line: options that every command takes, and the commands.
+class CommandLine {
+public:
+    /// @param version  what `--version` prints after the program's name
+    CommandLine(const std::string& program, const std::string& description, const std::string& version);
+    ~CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    /// Where the options that stand before or after any command are added.
+    [[nodiscard]] Command Shared() const;
+
+    [[nodiscard]] Command AddCommand(const std::string& name, const std::string& description) const;
+
+    /// Parses and runs the one command that is named, or writes what `--help` and `--version` ask for.
+    /// @param argv  `argc` arguments, the program's name first, as `main` gets them
+    /// @throws UsageError for a command line that does not parse; what the command throws;
+    ///         importhost::HostError if standard output takes no text
+    void Run(int argc, const char* const* argv) const;
+
+private:
+    std::unique_ptr<CLI::App> mApp;
+};
+
+} // namespace tessel::cli
