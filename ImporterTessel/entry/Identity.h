@@ -3,11 +3,15 @@
 
 #include <cstdint>
 
+// Macros, because the property list is made of literals.
+/// Localisation key; its default display text follows the equals sign.
+#define TESSEL_NAME_KEY "$$$/Corvid/Importers/ImporterTessel/Name=Tessel Test Tool"
+#define TESSEL_MATCH_NAME "ZOKE Tessel"
+
 namespace ImporterTessel {
 
-/// Localisation key; its default display text follows the equals sign.
-inline constexpr char kNameKey[] = "$$$/Corvid/Importers/ImporterTessel/Name=Tessel Test Tool";
-inline constexpr char kMatchName[] = "ZOKE Tessel";
+inline constexpr char kNameKey[] = TESSEL_NAME_KEY;
+inline constexpr char kMatchName[] = TESSEL_MATCH_NAME;
 inline constexpr char kKind[] = "Importer";
 
 /// Four characters as the integer whose big-endian reading they are.

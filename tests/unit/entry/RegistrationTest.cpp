@@ -1,6 +1,5 @@
 #include <ImporterTessel/entry/Entries.h>
 #include <ImporterTessel/entry/StaticRegistration.h>
-#include <ImporterTessel/resources/PropertyList.h>
 #include <kestrel/brindle/StaticPlugins.h>
 #include <kestrel/qelcore/resources/ResourceFile.h>
 
@@ -87,12 +86,6 @@ std::int32_t Record(void* hostContext, const char* nameKey, const char* matchNam
 }
 
 } // namespace
-
-TEST(PropertyList, IsLaidOutByteForByte)
-{
-    constexpr auto kList = ImporterTessel::resources::MakePropertyList();
-    EXPECT_EQ(Bytes(kList.begin(), kList.end()), ExpectedPropertyList());
-}
 
 TEST(PluginFile, CarriesThePropertyListAsOneSection)
 {
