@@ -34,6 +34,14 @@ void IdentifyChannels(const AudioRequest& request, std::int32_t identifierFormat
 
 } // namespace
 
+bool WritesAnyChannel(const TesselInfo& info) noexcept
+{
+    if (info.mToneFormat == kToneIdentifyChannels) {
+        return info.mIdentifierFormat >= kIdentifierEBUStereo1000 && info.mIdentifierFormat <= kIdentifierBLITS;
+    }
+    return info.mNumChannels > 0;
+}
+
 void SynthesizeAudio(const TesselInfo& info, std::int64_t position, std::uint32_t sampleCount,
                      float* const* channels) noexcept
 {

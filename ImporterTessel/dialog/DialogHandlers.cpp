@@ -5,7 +5,6 @@
 #include <kestrel/qelmediatypes/Saturating.h>
 
 #include <cmath>
-#include <limits>
 #include <span>
 
 namespace ImporterTessel {
@@ -13,6 +12,7 @@ namespace ImporterTessel {
 namespace {
 
 using qelmediatypes::SaturatingCast;
+using qelmediatypes::SaturatingToFloat;
 using qelmediatypes::TickTime;
 
 constexpr auto kTicksPerSecond = static_cast<double>(qelmediatypes::kTicksPerSecond);
@@ -20,15 +20,6 @@ constexpr auto kTicksPerSecond = static_cast<double>(qelmediatypes::kTicksPerSec
 double Seconds(TickTime time)
 {
     return static_cast<double>(time.Ticks()) / kTicksPerSecond;
-}
-
-/// Numbers beyond a float's range become infinities, as arithmetic does; the bare cast is undefined there.
-float ToFloat(double value)
-{
-    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
-        return std::copysign(std::numeric_limits<float>::infinity(), value < 0.0 ? -1.0F : 1.0F);
-    }
-    return static_cast<float>(value);
 }
 
 } // namespace
@@ -106,7 +97,7 @@ void ImporterTesselPrefsDialogImpl::OnChannel(std::size_t column, std::size_t ch
     constexpr std::array<float FloatColor::*, kChannels> kParts{
         &FloatColor::mRedPart, &FloatColor::mGreenPart, &FloatColor::mBluePart, &FloatColor::mAlphaPart};
     if (FloatColor* const color = ShownColor(column)) {
-        color->*kParts[channel] = ToFloat(mControls.channels[column][channel]->GetValue());
+        color->*kParts[channel] = SaturatingToFloat(mControls.channels[column][channel]->GetValue());
     }
 }
 
@@ -132,12 +123,12 @@ void ImporterTesselPrefsDialogImpl::OnAudioMode()
 
 void ImporterTesselPrefsDialogImpl::OnFrequency()
 {
-    mPrefs.mSteadyToneFrequency = ToFloat(mControls.frequency->GetValue());
+    mPrefs.mSteadyToneFrequency = SaturatingToFloat(mControls.frequency->GetValue());
 }
 
 void ImporterTesselPrefsDialogImpl::OnAmplitude()
 {
-    mPrefs.mSteadyToneAmplitude = std::pow(10.0F, ToFloat(mControls.amplitude->GetValue()) / 20.0F);
+    mPrefs.mSteadyToneAmplitude = std::pow(10.0F, SaturatingToFloat(mControls.amplitude->GetValue()) / 20.0F);
 }
 
 void ImporterTesselPrefsDialogImpl::OnIdentifierFormat()

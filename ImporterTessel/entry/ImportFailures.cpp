@@ -1,6 +1,7 @@
 #include "ImportFailures.h"
 
 #include <kestrel/qelcore/debug/Assert.h>
+#include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/text/UTF8StringStream.h>
 
 #include <string>
@@ -8,6 +9,8 @@
 using qelcore::oUTF8StringStream;
 
 namespace {
+
+constexpr std::string_view kLogCategory = "plugin.KsImportModule";
 
 /// The host's module template: its file, and the lines that its reports name.
 constexpr std::string_view kModuleFile = "Importers\\Inc\\KsImportModule";
@@ -22,9 +25,11 @@ void Report(std::string_view typeName, std::string_view function, ReportLine lin
     }
 }
 
-/// Reports a request that threw. `happened` says what; `what` is the exception's text, or null.
+/// Reports a request that threw. `happened` says what, `textMark` and `what` are the exception's text with what
+/// leads to it.
 void ReportRequest(std::string_view typeName, const ImportRequest& request, ReportLine line,
-                   std::string_view happened, const char* what) noexcept
+                   std::string_view happened, std::string_view textMark = {},
+                   const char* what = nullptr) noexcept
 {
     try {
         oUTF8StringStream text;
@@ -33,10 +38,7 @@ void ReportRequest(std::string_view typeName, const ImportRequest& request, Repo
              << ":"
              << "0x" << oUTF8StringStream::Base::Hexadecimal << request.currentImporter << happened
              << oUTF8StringStream::Base::Decimal << " selector"
-             << ":" << request.selector;
-        if (what != nullptr) {
-            text << ". what() returned " << what;
-        }
+             << ":" << request.selector << textMark << what;
         Report(typeName, "ImportEntry", line, text.Str());
     } catch (...) {
         // The request is answered all the same: a report that cannot be composed must not stop that.
@@ -48,17 +50,17 @@ void ReportRequest(std::string_view typeName, const ImportRequest& request, Repo
 
 void ReportBadAlloc(std::string_view typeName, const ImportRequest& request) noexcept
 {
-    ReportRequest(typeName, request, kBadAllocLine, " Threw a bad_alloc during ", nullptr);
+    ReportRequest(typeName, request, kBadAllocLine, " Threw a bad_alloc during ");
 }
 
 void ReportException(std::string_view typeName, const ImportRequest& request, const char* what) noexcept
 {
-    ReportRequest(typeName, request, kExceptionLine, " Threw an EXCEPTION during ", what);
+    ReportRequest(typeName, request, kExceptionLine, " Threw an EXCEPTION during ", ". what() returned ", what);
 }
 
 void ReportUnknownException(std::string_view typeName, const ImportRequest& request) noexcept
 {
-    ReportRequest(typeName, request, kUnknownLine, " Threw an unknown EXCEPTION during ", nullptr);
+    ReportRequest(typeName, request, kUnknownLine, " Threw an unknown EXCEPTION during ");
 }
 
 void ReportFailedCreation(std::string_view typeName, const char* what) noexcept
@@ -68,6 +70,7 @@ void ReportFailedCreation(std::string_view typeName, const char* what) noexcept
         // "occured" is how the host spells it, and what its logs are searched for.
         text << "<plugin.KsImportModule> An exception occured creating ImportModule " << typeName
              << " what() returned " << what;
+        qelcore::logging::Log(kLogCategory, text.Str());
         Report(typeName, "CreateImportModuleInstance", kCreationLine, text.Str());
     } catch (...) {
         return;

@@ -58,7 +58,7 @@ std::int32_t ImporterTessel::SynthesizeFrame(ksFrameRec& record, const ksStdParm
 
 std::int32_t ImporterTessel::SynthesizeAudio(const ksAudioRec& record) const noexcept
 {
-    if (record.sampleCount != 0 && record.channels == nullptr) {
+    if (record.channels == nullptr && record.sampleCount != 0 && WritesAnyChannel(mSettings)) {
         return ksResultFailed;
     }
     ::ImporterTessel::SynthesizeAudio(mSettings, record.position, record.sampleCount, record.channels);

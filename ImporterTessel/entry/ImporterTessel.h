@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] std::int32_t SynthesizeFrame(ksFrameRec& record, const ksStdParms* stdParms) const;
 
-    /// Fails only where samples are asked for and there is no array of buffers to write them to.
+    /// Fails only where a sample is to be written and there is no array of buffers.
     [[nodiscard]] std::int32_t SynthesizeAudio(const ksAudioRec& record) const noexcept;
 
     /// Writes the colour codes of the settings' colour space; a space without codes is unspecified.

@@ -13,11 +13,14 @@ namespace {
 
 constexpr std::string_view kLogContext = "ImporterTessel::`anonymous-namespace'::TesselFromUTF8String";
 
-/// Documents of version 0 may name their colour space instead of holding it.
-void ReadLegacyColorSpace(const qelcore::serialization::ValuePtr& document, TesselInfo& info)
+/// Texts of version 0 may name their colour space instead of holding it: at the root, or, where a root that is
+/// a wrapper has no name, in the wrapped document.
+void ReadLegacyColorSpace(const ParsedDocument& parsed, TesselInfo& info)
 {
+    constexpr std::string_view kKey = "mPredefinedColorSpace";
+    const bool isAtRoot = qelcore::serialization::ObjectHasProperty(parsed.root, kKey);
     std::string name;
-    ObjectReader(document, /*path=*/"", "TesselInfo").ReadIfPresent("mPredefinedColorSpace", name);
+    ObjectReader(isAtRoot ? parsed.root : parsed.document, /*path=*/"", "TesselInfo").ReadIfPresent(kKey, name);
     if (!name.empty()) {
         info.mColorSpace = BR::QELColorSpaceFromSDKPredefinedColorSpace(name);
     }
@@ -34,10 +37,10 @@ TesselInfo TesselFromUTF8String(std::string_view text)
 {
     TesselInfo info;
     try {
-        const qelcore::serialization::ValuePtr document = ParseDocument(text);
-        info = TesselFromDocument(document);
+        const ParsedDocument parsed = ParseDocument(text);
+        info = TesselFromDocument(parsed.document);
         if (info.mVersion == 0) {
-            ReadLegacyColorSpace(document, info);
+            ReadLegacyColorSpace(parsed, info);
         }
     } catch (const malformed_document& error) {
         qelcore::logging::Log(kLogContext, error.Explanation());

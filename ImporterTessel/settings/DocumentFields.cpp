@@ -1,6 +1,7 @@
 #include "DocumentFields.h"
 
 #include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelcore/serialization/JsonNumber.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
 #include <utility>
@@ -92,7 +93,7 @@ Value SignedValue(std::int64_t field)
 
 Value NumberValue(float field)
 {
-    return Value(Value::Storage(static_cast<double>(field)));
+    return Value(Value::Storage(ShortestDoubleOf(field)));
 }
 
 Value BooleanValue(bool field)

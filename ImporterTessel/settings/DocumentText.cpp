@@ -44,17 +44,15 @@ ORB::Status ReadDocumentText(std::u16string_view path, std::string& text)
     return opened;
 }
 
-qelcore::serialization::ValuePtr ParseDocument(std::string_view text)
+ParsedDocument ParseDocument(std::string_view text)
 {
     std::string error;
     qelcore::serialization::ValuePtr root = qelcore::serialization::JSONParse(text, &error);
     if (root == nullptr) {
         throw malformed_document(error);
     }
-    if (qelcore::serialization::ObjectHasProperty(root, kWrapperKey)) {
-        return qelcore::serialization::GetVariantInObject(root, kWrapperKey);
-    }
-    return root;
+    const bool isWrapper = qelcore::serialization::ObjectHasProperty(root, kWrapperKey);
+    return {root, isWrapper ? qelcore::serialization::GetVariantInObject(root, kWrapperKey) : root};
 }
 
 } // namespace ImporterTessel

@@ -28,9 +28,14 @@ private:
 /// @return the status of the open; negative leaves `text` untouched. Throws only `std::bad_alloc`.
 [[nodiscard]] ORB::Status ReadDocumentText(std::u16string_view path, std::string& text);
 
-/// Parses a text up to its first NUL and takes the document out of its wrapper: a root object with the key
-/// "SerializerWrappedObject" stands for the value under that key.
-/// @throws malformed_document
-[[nodiscard]] qelcore::serialization::ValuePtr ParseDocument(std::string_view text);
+/// A parsed text. A root object with the key "SerializerWrappedObject" is a wrapper: the document is the value
+/// under that key. Any other root is itself the document.
+struct ParsedDocument {
+    qelcore::serialization::ValuePtr root;
+    qelcore::serialization::ValuePtr document;
+};
+
+/// Parses a text up to its first NUL. @throws malformed_document
+[[nodiscard]] ParsedDocument ParseDocument(std::string_view text);
 
 } // namespace ImporterTessel

@@ -36,7 +36,7 @@ ORB::Status ReadSwatchFile(std::u16string_view path, Record& record, const Reade
     std::string text;
     const ORB::Status opened = ReadDocumentText(path, text);
     if (opened >= 0) {
-        record = recordFromValue(ParseDocument(text), /*key=*/"");
+        record = recordFromValue(ParseDocument(text).document, /*key=*/"");
     }
     return opened;
 }

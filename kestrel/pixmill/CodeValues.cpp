@@ -7,7 +7,7 @@
 namespace pixmill {
 namespace {
 
-/// A sum of doubles without rounding error: partial sums that do not overlap, in growing magnitude
+/// A sum of doubles without rounding error: partial sums other than 0 that do not overlap, in growing magnitude
 /// (J. R. Shewchuk, "Adaptive precision floating-point arithmetic", 1997).
 class ExactSum {
 public:
@@ -26,8 +26,10 @@ public:
             }
             value = high;
         }
-        mPartials[kept] = value;
-        mCount = kept + 1;
+        if (value != 0) {
+            mPartials[kept++] = value;
+        }
+        mCount = kept;
     }
 
     /// `weight` is an integer below 2^23 in magnitude, `value` may use all 53 bits.
@@ -40,8 +42,9 @@ public:
         Add(weight * (value - high));
     }
 
-    /// The largest partial outweighs the others.
-    [[nodiscard]] bool IsNegative() const noexcept { return mPartials[mCount - 1] < 0; }
+    /// The largest partial outweighs the others. None of them is 0, so it is not 0 where only small ones are
+    /// left.
+    [[nodiscard]] bool IsNegative() const noexcept { return mCount > 0 && mPartials[mCount - 1] < 0; }
 
 private:
     static constexpr std::size_t kMostTerms = 9; // four products in halves, one limit

@@ -39,7 +39,7 @@ std::int32_t TickTime::ToFrame32(FrameRate rate) const noexcept
 
 std::int64_t TickTime::ToFrame64(FrameRate rate) const noexcept
 {
-    if (!rate.HasFrames()) {
+    if (rate.ticksPerFrame <= 0) {
         return 0;
     }
     const std::int64_t quotient = mTicks / rate.ticksPerFrame;
@@ -53,7 +53,7 @@ TickTime TickTime::AddFrames(std::int64_t frames, FrameRate rate) const noexcept
 
 TickTime TickTime::AlignToFrame(FrameRate rate) const noexcept
 {
-    if (!rate.HasFrames()) {
+    if (rate.ticksPerFrame <= 0) {
         return {};
     }
     const std::int64_t behind = TicksIntoFrame(mTicks, rate);

@@ -10,13 +10,15 @@ namespace qelmediatypes {
 
 inline constexpr std::int64_t kTicksPerSecond = 254'016'000'000;
 
-/// Ticks per frame, or per audio sample. 0 and negative rates have no frames; neither has the unusable one.
+/// Ticks per frame, or per audio sample. A clip at a rate of 0 or less, or at the unusable one, cannot be
+/// played.
 struct FrameRate {
     /// Stands for a rate that cannot be had, for instance from a time scale of zero.
     static constexpr std::int64_t kUnusableTicks = std::numeric_limits<std::int64_t>::max();
 
     std::int64_t ticksPerFrame = kUnusableTicks;
 
+    /// Whether a clip can be played at this rate.
     [[nodiscard]] constexpr bool HasFrames() const noexcept
     {
         return ticksPerFrame > 0 && ticksPerFrame != kUnusableTicks;
@@ -39,8 +41,8 @@ public:
 
     [[nodiscard]] constexpr std::int64_t Ticks() const noexcept { return mTicks; }
 
-    /// Whole frames up to this time, rounded toward minus infinity and saturated; 0 for a rate without
-    /// frames. @{
+    /// Whole frames up to this time, rounded toward minus infinity and saturated; 0 for a rate of 0 or less.
+    /// The unusable rate counts as the ticks that it is: one frame at that rate is one frame. @{
     [[nodiscard]] std::int32_t ToFrame32(FrameRate rate) const noexcept;
     [[nodiscard]] std::int64_t ToFrame64(FrameRate rate) const noexcept;
     /// @}
@@ -48,7 +50,7 @@ public:
     /// This time advanced by `frames` frames; `frames` may be negative.
     [[nodiscard]] TickTime AddFrames(std::int64_t frames, FrameRate rate) const noexcept;
 
-    /// The nearest frame boundary, the later one when two are equally near; zero for a rate without frames.
+    /// The nearest frame boundary, the later one when two are equally near; zero for a rate of 0 or less.
     [[nodiscard]] TickTime AlignToFrame(FrameRate rate) const noexcept;
 
     [[nodiscard]] TickTime operator+(TickTime other) const noexcept;

@@ -10,6 +10,8 @@ namespace {
 /// The listener that hears what this thread logs now; null where nobody does.
 thread_local ScopedListener* tListener = nullptr;
 
+constexpr const char* kUnknownException = "unknown exception";
+
 /// One line: line ends and other control characters become spaces.
 std::string OneLine(std::string_view text)
 {
@@ -54,9 +56,10 @@ void LogCurrentException(std::string_view context) noexcept
     try {
         throw;
     } catch (const std::exception& exception) {
-        Log(context, exception.what());
+        const char* const what = exception.what();
+        Log(context, what == nullptr ? kUnknownException : what);
     } catch (...) {
-        Log(context, "unknown exception");
+        Log(context, kUnknownException);
     }
 }
 

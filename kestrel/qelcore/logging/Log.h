@@ -16,7 +16,8 @@ struct Message {
 /// message and standard error does not. Threads: [thread-safe]. Never throws.
 void Log(std::string_view context, std::string_view text) noexcept;
 
-/// Logs the exception being handled: its `what()`, or that it is unknown. Only inside a catch block.
+/// Logs the exception being handled: its `what()`, or that it is unknown where it has none. Only inside a catch
+/// block.
 void LogCurrentException(std::string_view context) noexcept;
 
 /// Listens to the messages that its own thread logs, from construction to destruction.

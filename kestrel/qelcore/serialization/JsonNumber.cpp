@@ -1,10 +1,13 @@
 #include "JsonNumber.h"
 
+#include <kestrel/qelmediatypes/Saturating.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <system_error>
 
@@ -40,6 +43,44 @@ bool IsTiny(std::string_view number)
     return ExponentOf(number) < firstDigit - point;
 }
 
+/// A number in decimal: whole × 10^exponent.
+struct Decimal {
+    std::int64_t whole = 0;
+    int exponent = 0;
+};
+
+/// The decimal of `digits` digits that is nearest to `value`, which is above 0.
+Decimal NearestDecimal(double value, int digits)
+{
+    std::array<char, 32> text{}; // d.ddde-xx
+    const char* const end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific, digits - 1)
+            .ptr;
+    Decimal decimal;
+    const char* letter = text.data();
+    for (; *letter != 'e'; ++letter) {
+        if (*letter != '.') {
+            decimal.whole = 10 * decimal.whole + (*letter - '0');
+        }
+    }
+    letter += letter[1] == '+' ? 2 : 1;
+    std::from_chars(letter, end, decimal.exponent);
+    decimal.exponent -= digits - 1;
+    return decimal;
+}
+
+double DoubleOf(Decimal decimal)
+{
+    std::array<char, 32> text{};
+    char* const last = text.data() + text.size();
+    char* end = std::to_chars(text.data(), last, decimal.whole).ptr;
+    *end++ = 'e';
+    end = std::to_chars(end, last, decimal.exponent).ptr;
+    double value = 0.0;
+    std::from_chars(text.data(), end, value);
+    return value;
+}
+
 } // namespace
 
 std::optional<double> DoubleFromJSONNumber(std::string_view number)
@@ -56,6 +97,25 @@ std::optional<double> DoubleFromJSONNumber(std::string_view number)
         return std::nullopt;
     }
     return value;
+}
+
+double ShortestDoubleOf(float value)
+{
+    if (!std::isfinite(value) || value == 0.0F) {
+        return value;
+    }
+    const float magnitude = std::abs(value);
+    for (int digits = 1;; ++digits) { // nine nearly always, 17 at most
+        const Decimal nearest = NearestDecimal(magnitude, digits);
+        // At a power of two floats lie half as dense above as below, so the nearest decimal may round to
+        // another float while its neighbour above rounds to this one.
+        for (const std::int64_t whole : {nearest.whole, nearest.whole + 1, nearest.whole - 1}) {
+            const double candidate = DoubleOf({whole, nearest.exponent});
+            if (qelmediatypes::SaturatingToFloat(candidate) == magnitude) {
+                return std::copysign(candidate, static_cast<double>(value));
+            }
+        }
+    }
 }
 
 std::string JSONNumberFromDouble(double value)

@@ -11,6 +11,11 @@ namespace qelcore::serialization {
 /// nothing where it is too large.
 [[nodiscard]] std::optional<double> DoubleFromJSONNumber(std::string_view number);
 
+/// The double that stands for a 32-bit float in a document: of those that round to `value`, the one whose
+/// decimal has the fewest digits, so that 0.95F is written 0.95. A zero keeps its sign; infinities and NaN stay
+/// what they are.
+[[nodiscard]] double ShortestDoubleOf(float value);
+
 /// The shortest text that reads back as the same double, always with a point or an exponent, so that it
 /// stays a number that is no integer. Infinities are ±1e39, NaN is 0.
 [[nodiscard]] std::string JSONNumberFromDouble(double value);

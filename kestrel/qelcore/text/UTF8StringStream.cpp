@@ -24,7 +24,7 @@ oUTF8StringStream& oUTF8StringStream::operator<<(std::string_view text)
 
 oUTF8StringStream& oUTF8StringStream::operator<<(const char* text)
 {
-    return *this << std::string_view(text);
+    return text == nullptr ? *this : *this << std::string_view(text);
 }
 
 oUTF8StringStream& oUTF8StringStream::operator<<(const void* pointer)

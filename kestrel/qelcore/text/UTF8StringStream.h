@@ -16,7 +16,7 @@ public:
     enum class Base { Decimal = 10, Hexadecimal = 16 };
 
     oUTF8StringStream& operator<<(std::string_view text);
-    /// NUL-terminated. Without this overload a literal would print as a pointer.
+    /// NUL-terminated; null adds nothing. Without this overload a literal would print as a pointer.
     oUTF8StringStream& operator<<(const char* text);
     oUTF8StringStream& operator<<(const void* pointer);
     oUTF8StringStream& operator<<(Base base);

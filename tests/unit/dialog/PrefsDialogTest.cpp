@@ -91,6 +91,36 @@ TEST_F(PrefsDialog, AStoredSavePathIsShownAndItsBoxCheckedAndDisabled)
     EXPECT_FALSE(exchange->UsesFileAsCustomImporter());
 }
 
+TEST_F(PrefsDialog, AClipWithoutAUsableRateHasOneFrameAndKeepsItAtTheRateThatIsChosen)
+{
+    TesselInfo prefs;
+    prefs.mVideoFrameRate = {qelmediatypes::FrameRate::kUnusableTicks};
+    const TesselInfo after = Run(prefs, [](UI_Dialog& dialog) {
+        EXPECT_EQ(dialog.GetControl<UI_NumberEdit>("durationFramesTextID").GetValue(), 1.0);
+        dialog.GetControl<UI_Popup>("frameRatePopupID").Choose(5); // 24 fps
+        EXPECT_EQ(dialog.GetControl<UI_NumberEdit>("durationFramesTextID").GetValue(), 1.0);
+        Ok(dialog);
+    });
+    EXPECT_EQ(after.mVideoFrameRate.ticksPerFrame, 10'584'000'000);
+    EXPECT_EQ(after.mVideoDuration.Ticks(), 10'584'000'000);
+}
+
+TEST_F(PrefsDialog, NumbersThatRoundToTheLargestFloatAreThatAndNoInfinity)
+{
+    // 3.4028235e38 is beyond the largest float, 3.40282346638...e38, by less than half a unit of its last
+    // place.
+    const TesselInfo after = Run({}, [](UI_Dialog& dialog) {
+        dialog.GetControl<UI_NumberEdit>("chooseColorRedTextID0").EnterValue(3.4028235e38);
+        dialog.GetControl<UI_NumberEdit>("chooseColorGreenTextID0").EnterValue(-3.4028235e38);
+        dialog.GetControl<UI_NumberEdit>("chooseColorBlueTextID0").EnterValue(3.4028236e38);
+        Ok(dialog);
+    });
+    constexpr float kLargest = std::numeric_limits<float>::max();
+    EXPECT_EQ(after.mTopGradiantColorEnd.mRedPart, kLargest);
+    EXPECT_EQ(after.mTopGradiantColorEnd.mGreenPart, -kLargest);
+    EXPECT_EQ(after.mTopGradiantColorEnd.mBluePart, std::numeric_limits<float>::infinity());
+}
+
 TEST_F(PrefsDialog, AStaleFieldSlotInGradientModePicksNothingAndRefreshesTheEdits)
 {
     const TesselInfo after = Run({}, [](UI_Dialog& dialog) {

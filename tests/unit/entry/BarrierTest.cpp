@@ -147,7 +147,34 @@ TEST_F(Barrier, StandsAroundEverySelectorThatHasWork)
     }
 }
 
-TEST_F(Barrier, FailedCreationIsReportedTwiceAndAnsweredByTheBarrier)
+namespace {
+
+/// An exception whose author broke the standard's promise that there is a text.
+struct Mute : std::exception {
+    [[nodiscard]] const char* what() const noexcept override { return nullptr; }
+};
+
+} // namespace
+
+TEST_F(Barrier, ExceptionWithoutAnyTextIsReportedAsOne)
+{
+    EXPECT_EQ(Throw([] { throw Mute(); }), 5);
+    EXPECT_TRUE(BeginsWith(TakeMessage().text,
+                           "plugin.KsImportModule  importmod:0x0 Threw an EXCEPTION during  "
+                           "selector:47. what() returned "));
+}
+
+TEST_F(Barrier, ConstructionThatThrowsWithoutAnyTextIsReported)
+{
+    TestModule::TheScript().onConstruction = [] { throw Mute(); };
+    ksFileInfoRec record{};
+    EXPECT_EQ(TestModule::ImportEntry(81, nullptr, nullptr, &record), 5);
+    ASSERT_EQ(mMessages.size(), 3U);
+    EXPECT_EQ(mMessages[0].text, "<plugin.KsImportModule> An exception occured creating ImportModule class "
+                                 "TestModule what() returned ");
+}
+
+TEST_F(Barrier, FailedCreationIsLoggedThenReportedAndThenAnsweredByTheBarrier)
 {
     struct Row {
         std::function<void()> onConstruction;
@@ -161,15 +188,15 @@ TEST_F(Barrier, FailedCreationIsReportedTwiceAndAnsweredByTheBarrier)
             TestModule::TheScript().onConstruction = row.onConstruction;
             std::array<std::uint8_t, 1024> record{};
             EXPECT_EQ(TestModule::ImportEntry(selector, nullptr, record.data(), record.data()), row.result);
-            ASSERT_EQ(mMessages.size(), 2U);
-            EXPECT_EQ(mMessages[0].context, "KsImportModule<class TestModule>::CreateImportModuleInstance");
-            EXPECT_TRUE(BeginsWith(mMessages[0].text,
-                                   "<plugin.KsImportModule> An exception occured creating ImportModule class "
-                                   "TestModule what() returned " +
-                                       row.what))
-                << mMessages[0].text;
-            EXPECT_TRUE(Holds(mMessages[0].text, "315")) << mMessages[0].text;
-            EXPECT_EQ(mMessages[1].context, "KsImportModule<class TestModule>::ImportEntry");
+            ASSERT_EQ(mMessages.size(), 3U);
+            const std::string line = "<plugin.KsImportModule> An exception occured creating ImportModule class "
+                                     "TestModule what() returned " +
+                                     row.what;
+            EXPECT_EQ(mMessages[0].text, line) << "the log";
+            EXPECT_TRUE(BeginsWith(mMessages[1].text, line)) << "the report: " << mMessages[1].text;
+            EXPECT_TRUE(Holds(mMessages[1].text, "315")) << mMessages[1].text;
+            EXPECT_TRUE(Holds(mMessages[2].text, " selector:" + std::to_string(selector)))
+                << "the barrier: " << mMessages[2].text;
             mMessages.clear();
             const std::array<std::uint8_t, 1024> zeros{};
             EXPECT_EQ(record, zeros) << "selector " << selector;

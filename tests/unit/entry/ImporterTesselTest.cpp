@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -153,6 +154,33 @@ TEST(Audio, NoSamplesNeedNoBuffers)
     EXPECT_EQ(xImportEntry(25, nullptr, nullptr, &record), 0);
     record.sampleCount = 1;
     EXPECT_EQ(xImportEntry(25, nullptr, nullptr, &record), 5);
+}
+
+TEST(Audio, ANullArrayOfBuffersFailsOnlyWhereABufferWouldBeWritten)
+{
+    struct Row {
+        std::int32_t toneFormat;
+        std::int32_t identifierFormat;
+        std::int32_t channelCount;
+        std::int32_t result;
+    };
+    constexpr std::int32_t kFewest = std::numeric_limits<std::int32_t>::min();
+    for (const Row& row :
+         {Row{0, 0, 2, 5}, Row{0, 0, 1, 5}, Row{0, 0, 0, 0}, Row{0, 0, -1, 0}, Row{0, 0, kFewest, 0},
+          Row{7, 9, 0, 0}, Row{7, 9, 1, 5}, Row{1, 0, 0, 5}, Row{1, 1, 0, 5}, Row{1, 2, 0, 5}, Row{1, 3, 0, 5},
+          Row{1, 4, 6, 0}, Row{1, -1, 6, 0}}) {
+        TesselInfo info;
+        info.mToneFormat = row.toneFormat;
+        info.mIdentifierFormat = row.identifierFormat;
+        info.mNumChannels = row.channelCount;
+        const OpenClip clip(info);
+        ksAudioRec record{};
+        record.sampleCount = 1;
+        record.instance = clip.Instance();
+        EXPECT_EQ(xImportEntry(25, nullptr, nullptr, &record), row.result)
+            << "tone format " << row.toneFormat << ", identifier format " << row.identifierFormat << ", "
+            << row.channelCount << " channels";
+    }
 }
 
 TEST(Audio, EverySampleRateIsServed)

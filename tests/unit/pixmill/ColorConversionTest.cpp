@@ -219,6 +219,21 @@ TEST(ColorConversion, ComponentsThatCancelAreSummedWithoutLoss)
 
 // BT.709-6: V = 4.5·L below 0.018, else 1.099·L^0.45 - 0.099, with the constants that make it continuous.
 // (zimg is no oracle here: it takes BT.709 pictures as meant for a BT.1886 display.)
+TEST(ColorConversion, ASumKeepsItsSignWhereItsLargestTermsCancel)
+{
+    // Red = green = 25/32, blue 0: Y' = 0.886·25/32, Cb = -Y'/1.772 = -25/64, 224·Cb + 128 = 40.5, which rounds
+    // up. A blue just below 0 moves Cb below the tie by 0.5·|blue|: all that is left once the rest has
+    // cancelled.
+    struct Row {
+        float blue;
+        int cb;
+    };
+    for (const Row& row : {Row{0.0F, 41}, Row{-1e-20F, 40}, Row{1e-20F, 41}, Row{-1e-45F, 40}}) {
+        const StoredColor stored = ConvertColor(0x0D, {row.blue, 0.78125F, 0.78125F, 1.0F});
+        EXPECT_EQ(std::to_integer<int>(stored.pattern[1]), row.cb) << row.blue; // V, U, Y, A in memory
+    }
+}
+
 TEST(ColorConversion, LinearLightGoesBackThroughTheCameraCurve)
 {
     const auto curve = [](double light) {

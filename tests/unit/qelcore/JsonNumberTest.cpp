@@ -3,11 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -60,6 +65,73 @@ TEST(JsonNumber, FloatsReadBackBitForBit)
         ASSERT_NE(again, nullptr) << number;
         ASSERT_EQ(std::bit_cast<std::uint32_t>(AsFloat(again, "")), bits) << number;
     }
+}
+
+/// The significant digits of a number as it is printed.
+std::size_t DigitCount(double number)
+{
+    std::string text = Print(number);
+    text = text.substr(0, text.find('e'));
+    std::string digits;
+    for (const char letter : text) {
+        if (letter >= '0' && letter <= '9' && !(digits.empty() && letter == '0')) {
+            digits += letter;
+        }
+    }
+    while (!digits.empty() && digits.back() == '0') {
+        digits.pop_back();
+    }
+    return digits.size();
+}
+
+/// Whether a decimal of that many digits, read as a double, rounds to `value`: all of them beside it are tried.
+bool HasDecimal(float value, int digits)
+{
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%.*e", digits - 1, static_cast<double>(value));
+    const double step = std::pow(10.0, std::atoi(std::strchr(text.data(), 'e') + 1) - (digits - 1));
+    for (const int steps : {-2, -1, 0, 1, 2}) {
+        std::snprintf(text.data(), text.size(), "%.*e", digits - 1, static_cast<double>(value) + steps * step);
+        if (static_cast<float>(std::strtod(text.data(), nullptr)) == value) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST(JsonNumber, FloatsHaveTheShortestDecimalThatReadsBackThroughADouble)
+{
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): the seed is fixed so that a failure repeats.
+    std::mt19937 random(14);
+    std::vector<float> floats{0.1F, 0.95F, 1.0F / 3.0F, 16777216.0F, 1e-45F, 1.17549435e-38F, 3.4028235e38F};
+    for (int exponent = -126; exponent < 127; ++exponent) {
+        // Powers of two, where the floats on either side are not equally far.
+        floats.push_back(std::ldexp(1.0F, exponent));
+    }
+    for (int i = 0; i < 20'000; ++i) {
+        floats.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(random()) & 0x7FFF'FFFFU));
+    }
+    for (const float value : floats) {
+        if (!std::isfinite(value) || value > 1e38F) { // the reference's neighbours would overflow there
+            continue;
+        }
+        const double number = ShortestDoubleOf(value);
+        ASSERT_EQ(static_cast<float>(number), value) << number;
+        const auto digits = static_cast<int>(DigitCount(number));
+        ASSERT_FALSE(digits > 1 && HasDecimal(value, digits - 1)) << Print(number);
+        ASSERT_EQ(ShortestDoubleOf(-value), -number);
+    }
+}
+
+TEST(JsonNumber, FloatsWithoutADecimalOfTheirOwnStayWhatTheyAre)
+{
+    constexpr float kFloatInfinity = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(Print(ShortestDoubleOf(-0.0F)), "-0.0");
+    EXPECT_EQ(Print(ShortestDoubleOf(0.0F)), "0.0");
+    EXPECT_EQ(ShortestDoubleOf(kFloatInfinity), kInfinity);
+    EXPECT_EQ(ShortestDoubleOf(-kFloatInfinity), -kInfinity);
+    EXPECT_TRUE(std::isnan(ShortestDoubleOf(std::numeric_limits<float>::quiet_NaN())));
+    EXPECT_EQ(Print(ShortestDoubleOf(std::numeric_limits<float>::max())), "3.4028235e+38");
 }
 
 TEST(JsonNumber, WholeDoublesStayDoubles)

@@ -84,10 +84,19 @@ TEST(LogCurrentException, TellsWhatItIs)
     } catch (...) {
         LogCurrentException("reader");
     }
-    ASSERT_EQ(messages.size(), 2U);
+    struct Mute : std::exception {
+        [[nodiscard]] const char* what() const noexcept override { return nullptr; }
+    };
+    try {
+        throw Mute();
+    } catch (...) {
+        LogCurrentException("reader");
+    }
+    ASSERT_EQ(messages.size(), 3U);
     EXPECT_EQ(messages[0].context, "reader");
     EXPECT_EQ(messages[0].text, "\"a\": missing key of Record");
     EXPECT_EQ(messages[1].text, "unknown exception");
+    EXPECT_EQ(messages[2].text, "unknown exception") << "one without a text";
 }
 
 } // namespace

@@ -42,4 +42,11 @@ TEST(UTF8StringStream, TextsAreTextsWhateverTheyAreHeldIn)
     EXPECT_EQ(stream.Str(), "literal string view pointer");
 }
 
+TEST(UTF8StringStream, NoTextAddsNothing)
+{
+    oUTF8StringStream stream;
+    stream << "before" << static_cast<const char*>(nullptr) << "after";
+    EXPECT_EQ(stream.Str(), "beforeafter");
+}
+
 } // namespace

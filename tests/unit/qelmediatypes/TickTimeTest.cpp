@@ -29,13 +29,32 @@ TEST(FrameRate, HasNoFramesWhenNotPositiveOrUnusable)
     for (const std::int64_t ticks :
          {std::int64_t{0}, std::int64_t{-1}, kUnusable, std::numeric_limits<std::int64_t>::min()}) {
         EXPECT_FALSE(FrameRate{ticks}.HasFrames()) << ticks;
-        EXPECT_EQ(TickTime(kTicksPerSecond).ToFrame32(FrameRate{ticks}), 0) << ticks;
-        EXPECT_EQ(TickTime(kTicksPerSecond).ToFrame64(FrameRate{ticks}), 0) << ticks;
-        EXPECT_EQ(TickTime(kTicksPerSecond).AlignToFrame(FrameRate{ticks}), TickTime()) << ticks;
     }
     EXPECT_TRUE(FrameRate{1}.HasFrames());
     EXPECT_TRUE(FrameRate{kUnusable - 1}.HasFrames());
     EXPECT_FALSE(FrameRate{}.HasFrames());
+}
+
+TEST(TickTime, CountsNoFramesAtARateOfZeroOrLess)
+{
+    for (const std::int64_t ticks :
+         {std::int64_t{0}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
+        EXPECT_EQ(TickTime(kTicksPerSecond).ToFrame32(FrameRate{ticks}), 0) << ticks;
+        EXPECT_EQ(TickTime(kTicksPerSecond).ToFrame64(FrameRate{ticks}), 0) << ticks;
+        EXPECT_EQ(TickTime(kTicksPerSecond).AlignToFrame(FrameRate{ticks}), TickTime()) << ticks;
+    }
+}
+
+TEST(TickTime, CountsFramesOfTheUnusableRateLikeThoseOfAnyOther)
+{
+    constexpr FrameRate kRate{kUnusable};
+    const TickTime oneFrame = TickTime().AddFrames(1, kRate);
+    EXPECT_EQ(oneFrame.ToFrame32(kRate), 1);
+    EXPECT_EQ(oneFrame.ToFrame64(kRate), 1);
+    EXPECT_EQ(oneFrame.AlignToFrame(kRate), oneFrame);
+    EXPECT_EQ(TickTime(kUnusable - 1).ToFrame64(kRate), 0);
+    EXPECT_EQ(TickTime(-1).ToFrame64(kRate), -1);
+    EXPECT_EQ(TickTime(kTicksPerSecond).AlignToFrame(kRate), TickTime());
 }
 
 TEST(TickTime, FramesEqualExactFloorDivisionKeptInRange)
@@ -44,7 +63,7 @@ TEST(TickTime, FramesEqualExactFloorDivisionKeptInRange)
     for (const std::int64_t ticks : times) {
         for (const std::int64_t ticksPerFrame : test::InterestingIntegers(3, 100)) {
             const FrameRate rate{ticksPerFrame};
-            if (!rate.HasFrames()) {
+            if (ticksPerFrame <= 0) {
                 continue;
             }
             const Wide frame = FloorDivided(ticks, ticksPerFrame);
@@ -61,7 +80,7 @@ TEST(TickTime, AlignsToTheNearestBoundaryAndToTheLaterOfTwo)
     for (const std::int64_t ticks : test::InterestingIntegers(4, 300)) {
         for (const std::int64_t ticksPerFrame : test::InterestingIntegers(5, 100)) {
             const FrameRate rate{ticksPerFrame};
-            if (!rate.HasFrames()) {
+            if (ticksPerFrame <= 0) {
                 continue;
             }
             const Wide before = FloorDivided(ticks, ticksPerFrame) * ticksPerFrame;

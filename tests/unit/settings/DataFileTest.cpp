@@ -193,6 +193,20 @@ TEST(TesselText, IntegersOf32BitsAreWrittenSignExtendedAndTicksSigned)
     EXPECT_NE(text.find("\"xCoordinates\":[-3]"), std::string::npos) << text;
 }
 
+TEST(TesselText, FloatsAreWrittenAsTheDecimalsThatPeopleTyped)
+{
+    const TesselInfo typed = TesselFromUTF8String(documents::Expand(
+        R"({@required, "mSteadyToneAmplitude": 0.95, "mSampleRate": 48048.05, "mSteadyToneFrequency": 1e-7,
+            "mSwatchColors": {"colorSwatches": [0.1, -0.0, 16777216, 3.4028235e38], "legalRangeGradient": [],
+                              "fullRangeGradient": []}})"));
+    const std::string text = TesselToUTF8String(typed);
+    for (const char* const part :
+         {"\"mSteadyToneAmplitude\":0.95,", "\"mSampleRate\":48048.05,", "\"mSteadyToneFrequency\":1e-07,",
+          "\"colorSwatches\":[0.1,-0.0,16777216.0,3.4028235e+38]"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+    }
+}
+
 TEST(TesselText, NaNIsWrittenAsZeroAndInfinitiesReadBack)
 {
     TesselInfo info;
