@@ -1,6 +1,9 @@
+#include "DescriptorPosix.h"
 #include "File.h"
 #include "FileReplacement.h"
+#include "SaveReport.h"
 
+#include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
 #include <fcntl.h>
@@ -47,13 +50,71 @@ std::optional<std::string> SystemPath(std::u16string_view path)
     return qelcore::text::ToUTF8Strict(path);
 }
 
-int OpenRestarted(const char* path, int flags, mode_t mode) noexcept
+int OpenRestarted(const char* path, int flags) noexcept
 {
     int descriptor = -1;
     do {
-        descriptor = open(path, flags | O_CLOEXEC, mode);
+        descriptor = open(path, flags | O_CLOEXEC);
     } while (descriptor < 0 && errno == EINTR);
     return descriptor;
+}
+
+/// Opens an ordinary file for reading. @return the descriptor, or -1 with `errno`.
+int OpenOrdinaryFile(const char* path) noexcept
+{
+    // Looked at first: opening a pipe would let its writer run into a reader that is gone at once.
+    struct stat status {};
+    if (stat(path, &status) != 0) {
+        return -1;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EACCES; // A pipe or a device has no size to read up to.
+        return -1;
+    }
+    // Not blocking, in case a pipe has taken the name meanwhile.
+    int descriptor = OpenRestarted(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0 && errno == EWOULDBLOCK) {
+        // Another process has a lease on the file, which the system ends after a time.
+        descriptor = OpenRestarted(path, O_RDONLY | O_NOCTTY);
+    }
+    if (descriptor >= 0 && fstat(descriptor, &status) == 0 && !S_ISREG(status.st_mode)) {
+        close(descriptor);
+        errno = EACCES;
+        return -1;
+    }
+    return descriptor;
+}
+
+/// Writes all bytes. @return 0, or an error number.
+int WriteAll(int descriptor, std::span<const char> bytes) noexcept
+{
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    return 0;
+}
+
+constexpr char kLogContext[] = "ORB::File";
+
+/// Tells the log and the listener what became of a save.
+void Report(const std::u16string& path, Status status, const ReplacementOutcome& outcome)
+{
+    std::string failure;
+    if (outcome.error != 0) {
+        failure = WriteFailureText(outcome.error);
+    }
+    if (!outcome.copyOfOldFile.empty()) {
+        failure += "; the file is damaged, and its old content is in " + outcome.copyOfOldFile;
+    }
+    if (!outcome.notKept.empty()) {
+        qelcore::logging::Log(kLogContext, qelcore::text::ToUTF8(path) + ": saved, but it could not keep its " +
+                                               outcome.notKept);
+    }
+    ReportSave({path, status, failure});
 }
 
 } // namespace
@@ -62,20 +123,16 @@ struct File::State {
     State() = default;
     State(const State&) = delete;
     State& operator=(const State&) = delete;
-
     ~State()
     {
         if (descriptor >= 0) {
             close(descriptor);
         }
-        if (!temporary.empty()) {
-            unlink(temporary.c_str());
-        }
     }
 
-    int descriptor = -1;
-    std::string target;    ///< a created file's final name
-    std::string temporary; ///< its name until it has been written; empty afterwards
+    int descriptor = -1;                        ///< of a file that is read
+    std::optional<FileReplacement> replacement; ///< of a created file, until it has been written
+    std::u16string path;                        ///< a created file's, as it was given
 };
 
 File::File() noexcept = default;
@@ -90,18 +147,9 @@ Status File::OpenForReading(std::u16string_view path, File& file)
         return kInvalidPath;
     }
     auto state = std::make_unique<State>();
-    // Without blocking, because opening a pipe would wait for its writer.
-    state->descriptor = OpenRestarted(systemPath->c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY, 0);
+    state->descriptor = OpenOrdinaryFile(systemPath->c_str());
     if (state->descriptor < 0) {
         return StatusOfErrno(errno);
-    }
-    struct stat status {};
-    if (fstat(state->descriptor, &status) != 0) {
-        return StatusOfErrno(errno);
-    }
-    // A pipe or a device has no size that one read could get.
-    if (!S_ISREG(status.st_mode)) {
-        return kAccessDenied;
     }
     file.mState = std::move(state);
     return kDone;
@@ -110,35 +158,27 @@ Status File::OpenForReading(std::u16string_view path, File& file)
 Status File::Create(std::u16string_view path, std::int32_t access, std::int32_t share, std::int32_t disposition,
                     std::int32_t attributes, std::int32_t options, File& file)
 {
+    const auto fail = [path](Status status, std::string why) {
+        ReportSave({std::u16string(path), status, std::move(why)});
+        return status;
+    };
     const std::optional<std::string> systemPath = SystemPath(path);
     const bool isUsualMode = access == 3 && share == 3 && disposition == 2 && attributes == 1 && options == 0;
     if (!systemPath || systemPath->back() == '/' || !isUsualMode) {
-        return kInvalidPath;
+        return fail(kInvalidPath, "this is not a file name");
     }
     auto state = std::make_unique<State>();
-    if (const int error = ResolveTarget(*systemPath, state->target)) {
-        return StatusOfErrno(error);
+    state->path = path;
+    state->replacement.emplace();
+    Destination destination;
+    if (const int error = FindDestination(*systemPath, destination)) {
+        return fail(StatusOfErrno(error), WriteFailureText(error));
     }
-    struct stat old {};
-    const bool replaces = stat(state->target.c_str(), &old) == 0;
-    // Renaming would also replace a file that its permissions protect, and a device by a file.
-    if (replaces && (!S_ISREG(old.st_mode) || ::access(state->target.c_str(), W_OK) != 0)) {
-        return kAccessDenied;
+    if (destination.kind == Destination::Kind::Special) {
+        return fail(kAccessDenied, "it is a device or a pipe");
     }
-    for (int attempt = 0; attempt < 100 && state->descriptor < 0; ++attempt) {
-        std::string temporary = TemporaryName(state->target);
-        state->descriptor = OpenRestarted(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0666);
-        if (state->descriptor >= 0) {
-            state->temporary = std::move(temporary);
-        } else if (errno != EEXIST) {
-            return StatusOfErrno(errno);
-        }
-    }
-    if (state->descriptor < 0) {
-        return kIoError;
-    }
-    if (replaces && fchmod(state->descriptor, old.st_mode & 07777) != 0) {
-        return StatusOfErrno(errno);
+    if (const int error = state->replacement->Begin(destination)) {
+        return fail(StatusOfErrno(error), WriteFailureText(error));
     }
     file.mState = std::move(state);
     return kDone;
@@ -150,7 +190,8 @@ Status File::GetSizeOnDisk(std::uint64_t& size) const noexcept
         return kIoError;
     }
     struct stat status {};
-    if (fstat(mState->descriptor, &status) != 0) {
+    const int descriptor = mState->replacement ? mState->replacement->Descriptor() : mState->descriptor;
+    if (fstat(descriptor, &status) != 0) {
         return StatusOfErrno(errno);
     }
     size = static_cast<std::uint64_t>(status.st_size);
@@ -159,7 +200,7 @@ Status File::GetSizeOnDisk(std::uint64_t& size) const noexcept
 
 Status File::Read(std::span<char> buffer, std::uint32_t& read) noexcept
 {
-    if (mState == nullptr || !mState->target.empty()) {
+    if (mState == nullptr || mState->descriptor < 0) {
         return kIoError;
     }
     const std::size_t wanted = std::min<std::size_t>(buffer.size(), std::numeric_limits<std::uint32_t>::max());
@@ -181,29 +222,23 @@ Status File::Read(std::span<char> buffer, std::uint32_t& read) noexcept
 
 Status File::Write(std::span<const char> bytes) noexcept
 {
-    if (mState == nullptr || mState->temporary.empty()) {
+    if (mState == nullptr || !mState->replacement) {
         return kIoError;
     }
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(mState->descriptor, bytes.data(), bytes.size());
-        if (count >= 0) {
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            const Status status = StatusOfErrno(errno);
-            Close();
-            return status;
+    Status status = kIoError; // out of memory, unless the file is in its place by then
+    try {
+        ReplacementOutcome outcome;
+        outcome.error = WriteAll(mState->replacement->Descriptor(), bytes);
+        if (outcome.error == 0) {
+            outcome = mState->replacement->Commit();
         }
+        status = outcome.error == 0 ? kDone : StatusOfErrno(outcome.error);
+        Report(mState->path, status, outcome);
+    } catch (const std::exception&) {
+        qelcore::logging::LogCurrentException(kLogContext);
     }
-    // Some file systems tell of a full medium only now.
-    const int descriptor = std::exchange(mState->descriptor, -1);
-    if ((close(descriptor) != 0 && errno != EINTR) ||
-        std::rename(mState->temporary.c_str(), mState->target.c_str()) != 0) {
-        const Status status = StatusOfErrno(errno);
-        Close();
-        return status;
-    }
-    mState->temporary.clear();
-    return kDone;
+    mState->replacement.reset();
+    return status;
 }
 
 void File::Close() noexcept

@@ -1,13 +1,19 @@
+#include "DescriptorPosix.h"
+#include "FileAttributesPosix.h"
 #include "FileReplacement.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace ORB {
 namespace {
@@ -15,12 +21,11 @@ namespace {
 struct Freer {
     void operator()(char* text) const noexcept
     {
-        std::free(text); // NOLINT(cppcoreguidelines-no-malloc): what realpath gives must be freed so.
+        std::free(text); // NOLINT(cppcoreguidelines-no-malloc): realpath's result is the C library's.
     }
 };
 
-} // namespace
-
+/// The file that `path` stands for once all symbolic links are followed, also when it does not exist yet.
 int ResolveTarget(const std::string& path, std::string& target)
 {
     target = path;
@@ -48,17 +53,281 @@ int ResolveTarget(const std::string& path, std::string& target)
     return ELOOP;
 }
 
-std::string TemporaryName(const std::string& target)
+/// Where a file goes whose own folder is not writable: a place that outlives a restart of the machine, where
+/// the user has not named one.
+std::string FolderElsewhere()
 {
-    std::random_device random;
-    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    const std::size_t folderLength = target.rfind('/') + 1; // npos + 1 is 0
-    std::string name = target.substr(0, folderLength) + ".";
-    // A file name has at most 255 bytes; nothing of the target's is needed to be unique.
-    for (int i = 0; i < 16; ++i) {
-        name += kLetters[random() % kLetters.size()];
+    const char* const named = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe): nobody here sets it
+    return named != nullptr && *named != '\0' ? named : "/var/tmp";
+}
+
+/// Whether a folder refuses new entries, as opposed to having no room or being broken.
+bool IsRefusal(int error) noexcept
+{
+    return error == EACCES || error == EPERM || error == EROFS;
+}
+
+/// Whether a rename was refused for a reason that overwriting the file does not have: a sticky folder, a mount
+/// point, a folder whose permissions changed meanwhile.
+bool IsRenameRefusal(int error) noexcept
+{
+    return IsRefusal(error) || error == EBUSY || error == EXDEV;
+}
+
+/// @return 0, or an error number; a file system that cannot do it on demand has done it at once.
+int Sync(int descriptor) noexcept
+{
+    if (fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EROFS) {
+        return 0;
     }
-    return name + ".tmp";
+    return errno;
+}
+
+/// Writes all bytes of one file over the beginning of another, cuts the rest off, and waits for the medium.
+int CopyContent(int from, int to) noexcept
+{
+    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by reading
+    off_t position = 0;
+    for (;;) {
+        const ssize_t got = pread(from, buffer.data(), buffer.size(), position);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return errno;
+        }
+        if (got == 0) {
+            break;
+        }
+        for (ssize_t done = 0; done < got;) {
+            const ssize_t put =
+                pwrite(to, buffer.data() + done, static_cast<std::size_t>(got - done), position + done);
+            if (put < 0 && errno != EINTR) {
+                return errno;
+            }
+            done += std::max<ssize_t>(put, 0);
+        }
+        position += got;
+    }
+    return ftruncate(to, position) == 0 ? Sync(to) : errno;
+}
+
+off_t SizeOf(int descriptor) noexcept
+{
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 ? status.st_size : 0;
+}
+
+/// A copy of an old file on the medium, under a name that a person recognises: "clip.tessel.old-k3v9x0qa".
+/// @return 0 with `name`, or an error number.
+int KeepCopy(int old, const std::string& target, std::string& name)
+{
+    constexpr std::size_t kLongestStem = 240; // of 255 bytes that a file name may have
+    const std::string stem = target.substr(target.rfind('/') + 1).substr(0, kLongestStem);
+    int error = 0;
+    for (const std::string& folder : {FolderOf(target), FolderElsewhere()}) {
+        std::string pattern = folder + '/' + stem + ".old-XXXXXX";
+        const Descriptor copy(mkstemp(pattern.data())); // readable for its owner alone
+        error = copy.IsOpen() ? CopyContent(old, copy.Get()) : errno;
+        if (error == 0) {
+            error = SyncFolder(folder);
+        }
+        if (error == 0) {
+            name = std::move(pattern);
+            return 0;
+        }
+        if (copy.IsOpen()) {
+            unlink(pattern.c_str());
+        }
+    }
+    return error;
+}
+
+/// Puts the content of `whole` into the file `target` itself.
+ReplacementOutcome Overwrite(int whole, const std::string& target)
+{
+    ReplacementOutcome outcome;
+    // Without O_NONBLOCK, because another process's lease on the file is to be waited for.
+    const Descriptor file(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.IsOpen()) {
+        outcome.error = errno;
+        return outcome;
+    }
+    std::string copy;
+    const off_t oldSize = SizeOf(file.Get());
+    const off_t newSize = SizeOf(whole);
+    outcome.error = KeepCopy(file.Get(), target, copy);
+    if (outcome.error != 0) {
+        return outcome;
+    }
+    if (newSize > oldSize) {
+        // A medium without room is found out before the first byte is replaced.
+        outcome.error = posix_fallocate(file.Get(), oldSize, newSize - oldSize);
+    }
+    if (outcome.error == 0 || outcome.error == EOPNOTSUPP || outcome.error == EINVAL) {
+        outcome.error = CopyContent(whole, file.Get());
+    }
+    if (outcome.error != 0) {
+        const Descriptor kept(open(copy.c_str(), O_RDONLY | O_CLOEXEC));
+        if (!kept.IsOpen() || CopyContent(kept.Get(), file.Get()) != 0) {
+            outcome.copyOfOldFile = copy;
+            return outcome;
+        }
+    }
+    unlink(copy.c_str());
+    return outcome;
+}
+
+} // namespace
+
+int FindDestination(const std::string& path, Destination& destination)
+{
+    struct stat status {};
+    const bool exists = stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) {
+        return errno;
+    }
+    if (exists && S_ISDIR(status.st_mode)) {
+        return EISDIR;
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        // Its name as given: that of a shell's pipe, /dev/fd/63, leads to no other name.
+        destination = {Destination::Kind::Special, path};
+        return 0;
+    }
+    if (exists && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+        return errno;
+    }
+    std::string target;
+    if (const int error = ResolveTarget(path, target)) {
+        return error;
+    }
+    destination = {exists ? Destination::Kind::File : Destination::Kind::New, std::move(target)};
+    return 0;
+}
+
+int FileReplacement::Begin(const Destination& destination)
+{
+    const bool isNew = destination.kind == Destination::Kind::New;
+    const std::string folder = FolderOf(destination.path);
+    RemoveLeftovers(folder);
+    // Nobody but its owner reads the new content before it has the old file's permissions.
+    const unsigned mode = isNew ? 0666U : 0600U;
+    TemporaryFile opened;
+    int error = TemporaryFile::Open(folder, mode, opened);
+    const bool isElsewhere = !isNew && IsRefusal(error);
+    if (isElsewhere) {
+        error = TemporaryFile::Open(FolderElsewhere(), mode, opened);
+    }
+    if (error != 0) {
+        return error;
+    }
+    mDestination = destination;
+    mNew = std::move(opened);
+    mIsElsewhere = isElsewhere;
+    return 0;
+}
+
+int FileReplacement::BeginWith(const Destination& destination, const std::string& whole)
+{
+    if (const int error = TemporaryFile::Adopt(whole, mNew)) {
+        return error;
+    }
+    mDestination = destination;
+    mSyncs = false;
+    return 0;
+}
+
+int FileReplacement::Place(ReplacementOutcome& outcome, bool& mustOverwrite)
+{
+    const std::string& target = mDestination.path;
+    struct stat old {};
+    const bool replaces = mDestination.kind == Destination::Kind::File && stat(target.c_str(), &old) == 0;
+    mustOverwrite = replaces && (mIsElsewhere || old.st_nlink > 1);
+    if (mustOverwrite) {
+        return 0;
+    }
+    if (replaces && CopyAttributes(old, target, Descriptor(), outcome.notKept) != 0) {
+        mustOverwrite = true;
+        return 0;
+    }
+    if (const int error = mSyncs ? Sync(Descriptor()) : 0) {
+        return error;
+    }
+    if (const int error = mNew.MoveTo(target)) {
+        mustOverwrite = replaces && IsRenameRefusal(error);
+        return mustOverwrite ? 0 : error;
+    }
+    return mSyncs ? SyncFolder(FolderOf(target)) : 0;
+}
+
+ReplacementOutcome FileReplacement::Commit()
+{
+    ReplacementOutcome outcome;
+    bool mustOverwrite = false;
+    outcome.error = Place(outcome, mustOverwrite);
+    if (mustOverwrite) {
+        outcome = Overwrite(Descriptor(), mDestination.path);
+    }
+    mNew = TemporaryFile();
+    return outcome;
+}
+
+int SyncFolder(const std::string& folder) noexcept
+{
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A folder that may be written to but not read cannot be opened, and so not be waited for.
+    return descriptor.IsOpen() ? Sync(descriptor.Get()) : (errno == EACCES ? 0 : errno);
+}
+
+int SyncFileSystem(const std::string& folder) noexcept
+{
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.IsOpen()) {
+        return errno == EACCES ? 0 : errno;
+    }
+#ifdef __linux__
+    return syncfs(descriptor.Get()) == 0 ? 0 : errno;
+#else
+    sync();
+    return 0;
+#endif
+}
+
+std::string WriteFailureText(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return "its folder does not exist";
+    case EACCES:
+    case EPERM:
+        return "permission denied";
+    case EROFS:
+        return "the file system is read-only";
+    case EISDIR:
+        return "it is a folder";
+    case ENAMETOOLONG:
+        return "the name is too long";
+    case ELOOP:
+        return "its symbolic links lead in a circle";
+    case ENOSPC:
+        return "the disk is full";
+    case EDQUOT:
+        return "the disk quota is used up";
+    case EFBIG:
+        return "it is larger than files may be here";
+    case EIO:
+        return "the disk reports an error";
+    default:
+        return std::generic_category().message(error);
+    }
+}
+
+std::string FolderOf(const std::string& path)
+{
+    const std::size_t end = path.rfind('/');
+    return end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1));
 }
 
 } // namespace ORB

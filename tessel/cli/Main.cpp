@@ -6,6 +6,7 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <exception>
 #include <new>
@@ -40,6 +41,9 @@ int Fail(int exitCode, const std::string& line)
 int Run(int argc, char** argv)
 {
     LetWritesFail();
+    // What a library logs while a command does not listen itself is something that did not work quite as asked.
+    const qelcore::logging::ScopedListener listener(
+        [](const qelcore::logging::Message& message) { WriteError("warning: " + message.text); });
     try {
         CommandLine commandLine("tessel", "Exact test signals from small documents", TESSEL_VERSION);
         Context context;

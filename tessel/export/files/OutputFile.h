@@ -1,6 +1,8 @@
 /// A file in the making, which takes its name only when it is whole.
 #pragma once
 
+#include <kestrel/orb/TemporaryFiles.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -10,10 +12,10 @@
 
 namespace tessel::exporting {
 
-/// Bytes on their way to a file. Until `Commit`, nothing of it can be seen under the final name, and what an
-/// earlier file of that name holds stays whole; without `Commit` nothing is left. The new file keeps the old
-/// one's permissions; where the name is a link, its target is what is written. Devices and pipes, which cannot
-/// be replaced, are written to directly. Threads: one object, one thread at a time.
+/// Bytes on their way to a file. Until `Commit` nothing of them can be seen under the final name, and an
+/// earlier file of that name stays whole; without `Commit` nothing is left. An earlier file is replaced by the
+/// rules of `ORB::FileReplacement`. Devices and pipes, which cannot be replaced, are written to directly.
+/// Threads: one object, one thread at a time.
 class OutputFile {
 public:
     /// Starts a file that will be `path`.
@@ -22,6 +24,11 @@ public:
 
     struct StandardOutput {};
     explicit OutputFile(StandardOutput);
+
+    /// A file in a folder that nobody else sees, written directly under its own name.
+    struct New {};
+    /// @throws ExportError  naming the path, where it cannot be made or exists already.
+    OutputFile(New, const std::filesystem::path& path);
 
     /// Discards what was not committed.
     ~OutputFile();
@@ -40,7 +47,8 @@ public:
     [[nodiscard]] std::int64_t Position() const noexcept;
     [[nodiscard]] std::int64_t Size() const noexcept;
 
-    /// The file is whole: gives it its name. @throws ExportError
+    /// The file is whole: gives it its name. What of an earlier file could not be kept is logged.
+    /// @throws ExportError
     void Commit();
 
 private:
@@ -51,24 +59,29 @@ private:
 /// @throws ExportError  naming `path`, where `Replace` would fail: it is a folder, a device, protected, ...
 void RequireReplaceable(const std::filesystem::path& path);
 
-/// Moves a file that is whole to `path`, on the same file system, as `OutputFile::Commit` does.
-/// @throws ExportError  naming `path`
+/// Moves a file that is whole to `path`, on the same file system, as `OutputFile::Commit` does, but without
+/// waiting for the medium. `whole` is gone afterwards, also after a failure. @throws ExportError  naming `path`
 void Replace(const std::filesystem::path& path, const std::filesystem::path& whole);
 
+/// Waits until everything written to the file system of `folder` is on its medium: for many files at once.
+/// @throws ExportError  naming the folder
+void WaitForMedium(const std::filesystem::path& folder);
+
+/// Waits until the names that files have in `folder` (empty: the current one) are on the medium.
+/// @throws ExportError  naming the folder
+void WaitForNames(const std::filesystem::path& folder);
+
 /// A folder for the files of a sequence in the making, beside where they go. Removed with all it holds by the
-/// destructor.
+/// destructor; after a killed process by the next one that writes into `parent`.
 class TemporaryFolder {
 public:
     /// @throws ExportError  where `parent` is not there or not writable.
     explicit TemporaryFolder(const std::filesystem::path& parent);
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    [[nodiscard]] const std::filesystem::path& Path() const noexcept { return mPath; }
+    [[nodiscard]] std::filesystem::path Path() const { return mFolder.Path(); }
 
 private:
-    std::filesystem::path mPath;
+    ORB::TemporaryFolder mFolder;
 };
 
 /// Whether standard error is a terminal, where a progress bar has a place.

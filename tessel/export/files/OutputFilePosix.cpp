@@ -2,18 +2,17 @@
 #include "OutputFile.h"
 
 #include <kestrel/orb/FileReplacement.h>
+#include <kestrel/qelcore/logging/Log.h>
 #include <tessel/export/ExportError.h>
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <system_error>
-#include <utility>
 
 namespace tessel::exporting {
 namespace {
@@ -30,43 +29,14 @@ std::string ErrnoText(int error)
     throw ExportError("cannot write " + name + ": " + ErrnoText(error));
 }
 
-fs::path FolderOf(const fs::path& path)
+[[noreturn]] void FailToWriteInto(const std::string& folder, int error)
 {
-    const fs::path parent = path.parent_path();
-    return parent.empty() ? fs::path(".") : parent;
+    throw ExportError("cannot write into '" + folder + "': " + ErrnoText(error));
 }
 
-/// Where a file goes.
-struct Place {
-    fs::path path;                 ///< of a file: with all links followed, as their target is replaced
-    std::optional<mode_t> oldMode; ///< of the ordinary file there, which the new one keeps
-    bool direct = false;           ///< a device or a pipe, which cannot be replaced
-};
-
-/// @throws ExportError  where nothing can be written
-Place PlaceOf(const fs::path& path, const std::string& shownName)
+std::string OrCurrent(const fs::path& folder)
 {
-    struct stat status {};
-    const bool exists = ::stat(path.c_str(), &status) == 0;
-    if (!exists && errno != ENOENT) {
-        FailToWrite(shownName, errno);
-    }
-    if (exists && S_ISDIR(status.st_mode)) {
-        FailToWrite(shownName, EISDIR);
-    }
-    if (exists && !S_ISREG(status.st_mode)) {
-        // Its name as given: that of a shell's pipe, /dev/fd/63, leads to no other name.
-        return {path, std::nullopt, /*direct=*/true};
-    }
-    // Renaming would also replace a file that its permissions protect.
-    if (exists && ::access(path.c_str(), W_OK) != 0) {
-        FailToWrite(shownName, errno);
-    }
-    std::string target;
-    if (const int error = ORB::ResolveTarget(path.native(), target)) {
-        FailToWrite(shownName, error);
-    }
-    return {target, exists ? std::optional(status.st_mode & 07777U) : std::nullopt, /*direct=*/false};
+    return folder.empty() ? "." : folder.native();
 }
 
 std::string Shown(const fs::path& path)
@@ -74,26 +44,32 @@ std::string Shown(const fs::path& path)
     return fmt::format("'{}'", path.string());
 }
 
-/// The path under which a file without a name can be linked.
-std::string DescriptorPath(int descriptor)
+/// @throws ExportError  naming `path`, where nothing can be written
+ORB::Destination DestinationOf(const fs::path& path)
 {
-    return fmt::format("/proc/self/fd/{}", descriptor);
+    ORB::Destination destination;
+    if (const int error = ORB::FindDestination(path.native(), destination)) {
+        FailToWrite(Shown(path), error);
+    }
+    return destination;
 }
 
-/// Opens a file without a name, which vanishes with the process however that ends; -1 where the file system or
-/// the kernel has none.
-int OpenNameless([[maybe_unused]] const fs::path& folder) noexcept
+/// @throws ExportError  naming `path`, where the replacement failed
+void Commit(const fs::path& path, ORB::FileReplacement& replacement)
 {
-#ifdef O_TMPFILE
-    const int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
-    if (descriptor >= 0 && ::access(DescriptorPath(descriptor).c_str(), F_OK) != 0) {
-        ::close(descriptor);
-        return -1;
+    const ORB::ReplacementOutcome outcome = replacement.Commit();
+    if (!outcome.copyOfOldFile.empty()) {
+        throw ExportError(
+            fmt::format("cannot write {}: {}; the file is damaged, and its old content is in '{}'", Shown(path),
+                        ErrnoText(outcome.error), outcome.copyOfOldFile));
     }
-    return descriptor;
-#else
-    return -1;
-#endif
+    if (outcome.error != 0) {
+        FailToWrite(Shown(path), outcome.error);
+    }
+    if (!outcome.notKept.empty()) {
+        qelcore::logging::Log(
+            "export", fmt::format("{}: written, but it could not keep its {}", path.string(), outcome.notKept));
+    }
 }
 
 } // namespace
@@ -104,18 +80,14 @@ struct OutputFile::State {
     State& operator=(const State&) = delete;
     ~State()
     {
-        if (descriptor > STDERR_FILENO) {
+        if (descriptor > STDERR_FILENO && !replacement) {
             ::close(descriptor);
-        }
-        if (!temporary.empty()) {
-            ::unlink(temporary.c_str());
         }
     }
 
-    int descriptor = -1;
-    fs::path path;       ///< final name, no link
-    fs::path temporary;  ///< empty: nameless, or written directly
-    bool direct = false; ///< a device, a pipe or standard output
+    std::optional<ORB::FileReplacement> replacement; ///< empty for what is written to directly
+    int descriptor = -1;                             ///< the replacement's where there is one
+    fs::path path;
     bool canSeek = false;
     std::string shownName;
     std::int64_t position = 0;
@@ -125,37 +97,36 @@ struct OutputFile::State {
 OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 {
     State& state = *mState;
+    state.path = path;
     state.shownName = Shown(path);
-    Place place = PlaceOf(path, state.shownName);
-    state.path = std::move(place.path);
-    if (place.direct) {
-        state.direct = true;
-        state.descriptor = ::open(state.path.c_str(), O_WRONLY | O_CLOEXEC);
+    const ORB::Destination destination = DestinationOf(path);
+    if (destination.kind == ORB::Destination::Kind::Special) {
+        state.descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (state.descriptor < 0) {
             FailToWrite(state.shownName, errno);
         }
         return;
     }
-    const fs::path folder = FolderOf(state.path);
-    state.canSeek = true;
-    state.descriptor = OpenNameless(folder);
-    if (state.descriptor < 0) {
-        state.temporary = ORB::TemporaryName(state.path.native());
-        state.descriptor = ::open(state.temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    }
-    if (state.descriptor < 0) {
-        const int error = errno;
-        state.temporary.clear();
+    if (const int error = state.replacement.emplace().Begin(destination)) {
         FailToWrite(state.shownName, error);
     }
-    if (place.oldMode && ::fchmod(state.descriptor, *place.oldMode) != 0) {
-        FailToWrite(state.shownName, errno);
+    state.descriptor = state.replacement->Descriptor();
+    state.canSeek = true;
+}
+
+OutputFile::OutputFile(New, const fs::path& path) : mState(std::make_unique<State>())
+{
+    mState->path = path;
+    mState->shownName = Shown(path);
+    mState->descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (mState->descriptor < 0) {
+        FailToWrite(mState->shownName, errno);
     }
+    mState->canSeek = true;
 }
 
 OutputFile::OutputFile(StandardOutput) : mState(std::make_unique<State>())
 {
-    mState->direct = true;
     mState->descriptor = STDOUT_FILENO;
     mState->shownName = "to standard output";
 }
@@ -211,59 +182,49 @@ std::int64_t OutputFile::Size() const noexcept
 
 void OutputFile::Commit()
 {
-    State& state = *mState;
-    if (state.direct) {
-        return;
+    if (mState->replacement) {
+        exporting::Commit(mState->path, *mState->replacement);
     }
-    if (state.temporary.empty()) {
-        // A nameless file can only be linked under a new name; the rename then replaces an old file at once.
-        const fs::path named = ORB::TemporaryName(state.path.native());
-        if (::linkat(AT_FDCWD, DescriptorPath(state.descriptor).c_str(), AT_FDCWD, named.c_str(),
-                     AT_SYMLINK_FOLLOW) != 0) {
-            FailToWrite(state.shownName, errno);
-        }
-        state.temporary = named;
-    }
-    // Some file systems only tell at the end that the disk is full.
-    if (::close(std::exchange(state.descriptor, -1)) != 0) {
-        FailToWrite(state.shownName, errno);
-    }
-    if (::rename(state.temporary.c_str(), state.path.c_str()) != 0) {
-        FailToWrite(state.shownName, errno);
-    }
-    state.temporary.clear();
 }
 
 void RequireReplaceable(const fs::path& path)
 {
-    if (PlaceOf(path, Shown(path)).direct) {
-        throw ExportError(fmt::format("cannot write {}: it is no ordinary file", Shown(path)));
+    if (DestinationOf(path).kind == ORB::Destination::Kind::Special) {
+        throw ExportError(fmt::format("cannot write {}: it is not an ordinary file", Shown(path)));
     }
 }
 
 void Replace(const fs::path& path, const fs::path& whole)
 {
-    const std::string shownName = Shown(path);
-    const Place place = PlaceOf(path, shownName);
-    if ((place.oldMode && ::chmod(whole.c_str(), *place.oldMode) != 0) ||
-        ::rename(whole.c_str(), place.path.c_str()) != 0) {
-        FailToWrite(shownName, errno);
+    ORB::FileReplacement replacement;
+    if (const int error = replacement.BeginWith(DestinationOf(path), whole.native())) {
+        FailToWrite(Shown(path), error);
+    }
+    Commit(path, replacement);
+}
+
+void WaitForMedium(const fs::path& folder)
+{
+    if (const int error = ORB::SyncFileSystem(folder.native())) {
+        FailToWriteInto(folder.native(), error);
+    }
+}
+
+void WaitForNames(const fs::path& folder)
+{
+    const std::string named = OrCurrent(folder);
+    if (const int error = ORB::SyncFolder(named)) {
+        FailToWriteInto(named, error);
     }
 }
 
 TemporaryFolder::TemporaryFolder(const fs::path& parent)
 {
-    const fs::path folder = parent.empty() ? fs::path(".") : parent;
-    mPath = ORB::TemporaryName((folder / "x").native());
-    if (::mkdir(mPath.c_str(), 0777) != 0) {
-        throw ExportError("cannot write into '" + folder.string() + "': " + ErrnoText(errno));
+    const std::string folder = OrCurrent(parent);
+    ORB::RemoveLeftovers(folder);
+    if (const int error = mFolder.Make(folder)) {
+        FailToWriteInto(folder, error);
     }
-}
-
-TemporaryFolder::~TemporaryFolder()
-{
-    std::error_code ignored;
-    fs::remove_all(mPath, ignored);
 }
 
 bool StandardErrorIsTerminal() noexcept

@@ -86,9 +86,8 @@ void SequenceWriter::Write(std::span<const std::byte> file, std::int64_t number)
     }
     std::string name = mNumbered->name.With(number);
     RequireReplaceable(mNumbered->parent / name); // now, not when all are rendered
-    OutputFile output(mNumbered->folder.Path() / name);
+    OutputFile output(OutputFile::New{}, mNumbered->folder.Path() / name);
     output.Write(file);
-    output.Commit();
     mNumbered->files.push_back(std::move(name));
 }
 
@@ -98,6 +97,8 @@ void SequenceWriter::Finish()
         mSingle->Commit();
         return;
     }
+    // Once for all pictures: waiting for each of them takes many times as long.
+    WaitForMedium(mNumbered->folder.Path());
     for (std::size_t done = 0; done < mNumbered->files.size(); ++done) {
         const std::string& name = mNumbered->files[done];
         try {
@@ -110,6 +111,7 @@ void SequenceWriter::Finish()
             throw;
         }
     }
+    WaitForNames(mNumbered->parent);
 }
 
 } // namespace tessel::exporting

@@ -1,0 +1,28 @@
+/// Private to this folder.
+#pragma once
+
+#include <unistd.h>
+
+namespace ORB {
+
+/// Closes a file descriptor at the end of its scope.
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) noexcept : mDescriptor(descriptor) {}
+    ~Descriptor()
+    {
+        if (mDescriptor >= 0) {
+            close(mDescriptor);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] bool IsOpen() const noexcept { return mDescriptor >= 0; }
+    [[nodiscard]] int Get() const noexcept { return mDescriptor; }
+
+private:
+    int mDescriptor;
+};
+
+} // namespace ORB

@@ -1,0 +1,37 @@
+#include "SaveReport.h"
+
+#include <kestrel/qelcore/logging/Log.h>
+
+#include <utility>
+
+namespace ORB {
+namespace {
+
+/// The listener that hears what this thread saves now; null where nobody does.
+thread_local ScopedSaveListener* tListener = nullptr;
+
+} // namespace
+
+ScopedSaveListener::ScopedSaveListener(Handler handler) : mHandler(std::move(handler)), mPrevious(tListener)
+{
+    tListener = this;
+}
+
+ScopedSaveListener::~ScopedSaveListener()
+{
+    tListener = mPrevious;
+}
+
+void ReportSave(const SaveReport& report) noexcept
+{
+    if (tListener == nullptr) {
+        return;
+    }
+    try {
+        tListener->mHandler(report);
+    } catch (...) {
+        qelcore::logging::LogCurrentException("ORB::ReportSave");
+    }
+}
+
+} // namespace ORB
