@@ -56,6 +56,11 @@ Option Option::ValueName(const std::string& name) const
     return Option(*mOption->type_name(name));
 }
 
+Option Option::OneEach() const
+{
+    return Option(*mOption->allow_extra_args(false));
+}
+
 Option Option::ShowDefault() const
 {
     return Option(*mOption->capture_default_str());

@@ -30,6 +30,9 @@ public:
     /// What `--help` calls its value: "FRAME". Without it the value's type: "TEXT".
     Option ValueName(const std::string& name) const;
 
+    /// Of an option with several values: each time it is named it takes one.
+    Option OneEach() const;
+
     /// `--help` shows the value that the variable holds now.
     Option ShowDefault() const;
 

@@ -15,7 +15,13 @@ namespace tessel::cli {
 class CommandLine;
 
 /// Exit codes of the program.
-enum ExitCode : int { kDone = 0, kWorkFailed = 1, kWrongCommandLine = 2 };
+enum ExitCode : int {
+    kDone = 0,
+    kWorkFailed = 1,
+    kWrongCommandLine = 2,
+    kNotAsExpected = 3, ///< verify: something is not as the clip says
+    kUndecided = 4,     ///< verify: it cannot be told, or nothing could be compared
+};
 
 /// A command line that parses but makes no sense; one line for a person. Ends the program with
 /// `kWrongCommandLine`.
@@ -62,6 +68,7 @@ void AddInfoCommand(CommandLine& commandLine, Context& context);
 void AddRenderCommand(CommandLine& commandLine, Context& context);
 void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
+void AddVerifyCommand(CommandLine& commandLine, Context& context);
 /// @}
 
 } // namespace tessel::cli

@@ -55,6 +55,7 @@ int Run(int argc, char** argv)
         AddRenderCommand(commandLine, context);
         AddBenchCommand(commandLine, context);
         AddEditCommand(commandLine, context);
+        AddVerifyCommand(commandLine, context);
         commandLine.Run(argc, argv);
         FlushOut();
         return context.exitCode;

@@ -86,5 +86,6 @@ private:
 
 /// Whether standard error is a terminal, where a progress bar has a place.
 [[nodiscard]] bool StandardErrorIsTerminal() noexcept;
+[[nodiscard]] bool StandardOutputIsTerminal() noexcept;
 
 } // namespace tessel::exporting

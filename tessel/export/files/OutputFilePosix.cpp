@@ -227,6 +227,11 @@ TemporaryFolder::TemporaryFolder(const fs::path& parent)
     }
 }
 
+bool StandardOutputIsTerminal() noexcept
+{
+    return ::isatty(STDOUT_FILENO) == 1;
+}
+
 bool StandardErrorIsTerminal() noexcept
 {
     return ::isatty(STDERR_FILENO) == 1;

@@ -1,0 +1,378 @@
+#include "NumberReader.h"
+
+#include "DigitShapes.h"
+
+#include <kestrel/pixmill/GlyphGeometry.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tessel::verify::align {
+namespace {
+
+constexpr int kPoints = 3; // samples across each spot of the grid
+
+// Where clips print their numbers, as fractions of the frame.
+constexpr float kNumberHeight = 0.12F;
+constexpr float kNumberPosition = 0.05F;
+
+// Neighbouring spots of a blurred or blocky digit err together, so that fewer of them count.
+constexpr double kIndependentSpots = NumberReader::kGridX * NumberReader::kGridY / 8.0;
+
+/// Between pixel centres, edges repeated.
+double Interpolated(const read::ComponentView& view, Point at) noexcept
+{
+    const double x = std::clamp(at.x - 0.5, 0.0, view.width - 1.0);
+    const double y = std::clamp(at.y - 0.5, 0.0, view.height - 1.0);
+    const int left = static_cast<int>(x);
+    const int top = static_cast<int>(y);
+    const int right = std::min(left + 1, view.width - 1);
+    const int bottom = std::min(top + 1, view.height - 1);
+    const double shareX = x - left;
+    const double shareY = y - top;
+    const double upper = view.At(left, top) * (1 - shareX) + view.At(right, top) * shareX;
+    const double lower = view.At(left, bottom) * (1 - shareX) + view.At(right, bottom) * shareX;
+    return upper * (1 - shareY) + lower * shareY;
+}
+
+double FullScale(const read::ComponentView& view) noexcept
+{
+    return view.isFloat ? 1.0 : static_cast<double>((1U << static_cast<unsigned>(view.bits)) - 1U);
+}
+
+double Product(const std::vector<double>& a, const std::vector<double>& b) noexcept
+{
+    double sum = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        sum += a[i] * b[i];
+    }
+    return sum;
+}
+
+/// A small grey picture.
+struct Grey {
+    int width = 0;
+    int height = 0;
+    std::vector<double> values;
+
+    [[nodiscard]] double At(int x, int y) const noexcept
+    {
+        return values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                      static_cast<std::size_t>(x)];
+    }
+};
+
+/// The picture turned upright as if it had the orientation, each spot a mean of some samples.
+Grey Shrunk(const read::ComponentView& luma, const Placement& upright, double step)
+{
+    constexpr int kAcross = 3;
+    Grey grey;
+    grey.width = static_cast<int>(upright.clipWidth / step);
+    grey.height = static_cast<int>(upright.clipHeight / step);
+    grey.values.reserve(static_cast<std::size_t>(grey.width) * static_cast<std::size_t>(grey.height));
+    for (int y = 0; y < grey.height; ++y) {
+        for (int x = 0; x < grey.width; ++x) {
+            double sum = 0;
+            for (int py = 0; py < kAcross; ++py) {
+                for (int px = 0; px < kAcross; ++px) {
+                    const Point at = upright.Map(
+                        Point{(x + (px + 0.5) / kAcross) * step, (y + (py + 0.5) / kAcross) * step});
+                    sum += luma.At(std::clamp(static_cast<int>(at.x), 0, luma.width - 1),
+                                   std::clamp(static_cast<int>(at.y), 0, luma.height - 1));
+                }
+            }
+            grey.values.push_back(sum);
+        }
+    }
+    return grey;
+}
+
+/// A zero on its plate, `kRows` spots high: what every clip's number below a hundred thousand begins with.
+class ZeroOnPlate {
+public:
+    static constexpr double kRows = 10; // spots in the height of a digit
+    static constexpr double kMarginX = pixmill::kPlateMarginX * kRows;
+    static constexpr double kMarginY = pixmill::kPlateMarginY * kRows;
+
+    ZeroOnPlate()
+    {
+        width = static_cast<int>(kMarginX + pixmill::kGlyphAdvance * kRows);
+        height = static_cast<int>(kRows + 2 * kMarginY);
+        const double inkOffset = (pixmill::kGlyphAdvance - pixmill::kGlyphInkWidth) / 2;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                shape.push_back(InkAt(0, (x + 0.5 - kMarginX) / kRows - inkOffset, (y + 0.5 - kMarginY) / kRows,
+                                      1 / kRows));
+            }
+        }
+        static_cast<void>(Normalize(shape));
+    }
+
+    [[nodiscard]] double LikenessAt(const Grey& grey, int left, int top) const noexcept
+    {
+        double sum = 0;
+        double squares = 0;
+        double product = 0;
+        std::size_t at = 0;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const double value = grey.At(left + x, top + y);
+                sum += value;
+                squares += value * value;
+                product += value * shape[at++];
+            }
+        }
+        const double spread = squares - sum * sum / static_cast<double>(shape.size());
+        return spread > 1e-6 ? product / std::sqrt(spread) : 0.0;
+    }
+
+    int width = 0;
+    int height = 0;
+    std::vector<double> shape;
+};
+
+} // namespace
+
+struct NumberReader::Cell {
+    std::vector<double> spots; // normalised
+    double lowest = 0;
+    double highest = 0;
+};
+
+bool Reading::IsReadable() const noexcept
+{
+    // Below this likeness anything with an edge resembles some digit; below this contrast noise is stretched.
+    return confidence >= 0.9 && likeness >= 0.6 && contrast >= 0.03;
+}
+
+NumberReader::NumberReader(int clipWidth, int clipHeight, int digits)
+    : mClipWidth(clipWidth), mClipHeight(clipHeight), mDigits(digits)
+{
+    if (clipWidth < 1 || clipHeight < 1) {
+        return;
+    }
+    const pixmill::NumberLayout layout = pixmill::LayOutNumber(
+        static_cast<std::uint32_t>(clipWidth), static_cast<std::uint32_t>(clipHeight),
+        static_cast<std::uint32_t>(digits), kNumberHeight, kNumberPosition, kNumberPosition);
+    mDigitHeight = layout.digitHeight;
+    if (mDigitHeight == 0) {
+        return;
+    }
+    mAdvance = layout.advance;
+    mCellLeft = layout.CellLeft(0);
+    mCellTop = layout.CellTop();
+    mPlate = {static_cast<double>(layout.left), static_cast<double>(layout.top),
+              static_cast<double>(layout.left + layout.width), static_cast<double>(layout.top + layout.height)};
+}
+
+NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, const Placement& placement,
+                                            int index) const
+{
+    Cell cell;
+    cell.spots.reserve(static_cast<std::size_t>(kGridX * kGridY));
+    const double left = mCellLeft + index * mAdvance;
+    for (int row = 0; row < kGridY; ++row) {
+        for (int column = 0; column < kGridX; ++column) {
+            double sum = 0;
+            for (int py = 0; py < kPoints; ++py) {
+                for (int px = 0; px < kPoints; ++px) {
+                    const double x = left + (column + (px + 0.5) / kPoints) / kGridX * mAdvance;
+                    const double y = mCellTop + (row + (py + 0.5) / kPoints) / kGridY * mDigitHeight;
+                    sum += Interpolated(luma, placement.Map(Point{x, y}));
+                }
+            }
+            cell.spots.push_back(sum / (kPoints * kPoints));
+        }
+    }
+    const auto [low, high] = std::minmax_element(cell.spots.begin(), cell.spots.end());
+    cell.lowest = *low;
+    cell.highest = *high;
+    static_cast<void>(Normalize(cell.spots));
+    return cell;
+}
+
+Reading NumberReader::Read(const read::ComponentView& luma, const Placement& placement) const
+{
+    Reading reading;
+    if (!HasRoom() || !luma) {
+        return reading;
+    }
+    static const DigitShapes sShapes(kGridX, kGridY, kPoints, 0.02);
+    double lowest = 1e300;
+    double highest = -1e300;
+    reading.confidence = 1;
+    for (int index = 0; index < mDigits; ++index) {
+        const Cell cell = SampleCell(luma, placement, index);
+        std::array<double, 10> alike{};
+        for (std::size_t digit = 0; digit < alike.size(); ++digit) {
+            alike[digit] = Product(cell.spots, sShapes.Of(digit));
+        }
+        const auto best =
+            static_cast<std::size_t>(std::max_element(alike.begin(), alike.end()) - alike.begin());
+        const double first = std::clamp(alike[best], 0.0, 0.999);
+        alike[best] = -1;
+        const double second = std::clamp(*std::max_element(alike.begin(), alike.end()), 0.0, 0.999);
+        // Normal noise: the likelihoods differ by the ratio of what each shape leaves unexplained.
+        const double logRatio = kIndependentSpots / 2 * std::log((1 - second * second) / (1 - first * first));
+        reading.number = reading.number * 10 + static_cast<std::int64_t>(best);
+        reading.confidence *= 1 / (1 + std::exp(-logRatio));
+        reading.likeness += first / mDigits;
+        lowest = std::min(lowest, cell.lowest);
+        highest = std::max(highest, cell.highest);
+    }
+    reading.contrast = (highest - lowest) / FullScale(luma);
+    return reading;
+}
+
+double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement,
+                              std::int64_t number) const
+{
+    // The whole plate on a fine grid, so that a shift of a part of a pixel shows.
+    const double inkOffset = (mAdvance - pixmill::kGlyphInkWidth * mDigitHeight) / 2;
+    const double step = std::max(1.0, mDigitHeight / 40.0);
+    std::vector<double> found;
+    std::vector<double> expected;
+    std::vector<std::size_t> digits(static_cast<std::size_t>(mDigits));
+    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number /= 10) {
+        *digit = static_cast<std::size_t>(number % 10);
+    }
+    for (double y = mPlate.top + step / 2; y < mPlate.bottom; y += step) {
+        for (double x = mPlate.left + step / 2; x < mPlate.right; x += step) {
+            const double cell = (x - mCellLeft) / mAdvance;
+            const double inside = x - mCellLeft - std::floor(cell) * mAdvance - inkOffset;
+            const bool isInk = cell >= 0 && cell < mDigits;
+            expected.push_back(isInk ? InkAt(digits[static_cast<std::size_t>(cell)], inside / mDigitHeight,
+                                             (y - mCellTop) / mDigitHeight, 1.0 / mDigitHeight)
+                                     : 0.0);
+            found.push_back(Interpolated(luma, placement.Map(Point{x, y})));
+        }
+    }
+    static_cast<void>(Normalize(found));
+    static_cast<void>(Normalize(expected));
+    return Product(found, expected);
+}
+
+Placement NumberReader::Refine(const read::ComponentView& luma, const Placement& start,
+                               std::int64_t number) const
+{
+    Placement best = start;
+    double score = Likeness(luma, best, number);
+    const Point corner{mPlate.left, mPlate.top};
+    // Moves in pixels of the movie, then in shares of the size about the plate's corner; halved until far below
+    // a pixel.
+    for (double move = mDigitHeight * start.scaleY / 8; move > 0.02; move /= 2) {
+        for (bool improved = true; improved;) {
+            improved = false;
+            for (int way = 0; way < 8; ++way) {
+                Placement next = best;
+                const double sign = way % 2 == 0 ? 1 : -1;
+                const double stretch = 1 + sign * move / ((mPlate.right - mPlate.left) * start.scaleX);
+                switch (way / 2) {
+                case 0:
+                    next.offsetX += sign * move;
+                    break;
+                case 1:
+                    next.offsetY += sign * move;
+                    break;
+                case 2:
+                    next.scaleX *= stretch;
+                    break;
+                default:
+                    next.scaleY *= stretch;
+                    break;
+                }
+                if (way >= 4) {
+                    const Point was = best.Map(corner);
+                    const Point is = next.Map(corner);
+                    next.offsetX += was.x - is.x;
+                    next.offsetY += was.y - is.y;
+                }
+                const double likeness = Likeness(luma, next, number);
+                if (likeness > score + 1e-7) {
+                    score = likeness;
+                    best = next;
+                    improved = true;
+                }
+            }
+        }
+    }
+    return best;
+}
+
+std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) const
+{
+    if (!HasRoom() || !luma) {
+        return std::nullopt;
+    }
+    const ZeroOnPlate zero;
+    struct Candidate {
+        double likeness = 0;
+        Placement placement;
+    };
+    std::vector<Candidate> candidates;
+    for (const Orientation orientation : kOrientations) {
+        const bool exchanges = ExchangesSides(orientation);
+        Placement upright; // as if the movie's picture were the frame
+        upright.clipWidth = exchanges ? luma.height : luma.width;
+        upright.clipHeight = exchanges ? luma.width : luma.height;
+        upright.orientation = orientation;
+        for (double scale = 0.12; scale < 4.2; scale *= 1.12) {
+            const double step = scale * mDigitHeight / ZeroOnPlate::kRows; // movie pixels of a spot
+            if (step < 0.5) {
+                continue;
+            }
+            const Grey grey = Shrunk(luma, upright, step);
+            Candidate best;
+            for (int top = 0; top + zero.height <= grey.height; ++top) {
+                for (int left = 0; left + zero.width <= grey.width; ++left) {
+                    const double likeness = zero.LikenessAt(grey, left, top);
+                    if (likeness > best.likeness) {
+                        best.likeness = likeness;
+                        Placement& at = best.placement;
+                        at.clipWidth = mClipWidth;
+                        at.clipHeight = mClipHeight;
+                        at.orientation = orientation;
+                        at.scaleX = at.scaleY = scale;
+                        at.offsetX = at.offsetY = 0;
+                        // The cell's corner lies at the found spot.
+                        const Point found = upright.Map(
+                            Point{(left + ZeroOnPlate::kMarginX) * step, (top + ZeroOnPlate::kMarginY) * step});
+                        const Point corner = at.Map(Point{mCellLeft, mCellTop});
+                        at.offsetX = found.x - corner.x;
+                        at.offsetY = found.y - corner.y;
+                    }
+                }
+            }
+            if (best.likeness > 0.6) {
+                candidates.push_back(best);
+            }
+        }
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.likeness > b.likeness; });
+    candidates.resize(std::min<std::size_t>(candidates.size(), 6));
+    std::optional<Placement> found;
+    double score = 0;
+    for (const Candidate& candidate : candidates) {
+        Placement placement = candidate.placement;
+        Reading reading = Read(luma, placement);
+        for (int round = 0; round < 2; ++round) {
+            placement = Refine(luma, placement, reading.number);
+            reading = Read(luma, placement);
+        }
+        if (reading.IsReadable() && reading.likeness > score) {
+            score = reading.likeness;
+            found = placement;
+        }
+    }
+    return found;
+}
+
+const read::ComponentView& LumaOf(const read::Picture& picture) noexcept
+{
+    const bool hasGreen = picture.format.isRgb && picture.components[1];
+    return picture.components[hasGreen ? 1 : 0];
+}
+
+} // namespace tessel::verify::align

@@ -1,0 +1,24 @@
+/// Judges what a movie says of itself against what the clip is.
+#pragma once
+
+#include <tessel/verify/align/Alignment.h>
+#include <tessel/verify/read/MovieFacts.h>
+#include <tessel/verify/reference/ClipPictures.h>
+#include <tessel/verify/report/Findings.h>
+
+#include <cstdint>
+
+namespace tessel::verify::judge {
+
+struct ContainerCase {
+    const reference::ClipFacts& clip;
+    const read::MovieFacts& movie;
+    const align::Alignment& alignment; ///< its times
+    std::int64_t soundSamples = 0;     ///< decoded, per channel
+    bool isStrict = false;             ///< what the movie cannot say or carry is a fault, not a note
+};
+
+/// Puts findings of all `container.` checks.
+void JudgeContainer(const ContainerCase& given, Findings& findings);
+
+} // namespace tessel::verify::judge

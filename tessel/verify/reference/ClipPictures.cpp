@@ -1,0 +1,160 @@
+#include "ClipPictures.h"
+
+#include <tessel/export/convert/SourceFrame.h>
+
+#include <array>
+#include <numeric>
+#include <string_view>
+
+namespace tessel::verify::reference {
+namespace {
+
+using exporting::PictureLayout;
+
+struct LayoutName {
+    std::string_view name;
+    PictureLayout layout;
+};
+
+constexpr std::array kLayoutNames{
+    LayoutName{"bgra", PictureLayout::Bgra},
+    LayoutName{"argb", PictureLayout::Argb},
+    LayoutName{"bgr0", PictureLayout::Bgr0},
+    LayoutName{"0rgb", PictureLayout::Zrgb},
+    LayoutName{"rgba", PictureLayout::Rgba},
+    LayoutName{"rgb24", PictureLayout::Rgb24},
+    LayoutName{"rgba64le", PictureLayout::Rgba64},
+    LayoutName{"rgb48le", PictureLayout::Rgb48},
+    LayoutName{"rgba64be", PictureLayout::Rgba64be},
+    LayoutName{"rgb48be", PictureLayout::Rgb48be},
+    LayoutName{"gbrp10le", PictureLayout::Gbrp10},
+    LayoutName{"gbrp16le", PictureLayout::Gbrp16},
+    LayoutName{"gbrap16le", PictureLayout::Gbrap16},
+    LayoutName{"gbrpf32le", PictureLayout::Gbrpf32},
+    LayoutName{"gbrapf32le", PictureLayout::Gbrapf32},
+    LayoutName{"yuv444p", PictureLayout::Yuv444p},
+    LayoutName{"yuva444p", PictureLayout::Yuva444p},
+    LayoutName{"yuv444p10le", PictureLayout::Yuv444p10},
+    LayoutName{"yuva444p10le", PictureLayout::Yuva444p10},
+    LayoutName{"yuv444p16le", PictureLayout::Yuv444p16},
+    LayoutName{"yuva444p16le", PictureLayout::Yuva444p16},
+    LayoutName{"yuv422p", PictureLayout::Yuv422p},
+    LayoutName{"yuv422p10le", PictureLayout::Yuv422p10},
+    LayoutName{"yuv420p", PictureLayout::Yuv420p},
+    LayoutName{"yuv411p", PictureLayout::Yuv411p},
+    LayoutName{"uyvy422", PictureLayout::Uyvy},
+    LayoutName{"yuyv422", PictureLayout::Yuyv},
+    // The same samples as yuv42xp and yuv444p, with a range that FFmpeg says twice.
+    LayoutName{"yuvj420p", PictureLayout::Yuv420p},
+    LayoutName{"yuvj422p", PictureLayout::Yuv422p},
+    LayoutName{"yuvj444p", PictureLayout::Yuv444p},
+};
+
+read::Picture Viewed(const exporting::Picture& picture)
+{
+    const exporting::LayoutInfo& info = exporting::InfoOf(picture.layout);
+    read::Picture seen;
+    seen.width = picture.width;
+    seen.height = picture.height;
+    seen.format.isRgb = info.family == exporting::ColorFamily::Rgb;
+    seen.format.hasAlpha = info.HasAlpha();
+    seen.format.isFloat = info.type == exporting::SampleType::F32;
+    seen.format.bits = info.bits;
+    seen.format.chromaShiftX = info.chromaShiftX;
+    seen.format.chromaShiftY = info.chromaShiftY;
+    seen.owner = std::make_shared<exporting::Picture>(picture);
+    for (int index = 0; index < 4; ++index) {
+        const exporting::ComponentTarget samples = exporting::ComponentOf(picture, index);
+        if (samples.first == nullptr) {
+            continue;
+        }
+        read::ComponentView& view = seen.components[index];
+        view.first = samples.first;
+        view.rowBytes = samples.rowBytes;
+        view.step = samples.step;
+        view.width = samples.width;
+        view.height = samples.height;
+        view.bits = info.bits;
+        view.sampleBytes = info.type == exporting::SampleType::U8    ? 1
+                           : info.type == exporting::SampleType::F32 ? 4
+                                                                     : 2;
+        view.isFloat = info.type == exporting::SampleType::F32;
+        view.isBigEndian = info.type == exporting::SampleType::U16be;
+    }
+    return seen;
+}
+
+} // namespace
+
+std::optional<PictureLayout> LayoutNamed(const std::string& ffmpegName)
+{
+    for (const LayoutName& row : kLayoutNames) {
+        if (row.name == ffmpegName) {
+            return row.layout;
+        }
+    }
+    return std::nullopt;
+}
+
+ClipFacts FactsOf(const exporting::SignalSource& clip)
+{
+    const importhost::ClipDescription& description = clip.Description();
+    ClipFacts facts;
+    facts.width = description.width;
+    facts.height = description.height;
+    if (description.timeScale > 0 && description.sampleSize > 0) {
+        const std::int32_t divisor = std::gcd(description.timeScale, description.sampleSize);
+        facts.rate = {description.timeScale / divisor, description.sampleSize / divisor};
+    }
+    facts.frameCount = description.frameCount;
+    facts.pixelAspect = {description.pixelAspect.GetNumerator(), description.pixelAspect.GetDenominator()};
+    switch (description.Order()) {
+    case importhost::FieldOrder::UpperFirst:
+        facts.fields = read::FieldOrder::UpperFirst;
+        break;
+    case importhost::FieldOrder::LowerFirst:
+        facts.fields = read::FieldOrder::LowerFirst;
+        break;
+    default:
+        break;
+    }
+    facts.primaries = description.colorCodes.primaries;
+    facts.transfer = description.colorCodes.transfer;
+    facts.matrix = description.colorCodes.matrix;
+    facts.fullRange = description.colorCodes.fullRange != 0;
+    facts.sampleRate = static_cast<int>(description.sampleRate);
+    facts.channels = description.channelCount;
+    facts.hasPicture =
+        description.width > 0 && description.height > 0 && facts.rate.numerator > 0 && facts.frameCount > 0;
+    if (facts.hasPicture) {
+        const exporting::FrameView frame = clip.RenderFrame(0);
+        facts.frameKind = exporting::KindOf(frame.format);
+        const exporting::SourceInfo source = exporting::SourceInfoOf(frame.format);
+        facts.bits = source.type == exporting::SampleType::F32 ? 16 : source.bits;
+    }
+    return facts;
+}
+
+ClipPictures::ClipPictures(const exporting::SignalSource& clip, PictureLayout layout,
+                           const exporting::YCbCrCoding& coding, exporting::ChromaRows chromaRows)
+    : mClip(clip)
+{
+    mConversion.target = layout;
+    mConversion.coding = coding;
+    mConversion.chromaRows = chromaRows;
+}
+
+read::Picture ClipPictures::Render(std::int64_t frame)
+{
+    const exporting::FrameView view = mClip.RenderFrame(frame);
+    if (!mConverter || view.format != mConversion.source || view.width != mConversion.width ||
+        view.height != mConversion.height) {
+        mConversion.source = view.format;
+        mConversion.width = view.width;
+        mConversion.height = view.height;
+        mConverter = std::make_unique<exporting::FrameConverter>(mConversion);
+    }
+    return Viewed(mConverter->Convert(view));
+}
+
+} // namespace tessel::verify::reference

@@ -1,0 +1,61 @@
+/// The clip's own pictures, seen as decoded ones are.
+#pragma once
+
+#include <tessel/export/SignalSource.h>
+#include <tessel/export/convert/Conversion.h>
+#include <tessel/export/convert/FrameConverter.h>
+#include <tessel/verify/read/Movie.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace tessel::verify::reference {
+
+/// What a clip is by its description and its frames.
+struct ClipFacts {
+    int width = 0; ///< pixels
+    int height = 0;
+    read::Rational rate; ///< frames per second, in lowest terms
+    std::int64_t frameCount = 0;
+    read::Rational pixelAspect;
+    read::FieldOrder fields = read::FieldOrder::Progressive;
+    int primaries = 2; ///< H.273
+    int transfer = 2;
+    int matrix = 2;
+    bool fullRange = false;
+    int sampleRate = 0;
+    int channels = 0;
+    exporting::PixelKind frameKind; ///< of the frames as they are painted
+    int bits = 8;                   ///< of their samples; floats count as 16
+    bool hasPicture = false;
+
+    [[nodiscard]] double SecondsOf(std::int64_t frame) const noexcept
+    {
+        return rate.numerator > 0 ? static_cast<double>(frame) / rate.Value() : 0.0;
+    }
+};
+
+/// Renders frame 0 to learn the format. @throws importhost::HostError where the clip cannot be painted
+[[nodiscard]] ClipFacts FactsOf(const exporting::SignalSource& clip);
+
+/// Frames of a clip in one layout. Threads: one object, one thread at a time.
+class ClipPictures {
+public:
+    /// @param clip  borrowed
+    ClipPictures(const exporting::SignalSource& clip, exporting::PictureLayout layout,
+                 const exporting::YCbCrCoding& coding, exporting::ChromaRows chromaRows);
+
+    /// @param frame  of the clip. @throws importhost::HostError, exporting::ExportError
+    [[nodiscard]] read::Picture Render(std::int64_t frame);
+
+private:
+    const exporting::SignalSource& mClip;
+    exporting::Conversion mConversion;
+    std::unique_ptr<exporting::FrameConverter> mConverter;
+};
+
+/// FFmpeg's name of a layout that the conversion makes; nothing for those that decoders do not give.
+[[nodiscard]] std::optional<exporting::PictureLayout> LayoutNamed(const std::string& ffmpegName);
+
+} // namespace tessel::verify::reference
