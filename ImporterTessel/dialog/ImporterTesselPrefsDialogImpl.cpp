@@ -2,7 +2,6 @@
 
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
-#include <kestrel/qelui/toolkit/UserInterface.h>
 #include <kestrel/qelworkspace/Workspace.h>
 
 #include <sstream>
@@ -112,10 +111,8 @@ void ImporterTesselPrefsDialogImpl::BindControls()
     bindAll(Bindings::kStaticTexts);
     BindColorColumns();
     InitializeControls();
-    // The host may show a picture of the settings; all that it gets is their text.
-    if (const auto& render = qelui::UserInterface::Get().GetPreviewRenderer()) {
-        GetDialog().SetPreview([this, render] { return render(TesselToUTF8String(mPrefs)); });
-    }
+    // The host shows a picture of the settings, and keeps them where a save failed.
+    GetDialog().SetDocument([this] { return TesselToUTF8String(mPrefs); });
 }
 
 void CreatePrefsDialog(qelcore::classref::UnknownBase& source, const qelui::DrawSupplier& supplier,

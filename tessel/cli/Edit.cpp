@@ -2,19 +2,20 @@
 
 #include "CommandLine.h"
 #include "Commands.h"
+#include "EditedDocument.h"
 #include "SequenceOptions.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/importhost/SettingsExchange.h>
 #include <kestrel/importhost/SettingsPreview.h>
-#include <kestrel/orb/File.h>
+#include <kestrel/orb/SaveReport.h>
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
 
 #include <memory>
-#include <span>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
@@ -39,35 +40,20 @@ struct EditOptions {
     bool allowDefault = false;
 };
 
-/// Writes the document so that the file holds the old text or the new one, never a part. @throws HostError
-void WriteDocument(const std::filesystem::path& file, const std::string& text)
-{
-    const std::u16string path = qelcore::text::ToUTF16(file.native());
-    ORB::File out;
-    ORB::Status status = ORB::File::Create(path, 3, 3, 2, 1, 0, out);
-    if (status >= 0) {
-        status = out.Write(std::span<const char>(text));
-    }
-    if (status < 0) {
-        const char* const reason = status == ORB::kNotFound       ? "its folder does not exist"
-                                   : status == ORB::kAccessDenied ? "permission denied"
-                                   : status == ORB::kInvalidPath  ? "this is no file name"
-                                                                  : "the disk is full or broken";
-        throw HostError(DisplayName(file) + ": cannot be written: " + reason + "; the settings are not saved");
-    }
-}
-
-/// Does what the person decided.
-void KeepDecision(const EditedSettings& edited, const std::filesystem::path& target)
+/// Does what the person decided. @throws HostError  where the settings are not where the person wanted them
+void KeepDecision(const EditedSettings& edited, const ORB::SaveReport& lastSave,
+                  const std::optional<std::string>& document, const std::filesystem::path& target)
 {
     switch (edited.decision) {
     case SettingsDecision::Cancelled:
         return;
     case SettingsDecision::UseFile:
-        // The dialog lets a person use a file that could not be saved.
-        if (std::error_code error; !std::filesystem::exists(edited.newFile, error)) {
+        // The dialog lets a person use a file that could not be saved, also over an older file of that name.
+        if (std::error_code error; lastSave.status < 0 || !std::filesystem::exists(edited.newFile, error)) {
+            const std::string why = lastSave.status < 0 ? lastSave.failure : "it is no longer there";
             throw HostError(DisplayName(edited.newFile) +
-                            ": the file that the clip is to use could not be saved; the settings are lost");
+                            ": the file that the clip is to use could not be saved: " + why + "; " +
+                            KeepUnsaved(target, document));
         }
         WriteOut(edited.newFile.string() + '\n');
         return;
@@ -76,10 +62,33 @@ void KeepDecision(const EditedSettings& edited, const std::filesystem::path& tar
     }
     if (!edited.text) {
         throw HostError(DisplayName(target) +
-                        ": the settings are too long to be handed back and are not saved; to keep them, save "
-                        "them to a file in the dialog and check \"Use File\"");
+                        ": the settings are too long to be handed back and are not saved; " +
+                        KeepUnsaved(target, document));
     }
-    WriteDocument(target, *edited.text);
+    if (const auto failure = WriteDocument(target, *edited.text)) {
+        throw HostError(DisplayName(target) + ": cannot be written: " + *failure + "; " +
+                        KeepUnsaved(target, edited.text));
+    }
+}
+
+/// Shows the dialog.
+/// @param lastSave  Receives what became of the last save in the dialog; stays as it is where there was none.
+/// @throws HostError  it failed; says where the settings are that it held
+EditedSettings ShowDialog(const importhost::Importer& importer, const EditOptions& options,
+                          const importhost::SequenceValues& sequence, ORB::SaveReport& lastSave)
+{
+    const ORB::ScopedSaveListener listener([&lastSave](const ORB::SaveReport& report) { lastSave = report; });
+    try {
+        return options.clip.empty() ? importhost::EditNewClipSettings(importer, sequence)
+                                    : importhost::EditClipSettings(importer, options.clip);
+    } catch (const HostError& error) {
+        const std::optional<std::string>& document = qelui::UserInterface::Get().LastDocument();
+        if (!document) {
+            throw;
+        }
+        const std::filesystem::path& target = options.out.empty() ? options.clip : options.out;
+        throw HostError(std::string(error.what()) + "; " + KeepUnsaved(target, document));
+    }
 }
 
 /// A document of another name would be refused by everything that opens clips. @throws UsageError
@@ -126,8 +135,8 @@ void Edit(Context& context, const EditOptions& options)
     userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
         return importhost::RenderSettingsPreview(*importer, settingsText);
     });
-    const EditedSettings edited = isNew ? importhost::EditNewClipSettings(*importer, sequence)
-                                        : importhost::EditClipSettings(*importer, options.clip);
+    ORB::SaveReport lastSave;
+    const EditedSettings edited = ShowDialog(*importer, options, sequence, lastSave);
     if (const auto& failure = userInterface.LastScriptFailure()) {
         throw HostError(importhost::OneLine(failure->Describe()));
     }
@@ -135,7 +144,13 @@ void Edit(Context& context, const EditOptions& options)
     for (std::string line; std::getline(warnings, line);) {
         WriteError("warning: " + line);
     }
-    KeepDecision(edited, options.out.empty() ? options.clip : options.out);
+    if (lastSave.status < 0 && edited.decision != SettingsDecision::UseFile) {
+        // The dialog itself is silent about saves by its Save File and OK buttons.
+        WriteError("warning: " + qelcore::text::ToUTF8(lastSave.path) +
+                   ": could not be saved: " + lastSave.failure);
+    }
+    KeepDecision(edited, lastSave, userInterface.LastDocument(),
+                 options.out.empty() ? options.clip : options.out);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <functional>
+#include <new>
 #include <stdexcept>
 
 using kestrelqt::Click;
@@ -125,6 +126,33 @@ TEST(DialogWindow, WhatAHandlerThrowsIsThrownAfterTheModalRun)
     EXPECT_TRUE(cameBack);
     EXPECT_EQ(test.dialog.NativeWindow(), nullptr) << "the window is gone by then";
     EXPECT_EQ(test.oks + test.cancels, 0);
+}
+
+TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
+{
+    OkCancelDialog test;
+    int documents = 0;
+    test.dialog.SetDocument([&documents]() -> std::string {
+        if (++documents == 2) {
+            throw std::bad_alloc();
+        }
+        return {};
+    });
+    auto& userInterface = qelui::UserInterface::Get();
+    userInterface.SetPreviewRenderer([](const std::string&) {
+        return qelui::PreviewPicture{1, 1, {0xFF336699}};
+    });
+    RunWith(test.dialog, [&](QWidget& window) {
+        test.dialog.GetControl<qelui::UI_Button>("act").SetLabel("Changed");
+        QTimer::singleShot(400, &window, [&] { // a preview waits until nothing has changed for a moment
+            EXPECT_FALSE(test.dialog.IsClosed());
+            ButtonOf(window, "okButton").click();
+        });
+    });
+    userInterface.SetPreviewRenderer({});
+    EXPECT_EQ(documents, 3) << "at first, after the change, at the end";
+    EXPECT_EQ(test.oks, 1);
+    EXPECT_EQ(test.cancels, 0);
 }
 
 TEST(DialogWindow, ABoxAnswersWithTheButtonPressedAndNoWhenClosed)

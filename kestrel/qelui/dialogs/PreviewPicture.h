@@ -15,7 +15,8 @@ struct PreviewPicture {
     std::vector<std::uint32_t> pixels;
 };
 
-/// Makes the picture of a settings document. One without size where the settings have none; does not throw.
+/// Makes the picture of a settings document: one without size where the settings have none. Does not throw.
+/// Costs as much as a frame: call it when nothing has changed for a moment.
 using PreviewRenderer = std::function<PreviewPicture(const std::string& settingsText)>;
 
 } // namespace qelui

@@ -1,5 +1,6 @@
 #include "UI_Dialog.h"
 
+#include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelui/controls/UI_Button.h>
 #include <kestrel/qelui/script/ScriptRunner.h>
 #include <kestrel/qelui/toolkit/Toolkit.h>
@@ -24,6 +25,7 @@ void UI_Dialog::RunModal()
 {
     UserInterface& userInterface = UserInterface::Get();
     userInterface.SetScriptFailure(std::nullopt);
+    userInterface.SetLastDocument(std::nullopt);
     Toolkit& toolkit = userInterface.GetToolkit();
 
     std::unique_ptr<script::ScriptRunner> runner;
@@ -39,6 +41,7 @@ void UI_Dialog::RunModal()
     }
     RequestCancel();
     mScript = nullptr;
+    userInterface.SetLastDocument(DocumentNow());
     if (runner) {
         userInterface.SetScriptFailure(runner->Failure());
     }
@@ -67,6 +70,17 @@ void UI_Dialog::RequestCancel()
         cancel->Press();
     }
     Close();
+}
+
+std::optional<std::string> UI_Dialog::DocumentNow() const noexcept
+{
+    try {
+        return mDocument ? std::optional(mDocument()) : std::nullopt;
+    } catch (...) {
+        qelcore::logging::LogCurrentException(
+            "qelui::UI_Dialog"); // The dialog's own result counts all the same.
+        return std::nullopt;
+    }
 }
 
 void UI_Dialog::KeepException(std::exception_ptr exception) noexcept

@@ -4,10 +4,10 @@
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 #include <kestrel/qelui/controls/UI_Group.h>
-#include <kestrel/qelui/dialogs/PreviewPicture.h>
 
 #include <exception>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace qelui {
@@ -54,8 +54,9 @@ public:
     /// Shows the dialog until it is closed.
     ///
     /// Chooses the toolkit, loads the script where one is named, and gives both to `Toolkit::RunModal`. A
-    /// dialog that is still open when the toolkit returns is cancelled. What a change handler threw is
-    /// thrown from here, once the window is gone.
+    /// dialog that is still open when the toolkit returns is cancelled. `UserInterface::LastDocument` gives the
+    /// document that the controls describe at the end. What a change handler threw is thrown from here, once
+    /// the window is gone.
     /// @throws NoToolkitError  no toolkit can be had; nothing was shown.
     void RunModal();
 
@@ -73,24 +74,25 @@ public:
     /// The script that plays on this dialog, null for none. Valid during `RunModal`.
     [[nodiscard]] script::ScriptRunner* Script() const noexcept { return mScript; }
 
-    /// Optional: a picture of what the controls describe now, for a toolkit that has room to show one beside
-    /// them. Empty where the dialog has none. Costs as much as one frame: call it when idle after changes,
-    /// at low priority. It shows a picture without size when the settings have none; it does not throw. @{
-    using Preview = std::function<PreviewPicture()>;
-    [[nodiscard]] const Preview& GetPreview() const noexcept { return mPreview; }
-    void SetPreview(Preview preview) { mPreview = std::move(preview); }
+    /// Optional: makes the document that the controls describe now. A toolkit shows a picture of it beside the
+    /// controls (`UserInterface::GetPreviewRenderer`), and a program can keep it where the plug-in could not
+    /// save it. Empty where the dialog has none. May throw, like a change handler. @{
+    using Document = std::function<std::string()>;
+    [[nodiscard]] const Document& GetDocument() const noexcept { return mDocument; }
+    void SetDocument(Document document) { mDocument = std::move(document); }
     /// @}
 
 private:
     friend class UI_ControlView;
     void KeepException(std::exception_ptr exception) noexcept;
+    [[nodiscard]] std::optional<std::string> DocumentNow() const noexcept;
 
     std::string mTitle;
     TopLevelWindow* mParentWindow = nullptr;
     DrawSupplier mDrawSupplier;
     WindowObserver* mObserver = nullptr;
     script::ScriptRunner* mScript = nullptr;
-    Preview mPreview;
+    Document mDocument;
     bool mClosed = false;
     std::exception_ptr mKeptException;
 };

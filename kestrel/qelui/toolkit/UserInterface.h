@@ -55,8 +55,14 @@ public:
     [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
     void SetScriptFailure(std::optional<ScriptFailure> failure);
 
-    /// What this program offers to dialogs that can show a picture of their settings; empty where it offers
-    /// nothing. @{
+    /// The document that the last dialog's controls described when it closed, however it was closed; nothing
+    /// where the dialog offers none. @{
+    [[nodiscard]] const std::optional<std::string>& LastDocument() const noexcept { return mLastDocument; }
+    void SetLastDocument(std::optional<std::string> document) { mLastDocument = std::move(document); }
+    /// @}
+
+    /// How this program makes pictures of documents, for a toolkit that shows one beside a dialog's controls;
+    /// empty where it makes none. @{
     [[nodiscard]] const PreviewRenderer& GetPreviewRenderer() const noexcept { return mPreviewRenderer; }
     void SetPreviewRenderer(PreviewRenderer renderer) { mPreviewRenderer = std::move(renderer); }
     /// @}
@@ -70,6 +76,7 @@ private:
     Toolkit* mToolkit = nullptr;
     std::filesystem::path mScript;
     std::optional<ScriptFailure> mFailure;
+    std::optional<std::string> mLastDocument;
     PreviewRenderer mPreviewRenderer;
 };
 

@@ -3,6 +3,7 @@
 #include "PreviewPane.h"
 
 #include <kestrel/qelui/script/ScriptRunner.h>
+#include <kestrel/qelui/toolkit/UserInterface.h>
 #include <kestrel/qt/script/QtDriver.h>
 
 #include <QCloseEvent>
@@ -47,7 +48,7 @@ DialogWindow::DialogWindow(qelui::UI_Dialog& dialog) : QDialog(ParentOf(dialog))
     auto* const body = new QHBoxLayout;
     body->setContentsMargins(0, 0, 0, 0);
     body->addWidget(scroll, 1);
-    if (dialog.GetPreview()) {
+    if (dialog.GetDocument() && qelui::UserInterface::Get().GetPreviewRenderer()) {
         auto* const side = new QVBoxLayout;
         const int margin = qMax(dialog.Margin(), 0);
         side->setContentsMargins(0, margin, margin, margin);

@@ -1,5 +1,6 @@
 #include "PreviewPane.h"
 
+#include <kestrel/qelui/toolkit/UserInterface.h>
 #include <kestrel/qt/style/Theme.h>
 
 #include <QPainter>
@@ -14,6 +15,30 @@ constexpr int kChecker = 8;             // logical pixels
 constexpr int kWidth = 320;             // logical pixels
 constexpr int kTallest = 480;           // a portrait picture is narrower instead
 constexpr int kCaptionGap = 8;
+
+QImage ToImage(const qelui::PreviewPicture& picture)
+{
+    QImage image(picture.width, picture.height, QImage::Format_ARGB32);
+    for (int row = 0; row < image.height(); ++row) {
+        std::memcpy(image.scanLine(row),
+                    picture.pixels.data() +
+                        static_cast<std::size_t>(row) * static_cast<std::size_t>(picture.width),
+                    static_cast<std::size_t>(picture.width) * sizeof(std::uint32_t));
+    }
+    return image;
+}
+
+/// None where the document cannot be made, for instance for lack of memory: a preview is no reason to close
+/// the dialog, and an exception must not reach Qt's event loop.
+QImage PictureOf(const qelui::UI_Dialog& dialog) noexcept
+{
+    try {
+        const auto& render = qelui::UserInterface::Get().GetPreviewRenderer();
+        return render ? ToImage(render(dialog.GetDocument()())) : QImage();
+    } catch (...) {
+        return {};
+    }
+}
 
 } // namespace
 
@@ -44,14 +69,7 @@ void PreviewPane::RefreshIfDue()
 
 void PreviewPane::Refresh()
 {
-    const qelui::PreviewPicture picture = mDialog.GetPreview()();
-    mPicture = QImage(picture.width, picture.height, QImage::Format_ARGB32);
-    for (int row = 0; row < mPicture.height(); ++row) {
-        std::memcpy(mPicture.scanLine(row),
-                    picture.pixels.data() +
-                        static_cast<std::size_t>(row) * static_cast<std::size_t>(picture.width),
-                    static_cast<std::size_t>(picture.width) * sizeof(std::uint32_t));
-    }
+    mPicture = PictureOf(mDialog);
     update();
 }
 

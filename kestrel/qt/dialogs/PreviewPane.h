@@ -9,7 +9,7 @@
 
 namespace kestrelqt {
 
-/// Asks the dialog for its preview a moment after the last change, and shows it at its own aspect;
+/// Renders the dialog's document a moment after the last change, and shows it at its own aspect;
 /// transparent parts over a checkerboard.
 class PreviewPane final : public QWidget {
 public:

@@ -1,12 +1,15 @@
 #include "FakeToolkit.h"
 
+#include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelui/controls/UI_Button.h>
 #include <kestrel/qelui/controls/UI_Number.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <vector>
 
@@ -133,6 +136,41 @@ TEST(Dialog, TheObserverHearsOfCodeAndPersonAlikeAndOfTheEndOnce)
     const std::vector<UI_ControlView*> wanted{&small.number, &small.number, &small.button};
     EXPECT_EQ(recorder.changed, wanted);
     EXPECT_EQ(recorder.closed, 1);
+}
+
+TEST(Dialog, TheDocumentAtItsEndIsKeptHoweverItCloses)
+{
+    const auto documentAfter = [](const std::function<void(SmallDialog&)>& act) {
+        SmallDialog small;
+        small.dialog.SetDocument([&small] { return "n is " + std::to_string(small.number.GetValue()); });
+        small.button.NotifyWhenChanged([] { throw std::runtime_error("handler"); });
+        const FakeToolkit toolkit([&](UI_Dialog&) {
+            small.number.EnterValue(5.0);
+            act(small);
+        });
+        try {
+            small.dialog.RunModal();
+        } catch (const std::runtime_error&) { // the case below whose handler throws
+        }
+        return UserInterface::Get().LastDocument().value_or("none");
+    };
+    EXPECT_EQ(documentAfter([](SmallDialog& small) { small.ok.Press(); }), "n is 5.000000");
+    EXPECT_EQ(documentAfter([](SmallDialog& small) { small.cancel.Press(); }), "n is 5.000000");
+    EXPECT_EQ(documentAfter([](SmallDialog& small) { small.button.Press(); }), "n is 5.000000");
+    EXPECT_EQ(documentAfter([](SmallDialog& small) { small.dialog.SetDocument({}); }), "none");
+}
+
+TEST(Dialog, ADocumentThatCannotBeMadeIsNoneAndChangesNothing)
+{
+    SmallDialog small;
+    small.dialog.SetDocument([]() -> std::string { throw std::bad_alloc(); });
+    const FakeToolkit toolkit([&](UI_Dialog&) { small.ok.Press(); });
+    std::string logged;
+    const qelcore::logging::ScopedListener listener(
+        [&](const qelcore::logging::Message& message) { logged += message.text; });
+    EXPECT_NO_THROW(small.dialog.RunModal());
+    EXPECT_FALSE(UserInterface::Get().LastDocument());
+    EXPECT_FALSE(logged.empty());
 }
 
 TEST(FileDialog, HandsItsRequestToTheToolkitAndKeepsTheAnswer)
