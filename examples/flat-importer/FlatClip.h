@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <locale>
 #include <optional>
@@ -75,8 +76,9 @@ inline FlatClip ParseClip(const std::string& text)
 inline std::optional<std::string> ReadText(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);
-    std::string text;
-    std::getline(file, text, '\0'); // all of it: a text has no NUL
-    // A folder can be opened, but not read.
-    return file.is_open() && !file.bad() ? std::optional(text) : std::nullopt;
+    if (!file.is_open() || std::filesystem::is_directory(path)) { // a folder can be opened, but not read
+        return std::nullopt;
+    }
+    // The stream's own functions would call a failed allocation an unreadable file.
+    return std::string(std::istreambuf_iterator<char>(file), {});
 }
