@@ -1,5 +1,8 @@
 #include "Check.h"
 
+#include "general/GeneralChecks.h"
+#include "tessel/TesselChecks.h"
+
 #include <iterator>
 
 namespace conformance {
@@ -20,9 +23,30 @@ void ExpectEqual(long long actual, long long expected, const std::string& what)
 std::vector<Check> AllChecks()
 {
     std::vector<Check> all;
-    for (auto* const subject : {SelectorChecks, StartUpChecks, RegistrationChecks, InstanceChecks,
-                                DescriptionChecks, SettingsTextChecks, SettingsDialogChecks, DocumentChecks,
-                                FrameChecks, SwatchChecks, AudioChecks, AllocationChecks}) {
+    for (auto* const subject : {LibraryChecks,
+                                RegistrationChecks,
+                                FileTypeChecks,
+                                RequestChecks,
+                                OpenChecks,
+                                DescribeChecks,
+                                FrameChecks,
+                                AudioChecks,
+                                ColorChecks,
+                                SettingsChecks,
+                                ThreadChecks,
+                                AllocationChecks,
+                                TesselSelectorChecks,
+                                TesselStartUpChecks,
+                                TesselRegistrationChecks,
+                                TesselInstanceChecks,
+                                TesselDescriptionChecks,
+                                TesselSettingsTextChecks,
+                                TesselSettingsDialogChecks,
+                                TesselDocumentChecks,
+                                TesselFrameChecks,
+                                TesselSwatchChecks,
+                                TesselAudioChecks,
+                                TesselBarrierChecks}) {
         std::vector<Check> checks = subject();
         std::move(checks.begin(), checks.end(), std::back_inserter(all));
     }

@@ -1,11 +1,10 @@
 /// Conformance checks: each has an id and a sentence, and runs in a process of its own.
 #pragma once
 
-#include "Plugin.h"
+#include "host/Plugin.h"
 
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace conformance {
@@ -16,10 +15,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// What a check throws when it cannot say anything about this plug-in; the text is the reason.
+class Skipped : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Checks of any importer, and checks of what Tessel's importer adds: its documents, pictures and dialog.
+enum class Suite { General, Tessel };
+
 struct Check {
-    std::string id;       ///< stable, dotted: "start-up.gate.capital-true"
+    std::string id;       ///< stable; the subject before the last dot: "frame.as-described"
     std::string sentence; ///< what a conforming plug-in does
     void (*run)(Plugin& plugin) = nullptr;
+
+    /// Ids of the Tessel suite begin with "tessel.".
+    [[nodiscard]] Suite InSuite() const { return id.rfind("tessel.", 0) == 0 ? Suite::Tessel : Suite::General; }
 };
 
 /// @throws Violation with `what` where `holds` is false.
@@ -28,22 +39,7 @@ void Expect(bool holds, const std::string& what);
 /// The same for two numbers, both of which the message shows.
 void ExpectEqual(long long actual, long long expected, const std::string& what);
 
-/// The checks of each subject. @{
-[[nodiscard]] std::vector<Check> SelectorChecks();
-[[nodiscard]] std::vector<Check> StartUpChecks();
-[[nodiscard]] std::vector<Check> RegistrationChecks();
-[[nodiscard]] std::vector<Check> InstanceChecks();
-[[nodiscard]] std::vector<Check> DescriptionChecks();
-[[nodiscard]] std::vector<Check> SettingsTextChecks();
-[[nodiscard]] std::vector<Check> SettingsDialogChecks();
-[[nodiscard]] std::vector<Check> DocumentChecks();
-[[nodiscard]] std::vector<Check> FrameChecks();
-[[nodiscard]] std::vector<Check> SwatchChecks();
-[[nodiscard]] std::vector<Check> AudioChecks();
-[[nodiscard]] std::vector<Check> AllocationChecks();
-/// @}
-
-/// All of them, in the order above.
+/// Every check of both suites, the general ones first.
 [[nodiscard]] std::vector<Check> AllChecks();
 
 } // namespace conformance

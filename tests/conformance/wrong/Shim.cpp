@@ -1,13 +1,23 @@
-#include "Shim.h"
+/// The library's two entries, and the right plug-in behind them.
 
-#include <kestrel/importabi/ResultCodes.h>
+#include "WrongPlugin.h"
+
+#include <kestrel/importabi/Resources.h>
 
 #include <dlfcn.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <new>
+
+// What the right plug-in's file says about itself without running. The layouts are left out: the right plug-in
+// would find these before its own.
+#define NAME_KEY "$$$/Corvid/Importers/ImporterTessel/Name=Tessel Test Tool"
+#define MATCH_NAME "ZOKE Tessel"
+KS_IMPORTER_RESOURCES(NAME_KEY, MATCH_NAME);
+
+namespace wrong {
 
 namespace {
 
@@ -17,38 +27,44 @@ void* RightLibrary()
     return library;
 }
 
+const char* ChosenName()
+{
+    const char* name = std::getenv("WRONG_PLUGIN"); // NOLINT(concurrency-mt-unsafe): only read
+    return name != nullptr ? name : "";
+}
+
+const WrongPlugin& Chosen()
+{
+    static const WrongPlugin chosen = [] {
+        for (auto* const table : {WrongAnswers, WrongInstances, WrongTexts, WrongFrames, WrongSound}) {
+            for (const WrongPlugin& row : table()) {
+                if (std::strcmp(row.name, ChosenName()) == 0) {
+                    return row;
+                }
+            }
+        }
+        std::fprintf(stderr, "WRONG_PLUGIN names no wrong plug-in: '%s'\n", ChosenName());
+        std::abort();
+    }();
+    return chosen;
+}
+
 } // namespace
 
-std::int32_t Right(std::int32_t selector, const ksStdParms* stdParms, void* param1, void* param2)
+std::int32_t Right(const Request& request)
 {
     static const auto entry = reinterpret_cast<ksImportEntry>(dlsym(RightLibrary(), kImportEntryName));
-    return entry(selector, stdParms, param1, param2);
+    return entry(request.selector, request.stdParms, request.param1, request.param2);
 }
 
-void RightIdentity(void* hostContext, ksPluginDataCallback callback)
-{
-    static const auto entry = reinterpret_cast<ksPluginDataEntry>(dlsym(RightLibrary(), kPluginDataEntryName));
-    entry(hostContext, callback);
-}
-
-std::optional<std::string> ContentOf(const ksUTF16* path)
-{
-    std::ifstream stream;
-    if (path != nullptr && std::filesystem::is_regular_file(path)) {
-        stream.open(std::filesystem::path(path), std::ios::binary);
-    }
-    if (!stream.is_open()) {
-        return std::nullopt;
-    }
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
+} // namespace wrong
 
 extern "C" std::int32_t xImportEntry(std::int32_t selector, const ksStdParms* stdParms, void* param1,
                                      void* param2)
 {
     // The checker also fails the allocations of the wrong plug-in's own code.
     try {
-        return Wrong(selector, stdParms, param1, param2);
+        return wrong::Chosen().serve({selector, stdParms, param1, param2});
     } catch (const std::bad_alloc&) {
         return ksResultOutOfMemory;
     }
@@ -56,5 +72,7 @@ extern "C" std::int32_t xImportEntry(std::int32_t selector, const ksStdParms* st
 
 extern "C" void PluginDataEntryFunction(void* hostContext, ksPluginDataCallback callback)
 {
-    WrongIdentity(hostContext, callback);
+    const bool isMisnamed = std::strcmp(wrong::ChosenName(), "MisnamesItsIdentity") == 0;
+    callback(hostContext, isMisnamed ? "Name=Something Else" : NAME_KEY, MATCH_NAME, "Importer", "", 0x494D5054,
+             13, 29, 0);
 }

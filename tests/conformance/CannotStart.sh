@@ -1,0 +1,28 @@
+#!/bin/sh
+# CannotStart.sh CHECKER PLUGIN
+# Where no process can be started for a check, the check has failed and says why.
+set -u
+expect_not_run()
+{
+    what=$1
+    shift
+    output=$("$@" --check requests.out-of-range 2>&1)
+    status=$?
+    case "$status $output" in
+        "1 "*"FAIL  requests.out-of-range"*"not run: "*"0 passed, 1 failed, 0 skipped"*) ;;
+        *)
+            echo "$what: exit $status, expected 1 and one failed check that was not run:"
+            echo "$output"
+            exit 1
+            ;;
+    esac
+}
+# Descriptors 0 to 3 remain: enough to load libraries one after another, one too few for a pipe.
+exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-
+expect_not_run "too few files" prlimit --nofile=4 "$@"
+# The limit on processes does not hold for the administrator, who becomes somebody else here.
+if [ "$(id -u)" = 0 ]; then
+    expect_not_run "too few processes" setpriv --reuid=65534 --clear-groups prlimit --nproc=1 "$@"
+else
+    expect_not_run "too few processes" prlimit --nproc=1 "$@"
+fi
