@@ -10,7 +10,7 @@
 #include <tessel/export/files/OutputFile.h>
 #include <tessel/export/files/OutputFolder.h>
 #include <tessel/export/files/SequenceWriter.h>
-#include <tessel/export/plan/Containers.h>
+#include <tessel/export/plan/Container.h>
 
 #include <fmt/format.h>
 
@@ -53,20 +53,20 @@ struct Options {
 struct Target {
     fs::path clip;
     fs::path output;
-    Container container = Container::Mkv;
+    const Container* container = nullptr;
 };
 
-Container FormatNamed(const std::string& name)
+const Container& FormatNamed(const std::string& name)
 {
-    const std::optional<Container> container = exporting::ContainerNamed(name);
-    if (!container) {
+    const Container* container = exporting::ContainerNamed(name);
+    if (container == nullptr) {
         throw UsageError(
             fmt::format("--format {} is not known; there are {}", name, exporting::ContainerNames()));
     }
     return *container;
 }
 
-Container ContainerOf(const Options& options)
+const Container& ContainerOf(const Options& options)
 {
     if (!options.format.empty()) {
         return FormatNamed(options.format);
@@ -79,11 +79,10 @@ Container ContainerOf(const Options& options)
     if (!extension.empty()) {
         extension.erase(0, 1);
     }
-    const std::optional<Container> container = exporting::ContainerNamed(extension);
-    if (!container) {
+    const Container* container = exporting::ContainerNamed(extension);
+    if (container == nullptr) {
         throw UsageError(
-            fmt::format("'{}': the extension says none of the formats that can be written; there are "
-                        "{} (or say --format)",
+            fmt::format("'{}': no format has this extension; the formats are {} (or give --format)",
                         options.output, exporting::ContainerNames()));
     }
     return *container;
@@ -98,17 +97,16 @@ bool NamesFolder(const Options& options)
 }
 
 /// The file that a clip becomes inside a folder.
-fs::path FileInFolder(const fs::path& folder, const fs::path& clip, Container container)
+fs::path FileInFolder(const fs::path& folder, const fs::path& clip, const Container& container)
 {
-    const exporting::ContainerInfo& info = exporting::InfoOf(container);
     std::string name;
     for (const char letter : clip.stem().string()) {
         // In the name of a sequence a lone percent sign would be a number's place.
-        name +=
-            letter == '%' && info.kind == exporting::ContainerKind::Sequence ? "%%" : std::string(1, letter);
+        name += letter == '%' && container.kind == exporting::ContainerKind::Sequence ? "%%"
+                                                                                      : std::string(1, letter);
     }
-    const char* number = info.kind == exporting::ContainerKind::Sequence ? "_%06d" : "";
-    return folder / fmt::format("{}{}.{}", name, number, info.name);
+    const char* number = container.kind == exporting::ContainerKind::Sequence ? "_%06d" : "";
+    return folder / fmt::format("{}{}.{}", name, number, container.name);
 }
 
 /// Several clips do not fit into one file: what reads like a file's name is not taken for a folder's.
@@ -122,9 +120,9 @@ void RequireFolderName(const Options& options)
     }
     const std::string extension = path.has_extension() ? path.extension().string().substr(1) : "";
     const fs::path folder = path.parent_path() / (isNumbered ? fs::path("out") : path.stem());
-    throw UsageError(fmt::format("several clips cannot all become '{}'; name a folder, as in -o {}/{}",
-                                 options.output, folder.string(),
-                                 exporting::ContainerNamed(extension) ? " --format " + extension : ""));
+    throw UsageError(fmt::format(
+        "several clips cannot all become '{}'; name a folder, as in -o {}/{}", options.output, folder.string(),
+        exporting::ContainerNamed(extension) != nullptr ? " --format " + extension : ""));
 }
 
 void RequireSequenceName(const fs::path& file)
@@ -142,18 +140,18 @@ std::vector<Target> TargetsOf(const Options& options)
         throw UsageError("several clips cannot share standard output; name a folder");
     }
     if (!NamesFolder(options)) {
-        const Target target{options.clips.front(), options.output, ContainerOf(options)};
-        if (exporting::InfoOf(target.container).kind == exporting::ContainerKind::Sequence) {
+        const Target target{options.clips.front(), options.output, &ContainerOf(options)};
+        if (target.container->kind == exporting::ContainerKind::Sequence) {
             RequireSequenceName(target.output);
         }
         return {target};
     }
     RequireFolderName(options);
-    const Container container = options.format.empty() ? Container::Mkv : FormatNamed(options.format);
+    const Container& container = FormatNamed(options.format.empty() ? "mkv" : options.format);
     std::vector<Target> targets;
     std::set<fs::path> names;
     for (const std::string& clip : options.clips) {
-        targets.push_back({clip, FileInFolder(options.output, clip, container), container});
+        targets.push_back({clip, FileInFolder(options.output, clip, container), &container});
         if (!names.insert(targets.back().output).second) {
             throw UsageError(fmt::format("two clips would become '{}'; render them one by one",
                                          targets.back().output.string()));
@@ -162,10 +160,10 @@ std::vector<Target> TargetsOf(const Options& options)
     return targets;
 }
 
-exporting::OutputRequest RequestOf(const Options& options, Container container)
+exporting::OutputRequest RequestOf(const Options& options, const Container& container)
 {
     exporting::OutputRequest request;
-    request.container = container;
+    request.container = &container;
     if (options.audioOnly) {
         request.streams = exporting::Streams::AudioOnly;
     } else if (options.videoOnly) {
@@ -173,14 +171,14 @@ exporting::OutputRequest RequestOf(const Options& options, Container container)
     }
     if (!options.videoCodec.empty()) {
         request.videoCodec = exporting::VideoCodecNamed(options.videoCodec);
-        if (!request.videoCodec) {
+        if (request.videoCodec == nullptr) {
             throw UsageError(fmt::format("--video-codec {} is not known; there are {}", options.videoCodec,
                                          exporting::VideoCodecNames()));
         }
     }
     if (!options.audioCodec.empty()) {
         request.audioCodec = exporting::AudioCodecNamed(options.audioCodec);
-        if (!request.audioCodec) {
+        if (request.audioCodec == nullptr) {
             throw UsageError(fmt::format("--audio-codec {} is not known; there are {}", options.audioCodec,
                                          exporting::AudioCodecNames()));
         }
@@ -241,7 +239,7 @@ void RunRender(const Options& options, Context& context)
     }
     const std::vector<Target> targets = TargetsOf(options);
     // All targets are of one format.
-    const exporting::OutputRequest request = RequestOf(options, targets.front().container);
+    const exporting::OutputRequest request = RequestOf(options, *targets.front().container);
     try {
         const exporting::InterruptGuard guard;
         std::optional<exporting::OutputFolder> folder;

@@ -96,7 +96,6 @@ OutputFile OpenTarget(const std::filesystem::path& target)
 /// The span's end in samples: the start of frame `frame`.
 std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& clip, const AudioPlan& plan)
 {
-    RequireRate(clip);
     return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
 }
 
@@ -152,8 +151,7 @@ void RenderSequence(const SignalSource& source, const RenderJob& job, const Outp
     SequenceWriter writer(job.target, job.frames.count);
     auto makers = MakersFor<Bytes>(job, [&] {
         auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
-        std::shared_ptr<VideoEncoder> encoder =
-            VideoEncoder::Make(*plan.video, plan.container, /*threadCount=*/1);
+        std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, /*threadCount=*/1);
         return [&source, &job, converter, encoder](std::int64_t index) {
             Bytes file;
             const Picture picture = converter->Convert(source.RenderFrame(job.frames.first + index));
@@ -208,7 +206,7 @@ void Render(const SignalSource& source, const RenderJob& job)
     const OutputPlan plan = PlanOutput(source.Description(), job.output);
     if (!plan.video) {
         RenderSoundOnly(source, job, plan);
-    } else if (InfoOf(plan.container).kind == ContainerKind::Sequence) {
+    } else if (plan.container->kind == ContainerKind::Sequence) {
         RenderSequence(source, job, plan);
     } else {
         RenderMovie(source, job, plan);

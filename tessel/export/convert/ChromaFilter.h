@@ -1,15 +1,11 @@
 /// Chroma subsampling, with the filters that the formats' own standards assume.
 #pragma once
 
+#include "Conversion.h"
+
 #include <cstdint>
 
 namespace tessel::exporting {
-
-/// Which rows share a chroma row in 4:2:0.
-enum class ChromaRows : std::uint8_t {
-    Frame, ///< rows 2k and 2k+1, halves
-    Field, ///< top field's from rows 4k and 4k+2 as 3:1, bottom field's from 4k+1 and 4k+3 as 1:3
-};
 
 /// A plane of floats in memory without gaps between rows.
 struct FloatPlane {

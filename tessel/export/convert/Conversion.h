@@ -1,7 +1,6 @@
 /// What a conversion from frames to pictures is to make. Plans name one; the converter carries it out.
 #pragma once
 
-#include "ChromaFilter.h"
 #include "Picture.h"
 #include "PixelKind.h"
 
@@ -17,6 +16,12 @@ struct YCbCrCoding {
     bool fullRange = false;
 
     bool operator==(const YCbCrCoding&) const = default;
+};
+
+/// Which rows share a chroma row in 4:2:0.
+enum class ChromaRows : std::uint8_t {
+    Frame, ///< rows 2k and 2k+1, halves
+    Field, ///< top field's from rows 4k and 4k+2 as 3:1, bottom field's from 4k+1 and 4k+3 as 1:3
 };
 
 struct Conversion {

@@ -1,5 +1,6 @@
 #include "FrameConverter.h"
 
+#include "ChromaFilter.h"
 #include "Components.h"
 #include "MatrixConversion.h"
 #include "SourceFrame.h"

@@ -1,11 +1,11 @@
 /// Float samples to the integers of PCM and FLAC.
 #pragma once
 
+#include "Dither.h"
+
 #include <cstdint>
 
 namespace tessel::exporting {
-
-enum class Dither : std::uint8_t { None, Triangular };
 
 /// Rounds floats, full scale ±1, to the nearest integer of `bits` bits, halves upwards; NaN gives 0. Values
 /// beyond full scale clip. Triangular dither (two steps wide) is a function of position and channel alone: the

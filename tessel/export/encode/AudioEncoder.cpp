@@ -15,37 +15,6 @@ extern "C" {
 namespace tessel::exporting {
 namespace {
 
-struct CodecChoice {
-    const char* name;
-    int bits; ///< of integer samples; 0 for float
-};
-
-CodecChoice ChoiceFor(AudioCodec codec) noexcept
-{
-    switch (codec) {
-    case AudioCodec::Pcm16:
-        return {"pcm_s16le", 16};
-    case AudioCodec::Pcm24:
-        return {"pcm_s24le", 24};
-    case AudioCodec::Pcm32:
-        return {"pcm_s32le", 32};
-    case AudioCodec::PcmFloat:
-        return {"pcm_f32le", 0};
-    case AudioCodec::Flac:
-        return {"flac", 24};
-    case AudioCodec::Aac:
-        return {"aac", 0};
-    case AudioCodec::Opus:
-        return {"libopus", 0};
-    }
-    return {"pcm_s24le", 24};
-}
-
-bool NeedsNamedLayout(AudioCodec codec) noexcept
-{
-    return codec == AudioCodec::Aac || codec == AudioCodec::Opus;
-}
-
 void SetLayout(AVCodecContext& context, const AudioPlan& plan)
 {
     const auto count = static_cast<int>(plan.hostChannels.size());
@@ -55,7 +24,7 @@ void SetLayout(AVCodecContext& context, const AudioPlan& plan)
         // Side speakers are what PCM and FLAC readers expect of 5.1, back ones what AAC and Opus know.
         const AVChannelLayout side = AV_CHANNEL_LAYOUT_5POINT1;
         const AVChannelLayout back = AV_CHANNEL_LAYOUT_5POINT1_BACK;
-        libav::Check(av_channel_layout_copy(&layout, NeedsNamedLayout(plan.codec) ? &back : &side),
+        libav::Check(av_channel_layout_copy(&layout, plan.codec->needsNamedLayout ? &back : &side),
                      "cannot set the channel layout");
         return;
     }
@@ -66,7 +35,7 @@ void SetLayout(AVCodecContext& context, const AudioPlan& plan)
     case SpeakerLayout::None:
         break;
     }
-    if (NeedsNamedLayout(plan.codec)) {
+    if (plan.codec->needsNamedLayout) {
         av_channel_layout_default(&layout, count);
         return;
     }
@@ -74,12 +43,19 @@ void SetLayout(AVCodecContext& context, const AudioPlan& plan)
     layout.nb_channels = count;
 }
 
-AVSampleFormat SampleFormatFor(AudioCodec codec, const CodecChoice& choice) noexcept
+/// Integers as wide as the codec's, or floats, interleaved where the codec takes them so.
+AVSampleFormat SampleFormatFor(const AVCodec& codec, int bits) noexcept
 {
-    if (choice.bits == 0) {
-        return codec == AudioCodec::Aac ? AV_SAMPLE_FMT_FLTP : AV_SAMPLE_FMT_FLT;
+    if (bits != 0) {
+        return bits == 16 ? AV_SAMPLE_FMT_S16 : AV_SAMPLE_FMT_S32;
     }
-    return choice.bits == 16 ? AV_SAMPLE_FMT_S16 : AV_SAMPLE_FMT_S32;
+    for (const AVSampleFormat* format = codec.sample_fmts; format != nullptr && *format != AV_SAMPLE_FMT_NONE;
+         ++format) {
+        if (*format == AV_SAMPLE_FMT_FLT) {
+            return AV_SAMPLE_FMT_FLT;
+        }
+    }
+    return AV_SAMPLE_FMT_FLTP;
 }
 
 void CheckSampleRate(const AVCodec& codec, const AudioPlan& plan)
@@ -94,42 +70,36 @@ void CheckSampleRate(const AVCodec& codec, const AudioPlan& plan)
         }
         valid += fmt::format("{}{}", valid.empty() ? "" : ", ", *rate);
     }
-    throw ExportError(fmt::format("{} does not take {} samples per second; it takes {}", NameOf(plan.codec),
+    throw ExportError(fmt::format("{} does not take {} samples per second; it takes {}", plan.codec->name,
                                   plan.sampleRate, valid));
 }
 
 } // namespace
 
-AudioEncoder::AudioEncoder(const AudioPlan& plan, Container container)
-    : mPlan(plan), mQuantizer(std::max(ChoiceFor(plan.codec).bits, 16), plan.dither),
+AudioEncoder::AudioEncoder(const AudioPlan& plan)
+    : mPlan(plan), mQuantizer(std::max(plan.codec->bits, 16), plan.dither),
       mChannelCount(plan.hostChannels.size())
 {
     libav::TakeOverLogging();
-    const CodecChoice choice = ChoiceFor(plan.codec);
-    const AVCodec* codec = avcodec_find_encoder_by_name(choice.name);
-    if (codec == nullptr) {
-        throw ExportError(fmt::format("this build of FFmpeg's libraries has no {} encoder ({})",
-                                      NameOf(plan.codec), choice.name));
-    }
+    const AVCodec* codec = libav::FindEncoder(plan.codec->encoder, plan.codec->name);
     CheckSampleRate(*codec, plan);
     mContext = libav::MakeCodecContext(codec);
     AVCodecContext& context = *mContext;
     context.sample_rate = plan.sampleRate;
     context.time_base = {1, plan.sampleRate};
-    context.sample_fmt = SampleFormatFor(plan.codec, choice);
-    context.bits_per_raw_sample = choice.bits;
+    context.sample_fmt = SampleFormatFor(*codec, plan.codec->bits);
+    context.bits_per_raw_sample = plan.codec->bits;
     context.flags |= AV_CODEC_FLAG_BITEXACT;
-    if (NeedsNamedLayout(plan.codec)) {
-        constexpr std::int64_t kBitsPerChannel = 160'000;
-        context.bit_rate = kBitsPerChannel * static_cast<std::int64_t>(mChannelCount);
+    if (plan.codec->bitsPerChannel != 0) {
+        context.bit_rate = plan.codec->bitsPerChannel * static_cast<std::int64_t>(mChannelCount);
     }
-    if (container == Container::Mkv || container == Container::Mov || container == Container::Mp4) {
+    if (plan.headersOutOfBand) {
         context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
     SetLayout(context, plan);
     libav::Check(avcodec_open2(&context, codec, nullptr),
-                 fmt::format("cannot encode {} audio of {} channels at {} Hz", NameOf(plan.codec),
-                             mChannelCount, plan.sampleRate));
+                 fmt::format("cannot encode {} audio of {} channels at {} Hz", plan.codec->name, mChannelCount,
+                             plan.sampleRate));
 }
 
 void AudioEncoder::DescribeStream(AVStream& stream) const
@@ -141,7 +111,7 @@ void AudioEncoder::DescribeStream(AVStream& stream) const
 void AudioEncoder::Encode(const std::vector<const float*>& channels, std::int64_t count,
                           std::int64_t clipPosition, const Sink& sink)
 {
-    const bool isFloat = ChoiceFor(mPlan.codec).bits == 0;
+    const bool isFloat = mPlan.codec->bits == 0;
     for (std::int64_t i = 0; i < count; ++i) {
         for (std::size_t channel = 0; channel < mChannelCount; ++channel) {
             const float sample = channels[channel][i];

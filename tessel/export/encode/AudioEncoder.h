@@ -3,7 +3,8 @@
 
 #include "LibavHandles.h"
 
-#include <tessel/export/plan/OutputPlan.h>
+#include <tessel/export/convert/SampleQuantizer.h>
+#include <tessel/export/plan/AudioPlan.h>
 
 #include <functional>
 #include <vector>
@@ -17,7 +18,7 @@ public:
     using Sink = std::function<void(AVPacket& packet)>;
 
     /// @throws ExportError  where the codec is not built into FFmpeg's libraries or refuses
-    AudioEncoder(const AudioPlan& plan, Container container);
+    explicit AudioEncoder(const AudioPlan& plan);
 
     void DescribeStream(AVStream& stream) const;
 

@@ -1,6 +1,9 @@
 #include "DpxHeader.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <utility>
 
 namespace tessel::exporting {
 namespace {
@@ -15,36 +18,32 @@ enum class DpxColor : std::uint8_t {
     Bt601At525 = 8
 };
 
-DpxColor Colorimetry(const ColorTags& tags) noexcept
+/// Primaries of H.273 and their colorimetry.
+constexpr std::array<std::pair<int, DpxColor>, 4> kColorimetries{{{h273::kBt709, DpxColor::Bt709},
+                                                                  {h273::kUnspecified, DpxColor::Unspecified},
+                                                                  {h273::kBt470Bg, DpxColor::Bt601At625},
+                                                                  {h273::kBt601, DpxColor::Bt601At525}}};
+
+/// Transfers of H.273 and their characteristic. BT.601 has one transfer for both its line counts: which of
+/// them, the primaries tell.
+constexpr std::array<std::pair<int, DpxColor>, 4> kTransfers{{{h273::kBt709, DpxColor::Bt709},
+                                                              {h273::kUnspecified, DpxColor::Unspecified},
+                                                              {h273::kBt601, DpxColor::Bt601At525},
+                                                              {h273::kLinear, DpxColor::Linear}}};
+
+template <class Table>
+DpxColor Look(const Table& table, int code) noexcept
 {
-    switch (tags.primaries) {
-    case h273::kBt709:
-        return DpxColor::Bt709;
-    case h273::kUnspecified:
-        return DpxColor::Unspecified;
-    case h273::kBt470Bg:
-        return DpxColor::Bt601At625;
-    case h273::kBt601:
-        return DpxColor::Bt601At525;
-    default:
-        return DpxColor::UserDefined;
-    }
+    const auto found =
+        std::find_if(table.begin(), table.end(), [code](const auto& row) { return row.first == code; });
+    return found != table.end() ? found->second : DpxColor::UserDefined;
 }
 
 DpxColor Transfer(const ColorTags& tags) noexcept
 {
-    switch (tags.transfer) {
-    case h273::kBt709:
-        return DpxColor::Bt709;
-    case h273::kUnspecified:
-        return DpxColor::Unspecified;
-    case h273::kBt601:
-        return tags.primaries == h273::kBt470Bg ? DpxColor::Bt601At625 : DpxColor::Bt601At525;
-    case h273::kLinear:
-        return DpxColor::Linear;
-    default:
-        return DpxColor::UserDefined;
-    }
+    const DpxColor transfer = Look(kTransfers, tags.transfer);
+    const bool is625 = transfer == DpxColor::Bt601At525 && tags.primaries == h273::kBt470Bg;
+    return is625 ? DpxColor::Bt601At625 : transfer;
 }
 
 } // namespace
@@ -58,7 +57,7 @@ void PatchDpxColors(std::span<std::byte> file, const ColorTags& tags) noexcept
         return;
     }
     file[kTransferByte] = static_cast<std::byte>(Transfer(tags));
-    file[kColorimetryByte] = static_cast<std::byte>(Colorimetry(tags));
+    file[kColorimetryByte] = static_cast<std::byte>(Look(kColorimetries, tags.primaries));
 }
 
 } // namespace tessel::exporting

@@ -2,6 +2,8 @@
 
 #include <tessel/export/ExportError.h>
 
+#include <fmt/format.h>
+
 extern "C" {
 #include <libavutil/error.h>
 #include <libavutil/log.h>
@@ -70,6 +72,16 @@ CodecContext MakeCodecContext(const AVCodec* codec)
         throw std::bad_alloc();
     }
     return context;
+}
+
+const AVCodec* FindEncoder(std::string_view encoder, std::string_view name)
+{
+    const AVCodec* found = avcodec_find_encoder_by_name(std::string(encoder).c_str());
+    if (found == nullptr) {
+        throw ExportError(
+            fmt::format("this build of FFmpeg's libraries has no {} encoder ({})", name, encoder));
+    }
+    return found;
 }
 
 std::string Explain(int result)

@@ -9,6 +9,7 @@ extern "C" {
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace tessel::exporting::libav {
 
@@ -31,6 +32,10 @@ using IoContext = std::unique_ptr<AVIOContext, Free>;
 [[nodiscard]] Frame MakeFrame();
 [[nodiscard]] CodecContext MakeCodecContext(const AVCodec* codec);
 /// @}
+
+/// @param name  as a person chose the codec
+/// @throws ExportError  where the encoder is not built into FFmpeg's libraries
+[[nodiscard]] const AVCodec* FindEncoder(std::string_view encoder, std::string_view name);
 
 /// FFmpeg's words for a negative result, and the last error it logged on this thread since the last call.
 [[nodiscard]] std::string Explain(int result);

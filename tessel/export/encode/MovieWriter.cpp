@@ -71,22 +71,6 @@ AVStream& AddStream(AVFormatContext& format)
     return *stream;
 }
 
-void SetMuxerOptions(Container container, bool canSeek, AVDictionary** options)
-{
-    switch (container) {
-    case Container::Wav:
-        av_dict_set(options, "rf64", "auto", 0);
-        break;
-    case Container::Mov:
-    case Container::Mp4:
-        // A pipe cannot be gone back in: the index then comes piece by piece.
-        av_dict_set(options, "movflags", canSeek ? "+write_colr" : "+write_colr+frag_keyframe+empty_moov", 0);
-        break;
-    default:
-        break;
-    }
-}
-
 } // namespace
 
 MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount)
@@ -94,41 +78,42 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
 {
     libav::TakeOverLogging();
     State& state = *mState;
-    const ContainerInfo& info = InfoOf(plan.container);
-    state.container = info.name;
-    const bool needsToSeek = plan.container == Container::Mxf || plan.container == Container::Avi;
-    if (needsToSeek && !state.file.CanSeek()) {
+    const Container& container = *plan.container;
+    state.container = container.name;
+    if (container.needsToSeek && !state.file.CanSeek()) {
         throw ExportError(
-            fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", info.name));
+            fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", container.name));
     }
     AVFormatContext* format = nullptr;
-    libav::Check(avformat_alloc_output_context2(&format, nullptr, info.muxer, nullptr),
-                 fmt::format("cannot write {} files", info.name));
+    libav::Check(
+        avformat_alloc_output_context2(&format, nullptr, std::string(container.muxer).c_str(), nullptr),
+        fmt::format("cannot write {} files", container.name));
     state.format.reset(format);
     format->pb = state.io.Context();
     format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
     // QuickTime has a code for each kind of DV, which FFmpeg's muxer looks up by its rules of strict compliance
     // only.
-    const bool isDv = plan.video && plan.video->codec == VideoCodec::Dv;
+    const bool isDv = plan.video && plan.video->codec->rule == LayoutRule::DvProfile;
     format->strict_std_compliance = isDv ? FF_COMPLIANCE_NORMAL : FF_COMPLIANCE_UNOFFICIAL;
 
     if (plan.video) {
-        state.video = VideoEncoder::Make(*plan.video, plan.container, threadCount);
+        state.video = VideoEncoder::Make(*plan.video, threadCount);
         state.videoStream = &AddStream(*format);
         state.video->DescribeStream(*state.videoStream);
         state.videoUnit = state.videoStream->time_base;
     }
     if (plan.audio) {
-        state.audio.emplace(*plan.audio, plan.container);
+        state.audio.emplace(*plan.audio);
         state.audioStream = &AddStream(*format);
         state.audio->DescribeStream(*state.audioStream);
         state.audioUnit = state.audioStream->time_base;
     }
     AVDictionary* options = nullptr;
-    SetMuxerOptions(plan.container, state.file.CanSeek(), &options);
+    const std::string text(state.file.CanSeek() ? container.muxerOptions : container.pipeOptions);
+    libav::Check(av_dict_parse_string(&options, text.c_str(), "=", ":", 0), "cannot set up the muxer");
     const int result = avformat_write_header(format, &options);
     av_dict_free(&options);
-    state.Check(result, fmt::format("cannot write this clip into a {} file", info.name));
+    state.Check(result, fmt::format("cannot write this clip into a {} file", container.name));
 }
 
 MovieWriter::~MovieWriter() = default;

@@ -34,38 +34,38 @@ AVRational PixelAspect(const PictureGeometry& geometry) noexcept
     return {geometry.aspectNumerator, geometry.aspectDenominator};
 }
 
-AVChromaLocation ChromaLocation(const VideoPlan& plan) noexcept
+AVChromaLocation ChromaLocation(ChromaPlace place) noexcept
 {
-    const LayoutInfo& layout = InfoOf(plan.conversion.target);
-    if (layout.chromaShiftX == 0) {
-        return AVCHROMA_LOC_UNSPECIFIED;
-    }
-    // Intended: DV defines where its chroma lies, so its streams announce that, whatever the filter is.
-    if (layout.chromaShiftY == 0 || plan.codec == VideoCodec::Dv) {
+    switch (place) {
+    case ChromaPlace::OnRow:
         return AVCHROMA_LOC_TOPLEFT;
+    case ChromaPlace::BetweenRows:
+        return AVCHROMA_LOC_LEFT;
+    case ChromaPlace::Unspecified:
+        break;
     }
-    return AVCHROMA_LOC_LEFT;
+    return AVCHROMA_LOC_UNSPECIFIED;
 }
 
 void SetTags(AVCodecContext& context, const VideoPlan& plan) noexcept
 {
     SetColors(context, plan.tags);
     context.colorspace = static_cast<AVColorSpace>(plan.tags.matrix);
-    context.chroma_sample_location = ChromaLocation(plan);
+    context.chroma_sample_location = ChromaLocation(plan.chromaPlace);
 }
 
 void SetTags(AVFrame& frame, const VideoPlan& plan) noexcept
 {
     SetColors(frame, plan.tags);
     frame.colorspace = static_cast<AVColorSpace>(plan.tags.matrix);
-    frame.chroma_location = ChromaLocation(plan);
+    frame.chroma_location = ChromaLocation(plan.chromaPlace);
 }
 
 void SetTags(AVCodecParameters& parameters, const VideoPlan& plan) noexcept
 {
     SetColors(parameters, plan.tags);
     parameters.color_space = static_cast<AVColorSpace>(plan.tags.matrix);
-    parameters.chroma_location = ChromaLocation(plan);
+    parameters.chroma_location = ChromaLocation(plan.chromaPlace);
 }
 
 void DescribeRate(AVStream& stream, const PictureGeometry& geometry) noexcept

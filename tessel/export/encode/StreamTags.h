@@ -13,9 +13,7 @@ namespace tessel::exporting {
 /// Of a pixel; 0/1 where it is not known.
 [[nodiscard]] AVRational PixelAspect(const PictureGeometry& geometry) noexcept;
 
-/// Where the layout's chroma samples lie: `ChromaFilter` places them on the luma column, and in 4:2:0 between
-/// two rows of their picture or field. Unspecified for layouts that subsample nothing.
-[[nodiscard]] AVChromaLocation ChromaLocation(const VideoPlan& plan) noexcept;
+[[nodiscard]] AVChromaLocation ChromaLocation(ChromaPlace place) noexcept;
 
 /// Sets colours and chroma location. @{
 void SetTags(AVCodecContext& context, const VideoPlan& plan) noexcept;

@@ -18,6 +18,8 @@ extern "C" {
 #include <array>
 #include <new>
 #include <span>
+#include <string>
+#include <string_view>
 
 namespace tessel::exporting {
 namespace {
@@ -42,127 +44,46 @@ AVBufferRef* ShareOwner(const Picture& picture)
     return buffer;
 }
 
-const AVCodec* FindEncoder(VideoCodec codec, PictureLayout layout)
+/// A code as streams hold it; 0 for none.
+unsigned TagCode(std::string_view tag) noexcept
 {
-    const char* name = nullptr;
-    switch (codec) {
-    case VideoCodec::Ffv1:
-        name = "ffv1";
-        break;
-    case VideoCodec::Raw:
-        name = "rawvideo";
-        break;
-    case VideoCodec::V210:
-        break;
-    case VideoCodec::V408:
-        name = InfoOf(layout).HasAlpha() ? "v408" : "v308";
-        break;
-    case VideoCodec::ProRes:
-        name = "prores_ks";
-        break;
-    case VideoCodec::Png:
-        name = "png";
-        break;
-    case VideoCodec::Tiff:
-        name = "tiff";
-        break;
-    case VideoCodec::Dpx:
-        name = "dpx";
-        break;
-    case VideoCodec::Exr:
-        name = "exr";
-        break;
-    case VideoCodec::H264:
-        name = "libx264";
-        break;
-    case VideoCodec::Mpeg2:
-        name = "mpeg2video";
-        break;
-    case VideoCodec::Dv:
-        name = "dvvideo";
-        break;
-    }
-    const AVCodec* found = name == nullptr ? nullptr : avcodec_find_encoder_by_name(name);
-    if (found == nullptr) {
-        throw ExportError(fmt::format("this build of FFmpeg's libraries has no {} encoder ({})", NameOf(codec),
-                                      name == nullptr ? "none" : name));
-    }
-    return found;
+    return tag.size() == 4 ? MKTAG(tag[0], tag[1], tag[2], tag[3]) : 0;
 }
 
-/// Options of one codec, beyond what all share.
-void SetCodecOptions(AVCodecContext& context, const VideoPlan& plan, AVDictionary** options)
-{
-    const bool isInterlaced = plan.geometry.order != FieldOrder::Progressive;
-    switch (plan.codec) {
-    case VideoCodec::Ffv1:
-        context.level = 3;
-        context.gop_size = 1;
-        av_dict_set(options, "slicecrc", "1", 0);
-        break;
-    case VideoCodec::ProRes:
-        // 4444 with 16-bit alpha, 4444 without, 422 HQ.
-        av_dict_set(options, "profile", InfoOf(plan.conversion.target).chromaShiftX == 0 ? "4444" : "hq", 0);
-        av_dict_set(options, "alpha_bits", InfoOf(plan.conversion.target).HasAlpha() ? "16" : "0", 0);
-        av_dict_set(options, "vendor", "apl0", 0); // readers that know no other
-        break;
-    case VideoCodec::Png:
-        av_dict_set(options, "pred", "up", 0); // rows resemble the rows above in test pictures
-        context.compression_level = 3;
-        break;
-    case VideoCodec::Tiff:
-        av_dict_set(options, "compression_algo", "deflate", 0);
-        break;
-    case VideoCodec::Exr:
-        av_dict_set(options, "compression", "zip16", 0);
-        break;
-    case VideoCodec::H264:
-        av_dict_set(options, "crf", "16", 0);
-        av_dict_set(options, "preset", "medium", 0);
-        if (isInterlaced) {
-            av_dict_set(options, "x264-params",
-                        plan.geometry.order == FieldOrder::UpperFirst ? "tff=1" : "bff=1", 0);
+/// The plan's options as FFmpeg takes them.
+class OptionDictionary {
+public:
+    explicit OptionDictionary(const EncoderOptions& options)
+    {
+        for (const auto& [name, value] : options.values) {
+            av_dict_set(&mOptions, name.c_str(), value.c_str(), 0);
         }
-        break;
-    case VideoCodec::Mpeg2:
-        // Intra pictures at a fixed fine quantiser.
-        context.gop_size = 0;
-        context.flags |= AV_CODEC_FLAG_QSCALE;
-        context.global_quality = FF_QP2LAMBDA * 2;
-        context.qmax = 28; // the most that the non-linear scale knows
-        av_dict_set(options, "non_linear_quant", "1", 0);
-        av_dict_set(options, "intra_vlc", "1", 0);
-        break;
-    case VideoCodec::Raw:
-    case VideoCodec::V210:
-    case VideoCodec::V408:
-    case VideoCodec::Dpx:
-    case VideoCodec::Dv:
-        break;
+        if (!options.flags.empty()) {
+            av_dict_set(&mOptions, "flags", options.flags.c_str(), 0);
+        }
     }
-    if (isInterlaced && plan.codec != VideoCodec::Ffv1) {
-        context.flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
-    }
-}
+    ~OptionDictionary() { av_dict_free(&mOptions); }
+    OptionDictionary(const OptionDictionary&) = delete;
+    OptionDictionary& operator=(const OptionDictionary&) = delete;
 
-/// The tag of raw layouts, where the container has a better one than FFmpeg's own default.
-unsigned RawTag(PictureLayout layout, Container container) noexcept
-{
-    if (container == Container::Mov && layout == PictureLayout::Uyvy) {
-        return MKTAG('2', 'v', 'u', 'y');
+    [[nodiscard]] AVDictionary** Get() noexcept { return &mOptions; }
+
+    /// The first that the encoder did not take; empty: it took all.
+    [[nodiscard]] std::string Refused() const
+    {
+        const AVDictionaryEntry* entry = av_dict_get(mOptions, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+        return entry == nullptr ? std::string() : fmt::format("{}={}", entry->key, entry->value);
     }
-    if (container == Container::Mov && layout == PictureLayout::Yuyv) {
-        return MKTAG('y', 'u', 'v', 's');
-    }
-    return 0;
-}
+
+private:
+    AVDictionary* mOptions = nullptr;
+};
 
 class LibavVideoEncoder final : public VideoEncoder {
 public:
-    LibavVideoEncoder(const VideoPlan& plan, Container container, int threadCount)
-        : mPlan(plan), mRawTag(plan.codec == VideoCodec::Raw ? RawTag(plan.conversion.target, container) : 0)
+    LibavVideoEncoder(const VideoPlan& plan, int threadCount) : mPlan(plan)
     {
-        const AVCodec* codec = FindEncoder(plan.codec, plan.conversion.target);
+        const AVCodec* codec = libav::FindEncoder(plan.encoder, plan.codec->name);
         mContext = libav::MakeCodecContext(codec);
         AVCodecContext& context = *mContext;
         context.width = plan.geometry.width;
@@ -177,26 +98,26 @@ public:
         context.strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
         context.flags |= AV_CODEC_FLAG_BITEXACT;
         SetTags(context, plan);
-        const bool outOfBandHeaders =
-            container == Container::Mkv || container == Container::Mov || container == Container::Mp4;
-        if (outOfBandHeaders) {
+        if (plan.headersOutOfBand) {
             context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         }
-        AVDictionary* options = nullptr;
-        SetCodecOptions(context, plan, &options);
-        const int result = avcodec_open2(&context, codec, &options);
-        av_dict_free(&options);
-        libav::Check(result, fmt::format("cannot encode {} video of {}x{} at {}/{}", NameOf(plan.codec),
-                                         plan.geometry.width, plan.geometry.height, plan.geometry.rateNumerator,
-                                         plan.geometry.rateDenominator));
+        OptionDictionary options(plan.options);
+        libav::Check(avcodec_open2(&context, codec, options.Get()),
+                     fmt::format("cannot encode {} video of {}x{} at {}/{}", plan.codec->name,
+                                 plan.geometry.width, plan.geometry.height, plan.geometry.rateNumerator,
+                                 plan.geometry.rateDenominator));
+        if (const std::string refused = options.Refused(); !refused.empty()) {
+            throw ExportError(fmt::format("this build of FFmpeg's {} encoder does not know the option {}",
+                                          plan.encoder, refused));
+        }
     }
 
     void DescribeStream(AVStream& stream) const override
     {
         libav::Check(avcodec_parameters_from_context(stream.codecpar, mContext.get()),
                      "cannot describe the video");
-        if (mRawTag != 0) {
-            stream.codecpar->codec_tag = mRawTag;
+        if (const unsigned tag = TagCode(mPlan.tag); tag != 0) {
+            stream.codecpar->codec_tag = tag;
         }
         DescribeRate(stream, mPlan.geometry);
     }
@@ -216,9 +137,7 @@ public:
         frame->sample_aspect_ratio = mContext->sample_aspect_ratio;
         frame->interlaced_frame = mPlan.geometry.order == FieldOrder::Progressive ? 0 : 1;
         frame->top_field_first = mPlan.geometry.order == FieldOrder::UpperFirst ? 1 : 0;
-        if (mPlan.codec == VideoCodec::Mpeg2) {
-            frame->quality = mContext->global_quality;
-        }
+        frame->quality = mContext->global_quality; // of encoders with a fixed quantiser
         SetTags(*frame, mPlan);
         libav::Check(avcodec_send_frame(mContext.get(), frame.get()), Doing());
         Drain(sink);
@@ -241,7 +160,7 @@ private:
             }
             libav::Check(result, Doing());
             packet->duration = 1;
-            if (mPlan.codec == VideoCodec::Dpx) {
+            if (mPlan.codec->repair == PacketRepair::DpxColors) {
                 libav::Check(av_packet_make_writable(packet.get()), Doing());
                 PatchDpxColors(
                     std::as_writable_bytes(std::span(packet->data, static_cast<std::size_t>(packet->size))),
@@ -252,13 +171,9 @@ private:
         }
     }
 
-    [[nodiscard]] std::string Doing() const
-    {
-        return fmt::format("cannot encode {} video", NameOf(mPlan.codec));
-    }
+    [[nodiscard]] std::string Doing() const { return fmt::format("cannot encode {} video", mPlan.codec->name); }
 
     VideoPlan mPlan;
-    unsigned mRawTag;
     libav::CodecContext mContext;
 };
 
@@ -277,16 +192,16 @@ AVPixelFormat LibavFormat(PictureLayout layout) noexcept
     return kFormats[static_cast<std::size_t>(layout)];
 }
 
-std::unique_ptr<VideoEncoder> VideoEncoder::Make(const VideoPlan& plan, Container container, int threadCount)
+std::unique_ptr<VideoEncoder> VideoEncoder::Make(const VideoPlan& plan, int threadCount)
 {
     libav::TakeOverLogging();
-    if (plan.codec == VideoCodec::V210) {
-        return MakeV210Writer(plan);
-    }
-    if (container == Container::Y4m) {
+    if (plan.rawWriter == RawWriter::Y4m) {
         return MakeY4mWriter(plan);
     }
-    return std::make_unique<LibavVideoEncoder>(plan, container, threadCount);
+    if (plan.encoder.empty()) {
+        return MakeV210Writer(plan);
+    }
+    return std::make_unique<LibavVideoEncoder>(plan, threadCount);
 }
 
 } // namespace tessel::exporting

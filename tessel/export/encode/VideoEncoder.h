@@ -21,11 +21,9 @@ public:
     using Sink = std::function<void(AVPacket& packet)>;
 
     /// @param plan           its conversion's target is the layout of the pictures to come
-    /// @param container      decides codec tags and whether headers go out of band
     /// @param threadCount    for codecs that use threads; 1 or more
     /// @throws ExportError   where the codec is not built into FFmpeg's libraries or refuses
-    [[nodiscard]] static std::unique_ptr<VideoEncoder> Make(const VideoPlan& plan, Container container,
-                                                            int threadCount);
+    [[nodiscard]] static std::unique_ptr<VideoEncoder> Make(const VideoPlan& plan, int threadCount);
 
     VideoEncoder() = default;
     VideoEncoder(const VideoEncoder&) = delete;

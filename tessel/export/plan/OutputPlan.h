@@ -1,37 +1,25 @@
 /// What a clip becomes: decided before anything is opened, so that what cannot be is said at once.
 #pragma once
 
-#include "Containers.h"
+#include "AudioPlan.h"
+#include "Container.h"
 #include "VideoPlan.h"
 
 #include <kestrel/importhost/Clip.h>
-#include <tessel/export/convert/SampleQuantizer.h>
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 namespace tessel::exporting {
-
-/// Where the channels of a file stand in the room.
-enum class SpeakerLayout : std::uint8_t { None, Mono, Stereo, Surround51 };
-
-struct AudioPlan {
-    AudioCodec codec = AudioCodec::Pcm24;
-    std::int32_t sampleRate = 0;
-    std::vector<std::int32_t> hostChannels; ///< the clip's channel that becomes file channel 0, 1, ...
-    SpeakerLayout layout = SpeakerLayout::None;
-    Dither dither = Dither::None;
-};
 
 enum class Streams : std::uint8_t { All, AudioOnly, VideoOnly };
 
 /// What a person asked for.
 struct OutputRequest {
-    Container container = Container::Mkv;
+    const Container* container = nullptr;
     Streams streams = Streams::All;
-    std::optional<VideoCodec> videoCodec{};
-    std::optional<AudioCodec> audioCodec{};
+    const VideoCodec* videoCodec = nullptr; ///< null: the one that keeps the clip's format best
+    const AudioCodec* audioCodec = nullptr; ///< null: the container's usual one
     Dither dither = Dither::None;
 };
 
@@ -40,7 +28,7 @@ struct OutputRequest {
 void CheckRequest(const OutputRequest& request);
 
 struct OutputPlan {
-    Container container = Container::Mkv;
+    const Container* container = nullptr;
     std::optional<VideoPlan> video;
     std::optional<AudioPlan> audio;
 };

@@ -1,10 +1,12 @@
 #include "VideoPlan.h"
 
+#include "DvProfiles.h"
+#include "LayoutChoice.h"
+
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <numeric>
 
 namespace tessel::exporting {
@@ -14,161 +16,32 @@ using importhost::ClipDescription;
 using importhost::FieldOrder;
 
 /// The codec that keeps the clip's own format where the container can.
-VideoCodec DefaultCodec(const PixelKind& kind, Container container) noexcept
+const VideoCodec& DefaultCodec(const PixelKind& kind, const Container& container) noexcept
 {
-    if (const ContainerInfo& info = InfoOf(container); info.videoCodecs.size() == 1) {
-        return info.videoCodecs.front();
-    }
-    if (container == Container::Mp4) {
-        return VideoCodec::H264;
-    }
-    if (kind.storage == Storage::Dv) {
-        return VideoCodec::Dv;
-    }
-    if (container == Container::Mxf) {
-        return VideoCodec::Mpeg2;
-    }
-    switch (kind.storage) {
-    case Storage::V210:
-        return VideoCodec::V210;
-    case Storage::Pairs422:
-        return VideoCodec::Raw;
-    default:
-        break;
-    }
-    switch (container) {
-    case Container::Nut:
-        return VideoCodec::Raw;
-    case Container::Mov:
-        if (kind.storage == Storage::Planar420) {
-            return VideoCodec::Raw;
-        }
-        if (kind.storage == Storage::InterleavedF) {
-            return VideoCodec::ProRes;
-        }
-        return kind.family == ColorFamily::Rgb ? VideoCodec::Png : VideoCodec::V408;
-    default:
-        return VideoCodec::Ffv1;
-    }
-}
-
-/// Either layout, by whether the clip's format has alpha.
-PictureLayout ByAlpha(const PixelKind& kind, PictureLayout with, PictureLayout without) noexcept
-{
-    return kind.HasAlpha() ? with : without;
-}
-
-/// Layouts that hold every sample of the format, or for float the finest integers there are.
-PictureLayout LosslessPlanes(const PixelKind& kind, const DvProfile* dv) noexcept
-{
+    const DefaultVideoCodecs& codecs = container.videoCodecs;
     const bool isRgb = kind.family == ColorFamily::Rgb;
+    std::string_view name;
     switch (kind.storage) {
     case Storage::Interleaved8:
-        return isRgb ? ByAlpha(kind, PictureLayout::Bgra, PictureLayout::Bgr0)
-                     : ByAlpha(kind, PictureLayout::Yuva444p, PictureLayout::Yuv444p);
+        name = isRgb ? codecs.rgb8 : codecs.ycbcr8;
+        break;
     case Storage::InterleavedF:
-        return isRgb ? ByAlpha(kind, PictureLayout::Gbrap16, PictureLayout::Gbrp16)
-                     : ByAlpha(kind, PictureLayout::Yuva444p16, PictureLayout::Yuv444p16);
+        name = isRgb ? codecs.rgbFloat : codecs.ycbcrFloat;
+        break;
     case Storage::Pairs422:
-        return PictureLayout::Yuv422p;
+        name = codecs.pairs422;
+        break;
     case Storage::V210:
-        return PictureLayout::Yuv422p10;
+        name = codecs.v210;
+        break;
     case Storage::Planar420:
-        return PictureLayout::Yuv420p;
+        name = codecs.planar420;
+        break;
     case Storage::Dv:
+        name = codecs.dv;
         break;
     }
-    return dv != nullptr ? dv->layout : PictureLayout::Yuv422p;
-}
-
-PictureLayout RawLayout(const PixelKind& kind, Container container, const DvProfile* dv) noexcept
-{
-    const bool isAnyRgb8 = kind.family == ColorFamily::Rgb && kind.storage == Storage::Interleaved8;
-    if (container == Container::Y4m) {
-        if (isAnyRgb8 || (kind.family == ColorFamily::YCbCr && kind.storage == Storage::Interleaved8)) {
-            return PictureLayout::Yuv444p;
-        }
-        return kind.storage == Storage::InterleavedF ? PictureLayout::Yuv444p16 : LosslessPlanes(kind, dv);
-    }
-    if (kind.storage == Storage::Pairs422) {
-        return kind.swapped ? PictureLayout::Yuyv : PictureLayout::Uyvy;
-    }
-    if (container == Container::Mov || container == Container::Avi) {
-        // These two name raw layouts by codes that readers know only a few of.
-        if (kind.family == ColorFamily::Rgb) {
-            return PictureLayout::Bgra;
-        }
-        return kind.storage == Storage::Planar420 || kind.storage == Storage::Dv ? LosslessPlanes(kind, dv)
-                                                                                 : PictureLayout::Uyvy;
-    }
-    if (isAnyRgb8 && kind.swapped) {
-        return ByAlpha(kind, PictureLayout::Argb, PictureLayout::Zrgb);
-    }
-    return LosslessPlanes(kind, dv);
-}
-
-/// Whether 8 bits a sample are all that the clip's format has.
-bool IsEightBit(const PixelKind& kind) noexcept
-{
-    return kind.storage != Storage::InterleavedF && kind.storage != Storage::V210;
-}
-
-/// 4:2:0 plays everywhere, but pairs columns and rows: rows of the picture or, interlaced, of each field.
-PictureLayout H264Layout(const ClipDescription& clip)
-{
-    const bool isInterlaced = clip.Order() != FieldOrder::Progressive;
-    if (isInterlaced && clip.height % 2 != 0) {
-        throw ExportError(fmt::format(
-            "H.264 has no interlaced pictures of {} rows: make mFrameHeight even or mFieldType 0, or choose "
-            "a codec that has, such as ffv1 in mkv",
-            clip.height));
-    }
-    const std::int32_t rows = isInterlaced ? 4 : 2;
-    return clip.width % 2 == 0 && clip.height % rows == 0 ? PictureLayout::Yuv420p : PictureLayout::Yuv444p;
-}
-
-PictureLayout LayoutFor(VideoCodec codec, const ClipDescription& clip, const PixelKind& kind,
-                        Container container)
-{
-    const DvProfile* dv = DvProfileOf(clip.pixelFormat);
-    switch (codec) {
-    case VideoCodec::Ffv1:
-        return LosslessPlanes(kind, dv);
-    case VideoCodec::Raw:
-        return RawLayout(kind, container, dv);
-    case VideoCodec::V210:
-        return PictureLayout::V210;
-    case VideoCodec::V408:
-        // v308, the one without alpha, has even widths only; v408 then holds an opaque one.
-        return clip.width % 2 == 0 ? ByAlpha(kind, PictureLayout::Yuva444p, PictureLayout::Yuv444p)
-                                   : PictureLayout::Yuva444p;
-    case VideoCodec::ProRes:
-        if (kind.storage == Storage::Interleaved8 || kind.storage == Storage::InterleavedF) {
-            return ByAlpha(kind, PictureLayout::Yuva444p10, PictureLayout::Yuv444p10);
-        }
-        return PictureLayout::Yuv422p10;
-    case VideoCodec::Png:
-        return IsEightBit(kind) ? ByAlpha(kind, PictureLayout::Rgba, PictureLayout::Rgb24)
-                                : ByAlpha(kind, PictureLayout::Rgba64be, PictureLayout::Rgb48be);
-    case VideoCodec::Tiff:
-        return IsEightBit(kind) ? ByAlpha(kind, PictureLayout::Rgba, PictureLayout::Rgb24)
-                                : ByAlpha(kind, PictureLayout::Rgba64, PictureLayout::Rgb48);
-    case VideoCodec::Dpx:
-        if (kind.storage == Storage::V210) {
-            return PictureLayout::Gbrp10;
-        }
-        return IsEightBit(kind) ? ByAlpha(kind, PictureLayout::Rgba, PictureLayout::Rgb24)
-                                : ByAlpha(kind, PictureLayout::Rgba64be, PictureLayout::Rgb48be);
-    case VideoCodec::Exr:
-        return ByAlpha(kind, PictureLayout::Gbrapf32, PictureLayout::Gbrpf32);
-    case VideoCodec::H264:
-        return H264Layout(clip);
-    case VideoCodec::Mpeg2:
-        return kind.storage == Storage::Planar420 ? PictureLayout::Yuv420p : PictureLayout::Yuv422p;
-    case VideoCodec::Dv:
-        return DvProfileFor(clip).layout;
-    }
-    return PictureLayout::Bgra;
+    return *VideoCodecNamed(name); // a test holds that every name of the table is a codec's
 }
 
 /// The format in which the plug-in paints frames of a clip's format.
@@ -184,26 +57,49 @@ BR::PixelFormat FrameFormat(BR::PixelFormat format, const PixelKind& kind) noexc
 }
 
 /// The ranges of codes that R'G'B' may become: what the file announces and its readers heed.
-CodeRanges RangesOf(VideoCodec codec, Container container) noexcept
+CodeRanges RangesOf(const VideoCodec& codec, const Container& container) noexcept
 {
-    // H.264 says its range in its own stream, Y4M in its header. The others that turn R'G'B' into Y'CbCr (v210,
-    // v408, ProRes, MPEG-2, DV) are limited to their readers, whatever some containers say beside it; full
-    // range would even use v210's timing codes.
-    const bool saysRange = codec == VideoCodec::H264 || container == Container::Y4m;
-    return saysRange ? CodeRanges::LimitedAndFull : CodeRanges::OnlyLimited;
+    // Codecs that say no range in their own stream (v210, v408, ProRes, MPEG-2, DV) are limited to their
+    // readers, whatever some containers say beside it; full range would even use v210's timing codes. Raw
+    // pictures have what their container says.
+    const Keeps says = codec.rule == LayoutRule::KeepRaw ? container.keeps : codec.keeps;
+    return Holds(says, Keeps::Range) ? CodeRanges::LimitedAndFull : CodeRanges::OnlyLimited;
 }
 
 /// How the clip's pictures are coded where the target is Y'CbCr.
-YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, VideoCodec codec, Container container)
+YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, const VideoCodec& codec,
+                     const Container& container)
 {
     if (kind.family != ColorFamily::Rgb) {
         return {kind.matrix};
     }
-    if (codec == VideoCodec::Dv) {
+    if (codec.rule == LayoutRule::DvProfile) {
         // DV streams do not say their matrix: decoders go by the profile.
         return {DvProfileFor(clip).matrix};
     }
     return CodingFor(clip.colorCodes, RangesOf(codec, container));
+}
+
+ChromaPlace PlaceOfChroma(const VideoCodec& codec, const LayoutInfo& layout) noexcept
+{
+    if (layout.chromaShiftX == 0) {
+        return ChromaPlace::Unspecified;
+    }
+    // Intended: DV defines where its chroma lies, so its streams announce that, whatever the filter is.
+    return layout.chromaShiftY == 0 || codec.rule == LayoutRule::DvProfile ? ChromaPlace::OnRow
+                                                                           : ChromaPlace::BetweenRows;
+}
+
+std::string_view TagOf(const VideoCodec& codec, const Container& container, PictureLayout layout) noexcept
+{
+    if (codec.rule == LayoutRule::KeepRaw) {
+        for (const RawTag& tag : container.rawTags) {
+            if (tag.layout == layout) {
+                return tag.tag;
+            }
+        }
+    }
+    return {};
 }
 
 PictureGeometry GeometryOf(const ClipDescription& clip)
@@ -235,6 +131,18 @@ PictureGeometry GeometryOf(const ClipDescription& clip)
     return geometry;
 }
 
+EncoderOptions OptionsOf(const VideoPlan& plan)
+{
+    EncoderOptions options;
+    if (plan.codec->setOptions != nullptr) {
+        plan.codec->setOptions(plan, options);
+    }
+    if (plan.codec->codesFields && plan.geometry.order != FieldOrder::Progressive) {
+        options.flags += "+ildct+ilme";
+    }
+    return options;
+}
+
 } // namespace
 
 void RequireRate(const ClipDescription& clip)
@@ -246,23 +154,30 @@ void RequireRate(const ClipDescription& clip)
     }
 }
 
-VideoPlan PlanVideo(const ClipDescription& clip, Container container, std::optional<VideoCodec> chosen)
+VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, const VideoCodec* chosen)
 {
     const PixelKind kind = KindOf(clip.pixelFormat);
 
     VideoPlan plan;
     plan.geometry = GeometryOf(clip);
-    plan.codec = chosen.value_or(DefaultCodec(kind, container));
-    const PictureLayout layout = LayoutFor(plan.codec, clip, kind, container);
+    const VideoCodec& codec = chosen != nullptr ? *chosen : DefaultCodec(kind, container);
+    plan.codec = &codec;
     plan.conversion.source = FrameFormat(clip.pixelFormat, kind);
-    plan.conversion.target = layout;
+    plan.conversion.target = ChooseLayout(codec, container, clip, kind);
+    const LayoutInfo& layout = InfoOf(plan.conversion.target);
     plan.conversion.width = clip.width;
     plan.conversion.height = clip.height;
-    plan.conversion.coding = CodingOf(clip, kind, plan.codec, container);
+    plan.conversion.coding = CodingOf(clip, kind, codec, container);
     const bool byField =
         kind.storage == Storage::Planar420 ? kind.fieldPicture : plan.geometry.order != FieldOrder::Progressive;
     plan.conversion.chromaRows = byField ? ChromaRows::Field : ChromaRows::Frame;
-    plan.tags = TagsFor(kind, clip.colorCodes, InfoOf(layout), plan.conversion.coding);
+    plan.tags = TagsFor(kind, clip.colorCodes, layout, plan.conversion.coding);
+    plan.chromaPlace = PlaceOfChroma(codec, layout);
+    plan.encoder = layout.HasAlpha() || codec.opaqueEncoder.empty() ? codec.encoder : codec.opaqueEncoder;
+    plan.headersOutOfBand = container.headersOutOfBand;
+    plan.tag = TagOf(codec, container, plan.conversion.target);
+    plan.rawWriter = container.rawWriter;
+    plan.options = OptionsOf(plan);
     return plan;
 }
 

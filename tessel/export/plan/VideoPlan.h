@@ -1,14 +1,15 @@
-/// Which codec and which sample layout a clip's pictures are written in.
+/// Which codec and which sample layout a clip's pictures are written in, and what the encoder is told.
 #pragma once
 
 #include "ColorTags.h"
-#include "Containers.h"
-#include "DvProfiles.h"
+#include "Container.h"
+#include "VideoCodec.h"
 
 #include <kestrel/importhost/Clip.h>
 #include <tessel/export/convert/Conversion.h>
 
-#include <optional>
+#include <cstdint>
+#include <string_view>
 
 namespace tessel::exporting {
 
@@ -23,21 +24,31 @@ struct PictureGeometry {
     importhost::FieldOrder order = importhost::FieldOrder::Progressive;
 };
 
+/// Where the chroma samples of subsampled pictures lie: on a luma column, and on a row or between two of their
+/// picture or field.
+enum class ChromaPlace : std::uint8_t { Unspecified, OnRow, BetweenRows };
+
+/// Everything that is decided of the pictures. Whoever converts, encodes and writes them only reads it.
 struct VideoPlan {
-    VideoCodec codec = VideoCodec::Ffv1;
+    const VideoCodec* codec = nullptr;
     Conversion conversion;
     PictureGeometry geometry;
     ColorTags tags;
+    ChromaPlace chromaPlace = ChromaPlace::Unspecified;
+    std::string_view encoder; ///< FFmpeg's name; empty: pictures become packets as they are
+    EncoderOptions options;
+    bool headersOutOfBand = false;
+    std::string_view tag; ///< four characters by which the container knows the codec; empty: the muxer's own
+    RawWriter rawWriter = RawWriter::Libav;
 };
 
 /// @throws ExportError  for a clip whose frames last no time that can be told
 void RequireRate(const importhost::ClipDescription& clip);
 
-/// @param chosen  the codec that a person asked for
-///                one that the container carries
+/// @param chosen  a codec that goes into the container; null: the one that keeps the clip's format best
 /// @throws ExportError  for a clip without a size or rate, and where the codec cannot have the clip's size or
 ///                      rate; says what could.
-[[nodiscard]] VideoPlan PlanVideo(const importhost::ClipDescription& clip, Container container,
-                                  std::optional<VideoCodec> chosen);
+[[nodiscard]] VideoPlan PlanVideo(const importhost::ClipDescription& clip, const Container& container,
+                                  const VideoCodec* chosen);
 
 } // namespace tessel::exporting

@@ -34,6 +34,13 @@ class Failures(RenderTest):
             self.refuse(*arguments, code=2)
         self.assertNotIn("x.mkv", os.listdir(self.folder))
 
+    def test_a_codec_for_a_stream_that_the_format_lacks_is_to_be_removed(self):
+        clip = self.clip()
+        for output, option, codec, says in (("x.y4m", "--audio-codec", "flac", "y4m has no sound: remove --audio-codec"),
+                                            ("x.wav", "--video-codec", "raw", "wav has no picture: remove --video-codec")):
+            self.refuse("render", clip, "-o", output, option, codec, code=2, says=(says,))
+        self.left_over("clip.tessel")
+
     def test_numbers_that_make_no_sense_say_which_would(self):
         clip = self.clip()
         for option in ("--frames", "--threads"):

@@ -28,7 +28,7 @@ TEST(Render, Y4mHoldsEveryFrameOnceInOrderForAnyNumberOfThreads)
     const CountingSource source(DescriptionOf(BR::PixelFormat::BGRX_4444_8u));
     for (const int threads : {1, 3, 8}) {
         const fs::path path = folder.Path() / "x.y4m";
-        Render(source, {{.container = Container::Y4m}, path, {10, 50}, threads, nullptr});
+        Render(source, {{.container = ContainerNamed("y4m")}, path, {10, 50}, threads, nullptr});
         const std::string file = ContentOf(path);
         // A line of header; then for each frame "FRAME\n" and three planes.
         constexpr std::size_t kPlane = 16 * 8;
@@ -50,8 +50,11 @@ TEST(Render, SoundOfARangeStartsAndEndsWithItsFrames)
     const test::TemporaryFolder folder;
     const CountingSource source(DescriptionOf(BR::PixelFormat::BGRX_4444_8u));
     const fs::path path = folder.Path() / "x.wav";
-    Render(source,
-           {{.container = Container::Wav, .audioCodec = AudioCodec::PcmFloat}, path, {7, 1}, 1, nullptr});
+    Render(source, {{.container = ContainerNamed("wav"), .audioCodec = AudioCodecNamed("pcmfloat")},
+                    path,
+                    {7, 1},
+                    1,
+                    nullptr});
     const std::string file = ContentOf(path);
     const std::size_t data = file.find("data") + 8;
     // Frame 7 is samples 11211 to 12812, see the block test.
@@ -96,7 +99,7 @@ TEST(Render, FailureHalfWayLeavesNothing)
     const FailingSource source(counting);
     for (const char* name : {"x.mkv", "x.mov", "x.y4m", "x_%d.png"}) {
         const test::TemporaryFolder folder;
-        const auto container = *ContainerNamed(fs::path(name).extension().string().substr(1));
+        const Container* container = ContainerNamed(fs::path(name).extension().string().substr(1));
         EXPECT_THROW(Render(source, {{.container = container}, folder.Path() / name, {0, 100}, 2, nullptr}),
                      std::runtime_error);
         EXPECT_TRUE(fs::is_empty(folder.Path())) << name;

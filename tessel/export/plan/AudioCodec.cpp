@@ -1,0 +1,65 @@
+#include "AudioCodec.h"
+
+#include "Names.h"
+
+#include <array>
+
+namespace tessel::exporting {
+namespace {
+
+constexpr std::array<AudioCodec, 7> kCodecs{{
+    {.name = "pcm16", .encoder = "pcm_s16le", .containers = "mkv mov mxf avi nut wav", .bits = 16},
+    {.name = "pcm24", .encoder = "pcm_s24le", .containers = "mkv mov mxf avi nut wav", .bits = 24},
+    {.name = "pcm32", .encoder = "pcm_s32le", .containers = "mkv mov avi nut wav", .bits = 32},
+    {.name = "pcmfloat", .encoder = "pcm_f32le", .containers = "mkv mov avi nut wav"},
+    {.name = "flac",
+     .encoder = "flac",
+     .containers = "mkv mp4 nut",
+     .bits = 24,
+     .mostChannels = 8,
+     .highestRate = 655'350,
+     .keeps = Keeps::ChannelLayout},
+    {.name = "aac",
+     .encoder = "aac",
+     .containers = "mkv mov mp4 avi nut",
+     .mostChannels = 8,
+     .bitsPerChannel = 160'000,
+     .needsNamedLayout = true,
+     .keeps = Keeps::ChannelLayout},
+    {.name = "opus",
+     .encoder = "libopus",
+     .containers = "mkv mp4 nut",
+     .mostChannels = 8,
+     .bitsPerChannel = 160'000,
+     .needsNamedLayout = true,
+     .keeps = Keeps::ChannelLayout},
+}};
+
+} // namespace
+
+bool AudioCodec::GoesInto(const Container& container) const noexcept
+{
+    return HasWord(containers, container.name);
+}
+
+std::span<const AudioCodec> AllAudioCodecs() noexcept
+{
+    return kCodecs;
+}
+
+const AudioCodec* AudioCodecNamed(std::string_view name) noexcept
+{
+    return RowNamed<AudioCodec>(kCodecs, name);
+}
+
+std::string AudioCodecNames()
+{
+    return JoinNames(kCodecs, [](const AudioCodec&) { return true; });
+}
+
+std::string AudioCodecNames(const Container& container)
+{
+    return JoinNames(kCodecs, [&](const AudioCodec& codec) { return codec.GoesInto(container); });
+}
+
+} // namespace tessel::exporting

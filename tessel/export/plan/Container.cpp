@@ -1,0 +1,173 @@
+#include "Container.h"
+
+#include "Names.h"
+
+#include <array>
+
+namespace tessel::exporting {
+namespace {
+
+using enum PictureLayout;
+
+constexpr std::array kAnyRaw{Bgra,       Argb,      Bgr0,    Zrgb,      Gbrap16, Gbrp16,  Yuva444p, Yuv444p,
+                             Yuva444p16, Yuv444p16, Yuv422p, Yuv422p10, Yuv420p, Yuv411p, Uyvy,     Yuyv};
+// QuickTime and AVI name raw layouts by codes of which readers know only a few.
+constexpr std::array kFewRaw{Bgra, Uyvy, Yuyv, Yuv422p, Yuv420p, Yuv411p};
+constexpr std::array kY4mRaw{Yuv444p, Yuv444p16, Yuv422p, Yuv422p10, Yuv420p, Yuv411p};
+
+constexpr std::array<RawTag, 2> kQuickTimeTags{{{Uyvy, "2vuy"}, {Yuyv, "yuvs"}}};
+
+constexpr DefaultVideoCodecs Always(std::string_view codec)
+{
+    return {codec, codec, codec, codec, codec, codec, codec, codec};
+}
+
+constexpr DefaultVideoCodecs AlwaysBut(std::string_view codec, std::string_view dv)
+{
+    DefaultVideoCodecs codecs = Always(codec);
+    codecs.dv = dv;
+    return codecs;
+}
+
+constexpr DefaultVideoCodecs kLossless{.rgb8 = "ffv1",
+                                       .rgbFloat = "ffv1",
+                                       .ycbcr8 = "ffv1",
+                                       .ycbcrFloat = "ffv1",
+                                       .pairs422 = "raw",
+                                       .v210 = "v210",
+                                       .planar420 = "ffv1",
+                                       .dv = "dv"};
+// What editors open.
+constexpr DefaultVideoCodecs kQuickTime{.rgb8 = "png",
+                                        .rgbFloat = "prores",
+                                        .ycbcr8 = "v408",
+                                        .ycbcrFloat = "prores",
+                                        .pairs422 = "raw",
+                                        .v210 = "v210",
+                                        .planar420 = "raw",
+                                        .dv = "dv"};
+constexpr DefaultVideoCodecs kUnpacked{.rgb8 = "raw",
+                                       .rgbFloat = "raw",
+                                       .ycbcr8 = "raw",
+                                       .ycbcrFloat = "raw",
+                                       .pairs422 = "raw",
+                                       .v210 = "v210",
+                                       .planar420 = "raw",
+                                       .dv = "dv"};
+
+constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
+
+constexpr std::string_view kMovOptions = "movflags=+write_colr";
+// A pipe cannot seek, so the index is written in fragments.
+constexpr std::string_view kMovPipeOptions = "movflags=+write_colr+frag_keyframe+empty_moov";
+
+constexpr Container Sequence(std::string_view name, std::string_view otherExtension, Keeps keeps)
+{
+    return {.name = name,
+            .otherExtension = otherExtension,
+            .kind = ContainerKind::Sequence,
+            .videoCodecs = Always(name),
+            .keeps = keeps};
+}
+
+constexpr std::array<Container, 12> kContainers{{
+    {.name = "mkv",
+     .kind = ContainerKind::Movie,
+     .muxer = "matroska",
+     .headersOutOfBand = true,
+     .videoCodecs = kLossless,
+     .audioCodec = "flac",
+     .rawLayouts = kAnyRaw,
+     .keeps = kShape | Keeps::Colors | Keeps::Range},
+    {.name = "mov",
+     .otherExtension = "qt",
+     .kind = ContainerKind::Movie,
+     .muxer = "mov",
+     .muxerOptions = kMovOptions,
+     .pipeOptions = kMovPipeOptions,
+     .headersOutOfBand = true,
+     .videoCodecs = kQuickTime,
+     .audioCodec = "pcm24",
+     .rawLayouts = kFewRaw,
+     .rawTags = kQuickTimeTags,
+     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout},
+    {.name = "mp4",
+     .otherExtension = "m4v",
+     .kind = ContainerKind::Movie,
+     .muxer = "mp4",
+     .muxerOptions = kMovOptions,
+     .pipeOptions = kMovPipeOptions,
+     .headersOutOfBand = true,
+     .videoCodecs = Always("h264"),
+     .audioCodec = "aac",
+     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::ChannelLayout},
+    {.name = "mxf",
+     .kind = ContainerKind::Movie,
+     .muxer = "mxf",
+     .needsToSeek = true,
+     .videoCodecs = AlwaysBut("mpeg2", /*dv=*/"dv"),
+     .audioCodec = "pcm24",
+     .keeps = Keeps::Colors | Keeps::Range},
+    {.name = "avi",
+     .kind = ContainerKind::Movie,
+     .muxer = "avi",
+     .needsToSeek = true,
+     .videoCodecs = kLossless,
+     .audioCodec = "pcm24",
+     .rawLayouts = kFewRaw,
+     .keeps = kShape | Keeps::ChannelLayout},
+    {.name = "nut",
+     .kind = ContainerKind::Movie,
+     .muxer = "nut",
+     .videoCodecs = kUnpacked,
+     .audioCodec = "pcm24",
+     .rawLayouts = kAnyRaw,
+     .keeps = Keeps::PixelAspect},
+    // The Y4M writer makes whole files; the muxer only passes them on.
+    {.name = "y4m",
+     .kind = ContainerKind::PictureOnly,
+     .muxer = "rawvideo",
+     .videoCodecs = Always("raw"),
+     .rawLayouts = kY4mRaw,
+     .rawWriter = RawWriter::Y4m,
+     .keeps = kShape | Keeps::Range},
+    {.name = "wav",
+     .otherExtension = "wave",
+     .kind = ContainerKind::SoundOnly,
+     .muxer = "wav",
+     .muxerOptions = "rf64=auto",
+     .pipeOptions = "rf64=auto",
+     .audioCodec = "pcm24",
+     .keeps = Keeps::ChannelLayout},
+    Sequence("png", {}, Keeps::PixelAspect | Keeps::Colors | Keeps::Range),
+    Sequence("tiff", "tif", Keeps::PixelAspect),
+    Sequence("dpx", {}, Keeps::PixelAspect | Keeps::Colors),
+    Sequence("exr", {}, Keeps::PixelAspect | Keeps::Colors),
+}};
+
+} // namespace
+
+std::span<const Container> AllContainers() noexcept
+{
+    return kContainers;
+}
+
+const Container* ContainerNamed(std::string_view name) noexcept
+{
+    if (const Container* named = RowNamed<Container>(kContainers, name)) {
+        return named;
+    }
+    for (const Container& container : kContainers) {
+        if (!name.empty() && IsSameName(container.otherExtension, name)) {
+            return &container;
+        }
+    }
+    return nullptr;
+}
+
+std::string ContainerNames()
+{
+    return JoinNames(kContainers, [](const Container&) { return true; });
+}
+
+} // namespace tessel::exporting

@@ -1,0 +1,177 @@
+#include "VideoCodec.h"
+
+#include "Names.h"
+#include "VideoPlan.h"
+
+#include <array>
+
+namespace tessel::exporting {
+namespace {
+
+using enum PictureLayout;
+using importhost::FieldOrder;
+
+constexpr std::array kFfv1Layouts{Bgra,       Bgr0,      Gbrap16, Gbrp16,    Yuva444p, Yuv444p,
+                                  Yuva444p16, Yuv444p16, Yuv422p, Yuv422p10, Yuv420p,  Yuv411p};
+constexpr std::array kV210Layouts{V210};
+constexpr std::array kV408Layouts{Yuva444p, Yuv444p};
+constexpr std::array kProResLayouts{Yuva444p10, Yuv444p10, Yuv422p10};
+constexpr std::array kPngLayouts{Rgba, Rgb24, Rgba64be, Rgb48be};
+constexpr std::array kTiffLayouts{Rgba, Rgb24, Rgba64, Rgb48};
+constexpr std::array kDpxLayouts{Rgba, Rgb24, Rgba64be, Rgb48be, Gbrp10};
+constexpr std::array kExrLayouts{Gbrapf32, Gbrpf32};
+constexpr std::array kH264Layouts{Yuv420p, Yuv444p};
+constexpr std::array kMpeg2Layouts{Yuv422p, Yuv420p};
+
+void SetFfv1Options(const VideoPlan& /*plan*/, EncoderOptions& options)
+{
+    options.values = {{"level", "3"}, {"g", "1"}, {"slicecrc", "1"}};
+}
+
+void SetProResOptions(const VideoPlan& plan, EncoderOptions& options)
+{
+    // 4444 with 16-bit alpha, 4444 without, 422 HQ. Some readers know no other vendor.
+    const LayoutInfo& layout = InfoOf(plan.conversion.target);
+    options.values = {{"profile", layout.chromaShiftX == 0 ? "4444" : "hq"},
+                      {"alpha_bits", layout.HasAlpha() ? "16" : "0"},
+                      {"vendor", "apl0"}};
+}
+
+void SetPngOptions(const VideoPlan& /*plan*/, EncoderOptions& options)
+{
+    // Rows of test pictures resemble the rows above them.
+    options.values = {{"pred", "up"}, {"compression_level", "3"}};
+}
+
+void SetTiffOptions(const VideoPlan& /*plan*/, EncoderOptions& options)
+{
+    options.values = {{"compression_algo", "deflate"}};
+}
+
+void SetExrOptions(const VideoPlan& /*plan*/, EncoderOptions& options)
+{
+    options.values = {{"compression", "zip16"}};
+}
+
+void SetH264Options(const VideoPlan& plan, EncoderOptions& options)
+{
+    options.values = {{"crf", "16"}, {"preset", "medium"}};
+    if (plan.geometry.order != FieldOrder::Progressive) {
+        options.values.emplace_back("x264-params",
+                                    plan.geometry.order == FieldOrder::UpperFirst ? "tff=1" : "bff=1");
+    }
+}
+
+void SetMpeg2Options(const VideoPlan& /*plan*/, EncoderOptions& options)
+{
+    // Intra pictures at a fixed fine quantiser: 2, in units of 1/118. 28 is the most that the non-linear scale
+    // knows.
+    options.values = {
+        {"g", "0"}, {"global_quality", "236"}, {"qmax", "28"}, {"non_linear_quant", "1"}, {"intra_vlc", "1"}};
+    options.flags = "+qscale";
+}
+
+constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
+
+constexpr std::array<VideoCodec, 12> kCodecs{{
+    {.name = "ffv1",
+     .title = "FFV1",
+     .encoder = "ffv1",
+     .containers = "mkv mov avi nut",
+     .layouts = kFfv1Layouts,
+     .setOptions = SetFfv1Options,
+     .codesFields = false},
+    {.name = "raw",
+     .title = "raw",
+     .encoder = "rawvideo",
+     .containers = "mkv mov avi nut y4m",
+     .rule = LayoutRule::KeepRaw},
+    // Written as it stands in memory: FFmpeg's encoder would unpack it, clip it and pack it again.
+    {.name = "v210", .title = "v210", .encoder = {}, .containers = "mkv mov avi nut", .layouts = kV210Layouts},
+    {.name = "v408",
+     .title = "v408",
+     .encoder = "v408",
+     .containers = "mkv mov avi nut",
+     .layouts = kV408Layouts,
+     .opaqueEncoder = "v308"},
+    {.name = "prores",
+     .title = "ProRes",
+     .encoder = "prores_ks",
+     .containers = "mkv mov avi nut",
+     .layouts = kProResLayouts,
+     .setOptions = SetProResOptions},
+    {.name = "png",
+     .title = "PNG",
+     .encoder = "png",
+     .containers = "mkv mov avi nut png",
+     .layouts = kPngLayouts,
+     .setOptions = SetPngOptions},
+    {.name = "tiff",
+     .title = "TIFF",
+     .encoder = "tiff",
+     .containers = "tiff",
+     .layouts = kTiffLayouts,
+     .setOptions = SetTiffOptions},
+    {.name = "dpx",
+     .title = "DPX",
+     .encoder = "dpx",
+     .containers = "dpx",
+     .layouts = kDpxLayouts,
+     .repair = PacketRepair::DpxColors},
+    {.name = "exr",
+     .title = "OpenEXR",
+     .encoder = "exr",
+     .containers = "exr",
+     .layouts = kExrLayouts,
+     .setOptions = SetExrOptions},
+    {.name = "h264",
+     .title = "H.264",
+     .encoder = "libx264",
+     .containers = "mkv mov mp4 mxf avi nut",
+     .rule = LayoutRule::Playable,
+     .layouts = kH264Layouts,
+     .keeps = kShape | Keeps::Colors | Keeps::Range,
+     .setOptions = SetH264Options},
+    {.name = "mpeg2",
+     .title = "MPEG-2",
+     .encoder = "mpeg2video",
+     .containers = "mkv mov mp4 mxf avi nut",
+     .layouts = kMpeg2Layouts,
+     .keeps = Keeps::FieldOrder | Keeps::Colors,
+     .setOptions = SetMpeg2Options},
+    {.name = "dv",
+     .title = "DV",
+     .encoder = "dvvideo",
+     .containers = "mkv mov mxf avi nut",
+     .rule = LayoutRule::DvProfile,
+     .keeps = Keeps::Nothing},
+}};
+
+} // namespace
+
+bool VideoCodec::GoesInto(const Container& container) const noexcept
+{
+    return HasWord(containers, container.name);
+}
+
+std::span<const VideoCodec> AllVideoCodecs() noexcept
+{
+    return kCodecs;
+}
+
+const VideoCodec* VideoCodecNamed(std::string_view name) noexcept
+{
+    return RowNamed<VideoCodec>(kCodecs, name);
+}
+
+std::string VideoCodecNames()
+{
+    return JoinNames(kCodecs, [](const VideoCodec&) { return true; });
+}
+
+std::string VideoCodecNames(const Container& container)
+{
+    return JoinNames(kCodecs, [&](const VideoCodec& codec) { return codec.GoesInto(container); });
+}
+
+} // namespace tessel::exporting
