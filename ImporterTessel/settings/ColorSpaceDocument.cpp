@@ -19,9 +19,9 @@ using qelmediatypes::color::ColorSpaceMetaData;
 
 namespace {
 
-std::vector<std::uint8_t> BytesFromValue(const ValuePtr& value, std::string_view key)
+std::vector<std::uint8_t> BytesFromValue(const Value& value, std::string_view key)
 {
-    const std::string& text = AsText(value, key);
+    const std::string_view text = AsText(value, key);
     try {
         return DecodeBinaryDataFromUTF8String(text);
     } catch (const parse_exception& error) {
@@ -29,7 +29,7 @@ std::vector<std::uint8_t> BytesFromValue(const ValuePtr& value, std::string_view
     }
 }
 
-ColorProfile ProfileFromValue(const ValuePtr& value, std::string_view key)
+ColorProfile ProfileFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "ColorProfile");
     // The default space's profile, which is not empty as a default-constructed profile is.
@@ -39,7 +39,7 @@ ColorProfile ProfileFromValue(const ValuePtr& value, std::string_view key)
     return profile;
 }
 
-ColorSpaceMetaData MetadataFromValue(const ValuePtr& value, std::string_view key)
+ColorSpaceMetaData MetadataFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "ColorSpaceMetaData");
     ColorSpaceMetaData metadata = ColorSpace().colorSpaceMetadata;
@@ -68,7 +68,7 @@ Value ValueFromMetadata(const ColorSpaceMetaData& metadata)
 
 } // namespace
 
-ColorSpace ColorSpaceFromValue(const ValuePtr& value, std::string_view key)
+ColorSpace ColorSpaceFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "ColorSpace");
     ColorSpace space;

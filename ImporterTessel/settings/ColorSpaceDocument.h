@@ -12,8 +12,8 @@ namespace ImporterTessel {
 /// (not Rec. 709) has it.
 /// @throws qelcore::serialization::type_exception for a present key of the wrong type, parse_exception for
 ///         profile data that is no encoding of bytes; each names the key.
-[[nodiscard]] qelmediatypes::color::ColorSpace
-ColorSpaceFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key);
+[[nodiscard]] qelmediatypes::color::ColorSpace ColorSpaceFromValue(const qelcore::serialization::Value& value,
+                                                                   std::string_view key);
 
 /// The colour space with all its keys, the profile's bytes encoded as a text.
 [[nodiscard]] qelcore::serialization::Value ValueFromColorSpace(const qelmediatypes::color::ColorSpace& space);

@@ -13,97 +13,92 @@ using namespace qelcore::serialization;
 namespace {
 
 template <class Item>
-void ListFromValue(const ValuePtr& value, std::string_view key, std::vector<Item>& field)
+void ListFromValue(const Value& value, std::string_view key, std::vector<Item>& field)
 {
-    const Array& elements = AsArray(value, key);
+    const Elements elements = AsArray(value, key);
     std::vector<Item> items;
     items.reserve(elements.size());
-    for (const ValuePtr& element : elements) {
+    for (const Value element : elements) {
         FieldFromValue(element, key, items.emplace_back());
     }
     field = std::move(items);
 }
 
-Value MakeListValue(Array array)
-{
-    return Value(Value::Storage(std::move(array)));
-}
-
 } // namespace
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::int32_t& field)
+void FieldFromValue(const Value& value, std::string_view key, std::int32_t& field)
 {
     field = static_cast<std::int32_t>(AsInteger(value, key));
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::uint32_t& field)
+void FieldFromValue(const Value& value, std::string_view key, std::uint32_t& field)
 {
     field = static_cast<std::uint32_t>(AsInteger(value, key));
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::int64_t& field)
+void FieldFromValue(const Value& value, std::string_view key, std::int64_t& field)
 {
     field = AsInteger(value, key);
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, float& field)
+void FieldFromValue(const Value& value, std::string_view key, float& field)
 {
     field = AsFloat(value, key);
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, bool& field)
+void FieldFromValue(const Value& value, std::string_view key, bool& field)
 {
     field = AsBoolean(value, key);
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::string& field)
+void FieldFromValue(const Value& value, std::string_view key, std::string& field)
 {
-    field = AsText(value, key);
+    field = std::string(AsText(value, key));
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::u16string& field)
+void FieldFromValue(const Value& value, std::string_view key, std::u16string& field)
 {
     field = qelcore::text::ToUTF16(AsText(value, key));
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::vector<std::int32_t>& field)
+void FieldFromValue(const Value& value, std::string_view key, std::vector<std::int32_t>& field)
 {
     ListFromValue(value, key, field);
 }
 
-void FieldFromValue(const ValuePtr& value, std::string_view key, std::vector<float>& field)
+void FieldFromValue(const Value& value, std::string_view key, std::vector<float>& field)
 {
     ListFromValue(value, key, field);
 }
 
 Value IntegerValue(std::int32_t field)
 {
-    return Value(Value::Storage(static_cast<std::uint64_t>(std::int64_t{field})));
+    return Value(static_cast<std::uint64_t>(std::int64_t{field}));
 }
 
 Value IntegerValue(std::uint32_t field)
 {
-    return Value(Value::Storage(std::uint64_t{field}));
+    return Value(std::uint64_t{field});
 }
 
 Value SignedValue(std::int64_t field)
 {
-    return Value(Value::Storage(field));
+    return Value(field);
 }
 
 Value NumberValue(float field)
 {
-    return Value(Value::Storage(ShortestDoubleOf(field)));
+    return Value(ShortestDoubleOf(field));
 }
 
 Value BooleanValue(bool field)
 {
-    return Value(Value::Storage(field));
+    return Value(field);
 }
 
 Value TextValue(std::string field)
 {
-    return Value(Value::Storage(std::move(field)));
+    return Value(std::move(field));
 }
 
 Value TextValue(std::u16string_view field)
@@ -116,9 +111,9 @@ Value ListValue(const std::vector<std::int32_t>& field)
     Array array;
     array.reserve(field.size());
     for (const std::int32_t item : field) {
-        array.push_back(std::make_shared<const Value>(SignedValue(item)));
+        array.push_back(SignedValue(item));
     }
-    return MakeListValue(std::move(array));
+    return Value(std::move(array));
 }
 
 Value ListValue(const std::vector<float>& field)
@@ -126,29 +121,23 @@ Value ListValue(const std::vector<float>& field)
     Array array;
     array.reserve(field.size());
     for (const float item : field) {
-        array.push_back(std::make_shared<const Value>(NumberValue(item)));
+        array.push_back(NumberValue(item));
     }
-    return MakeListValue(std::move(array));
+    return Value(std::move(array));
 }
 
-ObjectReader::ObjectReader(const ValuePtr& value, std::string_view path, std::string_view recordType)
-    : mObject(AsObject(value, path.empty() ? recordType : path)), mPath(path), mRecordType(recordType)
+ObjectReader::ObjectReader(const Value& value, std::string_view path, std::string_view recordType)
+    : mMembers(AsObject(value, path.empty() ? recordType : path)), mPath(path), mRecordType(recordType)
 {
 }
 
-const ValuePtr& ObjectReader::Required(std::string_view key) const
+Value ObjectReader::Required(std::string_view key) const
 {
-    const ValuePtr* const value = Find(key);
-    if (value == nullptr) {
+    Value value = mMembers.Find(key);
+    if (value.IsNothing()) {
         throw missing_key_exception(PathTo(key), mRecordType);
     }
-    return *value;
-}
-
-const ValuePtr* ObjectReader::Find(std::string_view key) const noexcept
-{
-    const auto entry = mObject.find(key);
-    return entry == mObject.end() ? nullptr : &entry->second;
+    return value;
 }
 
 std::string ObjectReader::PathTo(std::string_view key) const

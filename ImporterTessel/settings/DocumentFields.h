@@ -16,16 +16,16 @@ namespace ImporterTessel {
 /// @throws qelcore::serialization::type_exception, with the field untouched.
 /// Threads: [any-thread].
 /// @{
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::int32_t& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::uint32_t& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::int64_t& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, float& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, bool& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::string& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key, std::u16string& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key,
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, std::int32_t& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, std::uint32_t& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, std::int64_t& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, float& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, bool& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, std::string& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key, std::u16string& field);
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key,
                     std::vector<std::int32_t>& field);
-void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_view key,
+void FieldFromValue(const qelcore::serialization::Value& value, std::string_view key,
                     std::vector<float>& field);
 /// @}
 
@@ -44,8 +44,7 @@ void FieldFromValue(const qelcore::serialization::ValuePtr& value, std::string_v
 [[nodiscard]] qelcore::serialization::Value ListValue(const std::vector<float>& field);
 /// @}
 
-/// The object that holds a record's fields. Refers to the value and the path that it was made from, which must
-/// outlive it.
+/// The object that holds a record's fields. Refers to the path that it was made from, which must outlive it.
 /// Threads: [any-thread].
 class ObjectReader {
 public:
@@ -53,7 +52,7 @@ public:
     ///                    root.
     /// @param recordType  Names the record in errors about missing keys; a literal.
     /// @throws qelcore::serialization::type_exception where `value` is not an object.
-    ObjectReader(const qelcore::serialization::ValuePtr& value, std::string_view path,
+    ObjectReader(const qelcore::serialization::Value& value, std::string_view path,
                  std::string_view recordType);
 
     /// Reads a required field. @throws missing_key_exception, type_exception
@@ -75,27 +74,26 @@ public:
     template <class Field>
     void ReadIfPresent(std::string_view key, Field& field) const
     {
-        if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
-            FieldFromValue(*value, PathTo(key), field);
+        if (const qelcore::serialization::Value value = mMembers.Find(key); !value.IsNothing()) {
+            FieldFromValue(value, PathTo(key), field);
         }
     }
 
     template <class Record, class Reader>
     void ReadIfPresent(std::string_view key, Record& record, const Reader& recordFromValue) const
     {
-        if (const qelcore::serialization::ValuePtr* const value = Find(key)) {
-            record = recordFromValue(*value, PathTo(key));
+        if (const qelcore::serialization::Value value = mMembers.Find(key); !value.IsNothing()) {
+            record = recordFromValue(value, PathTo(key));
         }
     }
     /// @}
 
 private:
-    [[nodiscard]] const qelcore::serialization::ValuePtr& Required(std::string_view key) const;
-    [[nodiscard]] const qelcore::serialization::ValuePtr* Find(std::string_view key) const noexcept;
+    [[nodiscard]] qelcore::serialization::Value Required(std::string_view key) const;
 
     [[nodiscard]] std::string PathTo(std::string_view key) const;
 
-    const qelcore::serialization::Object& mObject;
+    qelcore::serialization::Members mMembers;
     std::string_view mPath;
     std::string_view mRecordType;
 };

@@ -47,8 +47,8 @@ ORB::Status ReadDocumentText(std::u16string_view path, std::string& text)
 ParsedDocument ParseDocument(std::string_view text)
 {
     std::string error;
-    qelcore::serialization::ValuePtr root = qelcore::serialization::JSONParse(text, &error);
-    if (root == nullptr) {
+    qelcore::serialization::Value root = qelcore::serialization::JSONParse(text, &error);
+    if (root.IsNothing()) {
         throw malformed_document(error);
     }
     const bool isWrapper = qelcore::serialization::ObjectHasProperty(root, kWrapperKey);

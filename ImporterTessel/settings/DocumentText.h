@@ -31,8 +31,8 @@ private:
 /// A parsed text. A root object with the key "SerializerWrappedObject" is a wrapper: the document is the value
 /// under that key. Any other root is itself the document.
 struct ParsedDocument {
-    qelcore::serialization::ValuePtr root;
-    qelcore::serialization::ValuePtr document;
+    qelcore::serialization::Value root;
+    qelcore::serialization::Value document;
 };
 
 /// Parses a text up to its first NUL. @throws malformed_document

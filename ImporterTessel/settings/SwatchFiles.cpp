@@ -12,7 +12,7 @@ using namespace qelcore::serialization;
 
 namespace {
 
-Coordinates CoordinatesFromValue(const ValuePtr& value, std::string_view key)
+Coordinates CoordinatesFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "Coordinates");
     Coordinates coordinates;
@@ -43,7 +43,7 @@ ORB::Status ReadSwatchFile(std::u16string_view path, Record& record, const Reade
 
 } // namespace
 
-SwatchCoordinates SwatchCoordinatesFromValue(const ValuePtr& value, std::string_view key)
+SwatchCoordinates SwatchCoordinatesFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "SwatchCoordinates");
     SwatchCoordinates coordinates;
@@ -53,7 +53,7 @@ SwatchCoordinates SwatchCoordinatesFromValue(const ValuePtr& value, std::string_
     return coordinates;
 }
 
-SwatchColors SwatchColorsFromValue(const ValuePtr& value, std::string_view key)
+SwatchColors SwatchColorsFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "SwatchColors");
     SwatchColors colors;

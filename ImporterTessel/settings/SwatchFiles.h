@@ -12,9 +12,9 @@ namespace ImporterTessel {
 /// Document values to records and back; each reader throws `missing_key_exception` or `type_exception`, and
 /// `key` names the record in errors, after the keys that lead to it, parted by points; empty for the root.
 /// Threads: [any-thread]. @{
-[[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::ValuePtr& value,
+[[nodiscard]] SwatchCoordinates SwatchCoordinatesFromValue(const qelcore::serialization::Value& value,
                                                            std::string_view key);
-[[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::ValuePtr& value,
+[[nodiscard]] SwatchColors SwatchColorsFromValue(const qelcore::serialization::Value& value,
                                                  std::string_view key);
 [[nodiscard]] qelcore::serialization::Value ValueFromSwatchCoordinates(const SwatchCoordinates& coordinates);
 [[nodiscard]] qelcore::serialization::Value ValueFromSwatchColors(const SwatchColors& colors);

@@ -17,7 +17,7 @@ using qelmediatypes::TickTime;
 
 namespace {
 
-FloatColor ColorFromValue(const ValuePtr& value, std::string_view key)
+FloatColor ColorFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "FloatColor");
     FloatColor color;
@@ -28,7 +28,7 @@ FloatColor ColorFromValue(const ValuePtr& value, std::string_view key)
     return color;
 }
 
-PixelAspectRatio RatioFromValue(const ValuePtr& value, std::string_view key)
+PixelAspectRatio RatioFromValue(const Value& value, std::string_view key)
 {
     const ObjectReader reader(value, key, "PixelAspectRatio");
     std::uint32_t numerator = 0;
@@ -38,14 +38,14 @@ PixelAspectRatio RatioFromValue(const ValuePtr& value, std::string_view key)
     return {numerator, denominator};
 }
 
-TickTime TimeFromValue(const ValuePtr& value, std::string_view key)
+TickTime TimeFromValue(const Value& value, std::string_view key)
 {
     std::int64_t ticks = 0;
     ObjectReader(value, key, "TickTime").Read("ticks", ticks);
     return TickTime(ticks);
 }
 
-FrameRate RateFromValue(const ValuePtr& value, std::string_view key)
+FrameRate RateFromValue(const Value& value, std::string_view key)
 {
     std::int64_t ticksPerFrame = 0;
     ObjectReader(value, key, "FrameRate").Read("ticksperframe", ticksPerFrame);
@@ -151,10 +151,10 @@ Value DocumentFromTessel(const TesselInfo& info)
     return Value(std::move(root));
 }
 
-TesselInfo TesselFromDocument(const ValuePtr& document)
+TesselInfo TesselFromDocument(const Value& document)
 {
     TesselInfo info;
-    if (document == nullptr || !document->IsObject()) {
+    if (!document.IsObject()) {
         return info;
     }
     const ObjectReader reader(document, /*path=*/"", "TesselInfo");

@@ -9,10 +9,10 @@ namespace ImporterTessel {
 /// The record as a document value, without the two texts that are not persisted. Threads: [any-thread].
 [[nodiscard]] qelcore::serialization::Value DocumentFromTessel(const TesselInfo& info);
 
-/// Reads a parsed document; a value that is no object gives the defaults, null included. A document without
+/// Reads a parsed document; a value that is no object gives the defaults, nothing included. A document without
 /// a version has version 0.
 /// @throws qelcore::serialization::missing_key_exception, type_exception, parse_exception
 /// Threads: [any-thread].
-[[nodiscard]] TesselInfo TesselFromDocument(const qelcore::serialization::ValuePtr& document);
+[[nodiscard]] TesselInfo TesselFromDocument(const qelcore::serialization::Value& document);
 
 } // namespace ImporterTessel

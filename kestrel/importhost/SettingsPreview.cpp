@@ -29,15 +29,15 @@ constexpr std::int64_t kMostPixels = 64'000'000;
 std::string InPreviewFormat(const std::string& settingsText)
 {
     const auto document = qelcore::serialization::JSONParse(settingsText);
-    if (document == nullptr || !document->IsObject()) {
+    if (!document.IsObject()) {
         return settingsText;
     }
-    auto object = std::get<qelcore::serialization::Object>(document->Get());
+    qelcore::serialization::Object object = qelcore::serialization::CopyMembers(document);
     const auto format = qelcore::serialization::GetVariantInObject(document, "mPixelFormat");
-    if (format == nullptr || qelcore::serialization::AsInteger(format, "mPixelFormat") != kBGRAFloat) {
-        AddToObject(object, "mPixelFormat", Value{Value::Storage{std::int64_t{kBGRA8}}});
+    if (qelcore::serialization::FindInteger(format) != std::int64_t{kBGRAFloat}) {
+        AddToObject(object, "mPixelFormat", Value(std::int64_t{kBGRA8}));
     }
-    return GetJSONUTF8String(Value{Value::Storage{std::move(object)}}, /*formatted=*/false);
+    return GetJSONUTF8String(Value(std::move(object)), /*formatted=*/false);
 }
 
 /// The plug-in's instance of the settings, for as long as this lives.

@@ -33,8 +33,7 @@ void RunInfo(Context& context, const InfoOptions& options)
         try {
             const importhost::Clip clip = context.OpenClip(file, opening);
             if (options.json) {
-                reports.push_back(
-                    std::make_shared<const qelcore::serialization::Value>(ReportAsDocument(clip)));
+                reports.push_back(ReportAsDocument(clip));
             } else {
                 WriteOut((std::exchange(isFirst, false) ? "" : "\n") + ReportAsTable(clip));
             }
@@ -51,7 +50,7 @@ void RunInfo(Context& context, const InfoOptions& options)
         return;
     }
     const auto document =
-        options.clips.size() == 1 ? *reports.front() : qelcore::serialization::Value(std::move(reports));
+        options.clips.size() == 1 ? reports.front() : qelcore::serialization::Value(std::move(reports));
     WriteOut(qelcore::serialization::GetJSONUTF8String(document, /*formatted=*/true) + "\n");
 }
 

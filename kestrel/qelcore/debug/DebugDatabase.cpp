@@ -16,7 +16,7 @@
 namespace qelcore::debug {
 namespace {
 
-using serialization::ValuePtr;
+using serialization::Value;
 
 constexpr std::string_view kLogContext = "qelcore.DebugDatabase";
 
@@ -42,13 +42,13 @@ std::optional<std::string> OverrideOf(std::string_view key)
     return entry->second;
 }
 
-/// The file's object; null where there is none.
-ValuePtr ReadDatabase()
+/// The file's object; nothing where there is none.
+Value ReadDatabase()
 {
     const std::filesystem::path file = DebugDatabaseFile();
     std::error_code error;
     if (file.empty() || !std::filesystem::exists(file, error)) {
-        return nullptr;
+        return {};
     }
     std::string text;
     std::ifstream stream;
@@ -59,13 +59,13 @@ ValuePtr ReadDatabase()
     }
     if (!stream.is_open() || stream.bad()) {
         logging::Log(kLogContext, file.string() + ": cannot be read; it counts as empty");
-        return nullptr;
+        return {};
     }
     std::string reason;
-    ValuePtr database = serialization::JSONParse(text, &reason);
-    if (database == nullptr) {
+    const Value database = serialization::JSONParse(text, &reason);
+    if (database.IsNothing()) {
         logging::Log(kLogContext, file.string() + ": " + reason + "; it counts as empty");
-    } else if (!database->IsObject()) {
+    } else if (!database.IsObject()) {
         logging::Log(kLogContext, file.string() + ": is not a JSON object of texts; it counts as empty");
     }
     return database;
@@ -84,9 +84,8 @@ std::string DebugDatabase::GetEntry(std::string_view key, std::string_view defau
     if (std::optional<std::string> text = OverrideOf(key)) {
         return *std::move(text);
     }
-    const ValuePtr value = serialization::GetVariantInObject(ReadDatabase(), key);
-    const std::string* const text = value == nullptr ? nullptr : std::get_if<std::string>(&value->Get());
-    return text == nullptr ? std::string(defaultText) : *text;
+    const Value value = serialization::GetVariantInObject(ReadDatabase(), key);
+    return std::string(serialization::FindText(value).value_or(defaultText));
 }
 
 void DebugDatabase::SetOverride(std::string_view key, std::string_view text)

@@ -3,21 +3,34 @@
 
 #include <kestrel/qelcore/serialization/Value.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qelcore::serialization {
+
+/// The longest text that is parsed, in bytes before its first NUL, and the most containers that lie inside one
+/// another. A document beyond either is refused before it can take the process's memory.
+inline constexpr std::size_t kLongestJSONText = 128'000'000;
+inline constexpr std::size_t kDeepestJSONNesting = 10'000;
 
 /// Parses UTF-8 text.
 ///
 /// @param text    The document, whose first NUL ends it where it holds one. Text after the document is
-///                malformed, white space is not. Of duplicate keys the last wins.
-/// @param error   Where not null and nothing results: one line that says what is wrong and where.
-/// @return the value, or null where the text is not well-formed: wrong JSON, invalid UTF-8, a number that
-///         is no finite double. Unpaired surrogate escapes become U+FFFD. Nesting is limited by memory only.
-/// Throws only `std::bad_alloc`. Threads: [any-thread].
-[[nodiscard]] ValuePtr JSONParse(std::string_view text, std::string* error = nullptr);
+/// malformed, white
+///                space is not. A byte order mark is passed over. Of duplicate keys the last wins.
+/// @param error   Where not null and nothing results: one line that says what is wrong and where; columns are
+/// in
+///                characters.
+/// @return the value, or nothing where the text is not well-formed: wrong JSON, invalid UTF-8, a number that is
+/// no
+///         finite double, or one of the limits above passed. Unpaired surrogate escapes become U+FFFD.
+/// Throws only `std::bad_alloc`. Threads: [any-thread]. Cost: at most 15 bytes of memory for a byte of text,
+/// also while parsing.
+[[nodiscard]] Value JSONParse(std::string_view text, std::string* error = nullptr);
 
 /// Prints a value as UTF-8 JSON text: keys in ascending byte order, numbers so that they read back bit for
 /// bit in every locale; infinities as ±1e39 (which reads back as an infinity once it is a 32-bit float),

@@ -7,12 +7,15 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
-#include <utility>
+#include <vector>
 
 namespace qelcore::serialization {
 namespace {
 
-void AppendText(std::string& out, const std::string& text)
+using Kind = Value::Kind;
+using Node = Value::Node;
+
+void AppendText(std::string& out, std::string_view text)
 {
     constexpr std::string_view kHexDigits = "0123456789abcdef";
     out += '"';
@@ -70,11 +73,11 @@ class Printer {
 public:
     explicit Printer(bool formatted) : mFormatted(formatted) {}
 
-    [[nodiscard]] std::string Print(const Value& root)
+    [[nodiscard]] std::string Print(const Node& root)
     {
         Append(root);
         while (!mOpen.empty()) {
-            if (mOpen.back().IsDone()) {
+            if (mOpen.back().next == mOpen.back().node.count) {
                 Close();
             } else {
                 Advance(mOpen.back());
@@ -84,21 +87,10 @@ public:
     }
 
 private:
-    /// A container whose children are being printed: an array or an object.
+    /// A container whose parts are being printed.
     struct Open {
-        explicit Open(const Array& elements) : array(&elements) {}
-        explicit Open(const Object& entries) : object(&entries), entry(entries.begin()) {}
-
-        [[nodiscard]] bool IsDone() const
-        {
-            return array != nullptr ? element == array->size() : entry == object->end();
-        }
-
-        const Array* array = nullptr;
-        std::size_t element = 0; ///< next one to print
-        const Object* object = nullptr;
-        Object::const_iterator entry; ///< next one to print
-        bool isFirst = true;
+        const Node& node;
+        std::uint32_t next = 0; ///< part to print
     };
 
     void NewLine()
@@ -111,65 +103,68 @@ private:
 
     void Close()
     {
-        const char closing = mOpen.back().array != nullptr ? ']' : '}';
+        const char closing = mOpen.back().node.kind == Kind::Array ? ']' : '}';
         mOpen.pop_back();
         NewLine();
         mOut += closing;
     }
 
-    /// Prints the next child of the innermost container.
+    /// Prints the next part of the innermost container.
     void Advance(Open& open)
     {
-        if (!std::exchange(open.isFirst, false)) {
+        const std::uint32_t part = open.next++;
+        if (part != 0) {
             mOut += ',';
         }
         NewLine();
-        const Value* child = nullptr;
-        if (open.array != nullptr) {
-            child = (*open.array)[open.element++].get();
-        } else {
-            AppendText(mOut, open.entry->first);
-            mOut += mFormatted ? ": " : ":";
-            child = (open.entry++)->second.get();
+        if (open.node.kind == Kind::Array) {
+            Append(open.node.elements[part]);
+            return;
         }
-        if (child == nullptr) {
+        const Value::Member& member = open.node.members[part];
+        AppendText(mOut, {member.key.letters, member.key.count});
+        mOut += mFormatted ? ": " : ":";
+        Append(member.value);
+    }
+
+    /// Prints a value, or the beginning of one that has parts.
+    void Append(const Node& node)
+    {
+        switch (node.kind) {
+        case Kind::Nothing:
+        case Kind::Null:
             mOut += "null";
-        } else {
-            Append(*child);
+            break;
+        case Kind::Boolean:
+            mOut += node.bits != 0 ? "true" : "false";
+            break;
+        case Kind::Signed:
+            AppendInteger(mOut, static_cast<std::int64_t>(node.bits));
+            break;
+        case Kind::Unsigned:
+            AppendInteger(mOut, node.bits);
+            break;
+        case Kind::Number:
+            mOut += JSONNumberFromDouble(node.number);
+            break;
+        case Kind::Text:
+            AppendText(mOut, {node.letters, node.count});
+            break;
+        case Kind::Array:
+        case Kind::Object:
+            AppendContainer(node, node.kind == Kind::Array ? "[]" : "{}");
+            break;
         }
     }
 
-    /// Prints a value, or the beginning of one that has children.
-    void Append(const Value& value)
+    void AppendContainer(const Node& node, std::string_view brackets)
     {
-        std::visit([this](const auto& content) { AppendContent(content); }, value.Get());
-    }
-
-    void AppendContent(std::monostate /*nothing*/) { mOut += "null"; }
-    void AppendContent(bool boolean) { mOut += boolean ? "true" : "false"; }
-    void AppendContent(std::int64_t integer) { AppendInteger(mOut, integer); }
-    void AppendContent(std::uint64_t integer) { AppendInteger(mOut, integer); }
-    void AppendContent(double number) { mOut += JSONNumberFromDouble(number); }
-    void AppendContent(const std::string& text) { AppendText(mOut, text); }
-
-    void AppendContent(const Array& array)
-    {
-        if (array.empty()) {
-            mOut += "[]";
+        if (node.count == 0) {
+            mOut += brackets;
             return;
         }
-        mOut += '[';
-        mOpen.emplace_back(array);
-    }
-
-    void AppendContent(const Object& object)
-    {
-        if (object.empty()) {
-            mOut += "{}";
-            return;
-        }
-        mOut += '{';
-        mOpen.emplace_back(object);
+        mOut += brackets[0];
+        mOpen.push_back({node});
     }
 
     bool mFormatted;
@@ -181,7 +176,7 @@ private:
 
 std::string GetJSONUTF8String(const Value& value, bool formatted)
 {
-    return Printer(formatted).Print(value);
+    return Printer(formatted).Print(value.GetNode());
 }
 
 } // namespace qelcore::serialization

@@ -21,7 +21,7 @@ using qelcore::serialization::Value;
 
 Value Text(std::string_view text)
 {
-    return Value{Value::Storage{std::string(text)}};
+    return Value(std::string(text));
 }
 
 Value Items(const std::vector<SeenItem>& seenItems)
@@ -30,21 +30,21 @@ Value Items(const std::vector<SeenItem>& seenItems)
     for (const SeenItem& seen : seenItems) {
         Object item;
         AddToObject(item, "text", Text(seen.text));
-        AddToObject(item, "enabled", Value{Value::Storage{seen.enabled}});
-        items.push_back(std::make_shared<const Value>(Value::Storage{std::move(item)}));
+        AddToObject(item, "enabled", Value(seen.enabled));
+        items.push_back(Value(std::move(item)));
     }
-    return Value{Value::Storage{std::move(items)}};
+    return Value(std::move(items));
 }
 
 void AddNumber(Object& object, const UI_NumberView& number)
 {
-    AddToObject(object, "value", Value{Value::Storage{number.GetValue()}});
-    AddToObject(object, "decimals", Value{Value::Storage{std::int64_t{number.DecimalPlaces()}}});
+    AddToObject(object, "value", Value(number.GetValue()));
+    AddToObject(object, "decimals", Value(std::int64_t{number.DecimalPlaces()}));
     if (number.Minimum()) {
-        AddToObject(object, "minimum", Value{Value::Storage{*number.Minimum()}});
+        AddToObject(object, "minimum", Value(*number.Minimum()));
     }
     if (number.Maximum()) {
-        AddToObject(object, "maximum", Value{Value::Storage{*number.Maximum()}});
+        AddToObject(object, "maximum", Value(*number.Maximum()));
     }
 }
 
@@ -55,21 +55,21 @@ Object Describe(UI_ControlView& control, ControlDriver& driver)
     AddToObject(object, "kind", Text(NameOf(control.Kind())));
     AddToObject(object, "label", Text(control.Label()));
     if (dynamic_cast<const UI_Group*>(&control) != nullptr) {
-        AddToObject(object, "enabled", Value{Value::Storage{control.IsEnabled()}});
+        AddToObject(object, "enabled", Value(control.IsEnabled()));
         return object;
     }
     const SeenState seen = driver.See(control);
     AddToObject(object, "text", Text(seen.text));
-    AddToObject(object, "enabled", Value{Value::Storage{seen.enabled}});
+    AddToObject(object, "enabled", Value(seen.enabled));
     if (const auto* const number = dynamic_cast<const UI_NumberView*>(&control)) {
         AddNumber(object, *number);
     } else if (const auto* const popup = dynamic_cast<const UI_Popup*>(&control)) {
-        AddToObject(object, "value", Value{Value::Storage{std::int64_t{popup->GetValue()}}});
+        AddToObject(object, "value", Value(std::int64_t{popup->GetValue()}));
         AddToObject(object, "items", Items(seen.items));
     } else if (const auto* const box = dynamic_cast<const UI_CheckBox*>(&control)) {
-        AddToObject(object, "value", Value{Value::Storage{box->IsChecked()}});
+        AddToObject(object, "value", Value(box->IsChecked()));
     } else if (const auto* const radio = dynamic_cast<const UI_RadioButton*>(&control)) {
-        AddToObject(object, "value", Value{Value::Storage{radio->GetValue() != 0}});
+        AddToObject(object, "value", Value(radio->GetValue() != 0));
     }
     return object;
 }
@@ -80,9 +80,9 @@ std::string DumpDialog(UI_Dialog& dialog, ControlDriver& driver)
 {
     Array controls;
     for (UI_ControlView* const control : dialog.AllControls()) {
-        controls.push_back(std::make_shared<const Value>(Value::Storage{Describe(*control, driver)}));
+        controls.push_back(Value(Describe(*control, driver)));
     }
-    return qelcore::serialization::GetJSONUTF8String(Value{Value::Storage{std::move(controls)}},
+    return qelcore::serialization::GetJSONUTF8String(Value(std::move(controls)),
                                                      /*formatted=*/true) +
            '\n';
 }

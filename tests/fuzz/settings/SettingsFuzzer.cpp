@@ -18,7 +18,6 @@
 namespace {
 
 using qelcore::serialization::Value;
-using qelcore::serialization::ValuePtr;
 
 void Require(bool holds, std::string_view claim)
 {
@@ -44,7 +43,7 @@ void ReadSettings(std::string_view text)
 }
 
 template <class Record, class Reader, class Writer>
-void ReadSwatches(const ValuePtr& document, const Reader& fromValue, const Writer& toValue)
+void ReadSwatches(const Value& document, const Reader& fromValue, const Writer& toValue)
 {
     Record record;
     try {
@@ -54,7 +53,7 @@ void ReadSwatches(const ValuePtr& document, const Reader& fromValue, const Write
     } catch (const qelcore::serialization::type_exception&) {
         return;
     }
-    const auto written = std::make_shared<const Value>(toValue(record));
+    const Value written = toValue(record);
     Require(fromValue(written, "swatches") == record, "written swatches read back");
 }
 
@@ -65,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     ReadSettings(text);
     try {
-        const ValuePtr document = ImporterTessel::ParseDocument(text);
+        const Value document = ImporterTessel::ParseDocument(text).document;
         ReadSwatches<ImporterTessel::SwatchColors>(document, ImporterTessel::SwatchColorsFromValue,
                                                    ImporterTessel::ValueFromSwatchColors);
         ReadSwatches<ImporterTessel::SwatchCoordinates>(document, ImporterTessel::SwatchCoordinatesFromValue,

@@ -49,16 +49,16 @@ TEST(JsonLocale, NumbersAreTheSameUnderADecimalComma)
         GTEST_SKIP() << "no locale with a decimal comma, nor the means to make one";
     }
     const std::string text = "[1.5,-0.25,1e-05,123456789.125,1.7976931348623157e+308]";
-    const ValuePtr value = JSONParse(text);
-    ASSERT_NE(value, nullptr);
-    const Array& numbers = AsArray(value, "");
+    const Value value = JSONParse(text);
+    ASSERT_FALSE(value.IsNothing());
+    const Elements numbers = AsArray(value, "");
     EXPECT_EQ(AsNumber(numbers[0], ""), 1.5);
     EXPECT_EQ(AsNumber(numbers[1], ""), -0.25);
     EXPECT_EQ(AsNumber(numbers[2], ""), 0.00001);
-    EXPECT_EQ(GetJSONUTF8String(*value, false), text);
-    EXPECT_EQ(JSONParse("[1,5.5]")->Get().index(), Value(Array()).Get().index());
-    EXPECT_EQ(JSONParse("1e999"), nullptr);
-    EXPECT_EQ(JSONParse("1,5"), nullptr);
+    EXPECT_EQ(GetJSONUTF8String(value, false), text);
+    EXPECT_TRUE(JSONParse("[1,5.5]").IsArray());
+    EXPECT_TRUE(JSONParse("1e999").IsNothing());
+    EXPECT_TRUE(JSONParse("1,5").IsNothing());
 }
 
 } // namespace

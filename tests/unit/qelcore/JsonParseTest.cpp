@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -14,8 +15,8 @@ using namespace std::string_literals;
 std::string Reprinted(std::string_view text)
 {
     std::string error;
-    const ValuePtr value = JSONParse(text, &error);
-    return value == nullptr ? "<" + error + ">" : GetJSONUTF8String(*value, false);
+    const Value value = JSONParse(text, &error);
+    return value.IsNothing() ? "<" + error + ">" : GetJSONUTF8String(value, false);
 }
 
 std::string Repeated(std::string_view piece, std::size_t count)
@@ -30,19 +31,19 @@ std::string Repeated(std::string_view piece, std::size_t count)
 
 TEST(JSONParse, ReadsEveryKindOfValue)
 {
-    const ValuePtr root =
+    const Value root =
         JSONParse(R"( {"n":null,"t":true,"f":false,"i":-1,"d":0.5,"s":"x","a":[1,[]],"o":{"k":{}}} )");
-    ASSERT_NE(root, nullptr);
-    const Object& object = AsObject(root, "");
+    ASSERT_FALSE(root.IsNothing());
+    const Members object = AsObject(root, "");
     EXPECT_EQ(object.size(), 8U);
-    EXPECT_TRUE(std::holds_alternative<std::monostate>(object.at("n")->Get()));
-    EXPECT_TRUE(AsBoolean(object.at("t"), "t"));
-    EXPECT_FALSE(AsBoolean(object.at("f"), "f"));
-    EXPECT_EQ(AsInteger(object.at("i"), "i"), -1);
-    EXPECT_EQ(AsNumber(object.at("d"), "d"), 0.5);
-    EXPECT_EQ(AsText(object.at("s"), "s"), "x");
-    EXPECT_EQ(AsArray(object.at("a"), "a").size(), 2U);
-    EXPECT_TRUE(GetVariantInObject(object.at("o"), "k")->IsObject());
+    EXPECT_EQ(object.Find("n").GetKind(), Value::Kind::Null);
+    EXPECT_TRUE(AsBoolean(object.Find("t"), "t"));
+    EXPECT_FALSE(AsBoolean(object.Find("f"), "f"));
+    EXPECT_EQ(AsInteger(object.Find("i"), "i"), -1);
+    EXPECT_EQ(AsNumber(object.Find("d"), "d"), 0.5);
+    EXPECT_EQ(AsText(object.Find("s"), "s"), "x");
+    EXPECT_EQ(AsArray(object.Find("a"), "a").size(), 2U);
+    EXPECT_TRUE(GetVariantInObject(object.Find("o"), "k").IsObject());
 }
 
 TEST(JSONParse, EveryValueMayBeTheDocument)
@@ -63,8 +64,8 @@ TEST(JSONParse, FirstNulEndsTheText)
 {
     EXPECT_EQ(Reprinted("[1]\0garbage"s), "[1]");
     EXPECT_EQ(Reprinted("[1]\0"s), "[1]");
-    EXPECT_EQ(JSONParse("[1\0]"s), nullptr);
-    EXPECT_EQ(JSONParse("\0[1]"s), nullptr);
+    EXPECT_TRUE(JSONParse("[1\0]"s).IsNothing());
+    EXPECT_TRUE(JSONParse("\0[1]"s).IsNothing());
     EXPECT_EQ(Reprinted(R"(["\u0000"])"), R"(["\u0000"])");
 }
 
@@ -115,7 +116,7 @@ TEST(JSONParse, MalformedTextsGiveNothingAndOneLineThatSaysWhy)
                              "[\"a\" \"b\"]",
                              "\xEF\xBB[1]"}) {
         std::string error;
-        EXPECT_EQ(JSONParse(text, &error), nullptr) << text;
+        EXPECT_TRUE(JSONParse(text, &error).IsNothing()) << text;
         EXPECT_EQ(error.substr(0, 5), "line ") << text;
         EXPECT_EQ(error.find('\n'), std::string::npos) << text;
         EXPECT_GT(error.size(), 20U) << error;
@@ -125,16 +126,26 @@ TEST(JSONParse, MalformedTextsGiveNothingAndOneLineThatSaysWhy)
 TEST(JSONParse, MalformedTextSaysWhere)
 {
     std::string error;
-    EXPECT_EQ(JSONParse("{\n  \"a\": 1,\n  \"b\" 2\n}", &error), nullptr);
+    EXPECT_TRUE(JSONParse("{\n  \"a\": 1,\n  \"b\" 2\n}", &error).IsNothing());
     EXPECT_EQ(error.substr(0, 18), "line 3, column 7: "); // the digit 2
-    EXPECT_EQ(JSONParse("[1e999]", &error), nullptr);
+    EXPECT_TRUE(JSONParse("[1e999]", &error).IsNothing());
     EXPECT_EQ(error, "line 1, column 6: a number is too large for a double");
+}
+
+TEST(JSONParse, ColumnsAreInCharacters)
+{
+    // Two, three and four bytes; the missing comma shows at the digit 2, the eleventh character.
+    std::string error;
+    EXPECT_TRUE(JSONParse("[\"\u00E4\u20AC\U0001F600\", 1 2]", &error).IsNothing());
+    EXPECT_EQ(error.substr(0, 19), "line 1, column 11: ") << error;
+    EXPECT_TRUE(JSONParse("\xEF\xBB\xBF[1 2]", &error).IsNothing());
+    EXPECT_EQ(error.substr(0, 18), "line 1, column 4: ") << "a byte order mark is no character: " << error;
 }
 
 TEST(JSONParse, ReasonsDoNotRepeatTheText)
 {
     std::string error;
-    EXPECT_EQ(JSONParse("[" + std::string(100'000, ' ') + "\"\xFF\"]", &error), nullptr);
+    EXPECT_TRUE(JSONParse("[" + std::string(100'000, ' ') + "\"\xFF\"]", &error).IsNothing());
     EXPECT_LT(error.size(), 200U);
     EXPECT_EQ(error.find('\xFF'), std::string::npos);
 }
@@ -143,9 +154,9 @@ TEST(JSONParse, RefusesInvalidUTF8)
 {
     for (const char* bytes :
          {"\xFF", "\xC3", "\xC3(", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\x80"}) {
-        EXPECT_EQ(JSONParse("[\"" + std::string(bytes) + "\"]"), nullptr);
-        EXPECT_EQ(JSONParse("{\"" + std::string(bytes) + "\":1}"), nullptr);
-        EXPECT_EQ(JSONParse("[1]" + std::string(bytes)), nullptr);
+        EXPECT_TRUE(JSONParse("[\"" + std::string(bytes) + "\"]").IsNothing());
+        EXPECT_TRUE(JSONParse("{\"" + std::string(bytes) + "\":1}").IsNothing());
+        EXPECT_TRUE(JSONParse("[1]" + std::string(bytes)).IsNothing());
     }
     EXPECT_EQ(Reprinted("[\"\u00E4\u20AC\U0001F600\U0010FFFF\"]"), "[\"\u00E4\u20AC\U0001F600\U0010FFFF\"]");
 }
@@ -172,26 +183,49 @@ TEST(JSONParse, EscapedBackslashesBeforeAUAreNoEscapesOfSurrogates)
     EXPECT_EQ(Reprinted(R"("\ud83d\\ude00")"), "\"\uFFFD\\\\ude00\"");
 }
 
-TEST(JSONParse, BracketsNestAsDeepAsMemoryAllows)
+TEST(JSONParse, TenThousandLevelsAreReadAndNoneMore)
 {
-    constexpr std::size_t kDepth = 1'000'000;
-    const std::string arrays = Repeated("[", kDepth) + Repeated("]", kDepth);
-    EXPECT_TRUE(Reprinted(arrays) == arrays);
-    const std::string objects = Repeated("{\"a\":", kDepth) + "1" + Repeated("}", kDepth);
-    EXPECT_TRUE(Reprinted(objects) == objects);
-    EXPECT_EQ(JSONParse(Repeated("[", kDepth)), nullptr);
-    EXPECT_EQ(JSONParse(Repeated("[{\"a\":", kDepth)), nullptr);
-    EXPECT_EQ(JSONParse(arrays + "x"), nullptr);
+    constexpr std::size_t kDeepest = 10'000;
+    for (const auto& [begin, end] : {std::pair("[", "]"), std::pair("{\"a\":", "}")}) {
+        const std::string deepest = Repeated(begin, kDeepest - 1) + "[]" + Repeated(end, kDeepest - 1);
+        EXPECT_TRUE(Reprinted(deepest) == deepest);
+        const std::string deeper = begin + deepest + end;
+        EXPECT_NE(Reprinted(deeper).find("nested deeper than 10000 levels"), std::string::npos);
+        EXPECT_TRUE(JSONParse(Repeated(begin, kDeepest)).IsNothing());
+        EXPECT_TRUE(JSONParse(deepest + "x").IsNothing());
+    }
+    // Beside one another they are no deeper, and brackets in texts are no containers.
+    const std::string wide = "[" + Repeated("[],", 20'000) + "\"" + Repeated("[", 20'000) + "\"]";
+    EXPECT_TRUE(Reprinted(wide) == wide);
+}
+
+TEST(JSONParse, SaysWhereATextIsTooDeep)
+{
+    EXPECT_EQ(Reprinted("[\n" + Repeated("[", 10'000)),
+              "<line 2, column 10000: nested deeper than 10000 levels>");
+}
+
+TEST(JSONParse, TextsEndAt128Megabytes)
+{
+    constexpr std::size_t kLongest = 128'000'000;
+    std::string text(kLongest, ' ');
+    text.back() = '1';
+    EXPECT_EQ(Reprinted(text), "1");
+    text += ' ';
+    EXPECT_EQ(Reprinted(text), "<the text is longer than 128000000 bytes>");
+    text[kLongest] = '\0';
+    text += "what follows a NUL is not of the text";
+    EXPECT_EQ(Reprinted(text), "1");
 }
 
 TEST(JSONParse, DeepDocumentsNeedNoDeepStack)
 {
-    // 256 KiB of stack would not do for a recursion through 200,000 brackets.
+    // 64 KiB of stack would not do for a recursion through 10,000 brackets.
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 256 * 1024), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
     const auto run = [](void* result) -> void* {
-        constexpr std::size_t kDepth = 200'000;
+        constexpr std::size_t kDepth = 9'999;
         const std::string text = Repeated("[[],", kDepth) + "0" + Repeated("]", kDepth);
         *static_cast<bool*>(result) = Reprinted(text) == text;
         return nullptr;
@@ -207,7 +241,7 @@ TEST(JSONParse, DeepDocumentsNeedNoDeepStack)
 TEST(JSONParse, WhiteSpaceOfAnyLengthIsWhiteSpace)
 {
     EXPECT_EQ(Reprinted(std::string(100'000'000, ' ') + "[1]"), "[1]");
-    EXPECT_EQ(JSONParse(std::string(1'000'000, '\n')), nullptr);
+    EXPECT_TRUE(JSONParse(std::string(1'000'000, '\n')).IsNothing());
 }
 
 TEST(JSONParse, ByteOrderMarkIsPassedOver)

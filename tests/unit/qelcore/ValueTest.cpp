@@ -25,8 +25,7 @@ std::string ErrorOf(Read read)
 
 TEST(Value, ReadersNameTheKeyAndTheTypeTheyNeed)
 {
-    const ValuePtr null = std::make_shared<Value>();
-    for (const ValuePtr& value : {null, ValuePtr()}) {
+    for (const Value& value : {Value(nullptr), Value()}) {
         EXPECT_EQ(ErrorOf([&] { return AsObject(value, "k"); }), "\"k\": expected an object");
         EXPECT_EQ(ErrorOf([&] { return AsArray(value, "k"); }), "\"k\": expected an array");
         EXPECT_EQ(ErrorOf([&] { return AsText(value, "k"); }), "\"k\": expected a text");
@@ -50,8 +49,8 @@ TEST(Value, EachReaderTakesItsTypesAndNoOthers)
                            Row{"\"no\"", false, false, false}, Row{"\"True\"", false, false, false},
                            Row{"\"1\"", false, false, false}, Row{"null", false, false, false},
                            Row{"[1]", false, false, false}, Row{"{}", false, false, false}}) {
-        const ValuePtr value = JSONParse(row.text);
-        ASSERT_NE(value, nullptr) << row.text;
+        const Value value = JSONParse(row.text);
+        ASSERT_FALSE(value.IsNothing()) << row.text;
         const auto reads = [&](auto read) { return ErrorOf([&] { return read(value, "k"); }) == "no error"; };
         EXPECT_EQ(reads(AsInteger), row.integer) << row.text;
         EXPECT_EQ(reads(AsNumber), row.number) << row.text;
@@ -79,14 +78,14 @@ TEST(Value, UnsignedIntegersKeepTheirBits)
 
 TEST(Value, LookingUpFindsNothingWhereThereIsNothing)
 {
-    const ValuePtr object = JSONParse(R"({"a": null, "b": 1})");
+    const Value object = JSONParse(R"({"a": null, "b": 1})");
     EXPECT_TRUE(ObjectHasProperty(object, "a"));
-    EXPECT_NE(GetVariantInObject(object, "a"), nullptr);
+    EXPECT_EQ(GetVariantInObject(object, "a").GetKind(), Value::Kind::Null);
     EXPECT_FALSE(ObjectHasProperty(object, "c"));
-    EXPECT_EQ(GetVariantInObject(object, "c"), nullptr);
-    for (const ValuePtr& other : {JSONParse("[\"a\"]"), JSONParse("\"a\""), ValuePtr()}) {
+    EXPECT_TRUE(GetVariantInObject(object, "c").IsNothing());
+    for (const Value& other : {JSONParse("[\"a\"]"), JSONParse("\"a\""), Value()}) {
         EXPECT_FALSE(ObjectHasProperty(other, "a"));
-        EXPECT_EQ(GetVariantInObject(other, "a"), nullptr);
+        EXPECT_TRUE(GetVariantInObject(other, "a").IsNothing());
     }
 }
 
@@ -100,12 +99,12 @@ TEST(Value, AddingUnderAKeyReplaces)
 
 TEST(Value, SubTreesOutliveTheirDocument)
 {
-    ValuePtr inner;
+    Value inner;
     {
-        const ValuePtr root = JSONParse(std::string(1000, '[') + R"({"a": "kept"})" + std::string(1000, ']'));
+        const Value root = JSONParse(std::string(1000, '[') + R"({"a": "kept"})" + std::string(1000, ']'));
         inner = root;
         for (int i = 0; i < 1000; ++i) {
-            inner = AsArray(ValuePtr(inner), "")[0];
+            inner = AsArray(inner, "")[0];
         }
     }
     EXPECT_EQ(AsText(GetVariantInObject(inner, "a"), "a"), "kept");
@@ -114,16 +113,16 @@ TEST(Value, SubTreesOutliveTheirDocument)
 TEST(Value, WideAndDeepTreesAreTakenDownOnManyThreads)
 {
     // Every thread destroys trees of its own and its share of a common one.
-    const ValuePtr common = JSONParse("[" + std::string(5000, '[') + std::string(5000, ']') + "]");
+    const Value common = JSONParse("[" + std::string(5000, '[') + std::string(5000, ']') + "]");
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([copy = *common]() mutable {
+        threads.emplace_back([copy = common]() mutable {
             for (int k = 0; k < 20; ++k) {
                 std::string text = "[0";
                 for (int wide = 0; wide < 50; ++wide) {
                     text += "," + std::string(200, '[') + "{\"a\":[]}" + std::string(200, ']');
                 }
-                const ValuePtr own = JSONParse(text + "]");
+                const Value own = JSONParse(text + "]");
                 EXPECT_EQ(AsArray(own, "").size(), 51U);
             }
             copy = Value();
@@ -132,7 +131,7 @@ TEST(Value, WideAndDeepTreesAreTakenDownOnManyThreads)
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(GetJSONUTF8String(*common, false).size(), 10'002U);
+    EXPECT_EQ(GetJSONUTF8String(common, false).size(), 10'002U);
 }
 
 } // namespace

@@ -289,10 +289,10 @@ TEST_F(Playing, ADumpHoldsEveryControl)
     std::ostringstream text;
     text << std::ifstream(file).rdbuf();
     const auto document = qelcore::serialization::JSONParse(text.str());
-    ASSERT_NE(document, nullptr) << text.str();
-    const auto& controls = qelcore::serialization::AsArray(document, "dump");
+    ASSERT_FALSE(document.IsNothing()) << text.str();
+    const auto controls = qelcore::serialization::AsArray(document, "dump");
     EXPECT_EQ(controls.size(), dialog.AllControls().size());
-    const auto minimum = qelcore::serialization::GetVariantInObject(controls.at(1), "minimum");
+    const auto minimum = qelcore::serialization::GetVariantInObject(controls[1], "minimum");
     EXPECT_EQ(qelcore::serialization::AsNumber(minimum, "minimum"), 1.0);
 }
 

@@ -197,10 +197,8 @@ TEST(SwatchCoordinatesFile, ElementsAreIntegers)
 
 TEST(SwatchValues, ReadBackAsTheyWereWritten)
 {
-    using qelcore::serialization::Value;
-    const auto colors = std::make_shared<const Value>(ImporterTessel::ValueFromSwatchColors(kOtherColors));
+    const auto colors = ImporterTessel::ValueFromSwatchColors(kOtherColors);
     EXPECT_EQ(ImporterTessel::SwatchColorsFromValue(colors, "colors"), kOtherColors);
-    const auto coordinates =
-        std::make_shared<const Value>(ImporterTessel::ValueFromSwatchCoordinates(kOtherCoordinates));
+    const auto coordinates = ImporterTessel::ValueFromSwatchCoordinates(kOtherCoordinates);
     EXPECT_EQ(ImporterTessel::SwatchCoordinatesFromValue(coordinates, "coordinates"), kOtherCoordinates);
 }

@@ -1,0 +1,26 @@
+/// How large a document's containers are, found before the document is parsed.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace qelcore::serialization {
+
+/// Arrays and objects of a JSON text in the order in which they begin.
+struct ContainerSizes {
+    /// Elements or members of each, so that memory for them can be had at once and none is left over. Of a
+    /// malformed text, those up to the place where that shows here; sums of them are never larger than the
+    /// text.
+    std::vector<std::uint32_t> sizes;
+    /// Where a container begins that lies deeper than allowed, as an offset in the text; what follows is not
+    /// counted.
+    std::optional<std::size_t> tooDeep;
+};
+
+/// Counts without looking at what containers hold. Cost: about a nanosecond a byte.
+[[nodiscard]] ContainerSizes FindContainerSizes(std::string_view text, std::size_t deepestNesting);
+
+} // namespace qelcore::serialization
