@@ -23,7 +23,7 @@ Value List(const Items& items, const Convert& convert)
 {
     Array array;
     for (const auto& item : items) {
-        array.push_back(std::make_shared<const Value>(convert(item)));
+        array.push_back(convert(item));
     }
     return Value(std::move(array));
 }
