@@ -101,7 +101,9 @@ TEST(Value, SubTreesOutliveTheirDocument)
 {
     Value inner;
     {
-        const Value root = JSONParse(std::string(1000, '[') + R"({"a": "kept"})" + std::string(1000, ']'));
+        const std::string opening(1000, '[');
+        const std::string closing(1000, ']');
+        const Value root = JSONParse(opening + R"({"a": "kept"})" + closing);
         inner = root;
         for (int i = 0; i < 1000; ++i) {
             inner = AsArray(inner, "")[0];
