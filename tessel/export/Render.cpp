@@ -88,6 +88,27 @@ std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job,
     return makers;
 }
 
+/// Makes the pictures of a file, one after the other; owns a converter. Threads: [any-thread].
+class PictureMaker {
+public:
+    PictureMaker(const SignalSource& source, const RenderJob& job, const OutputPlan& plan, const Detour& detour)
+        : mFirst(job.frames.first), mDetour(detour),
+          mClean([&source, converter = std::make_shared<FrameConverter>(plan.video->conversion)](
+                     std::int64_t frame) { return converter->Convert(source.RenderFrame(frame)); })
+    {
+    }
+
+    [[nodiscard]] Picture operator()(std::int64_t index) const
+    {
+        return mDetour.picture ? mDetour.picture(index, mClean) : mClean(mFirst + index);
+    }
+
+private:
+    std::int64_t mFirst;
+    const Detour& mDetour;
+    Detour::CleanPicture mClean;
+};
+
 OutputFile OpenTarget(const std::filesystem::path& target)
 {
     return target == "-" ? OutputFile(OutputFile::StandardOutput{}) : OutputFile(target);
@@ -99,11 +120,13 @@ std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& 
     return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
 }
 
-void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                     const Detour& detour)
 {
     const importhost::ClipDescription& clip = source.Description();
     const std::int64_t start = StartSample(job.frames.first, clip, *plan.audio);
-    const std::int64_t end = StartSample(job.frames.first + job.frames.count, clip, *plan.audio);
+    const std::int64_t end =
+        StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
     MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
     SoundTrack sound(source, *plan.audio);
     sound.StartAt(start);
@@ -116,28 +139,31 @@ void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const Out
     writer.Finish();
 }
 
-void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan, const Detour& detour)
 {
     const importhost::ClipDescription& clip = source.Description();
     MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
     std::optional<SoundTrack> sound;
+    std::int64_t soundEnd = 0;
     if (plan.audio) {
         sound.emplace(source, *plan.audio);
         sound->StartAt(StartSample(job.frames.first, clip, *plan.audio));
+        soundEnd =
+            StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
     }
-    auto makers = MakersFor<Picture>(job, [&] {
-        auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
-        return [&source, &job, converter](std::int64_t index) {
-            return converter->Convert(source.RenderFrame(job.frames.first + index));
-        };
-    });
+    auto makers = MakersFor<Picture>(job, [&] { return PictureMaker(source, job, plan, detour); });
     OrderedPipeline<Picture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
     for (std::int64_t index = 0; const std::optional<Picture> picture = pictures.Take(); ++index) {
-        writer.WritePicture(*picture, index);
+        const std::int64_t time = detour.pictureTime ? detour.pictureTime(index) : index;
+        writer.WritePicture(*picture, detour.startFrames + time);
         if (sound) {
-            sound->WriteTo(StartSample(job.frames.first + index + 1, clip, *plan.audio), writer);
+            const std::int64_t next = StartSample(job.frames.first + index + 1, clip, *plan.audio);
+            sound->WriteTo(std::min(next, soundEnd), writer);
         }
         Report(job, index + 1, job.frames.count, "frames");
+    }
+    if (sound) {
+        sound->WriteTo(soundEnd, writer);
     }
     StopIfInterrupted();
     writer.Finish();
@@ -146,16 +172,15 @@ void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputP
 using Bytes = std::vector<std::byte>;
 
 /// Picture files are independent of each other, so threads encode them, too.
-void RenderSequence(const SignalSource& source, const RenderJob& job, const OutputPlan& plan)
+void RenderSequence(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                    const Detour& detour)
 {
     SequenceWriter writer(job.target, job.frames.count);
     auto makers = MakersFor<Bytes>(job, [&] {
-        auto converter = std::make_shared<FrameConverter>(plan.video->conversion);
         std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, /*threadCount=*/1);
-        return [&source, &job, converter, encoder](std::int64_t index) {
+        return [maker = PictureMaker(source, job, plan, detour), encoder](std::int64_t index) {
             Bytes file;
-            const Picture picture = converter->Convert(source.RenderFrame(job.frames.first + index));
-            encoder->Encode(picture, index, [&file](const AVPacket& packet) {
+            encoder->Encode(maker(index), index, [&file](const AVPacket& packet) {
                 const auto* bytes = reinterpret_cast<const std::byte*>(packet.data);
                 file.insert(file.end(), bytes, bytes + packet.size);
             });
@@ -203,13 +228,18 @@ FrameRange ChooseFrames(const importhost::ClipDescription& clip, std::optional<s
 
 void Render(const SignalSource& source, const RenderJob& job)
 {
-    const OutputPlan plan = PlanOutput(source.Description(), job.output);
+    RenderPlanned(source, job, PlanOutput(source.Description(), job.output));
+}
+
+void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                   const Detour& detour)
+{
     if (!plan.video) {
-        RenderSoundOnly(source, job, plan);
+        RenderSoundOnly(source, job, plan, detour);
     } else if (plan.container->kind == ContainerKind::Sequence) {
-        RenderSequence(source, job, plan);
+        RenderSequence(source, job, plan, detour);
     } else {
-        RenderMovie(source, job, plan);
+        RenderMovie(source, job, plan, detour);
     }
 }
 

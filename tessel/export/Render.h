@@ -4,10 +4,12 @@
 #include "Progress.h"
 #include "SignalSource.h"
 
+#include <tessel/export/convert/Picture.h>
 #include <tessel/export/plan/OutputPlan.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 namespace tessel::exporting {
@@ -39,5 +41,22 @@ struct RenderJob {
 /// under its name when it is whole; on any failure nothing is left.
 /// @throws ExportError, importhost::HostError, Interrupted (while an `InterruptGuard` lives), std::bad_alloc
 void Render(const SignalSource& source, const RenderJob& job);
+
+/// What is changed on the way into a file; nothing by default.
+struct Detour {
+    /// The converted picture of any frame of the clip.
+    using CleanPicture = std::function<Picture(std::int64_t frame)>;
+    /// Makes the file's picture `index`, counted from 0, in the plan's layout and announced size. Called from
+    /// many threads, each with a `clean` of its own.
+    std::function<Picture(std::int64_t index, const CleanPicture& clean)> picture{};
+    /// The time of picture `index` in frame durations, ascending; empty: its index.
+    std::function<std::int64_t(std::int64_t index)> pictureTime{};
+    std::int64_t startFrames = 0;      ///< time of the file's beginning, in frame durations
+    std::int64_t soundTailSamples = 0; ///< sound behind the last picture; negative: it ends before
+};
+
+/// The same with a plan made by `PlanOutput`, perhaps changed since, instead of `job.output`.
+void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                   const Detour& detour = {});
 
 } // namespace tessel::exporting

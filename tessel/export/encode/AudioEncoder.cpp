@@ -186,7 +186,7 @@ void AudioEncoder::EncodeFrame(std::int64_t count, const Sink& sink)
     libav::Check(av_channel_layout_copy(&frame->ch_layout, &mContext->ch_layout), "cannot hold the audio");
     libav::Check(av_frame_get_buffer(frame.get(), 0), "cannot hold the audio");
     FillFrame(*frame, count);
-    frame->pts = mWritten;
+    frame->pts = mPlan.startSample + mWritten;
     mWritten += count;
     libav::Check(avcodec_send_frame(mContext.get(), frame.get()), "cannot encode the audio");
     Drain(sink);

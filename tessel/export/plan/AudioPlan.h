@@ -23,6 +23,7 @@ struct AudioPlan {
     SpeakerLayout layout = SpeakerLayout::None;
     Dither dither = Dither::None;
     bool headersOutOfBand = false;
+    std::int64_t startSample = 0; ///< time of the file's first sample, in samples
 };
 
 /// @param chosen  a codec that goes into the container; null: the container's usual one
