@@ -21,6 +21,7 @@ endfunction()
 
 # kestrel_add_importer_resource(TARGET RESOURCE FILE)
 # Makes FILE, byte for byte, a resource of the plug-in: RESOURCE is its type and name, as in LUMEN.MyDialog.
+# A note beside it leads the host to the resource in the loaded plug-in, whose file may have moved since.
 # The property list and the kind resources come from <kestrel/importabi/Resources.h> instead.
 function(kestrel_add_importer_resource target resource file)
     cmake_path(ABSOLUTE_PATH file NORMALIZE)
@@ -31,7 +32,16 @@ function(kestrel_add_importer_resource target resource file)
     set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}.${resource}.${extension}")
     file(CONFIGURE OUTPUT "${source}" @ONLY CONTENT [[
 __asm__(".pushsection .ksres.@resource@, \"a\", %progbits\n"
-        ".incbin \"@file@\"\n"
+        "1: .incbin \"@file@\"\n"
+        "2:\n"
+        ".popsection\n"
+        ".pushsection .note.kestrel.resource, \"a\", %note\n"
+        ".balign 4\n"
+        ".long 8, 4f - 3f, 1\n"
+        ".asciz \"Kestrel\"\n"
+        "3: .long 1b - 3b, 2b - 1b\n"
+        ".asciz \"@resource@\"\n"
+        "4: .balign 4\n"
         ".popsection\n");
 ]])
     target_sources(${target} PRIVATE "${source}")

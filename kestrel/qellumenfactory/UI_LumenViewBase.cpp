@@ -31,7 +31,7 @@ bool UI_LumenViewBase::GetScriptStream(std::string_view identifier, std::ostream
         std::swap(types[0], types[1]);
     }
     for (const std::string_view type : types) {
-        const std::string name = ".ksres." + std::string(type) + '.' + std::string(identifier);
+        const std::string name = std::string(type) + '.' + std::string(identifier);
         if (const auto bytes = qelcore::resources::FindLoadedResource(name)) {
             stream.write(reinterpret_cast<const char*>(bytes->data()),
                          static_cast<std::streamsize>(bytes->size()));

@@ -1,4 +1,4 @@
-/// Resources in a plug-in's file, found without loading or running it.
+/// Resources of plug-ins: in a file, without loading or running it, and in a loaded library.
 #pragma once
 
 #include <kestrel/qelcore/exceptions/Exceptions.h>
@@ -27,9 +27,9 @@ public:
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadResource(const std::filesystem::path& file,
                                                                     std::string_view name);
 
-/// The same, looked for in the files of the program and of all libraries that the process has loaded, in
-/// load order; the first that has it answers. Files that cannot be read are passed over. Opens every one of
-/// those files. Threads: [thread-safe].
+/// The resource `name` ("LUMEN.MyDialog") of the program or of a library that the process has loaded, in load order;
+/// the first that has it answers. Read in memory, where a note leads to it (<importabi/Entries.h>): what became of the
+/// library's file, or of the working folder, does not matter. Threads: [thread-safe]. Throws only `std::bad_alloc`.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> FindLoadedResource(std::string_view name);
 
 } // namespace qelcore::resources

@@ -125,33 +125,4 @@ std::optional<Bytes> ReadResource(const std::filesystem::path& file, std::string
     return bytes;
 }
 
-std::optional<Bytes> FindLoadedResource(std::string_view name)
-{
-    std::vector<std::filesystem::path> files;
-    const auto note = [](dl_phdr_info* info, std::size_t /*size*/, void* list) noexcept {
-        // The program itself comes first and has no name.
-        const bool isProgram = info->dlpi_name == nullptr || *info->dlpi_name == '\0';
-        try {
-            static_cast<std::vector<std::filesystem::path>*>(list)->emplace_back(isProgram ? "/proc/self/exe"
-                                                                                           : info->dlpi_name);
-        } catch (const std::exception&) {
-            return 1; // An exception must not cross the loader's frames.
-        }
-        return 0;
-    };
-    if (dl_iterate_phdr(note, &files) != 0) {
-        throw std::bad_alloc();
-    }
-    for (const std::filesystem::path& file : files) {
-        try {
-            if (std::optional<Bytes> bytes = ReadResource(file, name)) {
-                return bytes;
-            }
-        } catch (const resource_exception&) {
-            continue; // The system's own pseudo library, for one, has no file.
-        }
-    }
-    return std::nullopt;
-}
-
 } // namespace qelcore::resources

@@ -22,18 +22,24 @@ TEST(ReadResource, GivesTheSectionsBytes)
 
 TEST(ReadResource, GivesNothingWithoutSuchASection)
 {
-    EXPECT_EQ(ReadResource(kProgram, ".ksres.TEST.2"), std::nullopt);
+    EXPECT_EQ(ReadResource(kProgram, ".ksres.TEST.4"), std::nullopt);
     EXPECT_EQ(ReadResource(kProgram, ".ksres.TEST"), std::nullopt);
     EXPECT_EQ(ReadResource(kProgram, ""), std::nullopt);
     EXPECT_EQ(ReadResource(kLibrary, ".ksres.TEST.1"), std::nullopt);
     EXPECT_EQ(ReadResource(kLibrary, ".bss"), std::nullopt) << "takes no bytes in the file";
 }
 
-TEST(FindLoadedResource, LooksInTheProgramAndInItsLibraries)
+TEST(FindLoadedResource, GivesTheBytesThatANoteOfTheProgramLeadsTo)
 {
-    EXPECT_EQ(FindLoadedResource(".ksres.TEST.1"), (Bytes{0, 1, 2, 0xFF, 0}));
-    EXPECT_EQ(FindLoadedResource(".ksres.TEST.2"), std::nullopt);
-    EXPECT_TRUE(FindLoadedResource(".dynsym").has_value());
+    EXPECT_EQ(FindLoadedResource("TEST.1"), (Bytes{0, 1, 2, 0xFF, 0}));
+    EXPECT_EQ(FindLoadedResource("TEST.3"), Bytes());
+}
+
+TEST(FindLoadedResource, GivesNothingWithoutANoteOfThatVeryName)
+{
+    for (const char* const name : {"TEST.2", "TEST", "TEST.11", "", ".ksres.TEST.1"}) {
+        EXPECT_EQ(FindLoadedResource(name), std::nullopt) << name;
+    }
 }
 
 std::string ReasonOf(const std::filesystem::path& file)
