@@ -4,7 +4,7 @@ import os
 import re
 import sys
 
-SOURCE_FOLDERS = ("ImporterTessel", "kestrel", "tessel")
+SOURCE_FOLDERS = ("ImporterTessel", "kestrel", "tessel", "tests/conformance/checker")
 SOURCE_ENDINGS = (".h", ".hpp", ".cpp", ".c", ".inc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:<([^>\n]+)>|"([^"\n]+)")', re.MULTILINE)
 
@@ -74,7 +74,10 @@ RULES = [
          r"(?:kestrel/|ImporterTessel/|tessel/(?!cli/CommandLine\.cpp$))",
          forbidden=COMMAND_LINE),
     Rule("the host's headers show no formatting library", r"kestrel/.*\.h$", forbidden=FORMATTING),
-    Rule("platform headers stay in platform files", r"(?:kestrel|ImporterTessel|tessel)/",
+    Rule("the conformance checker knows the wire format alone", r"tests/conformance/checker/",
+         forbidden=re.compile(r"^(?:kestrel/(?!importabi/)|tessel/|ImporterTessel/|tests/(?!conformance/checker/)|"
+                              r"nlohmann/|fmt/|CLI/)")),
+    Rule("platform headers stay in platform files", r"(?:kestrel|ImporterTessel|tessel|tests/conformance/checker)/",
          forbidden=PLATFORM_HEADERS, exempt=PLATFORM_FILES.pattern),
 ]
 

@@ -14,16 +14,6 @@ namespace wrong {
 
 namespace {
 
-std::optional<std::string> ContentOf(const ksUTF16* path)
-{
-    std::error_code ignored;
-    if (path == nullptr || !std::filesystem::is_regular_file(path, ignored)) {
-        return std::nullopt;
-    }
-    std::ifstream stream(std::filesystem::path(path), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
 /// Lets the right plug-in read `spoil` of the file that `path` names, which lies beside that file, in a folder
 /// that the check removes.
 template <class Record>
@@ -44,6 +34,16 @@ std::int32_t WithSpoiledFile(const Request& request, Record& record,
 }
 
 } // namespace
+
+std::optional<std::string> ContentOf(const ksUTF16* path)
+{
+    std::error_code ignored;
+    if (path == nullptr || !std::filesystem::is_regular_file(path, ignored)) {
+        return std::nullopt;
+    }
+    std::ifstream stream(std::filesystem::path(path), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+}
 
 void Crash()
 {

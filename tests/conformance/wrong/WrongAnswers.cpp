@@ -38,6 +38,15 @@ std::int32_t WritesIntoReservedBytes(const Request& request)
     return answer;
 }
 
+std::int32_t NamesAnotherExtension(const Request& request)
+{
+    const std::int32_t answer = Right(request);
+    if (request.Is(ksSelectorFileType) && answer == ksResultServed) {
+        request.Second<ksFileTypeRec>()->extensions[0] = 'l';
+    }
+    return answer;
+}
+
 std::int32_t RepeatsItsFileType(const Request& request)
 {
     const bool isFileType = request.selector == ksSelectorFileType;
@@ -171,6 +180,7 @@ std::vector<WrongPlugin> WrongAnswers()
         {"OpensItsGateAlways", OpensItsGateAlways},
         {"StartsWithoutARecord", AnswersInstead(ksSelectorStartUp, ksResultFailed, ksResultServed)},
         {"WritesIntoReservedBytes", WritesIntoReservedBytes},
+        {"NamesAnotherExtension", NamesAnotherExtension},
         {"RepeatsItsFileType", RepeatsItsFileType},
         {"WritesForSelector5", WritesForSelector5},
         {"NotesAnotherPointer", NotesAnotherPointer},

@@ -3,9 +3,6 @@
 #include <kestrel/importabi/Suites.h>
 
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace wrong {
@@ -194,9 +191,8 @@ std::int32_t RefusesClipsWithoutFrames(const Request& request)
     const std::int32_t answer = Right(request);
     if (request.Is(ksSelectorOpenFile) && answer == ksResultServed) {
         const auto& open = *request.Second<ksOpenRec>();
-        std::ifstream stream(std::filesystem::path(static_cast<const ksUTF16*>(open.path)), std::ios::binary);
-        const std::string document(std::istreambuf_iterator<char>(stream), {});
-        if (document.find("\"ticks\": 0}") != std::string::npos) {
+        if (const auto document = ContentOf(open.path);
+            document && document->find("\"ticks\": 0}") != std::string::npos) {
             instances.insert(open.instance);
         }
     }

@@ -13,6 +13,17 @@ std::int32_t TakesUnreadableForFailed(const Request& request)
     return answer == ksResultFileUnreadable ? std::int32_t{ksResultFailed} : answer;
 }
 
+/// Refuses documents that do not end in a brace, with an instance in the slot all the same.
+std::int32_t KeepsInstancesOfCutDocuments(const Request& request)
+{
+    const std::int32_t answer = Right(request);
+    if (!request.Is(ksSelectorOpenFile) || answer != ksResultServed) {
+        return answer;
+    }
+    const auto document = ContentOf(request.Second<ksOpenRec>()->path);
+    return document && !document->empty() && document->back() != '}' ? std::int32_t{ksResultFailed} : answer;
+}
+
 bool IsHeld(const Request& request)
 {
     return request.Is(ksSelectorOpenFile) && request.Second<ksOpenRec>()->instance != nullptr;
@@ -154,6 +165,7 @@ std::vector<WrongPlugin> WrongInstances()
 {
     return {
         {"TakesUnreadableForFailed", TakesUnreadableForFailed},
+        {"KeepsInstancesOfCutDocuments", KeepsInstancesOfCutDocuments},
         {"ForgetsHeldClips", ForgetsHeldClips},
         {"OpensOnce", OpensOnce},
         {"RefusesASecondOpen", RefusesASecondOpen},

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,9 @@ std::vector<WrongPlugin> WrongInstances(); ///< opening, describing, deleting
 std::vector<WrongPlugin> WrongTexts();     ///< documents and settings texts
 std::vector<WrongPlugin> WrongFrames();    ///< what is asked of the host, and pixels
 std::vector<WrongPlugin> WrongSound();     ///< samples
+
+/// The bytes of a file that a request names; nothing where it is no file that can be read.
+std::optional<std::string> ContentOf(const ksUTF16* path);
 
 /// Ends the process as an access through a null pointer does.
 [[noreturn]] void Crash();

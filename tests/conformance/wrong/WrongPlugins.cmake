@@ -49,6 +49,7 @@ wrong_plugin(RefusesASecondOpen FAILS open.unreadable-held open.again tessel.ins
 wrong_plugin(OpensOnce FAILS open.unreadable-held tessel.instance.opened-again)
 wrong_plugin(OpensTwentyAtMost FAILS open.many)
 wrong_plugin(CrashesOnCutDocuments FAILS open.damaged)
+wrong_plugin(KeepsInstancesOfCutDocuments FAILS open.damaged)
 wrong_plugin(RefusesMalformedFiles FAILS tessel.instance.malformed)
 wrong_plugin(MakesAnInstanceEachTime FAILS tessel.instance.81)
 

@@ -213,14 +213,17 @@ void NothingIsLeft(Plugin& plugin)
 std::vector<Check> AllocationChecks()
 {
     return {
-        {"allocation.create", "Creating an instance out of memory answers 4 and stores none", Creating},
-        {"allocation.open", "Opening out of memory answers 4 without an instance, or makes do", Opening},
-        {"allocation.describe", "Describing out of memory answers 4 or makes do", Describing},
-        {"allocation.frame", "A frame request out of memory answers 4 or makes do", GivingFrames},
-        {"allocation.sound", "A request for sound out of memory answers 4 or makes do", GivingSound},
-        {"allocation.color", "A colour request out of memory answers 4 or makes do", GivingColorCodes},
-        {"allocation.settings", "A settings request out of memory answers 4 or makes do", GivingSettings},
-        {"allocation.left", "A clip that was opened, used and deleted leaves no memory behind", NothingIsLeft},
+        {"allocation.create",
+         "Where an allocation fails, selector 81 answers 4 without an instance, or succeeds", Creating},
+        {"allocation.open", "Where an allocation fails, selector 39 answers 4 without an instance, or succeeds",
+         Opening},
+        {"allocation.describe", "Where an allocation fails, selector 37 answers 4 or succeeds", Describing},
+        {"allocation.frame", "Where an allocation fails, selector 47 answers 4 or succeeds", GivingFrames},
+        {"allocation.sound", "Where an allocation fails, selector 25 answers 4 or succeeds", GivingSound},
+        {"allocation.color", "Where an allocation fails, selector 73 answers 4 or succeeds", GivingColorCodes},
+        {"allocation.settings", "Where an allocation fails, selector 38 answers 4 or succeeds", GivingSettings},
+        {"allocation.left", "A clip that was opened, used and deleted leaves no memory allocated",
+         NothingIsLeft},
     };
 }
 

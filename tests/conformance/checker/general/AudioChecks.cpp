@@ -125,14 +125,15 @@ void NullBuffersAreRefused(Plugin& plugin)
 std::vector<Check> AudioChecks()
 {
     return {
-        {"audio.buffers", "A request writes every sample of the clip's channels, and none outside its buffers",
+        {"audio.buffers", "A request writes every sample of the clip's channels and none outside its buffers",
          WritesItsBuffers},
-        {"audio.pure", "Sound depends on document and position alone", SoundDependsOnPositionAlone},
-        {"audio.cuts", "A request gives what its two parts give, to -80 dB", AnyCutJoins},
-        {"audio.any-position", "Positions before the start and at both ends of 64 bits are answered",
+        {"audio.pure", "Sound depends on the document and the position only", SoundDependsOnPositionAlone},
+        {"audio.cuts", "A request gives the samples that its two parts give, to -80 dB", AnyCutJoins},
+        {"audio.any-position", "Positions before the start and at both ends of 64 bits do no harm",
          AnyPositionIsAnswered},
         {"audio.no-samples", "A request for no samples writes none", NoSamplesWriteNothing},
-        {"audio.null-buffers", "Samples that have no buffers are answered 5", NullBuffersAreRefused},
+        {"audio.null-buffers", "A request for samples with a null array of buffers answers 5",
+         NullBuffersAreRefused},
     };
 }
 

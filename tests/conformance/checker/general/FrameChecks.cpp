@@ -171,19 +171,22 @@ void FailingQueriesFail(Plugin& plugin)
 std::vector<Check> FrameChecks()
 {
     return {
-        {"frame.as-described", "A frame is made once, with the described size and pixel aspect ratio",
+        {"frame.as-described",
+         "A frame request creates one frame, of the described size and pixel aspect ratio",
          FramesAreAsDescribed},
-        {"frame.rows", "Rows go where the host's row step says, upwards too, and nowhere else",
+        {"frame.rows",
+         "Pixels follow the host's row step, also a padded or a negative one, and no other byte is written",
          RowsAreTheHosts},
-        {"frame.old-pixels", "No pixel depends on what the frame held before", OldPixelsDoNotShow},
-        {"frame.pure", "A picture depends on document and time alone", PicturesDependOnTimeAlone},
-        {"frame.steady", "A picture stays the same for the duration of its frame", PicturesLastAFrame},
-        {"frame.any-time", "Times before the start, behind the end and at both ends of 64 bits are answered",
+        {"frame.old-pixels", "No pixel depends on what the frame held before the request", OldPixelsDoNotShow},
+        {"frame.pure", "A picture depends on the document and the time only", PicturesDependOnTimeAlone},
+        {"frame.steady", "A picture does not change within the duration of its frame", PicturesLastAFrame},
+        {"frame.any-time", "Times before the start, after the end and at both ends of 64 bits do no harm",
          AnyTimeIsAnswered},
-        {"frame.no-suites", "A frame request fails without its suites and is served once they are there",
+        {"frame.no-suites", "A frame request fails without its suites, and succeeds once the host has them",
          MissingSuitesFail},
-        {"frame.refused", "A frame request fails where the host makes no frame", RefusedFramesFail},
-        {"frame.failing-query", "A frame request fails where the host does not give the frame's memory",
+        {"frame.refused", "A frame request fails where the host creates no frame", RefusedFramesFail},
+        {"frame.failing-query",
+         "A frame request fails where the host does not give the frame's pixels or row step",
          FailingQueriesFail},
     };
 }

@@ -148,10 +148,10 @@ std::vector<Check> RegistrationChecks()
 {
     return {
         {"registration.property-list",
-         "The file carries a whole property list that says IMPT and gives name, match name and kind",
+         "The file carries a complete property list with the code IMPT, a name, a match name and a kind",
          HasPropertyList},
         {"registration.identity",
-         "PluginDataEntryFunction calls back once, with the host's context and the names of the property list",
+         "PluginDataEntryFunction calls back once, with the host's context and the property list's names",
          IdentityAgrees},
     };
 }

@@ -248,15 +248,18 @@ void DescribesNothing(Plugin& plugin)
 std::vector<Check> OpenChecks()
 {
     return {
-        {"open.document", "The open request stores an instance in its slot, and the delete request takes it",
+        {"open.document", "Selector 39 stores an instance in its slot, and selector 9 deletes it",
          OpensAndDeletes},
-        {"open.unreadable", "What cannot be read answers 2 and leaves a fresh slot null",
+        {"open.unreadable", "An unreadable path answers 2 and leaves an empty slot null",
          UnreadableOnAFreshSlot},
-        {"open.unreadable-held", "What cannot be read answers 2 and leaves a held clip as it was",
+        {"open.unreadable-held", "An unreadable path answers 2 and leaves an open clip unchanged",
          UnreadableOnAHeldSlot},
-        {"open.again", "The same document opens again into its instance", OpensAgain},
-        {"open.many", "48 instances of one document live at once and go in any order", ManyAtOnce},
-        {"open.damaged", "200 damaged documents are answered, and what opens is described and shows a frame",
+        {"open.again", "The same document can be opened again into its instance", OpensAgain},
+        {"open.many", "48 instances of one document can be open at once and be deleted in any order",
+         ManyAtOnce},
+        {"open.damaged",
+         "200 damaged documents are opened or refused without a crash, and an opened one can be described and "
+         "shown",
          DamagedDocuments},
     };
 }
@@ -264,10 +267,12 @@ std::vector<Check> OpenChecks()
 std::vector<Check> DescribeChecks()
 {
     return {
-        {"describe.fields", "The description says what a host can play, and only its fields are written",
+        {"describe.fields",
+         "The description holds values that a host can play, and only its fields are written",
          DescribesWhatAHostCanPlay},
         {"describe.same", "Every description of a document is the same", DescribesTheSame},
-        {"describe.nothing", "A clip without a file and without a text is not described", DescribesNothing},
+        {"describe.nothing", "A clip with neither a file nor a settings text is not described",
+         DescribesNothing},
     };
 }
 

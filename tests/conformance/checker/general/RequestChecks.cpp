@@ -374,41 +374,47 @@ std::vector<Check> FileTypeChecks()
     return {
         {"start-up.record", "Start-up writes the fields of its record and nothing else",
          StartUpWritesItsFields},
-        {"file-type.described", "The first file type has a code, a name and a closed list of extensions",
+        {"file-type.described",
+         "The first file type has a code, a display name and a closed list of extensions",
          FileTypesAreDescribed},
-        {"file-type.end", "The enumeration of file types ends with 301, which writes nothing", FileTypesEnd},
+        {"file-type.end", "Asking for a file type behind the last one answers 301 and writes nothing",
+         FileTypesEnd},
     };
 }
 
 std::vector<Check> RequestChecks()
 {
     return {
-        {"requests.out-of-range", "Numbers above 86, negative ones included, answer 3 and touch nothing",
+        {"requests.out-of-range", "Selectors above 86, negative ones included, answer 3 and write nothing",
          NumbersOutOfRange},
-        {"requests.without-record", "Numbers that have no record need none and write nothing",
+        {"requests.without-record",
+         "Selectors without a record in the wire format accept null records and write nothing",
          OtherNumbersWriteNothing},
-        {"requests.null-records", "No request is served without its record", NullRecords},
-        {"requests.null-instances", "No request is served without its instance", NullInstances},
-        {"requests.record-ends", "No request reads or writes behind its record", RecordsEndWhereTheyEnd},
-        {"requests.frame-size", "The frame size is the described one, and there is one only", FrameSizeAgrees},
+        {"requests.null-records", "No request that needs a record is served without it", NullRecords},
+        {"requests.null-instances", "No request that needs an instance is served without it", NullInstances},
+        {"requests.record-ends", "No request reads or writes beyond the end of its record",
+         RecordsEndWhereTheyEnd},
+        {"requests.frame-size",
+         "Selector 45 gives the described frame size at index 0 and is declined at index 1", FrameSizeAgrees},
     };
 }
 
 std::vector<Check> ColorChecks()
 {
     return {
-        {"color.codes", "Colour codes are codes of ITU-T H.273, and nothing else is written",
+        {"color.codes", "Colour codes lie in the range of ITU-T H.273, and only their fields are written",
          ColorCodesAreCodes},
-        {"color.end", "Index 1 of the colour information is not served and writes nothing", ColorCodesEnd},
+        {"color.end", "Colour information has no entry at index 1, and asking for it writes nothing",
+         ColorCodesEnd},
     };
 }
 
 std::vector<Check> SettingsChecks()
 {
     return {
-        {"settings.size", "A settings request without a buffer gives the size and writes nothing else",
+        {"settings.size", "A settings request without a buffer gives the buffer's size and writes nothing else",
          SettingsSize},
-        {"settings.text", "A settings text of an existing file is closed and stays inside its buffer",
+        {"settings.text", "The settings text of an existing file ends with a NUL inside its buffer",
          SettingsTextFits},
     };
 }

@@ -103,11 +103,11 @@ void InstancesOnThreads(Plugin& plugin)
 std::vector<Check> ThreadChecks()
 {
     return {
-        {"threads.frames", "Eight threads get the frames that one gets, from one instance and from two",
+        {"threads.frames", "Eight threads get the same frames as one, from one instance and from two",
          FramesOnThreads},
-        {"threads.sound", "Eight threads get the sound that one gets, from one instance and from two",
+        {"threads.sound", "Eight threads get the same sound as one, from one instance and from two",
          SoundOnThreads},
-        {"threads.instances", "Eight threads open, describe and delete instances of their own at once",
+        {"threads.instances", "Eight threads can open, describe and delete instances of their own at once",
          InstancesOnThreads},
     };
 }

@@ -269,10 +269,9 @@ const ksStdParms* RefusingStdParms()
     return &tables.parameters;
 }
 
-std::u16string Wide(const std::filesystem::path& asciiPath)
+std::u16string Wide(const std::filesystem::path& path)
 {
-    const std::string text = asciiPath.string();
-    return {text.begin(), text.end()};
+    return path.u16string();
 }
 
 } // namespace conformance

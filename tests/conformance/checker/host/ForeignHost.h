@@ -102,6 +102,6 @@ void FreeFrame(const ForeignFrame* frame);
 [[nodiscard]] const ksStdParms* RefusingStdParms();
 
 /// A path as requests carry it.
-[[nodiscard]] std::u16string Wide(const std::filesystem::path& asciiPath);
+[[nodiscard]] std::u16string Wide(const std::filesystem::path& path);
 
 } // namespace conformance

@@ -82,7 +82,8 @@ Outcome RunInOwnProcess(const Check& check, const Options& options)
         outcome.reason = "crashed: " + end.reason;
         break;
     case ProcessEnd::How::TimedOut:
-        outcome.reason = "did not end within " + std::to_string(options.timeLimit.count()) + " seconds";
+        outcome.reason = "did not end within " + std::to_string(options.timeLimit.count()) +
+                         (options.timeLimit.count() == 1 ? " second" : " seconds");
         break;
     case ProcessEnd::How::NotStarted:
         outcome.reason = "not run: " + end.reason;

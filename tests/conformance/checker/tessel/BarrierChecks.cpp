@@ -37,7 +37,7 @@ void ExceptionsBecomeAnswers(Plugin& plugin)
 
 std::vector<Check> TesselBarrierChecks()
 {
-    return {{"tessel.barrier.results", "A bad_alloc becomes the answer 4, whatever else is thrown becomes 5",
+    return {{"tessel.barrier.results", "A bad_alloc is answered 4, any other exception 5",
              ExceptionsBecomeAnswers}};
 }
 

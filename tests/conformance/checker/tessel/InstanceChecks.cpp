@@ -118,16 +118,18 @@ void UnknownColorSpaceIsUnspecified(Plugin& plugin)
 std::vector<Check> TesselInstanceChecks()
 {
     return {
-        {"tessel.instance.opened-again", "A file opened on a held instance replaces its settings",
+        {"tessel.instance.opened-again", "A file opened into an instance replaces its settings",
          OpensAgainIntoTheSameInstance},
         {"tessel.instance.malformed", "A malformed document opens as the default clip",
          MalformedOpensAsDefault},
-        {"tessel.instance.81", "Selector 81 makes an instance once and answers 3 both times",
+        {"tessel.instance.81",
+         "Selector 81 creates an instance in an empty slot only, and answers 3 either way",
          Selector81AnswersThreeTwice},
-        {"tessel.instance.frame-size", "Selector 45 gives width and height for index 0 only", FrameSize},
+        {"tessel.instance.frame-size", "Selector 45 gives width and height at index 0 only", FrameSize},
         {"tessel.color.rec709", "Selector 73 gives Rec. 709's codes for a document without a colour space",
          ColorCodes},
-        {"tessel.color.unspecified", "An empty colour-space object is the host's unspecified one",
+        {"tessel.color.unspecified",
+         "An empty colour-space object gives the codes of an unspecified colour space",
          UnknownColorSpaceIsUnspecified},
     };
 }

@@ -140,12 +140,13 @@ std::vector<Check> TesselRegistrationChecks()
 {
     return {
         {"tessel.registration.property-list",
-         "The property list is, byte for byte, nine properties behind a 10-byte header", PropertyList},
-        {"tessel.registration.small-resources", "IMPT 1000 and TYPE 1000 are six bytes each, as they must be",
-         SmallResources},
-        {"tessel.registration.identity",
-         "The identity callback is called once with the same names and the fixed numbers", IdentityCallback},
-        {"tessel.registration.layouts", "The dialog's layout is there in both dialects", LayoutResources},
+         "The property list is, byte for byte, a 10-byte header and nine properties", PropertyList},
+        {"tessel.registration.small-resources",
+         "The resources IMPT 1000 and TYPE 1000 hold their six bytes each", SmallResources},
+        {"tessel.registration.identity", "The identity callback gets Tessel's names, code and numbers",
+         IdentityCallback},
+        {"tessel.registration.layouts", "The file carries the dialog's layout in both layout languages",
+         LayoutResources},
     };
 }
 

@@ -224,19 +224,19 @@ void NullInstancesAreAnswered5(Plugin& plugin)
 std::vector<Check> TesselSelectorChecks()
 {
     return {
-        {"tessel.selectors.declined", "The selectors without work decline and touch nothing",
+        {"tessel.selectors.declined", "Selectors without work answer 3 and write nothing",
          DecliningSelectorsTouchNothing},
         {"tessel.selectors.pointer-tests",
-         "The pointer-testing selectors answer 5 for null and 3 for a pointer",
+         "Selectors that test a pointer answer 5 for null and 3 for any other",
          PointerTestingSelectorsTellNullFromPointer},
-        {"tessel.selectors.fixed", "Selectors 1, 8, 28 and 36 give their fixed answers", FixedAnswers},
-        {"tessel.selectors.null-records", "The serving selectors answer null records without touching them",
+        {"tessel.selectors.fixed", "Selectors 1, 8, 28 and 36 answer 0, 0, 100 and 101", FixedAnswers},
+        {"tessel.selectors.null-records", "Selectors with work answer null records with their error code",
          ServingSelectorsSurviveNullRecords},
         {"tessel.selectors.null-instances", "Selectors 25, 27, 45, 47 and 73 answer 5 for a null instance",
          NullInstancesAreAnswered5},
-        {"tessel.selectors.noted",
-         "The selectors without work read their one pointer, if any, and nothing else", OnlyThePointerIsRead},
-        {"tessel.selectors.27", "Selector 27 writes a zero for index 0 and has no further entries",
+        {"tessel.selectors.noted", "Selectors without work read at most the pointer that they note or test",
+         OnlyThePointerIsRead},
+        {"tessel.selectors.27", "Selector 27 writes a zero at index 0 and answers 301 at index 1",
          Selector27WritesItsZeroAtIndexZeroOnly},
     };
 }

@@ -228,14 +228,14 @@ std::vector<Check> TesselSettingsDialogChecks()
 {
     return {
         {"tessel.settings.cancelled",
-         "A cancelled dialog answers 300 with the settings as they were before it in the buffer",
+         "A cancelled dialog answers 300 and gives the settings as they were before it",
          CancelledGivesTheSettingsOfBefore},
-        {"tessel.settings.accepted", "An accepted dialog answers 0 with the new settings in the buffer",
+        {"tessel.settings.accepted", "An accepted dialog answers 0 and gives the new settings",
          AcceptedGivesTheNewSettings},
         {"tessel.settings.use-file",
-         "A saved file that the clip is to use answers 17 with its path, NUL included, in the host's memory",
+         "A saved file that the clip is to use answers 17 and gives its path in the host's memory",
          UsedFileGivesItsPath},
-        {"tessel.settings.no-block", "Where the host gives no memory for that path the answer is 4",
+        {"tessel.settings.no-block", "Where the host has no memory for that path the answer is 4",
          WithoutABlockTheAnswerIs4},
     };
 }

@@ -92,15 +92,17 @@ void TooLongTextIsDropped(Plugin& plugin)
 std::vector<Check> TesselSettingsTextChecks()
 {
     return {
-        {"tessel.settings.size", "A null buffer is answered with 10240, whatever the file", SizeRequest},
+        {"tessel.settings.size", "A null buffer gives the size 10240, whatever the file", SizeRequest},
         {"tessel.settings.existing",
          "An existing file with the new-clip flag gives its settings as text, without a dialog",
          ExistingFileAsText},
-        {"tessel.settings.stable", "The text of a text is the same text", TextIsStable},
-        {"tessel.settings.unreadable", "An unreadable file answers 2 and leaves buffer and size alone",
+        {"tessel.settings.stable", "A settings text read back gives the same settings text", TextIsStable},
+        {"tessel.settings.unreadable", "An unreadable file answers 2 and leaves buffer and size unchanged",
          UnreadableFile},
-        {"tessel.settings.10238", "A text of 10238 bytes fits the buffer with its NUL", LongestTextThatFits},
-        {"tessel.settings.10239", "A text of 10239 bytes is dropped without a report", TooLongTextIsDropped},
+        {"tessel.settings.10238", "A settings text of 10238 bytes fits the buffer with its NUL",
+         LongestTextThatFits},
+        {"tessel.settings.10239", "A settings text of 10239 bytes is not written, and the answer is 0",
+         TooLongTextIsDropped},
     };
 }
 

@@ -99,16 +99,18 @@ std::vector<Check> TesselStartUpChecks()
 {
     return {
         {"tessel.start-up.open",
-         "The text \"true\" opens the gate; code and seven flags are written, nothing else", OpensForTrue},
-        {"tessel.start-up.no-record", "With the gate open a null record is answered 5",
+         "With the debug key at \"true\" the start-up record gets its code and seven flags, nothing else",
+         OpensForTrue},
+        {"tessel.start-up.no-record", "With the debug key at \"true\" a null record answers 5",
          OpenGateWithoutRecordFails},
-        {"tessel.start-up.absent", "Without the key or the database the gate is shut and nothing is written",
-         ShutWhenAbsent},
-        {"tessel.start-up.other-texts", "Any text but exactly \"true\" keeps the gate shut", ShutForOtherTexts},
+        {"tessel.start-up.absent",
+         "Without the debug key or the database start-up answers 3 and writes nothing", ShutWhenAbsent},
+        {"tessel.start-up.other-texts", "With the debug key at any other text start-up answers 3",
+         ShutForOtherTexts},
         {"tessel.start-up.other-types",
-         "A value that is no text, a key of another case and a broken database count as absent",
+         "A debug value that is no text, a key of another case and a broken database count as absent",
          ShutForOtherTypes},
-        {"tessel.file-type.described", "Selector 14 describes the one file type", FileType},
+        {"tessel.file-type.described", "Selector 14 describes Tessel's file type, byte for byte", FileType},
     };
 }
 

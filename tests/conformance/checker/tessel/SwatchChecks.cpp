@@ -164,14 +164,13 @@ void HostileListsStayInside(Plugin& plugin)
 std::vector<Check> TesselSwatchChecks()
 {
     return {
-        {"tessel.swatches.places",
-         "Patches meet half way between their centres, top-down, colours column by column",
+        {"tessel.swatches.places", "Patches meet half way between their positions; colours go column by column",
          PatchesStandWhereTheyShould},
-        {"tessel.swatches.rules", "A chart that breaks a rule answers 5, unpainted and without a number",
-         BrokenRulesFail},
-        {"tessel.swatches.other-format", "In another format than float BGRA only the number is drawn",
+        {"tessel.swatches.rules",
+         "A chart that breaks a rule answers 5 and is left unpainted, without a number", BrokenRulesFail},
+        {"tessel.swatches.other-format", "In any format but float BGRA only the number is drawn",
          OtherFormatsStayUnpainted},
-        {"tessel.swatches.hostile", "Unsorted, negative and huge positions stay inside the frame",
+        {"tessel.swatches.hostile", "Unsorted, negative and huge positions paint inside the frame only",
          HostileListsStayInside},
     };
 }
