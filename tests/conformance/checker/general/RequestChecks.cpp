@@ -1,18 +1,14 @@
-/// Start-up, file types, and what holds for requests of every number.
+/// What holds for requests of every number: records, instances and their ends.
 
 #include "../host/FencedMemory.h"
 #include "Clip.h"
 
-#include <algorithm>
-#include <cmath>
-#include <functional>
 #include <set>
+#include <tuple>
 
 namespace conformance {
 
 namespace {
-
-void* const kIndexOne = reinterpret_cast<void*>(1);
 
 /// The numbers that the wire format gives a record or an index.
 const std::set<int>& SelectorsWithRecords()
@@ -27,79 +23,6 @@ const std::set<int>& SelectorsWithRecords()
 std::string Name(int selector)
 {
     return "selector " + std::to_string(selector);
-}
-
-void StartUpWritesItsFields(Plugin& plugin)
-{
-    GuardedRecord record;
-    ExpectEqual(StartUp(plugin, record), ksResultServed, "the answer to the start-up request");
-    const std::vector<std::size_t> flags = {offsetof(ksStartUpRec, flag28), offsetof(ksStartUpRec, flag32),
-                                            offsetof(ksStartUpRec, flag36), offsetof(ksStartUpRec, flag44),
-                                            offsetof(ksStartUpRec, flag52), offsetof(ksStartUpRec, flag60),
-                                            offsetof(ksStartUpRec, flag72)};
-    std::vector<Field> fields = {{offsetof(ksStartUpRec, fileTypeCode), 4}};
-    for (const std::size_t flag : flags) {
-        fields.push_back({flag, 4});
-        // What an importer leaves alone keeps the host's value.
-        const auto value = record.Get<std::uint32_t>(flag);
-        Expect(value <= 1 || value == 0xCCCCCCCC,
-               "the flag at byte " + std::to_string(flag) + " is " + std::to_string(value));
-    }
-    record.ExpectChangedOnly(fields, "the start-up request");
-    GuardedRecord type;
-    ExpectEqual(plugin.Request(ksSelectorFileType, ForeignStdParms(), nullptr, type.Data()), ksResultServed,
-                "the answer for the first file type");
-    ExpectEqual(record.Get<std::uint32_t>(0), type.Get<std::uint32_t>(0),
-                "the file-type code of the start-up record, beside that of the first file type");
-}
-
-/// Asks for one file type. @return whether there is one
-bool AskFileType(const Plugin& plugin, std::uintptr_t index, GuardedRecord& record)
-{
-    const std::int32_t answer =
-        plugin.Request(ksSelectorFileType, ForeignStdParms(), reinterpret_cast<void*>(index), record.Data());
-    if (answer == ksResultNoMoreEntries) {
-        record.ExpectUnchanged("the request for a file type that there is not");
-        return false;
-    }
-    ExpectEqual(answer, ksResultServed, "the answer for file type " + std::to_string(index));
-    return true;
-}
-
-void FileTypesAreDescribed(Plugin& plugin)
-{
-    RequireStartUp(plugin);
-    GuardedRecord record;
-    Expect(AskFileType(plugin, 0, record), "the importer opens no file type");
-    const ksFileTypeRec type = record.Get<ksFileTypeRec>(0);
-    record.ExpectChangedOnly({{0, offsetof(ksFileTypeRec, reserved268)},
-                              {offsetof(ksFileTypeRec, extensions), sizeof type.extensions},
-                              {offsetof(ksFileTypeRec, zero760), 4}},
-                             "the file-type request");
-    Expect(type.fileTypeCode != 0 && type.fileTypeCode != 0xCCCCCCCC, "the file type has no code");
-    const std::string name(type.displayName, sizeof type.displayName);
-    Expect(name.find('\0') != std::string::npos && name[0] != '\0', "the display name is empty or not closed");
-    const std::string extensions(type.extensions, sizeof type.extensions);
-    const std::size_t end = extensions.find(std::string(2, '\0'));
-    Expect(end != std::string::npos && end > 0, "the extension list is empty or not closed by an empty entry");
-    Expect(std::all_of(extensions.begin(), extensions.begin() + static_cast<std::ptrdiff_t>(end),
-                       [](unsigned char c) { return c == 0 || (c > 0x20 && c < 0x7F && c != '.'); }),
-           "the extension list holds more than letters and digits");
-}
-
-void FileTypesEnd(Plugin& plugin)
-{
-    RequireStartUp(plugin);
-    constexpr std::uintptr_t kMostFileTypes = 256;
-    std::uintptr_t index = 0;
-    for (GuardedRecord record; AskFileType(plugin, index, record); record = GuardedRecord()) {
-        Expect(++index < kMostFileTypes, "there is no end of file types");
-    }
-    for (const std::uintptr_t beyond : {index + 1, std::uintptr_t{0x7FFFFFFF}, std::uintptr_t{0xFFFFFFFF}}) {
-        GuardedRecord record;
-        Expect(!AskFileType(plugin, beyond, record),
-               "there is a file type " + std::to_string(beyond) + " behind the last one");
-    }
 }
 
 void NumbersOutOfRange(Plugin& plugin)
@@ -289,98 +212,7 @@ void FrameSizeAgrees(Plugin& plugin)
     }
 }
 
-void ColorCodesAreCodes(Plugin& plugin)
-{
-    const Clip clip(plugin);
-    GuardedRecord color;
-    color.Put(offsetof(ksColorRec, instance), clip.Instance());
-    const std::int32_t answer =
-        plugin.Request(ksSelectorColorInformation, ForeignStdParms(), nullptr, color.Data());
-    if (answer != ksResultServed) {
-        color.ExpectUnchanged("a colour request that is not served");
-        throw Skipped("the importer gives no colour codes (answer " + std::to_string(answer) + ")");
-    }
-    color.ExpectChangedOnly({{offsetof(ksColorRec, kind), 4}, {offsetof(ksColorRec, codes), 16}},
-                            "the colour request");
-    const ksSEIColorCodesRec codes = color.Get<ksSEIColorCodesRec>(offsetof(ksColorRec, codes));
-    for (const std::int32_t code : {codes.primaries, codes.transfer, codes.matrix}) {
-        Expect(code >= 0 && code <= 255,
-               "a code is " + std::to_string(code) + ", outside ITU-T H.273's 0..255");
-    }
-    Expect(codes.fullRange == 0 || codes.fullRange == 1,
-           "the range flag is " + std::to_string(codes.fullRange));
-}
-
-void ColorCodesEnd(Plugin& plugin)
-{
-    const Clip clip(plugin);
-    GuardedRecord color;
-    color.Put(offsetof(ksColorRec, instance), clip.Instance());
-    Expect(plugin.Request(ksSelectorColorInformation, ForeignStdParms(), kIndexOne, color.Data()) !=
-               ksResultServed,
-           "there is a second entry of colour information");
-    color.ExpectUnchanged("the colour request with index 1");
-}
-
-void SettingsSize(Plugin& plugin)
-{
-    const std::u16string path = Wide(plugin.Document());
-    RequireStartUp(plugin);
-    GuardedRecord access;
-    access.Put(offsetof(ksFileAccessRec, path), path.c_str());
-    GuardedRecord exchange;
-    exchange.Put<char*>(offsetof(ksSettingsExchangeRec, text), nullptr);
-    exchange.Put<std::uint8_t>(offsetof(ksSettingsExchangeRec, newClip), 1);
-    const std::int32_t answer =
-        plugin.Request(ksSelectorSettingsExchange, ForeignStdParms(), access.Data(), exchange.Data());
-    access.ExpectUnchanged("the request for the size of the settings text");
-    if (answer != ksResultServed) {
-        exchange.ExpectUnchanged("a request for the size of the settings text that is not served");
-        throw Skipped("the importer has no settings text (answer " + std::to_string(answer) + ")");
-    }
-    exchange.ExpectChangedOnly({{offsetof(ksSettingsExchangeRec, bufferSize), 4}},
-                               "the request for the size of the settings text");
-    const auto size = exchange.Get<std::uint32_t>(offsetof(ksSettingsExchangeRec, bufferSize));
-    Expect(size > 0 && size <= 1U << 30U, "the size of the settings text is " + std::to_string(size));
-}
-
-void SettingsTextFits(Plugin& plugin)
-{
-    const std::u16string path = Wide(plugin.Document());
-    RequireStartUp(plugin);
-    GuardedRecord access;
-    access.Put(offsetof(ksFileAccessRec, path), path.c_str());
-    GuardedRecord exchange;
-    exchange.Put<char*>(offsetof(ksSettingsExchangeRec, text), nullptr);
-    exchange.Put<std::uint8_t>(offsetof(ksSettingsExchangeRec, newClip), 1);
-    const auto send = [&] {
-        return plugin.Request(ksSelectorSettingsExchange, ForeignStdParms(), access.Data(), exchange.Data());
-    };
-    if (const std::int32_t answer = send(); answer != ksResultServed) {
-        throw Skipped("the importer has no settings text (answer " + std::to_string(answer) + ")");
-    }
-    const auto size = exchange.Get<std::uint32_t>(offsetof(ksSettingsExchangeRec, bufferSize));
-    ForeignBlock buffer(size);
-    exchange.Put(offsetof(ksSettingsExchangeRec, text), static_cast<char*>(buffer.Data()));
-    ExpectEqual(send(), ksResultServed, "the answer to the request for the settings text");
-    Expect(buffer.IsGuardIntact(), "bytes behind the buffer were written");
-    Expect(std::memchr(buffer.Data(), 0, size) != nullptr, "the settings text is not closed by a NUL");
-}
-
 } // namespace
-
-std::vector<Check> FileTypeChecks()
-{
-    return {
-        {"start-up.record", "Start-up writes the fields of its record and nothing else",
-         StartUpWritesItsFields},
-        {"file-type.described",
-         "The first file type has a code, a display name and a closed list of extensions",
-         FileTypesAreDescribed},
-        {"file-type.end", "Asking for a file type behind the last one answers 301 and writes nothing",
-         FileTypesEnd},
-    };
-}
 
 std::vector<Check> RequestChecks()
 {
@@ -396,26 +228,6 @@ std::vector<Check> RequestChecks()
          RecordsEndWhereTheyEnd},
         {"requests.frame-size",
          "Selector 45 gives the described frame size at index 0 and is declined at index 1", FrameSizeAgrees},
-    };
-}
-
-std::vector<Check> ColorChecks()
-{
-    return {
-        {"color.codes", "Colour codes lie in the range of ITU-T H.273, and only their fields are written",
-         ColorCodesAreCodes},
-        {"color.end", "Colour information has no entry at index 1, and asking for it writes nothing",
-         ColorCodesEnd},
-    };
-}
-
-std::vector<Check> SettingsChecks()
-{
-    return {
-        {"settings.size", "A settings request without a buffer gives the buffer's size and writes nothing else",
-         SettingsSize},
-        {"settings.text", "The settings text of an existing file ends with a NUL inside its buffer",
-         SettingsTextFits},
     };
 }
 
