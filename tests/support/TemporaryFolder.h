@@ -12,6 +12,11 @@
 
 namespace test {
 
+inline void WriteFile(const std::filesystem::path& file, std::string_view bytes)
+{
+    std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
 class TemporaryFolder {
 public:
     TemporaryFolder()
@@ -34,6 +39,14 @@ public:
     [[nodiscard]] const std::filesystem::path& Path() const { return mPath; }
     [[nodiscard]] std::filesystem::path operator/(std::string_view name) const { return mPath / name; }
 
+    /// Writes a file into it. @return the file's path.
+    std::filesystem::path Write(std::string_view name, std::string_view bytes) const
+    {
+        std::filesystem::path file = mPath / name;
+        WriteFile(file, bytes);
+        return file;
+    }
+
     /// How many files and folders it holds, hidden ones included.
     [[nodiscard]] std::size_t Count() const
     {
@@ -44,11 +57,6 @@ public:
 private:
     std::filesystem::path mPath;
 };
-
-inline void WriteFile(const std::filesystem::path& file, std::string_view bytes)
-{
-    std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 [[nodiscard]] inline std::string ReadFile(const std::filesystem::path& file)
 {

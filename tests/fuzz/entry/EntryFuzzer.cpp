@@ -1,7 +1,5 @@
 /// Whatever a host sends that keeps the wire format, the entry answers with one of its results and touches
 /// nothing beyond the records. An input is a clip's settings and a list of requests for it.
-#include "FuzzHost.h"
-
 #include <ImporterTessel/entry/ImporterTessel.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/brindle/PixelFormat.h>
@@ -9,15 +7,14 @@
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
 
-#include <unistd.h>
+#include <support/ForeignHost.h>
+#include <support/TemporaryFolder.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -133,10 +130,8 @@ public:
     explicit Session(Input& input)
         : mInput(input), mText(ImporterTessel::TesselToUTF8String(TakeSettings(input)))
     {
-        mFile =
-            std::filesystem::temp_directory_path() / ("tessel-fuzz-" + std::to_string(getpid()) + ".tessel");
-        std::ofstream(mFile, std::ios::binary) << mText;
-        mPaths = {mFile.u16string(), u"/", u"", mFile.u16string() + u".absent"};
+        const std::u16string file = mFolder.Write("clip.tessel", mText).u16string();
+        mPaths = {file, u"/", u"", file + u".absent"};
     }
 
     ~Session()
@@ -144,9 +139,6 @@ public:
         for (const ksInstance instance : mInstances) {
             static_cast<void>(Module::ImportEntry(ksSelectorDeleteInstance, nullptr, nullptr, instance));
         }
-        FreeFramesAndBlocks();
-        std::error_code ignored;
-        std::filesystem::remove(mFile, ignored);
     }
 
     Session(const Session&) = delete;
@@ -206,7 +198,7 @@ private:
         static const std::set<std::int32_t> results{0, 2, 3, 4, 5, 17, 19, 99, 100, 101, 300, 301};
         const bool hasParms = mInput.Take<std::uint8_t>() < 250;
         const std::int32_t result =
-            Module::ImportEntry(selector, hasParms ? &FuzzHostParms() : nullptr, param1, param2);
+            Module::ImportEntry(selector, hasParms ? &mHost.stdParms : nullptr, param1, param2);
         Require(results.contains(result), "the answer is a result");
         Require(selector >= 0 && selector <= ksSelectorLast ? true : result == 3,
                 "unknown selectors are declined");
@@ -252,7 +244,7 @@ private:
         file.path = mPaths[1].c_str();
         ksFileInfoRec info{};
         info.instance = instance;
-        static_cast<void>(Module::ImportEntry(ksSelectorClipDescription, &FuzzHostParms(), &file, &info));
+        static_cast<void>(Module::ImportEntry(ksSelectorClipDescription, &mHost.stdParms, &file, &info));
         return info.audioChannelCount;
     }
 
@@ -328,12 +320,15 @@ private:
         request.instance = AnyInstance();
         request.frame = mInput.Take<std::uint8_t>() == 255 ? nullptr : &frame;
         Send(ksSelectorFrame, nullptr, record.Address());
-        FreeFramesAndBlocks();
+        Require(mHost.GuardsAreIntact(), "a frame is painted inside its rows");
+        mHost.FreeFramesAndBlocks();
     }
 
     Input& mInput;
     std::string mText;
-    std::filesystem::path mFile;
+    // No guards at a frame's ends, so that a sanitizer sees its memory end there, and no frame that takes long.
+    testsupport::ForeignHost mHost{{.guardBytes = 0, .largestSide = 2048}};
+    test::TemporaryFolder mFolder;
     std::vector<std::u16string> mPaths;
     std::vector<ksInstance> mInstances;
 };

@@ -9,6 +9,7 @@
 #include <tests/unit/qelui/FakeToolkit.h>
 
 #include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
 
 #include <cmath>
 #include <filesystem>
@@ -16,7 +17,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <random>
 #include <sstream>
 #include <string>
 
@@ -35,14 +35,6 @@ std::string LayoutText()
 
 class PrefsDialog : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        mFolder = std::filesystem::temp_directory_path() /
-                  ("tessel-dialog-" + std::to_string(std::random_device{}()));
-        std::filesystem::create_directories(mFolder);
-    }
-    void TearDown() override { std::filesystem::remove_all(mFolder); }
-
     /// Runs the dialog on `prefs`, a person doing `act`. @return what the exchange holds afterwards.
     TesselInfo Run(const TesselInfo& prefs, const std::function<void(UI_Dialog&)>& act,
                    const std::string& layout = LayoutText())
@@ -62,12 +54,9 @@ protected:
         return after;
     }
     static void Ok(UI_Dialog& dialog) { dialog.GetControl<UI_Button>("okButton").Press(); }
-    [[nodiscard]] std::u16string Path(const char* name) const
-    {
-        return qelcore::text::ToUTF16((mFolder / name).string());
-    }
+    [[nodiscard]] std::u16string Path(const char* name) const { return (mFolder / name).u16string(); }
 
-    std::filesystem::path mFolder;
+    test::TemporaryFolder mFolder;
     std::shared_ptr<Exchange> exchange;
     std::function<void(tests::FakeToolkit&)> prepare = [](tests::FakeToolkit&) {};
     std::unique_ptr<tests::FakeToolkit> toolkit;

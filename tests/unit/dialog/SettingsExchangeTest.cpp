@@ -6,11 +6,10 @@
 #include <kestrel/qelcore/text/Unicode.h>
 
 #include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -38,17 +37,11 @@ struct Request {
 
 class Exchanging : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        mFile = std::filesystem::temp_directory_path() /
-                ("tessel-exchange-" + std::to_string(std::random_device{}()) + ".tessel");
-        mPath = qelcore::text::ToUTF16(mFile.string());
-    }
-    void TearDown() override { std::filesystem::remove(mFile); }
-    void Write(const std::string& text) const { std::ofstream(mFile, std::ios::binary) << text; }
+    void Write(const std::string& text) const { test::WriteFile(mFile, text); }
 
-    std::filesystem::path mFile;
-    std::u16string mPath;
+    test::TemporaryFolder mFolder;
+    std::filesystem::path mFile = mFolder / "clip.tessel";
+    std::u16string mPath = mFile.u16string();
 };
 
 TEST_F(Exchanging, AskingForTheSizeAnswersWhateverTheFileIs)
@@ -83,7 +76,7 @@ TEST_F(Exchanging, AnExistingFileWithTheNewClipFlagGivesItsTextWithoutADialog)
 TEST_F(Exchanging, AFolderIsUnreadable)
 {
     Request request;
-    const std::u16string folder = qelcore::text::ToUTF16(std::filesystem::temp_directory_path().string());
+    const std::u16string folder = mFolder.Path().u16string();
     request.file.path = folder.c_str();
     EXPECT_EQ(request.Send(), 2);
     EXPECT_TRUE(request.IsBufferUntouched());

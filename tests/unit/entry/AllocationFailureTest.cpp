@@ -1,15 +1,14 @@
 /// The 1st, 2nd, 3rd ... allocation of each request fails, until the request succeeds: the answer is each time
 /// the one for short memory, or the one that a reader gives for a document that it cannot read; nothing is
 /// leaked, and the instance can be used.
-#include "FakeHost.h"
-
 #include <ImporterTessel/entry/ImporterTessel.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/qelcore/debug/DebugDatabase.h>
 #include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
-#include <unit/settings/TemporaryFolder.h>
+#include <support/ForeignHost.h>
+#include <support/TemporaryFolder.h>
 
 #include <atomic>
 #include <cstdint>
@@ -81,7 +80,7 @@ protected:
         info.mFrameWidth = 64;
         info.mSwatchColorsFilePath = u"a path that is long enough for a block of its own";
         mText = ImporterTessel::TesselToUTF8String(info);
-        mPath = mFolder.Write("clip.tessel", mText);
+        mPath = mFolder.Write("clip.tessel", mText).u16string();
         mFile.path = mPath.c_str();
     }
 
@@ -113,8 +112,8 @@ protected:
         }
     }
 
-    FakeHost mHost;
-    TemporaryFolder mFolder;
+    testsupport::ForeignHost mHost;
+    test::TemporaryFolder mFolder;
     std::string mText;
     std::u16string mPath;
     ksFileAccessRec mFile{};
@@ -143,7 +142,7 @@ TEST_F(AllocationFailure, OfCreationIs4)
     FailEachAllocation(
         [this] {
             ksFileInfoRec record{};
-            const std::int32_t result = Module::ImportEntry(81, &mHost.mStdParms, nullptr, &record);
+            const std::int32_t result = Module::ImportEntry(81, &mHost.stdParms, nullptr, &record);
             EXPECT_EQ(record.instance != nullptr, result == 3);
             EXPECT_EQ(Delete(record.instance), 0);
             return result == 3 ? 0 : result;
@@ -157,7 +156,7 @@ TEST_F(AllocationFailure, OfOpeningIs4OrTheDefaultClip)
         [this] {
             ksOpenRec record{};
             record.path = mPath.c_str();
-            const std::int32_t result = Module::ImportEntry(39, &mHost.mStdParms, nullptr, &record);
+            const std::int32_t result = Module::ImportEntry(39, &mHost.stdParms, nullptr, &record);
             EXPECT_EQ(record.instance != nullptr, result == 0);
             if (result == 0) {
                 ksFrameSizeRec size{};
@@ -178,7 +177,7 @@ TEST_F(AllocationFailure, OfDescribingATextIs4OrTheDefaultClip)
         [&] {
             ksFileInfoRec record{};
             record.settingsText = mText.c_str();
-            const std::int32_t result = Module::ImportEntry(37, &mHost.mStdParms, &nowhere, &record);
+            const std::int32_t result = Module::ImportEntry(37, &mHost.stdParms, &nowhere, &record);
             EXPECT_EQ(record.instance != nullptr, result == 0);
             EXPECT_TRUE(result != 0 || record.frameWidth == 64 || record.frameWidth == 720);
             EXPECT_EQ(Delete(record.instance), 0);
@@ -192,7 +191,7 @@ TEST_F(AllocationFailure, OfDescribingAFileThatIsThereIs4)
     FailEachAllocation(
         [&] {
             ksFileInfoRec record{};
-            const std::int32_t result = Module::ImportEntry(37, &mHost.mStdParms, &mFile, &record);
+            const std::int32_t result = Module::ImportEntry(37, &mHost.stdParms, &mFile, &record);
             EXPECT_EQ(record.instance != nullptr, result == 0);
             EXPECT_EQ(Delete(record.instance), 0);
             return result;
@@ -208,7 +207,7 @@ TEST_F(AllocationFailure, OfTheSettingsExchangeIs4OrTheDefaultClip)
             ksSettingsExchangeRec record{};
             record.text = buffer.data();
             record.newClip = 1;
-            return Module::ImportEntry(38, &mHost.mStdParms, &mFile, &record);
+            return Module::ImportEntry(38, &mHost.stdParms, &mFile, &record);
         },
         // Without memory a file that is there cannot be opened either.
         [](std::int32_t result) { return Is4Or0(result) || result == 2; });

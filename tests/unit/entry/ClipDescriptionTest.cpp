@@ -1,11 +1,11 @@
-#include "FakeHost.h"
 #include "RecordBytes.h"
 
 #include <ImporterTessel/entry/ClipDescription.h>
 #include <ImporterTessel/settings/DataFile.h>
 
 #include <gtest/gtest.h>
-#include <unit/settings/TemporaryFolder.h>
+#include <support/ForeignHost.h>
+#include <support/TemporaryFolder.h>
 
 #include <cstdint>
 #include <limits>
@@ -31,7 +31,7 @@ TesselInfo OtherInfo()
     return info;
 }
 
-/// What a description of `info` writes, with the time scale 30000 / 1001 of the fake host.
+/// What a description of `info` writes, with the time scale 30000 / 1001 of the foreign host.
 void PutDescription(std::vector<std::uint8_t>& bytes, const TesselInfo& info, std::int32_t duration)
 {
     bytes[0] = 1;
@@ -55,16 +55,16 @@ void PutDescription(std::vector<std::uint8_t>& bytes, const TesselInfo& info, st
 
 class Description : public testing::Test {
 protected:
-    std::int32_t Describe() { return ImporterTessel::DescribeClip(&mHost.mStdParms, mFile, mRecord, mInfo); }
+    std::int32_t Describe() { return ImporterTessel::DescribeClip(&mHost.stdParms, mFile, mRecord, mInfo); }
 
     void NameExistingFile()
     {
-        mPath = mFolder.Write("clip.tessel", "not looked at");
+        mPath = mFolder.Write("clip.tessel", "not looked at").u16string();
         mFile.path = mPath.c_str();
     }
 
-    FakeHost mHost;
-    TemporaryFolder mFolder;
+    testsupport::ForeignHost mHost;
+    test::TemporaryFolder mFolder;
     std::u16string mPath;
     ksFileAccessRec mFile{};
     ksFileInfoRec mRecord = FilledRecord<ksFileInfoRec>();
@@ -82,9 +82,9 @@ TEST_F(Description, OfAnExistingFileReportsTheInstancesSettingsInTheseFieldsAndN
     EXPECT_EQ(Describe(), 0);
     EXPECT_EQ(BytesOf(mRecord), expected);
     EXPECT_TRUE(mInfo == OtherInfo());
-    EXPECT_EQ(mHost.mConvertedTicks, 8'475'667'200);
+    EXPECT_EQ(mHost.convertedTicks, 8'475'667'200);
     const std::vector<std::pair<std::string_view, std::int32_t>> asked{{"Kestrel Legacy Suite", 2}};
-    EXPECT_EQ(mHost.mSuites, asked);
+    EXPECT_EQ(mHost.asked, asked);
 }
 
 TEST_F(Description, OfAnExistingFolderDoesNotLookAtTheTextEither)
@@ -143,17 +143,16 @@ TEST_F(Description, WithoutTheLegacySuiteIs5WithOnlyTheFirstTwoBytesWritten)
         EXPECT_EQ(Describe(), 5);
         EXPECT_EQ(BytesOf(mRecord), expected);
     };
-    mHost.mHasLegacySuite = false;
+    mHost.legacy2.ticksToTimeScale = nullptr;
     expectFailure();
-    mHost.mHasLegacySuite = true;
-    mHost.mLegacy2.ticksToTimeScale = nullptr;
+    mHost.RemoveSuite(kLegacySuiteName);
     expectFailure();
 }
 
 TEST_F(Description, ReportsARateThatTheHostCannotConvertAsZeros)
 {
     NameExistingFile();
-    mHost.mLegacyStatus = -1;
+    mHost.behaviour.legacyStatus = -1;
     EXPECT_EQ(Describe(), 0);
     EXPECT_EQ(mRecord.videoTimeScale, 0);
     EXPECT_EQ(mRecord.videoSampleSize, 0);
@@ -185,8 +184,9 @@ TEST_F(Description, OfEveryRateEnds)
 
 TEST(Opening, ReadsTheFileIntoTheSettings)
 {
-    const TemporaryFolder folder;
-    const std::u16string path = folder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(OtherInfo()));
+    const test::TemporaryFolder folder;
+    const std::u16string path =
+        folder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(OtherInfo())).u16string();
     ksOpenRec open{};
     open.path = path.c_str();
     TesselInfo info;
@@ -196,8 +196,8 @@ TEST(Opening, ReadsTheFileIntoTheSettings)
 
 TEST(Opening, MalformedFileIsTheDefaultClip)
 {
-    const TemporaryFolder folder;
-    const std::u16string path = folder.Write("clip.tessel", "{}");
+    const test::TemporaryFolder folder;
+    const std::u16string path = folder.Write("clip.tessel", "{}").u16string();
     ksOpenRec open{};
     open.path = path.c_str();
     TesselInfo info = OtherInfo();
@@ -207,7 +207,7 @@ TEST(Opening, MalformedFileIsTheDefaultClip)
 
 TEST(Opening, UnreadableFileIs2AndLeavesTheSettings)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const std::u16string absent = (folder.Path() / "absent").u16string();
     const std::u16string directory = folder.Path().u16string();
     for (const char16_t* const path :

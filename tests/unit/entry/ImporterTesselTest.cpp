@@ -1,4 +1,3 @@
-#include "FakeHost.h"
 #include "RecordBytes.h"
 
 #include <ImporterTessel/entry/Entries.h>
@@ -6,7 +5,8 @@
 #include <kestrel/importabi/Records.h>
 
 #include <gtest/gtest.h>
-#include <unit/settings/TemporaryFolder.h>
+#include <support/ForeignHost.h>
+#include <support/TemporaryFolder.h>
 
 #include <array>
 #include <cmath>
@@ -25,7 +25,7 @@ namespace {
 class OpenClip {
 public:
     explicit OpenClip(const TesselInfo& info)
-        : mPath(mFolder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(info)))
+        : mPath(mFolder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(info)).u16string())
     {
         ksOpenRec open{};
         open.path = mPath.c_str();
@@ -39,7 +39,7 @@ public:
     [[nodiscard]] ksInstance Instance() const { return mInstance; }
 
 private:
-    TemporaryFolder mFolder;
+    test::TemporaryFolder mFolder;
     std::u16string mPath;
     ksInstance mInstance = nullptr;
 };
@@ -196,29 +196,30 @@ TEST(Audio, EverySampleRateIsServed)
 TEST(Frame, WhatASuiteThrowsNeverReachesTheHost)
 {
     const OpenClip clip{TesselInfo()};
-    FakeHost host;
+    testsupport::ForeignHost host;
     auto record = FilledRecord<ksFrameRec>();
     record.instance = clip.Instance();
-    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
+    host.access.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
         throw std::runtime_error("why");
     };
-    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
-    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
+    EXPECT_EQ(xImportEntry(47, &host.stdParms, nullptr, &record), 5);
+    host.access.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t {
         throw std::bad_alloc();
     };
-    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 4);
-    host.mAccess.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t { throw 5; };
-    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
+    EXPECT_EQ(xImportEntry(47, &host.stdParms, nullptr, &record), 4);
+    host.access.acquireSuite = [](const char*, std::int32_t, const void**) -> std::int32_t { throw 5; };
+    EXPECT_EQ(xImportEntry(47, &host.stdParms, nullptr, &record), 5);
 }
 
 TEST(Frame, WithoutSuitesIsAFailureThatWritesNothing)
 {
     const OpenClip clip{TesselInfo()};
-    FakeHost host;
+    testsupport::ForeignHost host;
+    host.suites.clear();
     auto record = FilledRecord<ksFrameRec>();
     record.instance = clip.Instance();
     const std::vector<std::uint8_t> before = BytesOf(record);
-    EXPECT_EQ(xImportEntry(47, &host.mStdParms, nullptr, &record), 5);
+    EXPECT_EQ(xImportEntry(47, &host.stdParms, nullptr, &record), 5);
     EXPECT_EQ(xImportEntry(47, nullptr, nullptr, &record), 5);
     EXPECT_EQ(BytesOf(record), before);
 }
@@ -290,10 +291,11 @@ TEST(Instance, DescribedWithoutAFileIsThenTheClipOfTheText)
 
 TEST(Instance, NewlyDescribedExistingFileIsNotRead)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     TesselInfo info;
     info.mFrameWidth = 64;
-    const std::u16string path = folder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(info));
+    const std::u16string path =
+        folder.Write("clip.tessel", ImporterTessel::TesselToUTF8String(info)).u16string();
     ksFileAccessRec file{};
     file.path = path.c_str();
     ksFileInfoRec record{};

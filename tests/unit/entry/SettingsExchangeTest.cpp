@@ -1,11 +1,11 @@
-#include "FakeHost.h"
 #include "RecordBytes.h"
 
 #include <ImporterTessel/entry/SettingsExchange.h>
 #include <ImporterTessel/settings/DataFile.h>
 
 #include <gtest/gtest.h>
-#include <unit/settings/TemporaryFolder.h>
+#include <support/ForeignHost.h>
+#include <support/TemporaryFolder.h>
 
 #include <cstdint>
 #include <initializer_list>
@@ -21,11 +21,11 @@ namespace {
 /// The requests that show no dialog; those that do are tested with the dialog.
 class SettingsExchange : public testing::Test {
 protected:
-    std::int32_t Exchange() { return ImporterTessel::ExchangeSettings(&mHost.mStdParms, mFile, mRecord); }
+    std::int32_t Exchange() { return ImporterTessel::ExchangeSettings(&mHost.stdParms, mFile, mRecord); }
 
     void NameFile(const std::string& text)
     {
-        mPath = mFolder.Write("clip.tessel", text);
+        mPath = mFolder.Write("clip.tessel", text).u16string();
         mFile.path = mPath.c_str();
     }
 
@@ -35,8 +35,8 @@ protected:
         mFile.path = mPath.c_str();
     }
 
-    FakeHost mHost;
-    TemporaryFolder mFolder;
+    testsupport::ForeignHost mHost;
+    test::TemporaryFolder mFolder;
     std::u16string mPath;
     std::vector<char> mBuffer = std::vector<char>(10240, '\x55');
     ksFileAccessRec mFile = FilledRecord<ksFileAccessRec>();
@@ -77,7 +77,7 @@ TEST_F(SettingsExchange, NullBufferAsksForTheSizeAndNothingElse)
             EXPECT_EQ(BytesOf(mFile), expectedFile);
         }
     }
-    EXPECT_TRUE(mHost.mSuites.empty());
+    EXPECT_TRUE(mHost.asked.empty());
 }
 
 TEST_F(SettingsExchange, ExistingFileForANewClipGivesItsSettingsAsText)
@@ -96,7 +96,7 @@ TEST_F(SettingsExchange, ExistingFileForANewClipGivesItsSettingsAsText)
         EXPECT_EQ(BytesOf(mFile), expectedFile);
         EXPECT_STREQ(mBuffer.data(), TesselToUTF8String(info).c_str());
     }
-    EXPECT_TRUE(mHost.mSuites.empty()) << "the host's sequence values are for clips without a file";
+    EXPECT_TRUE(mHost.asked.empty()) << "the host's sequence values are for clips without a file";
 }
 
 TEST_F(SettingsExchange, MalformedFileForANewClipGivesTheDefaults)
@@ -145,13 +145,12 @@ TEST_F(SettingsExchange, NewClipInAHostWithoutTheLegacySuiteIs5)
 {
     NameAbsentFile();
     const std::vector<char> buffer = mBuffer;
-    mHost.mHasLegacySuite = false;
+    mHost.legacy1.timeScaleToTicks = nullptr;
     EXPECT_EQ(Exchange(), 5);
-    mHost.mHasLegacySuite = true;
-    mHost.mLegacy1.timeScaleToTicks = nullptr;
+    mHost.RemoveSuite(kLegacySuiteName);
     EXPECT_EQ(Exchange(), 5);
     EXPECT_EQ(mBuffer, buffer);
     const std::vector<std::pair<std::string_view, std::int32_t>> asked{{"Kestrel Legacy Suite", 1},
                                                                        {"Kestrel Legacy Suite", 1}};
-    EXPECT_EQ(mHost.mSuites, asked);
+    EXPECT_EQ(mHost.asked, asked);
 }

@@ -1,11 +1,8 @@
 /// A folder of clip documents that lives as long as a test.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
+#include <support/TemporaryFolder.h>
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 
@@ -57,27 +54,6 @@ private:
     };
 };
 
-class ClipFolder {
-public:
-    ClipFolder()
-    {
-        std::string name = testing::TempDir() + "/clips-XXXXXX";
-        mFolder = mkdtemp(name.data());
-    }
-    ~ClipFolder() { std::filesystem::remove_all(mFolder); }
-    ClipFolder(const ClipFolder&) = delete;
-    ClipFolder& operator=(const ClipFolder&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& Path() const { return mFolder; }
-
-    std::filesystem::path Write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(mFolder / name, std::ios::binary) << text;
-        return mFolder / name;
-    }
-
-private:
-    std::filesystem::path mFolder;
-};
+using ClipFolder = test::TemporaryFolder;
 
 } // namespace importhosttests

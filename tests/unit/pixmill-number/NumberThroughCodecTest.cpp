@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 #include <support/Process.h>
-#include <unistd.h>
+#include <support/TemporaryFolder.h>
 
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <limits>
 
@@ -16,28 +15,6 @@ namespace {
 
 constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
 constexpr std::uint32_t kUYVY709 = 0x819;
-
-/// A folder of this process' own, gone with the object.
-class ScratchFolder {
-public:
-    ScratchFolder()
-        : mPath(std::filesystem::path(testing::TempDir()) / ("tessel-number-" + std::to_string(getpid())))
-    {
-        std::filesystem::create_directories(mPath);
-    }
-    ~ScratchFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(mPath, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    [[nodiscard]] std::string File(const std::string& name) const { return (mPath / name).string(); }
-
-private:
-    std::filesystem::path mPath;
-};
 
 std::vector<std::int32_t> NumbersToTry(std::int32_t step)
 {
@@ -59,10 +36,10 @@ void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, std::int32_t s
     if (!IsInstalled("ffmpeg") || !RunCommand("ffmpeg -hide_banner -encoders | grep -q libx264").succeeded) {
         GTEST_SKIP() << "needs ffmpeg with libx264";
     }
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     const std::vector<std::int32_t> numbers = NumbersToTry(step);
     {
-        std::ofstream raw(folder.File("in.uyvy"), std::ios::binary);
+        std::ofstream raw((folder / "in.uyvy").string(), std::ios::binary);
         for (const std::int32_t number : numbers) {
             PrintedFrame frame(kUYVY709, width, height);
             frame.Fill(kOrange);
@@ -75,13 +52,14 @@ void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, std::int32_t s
     }
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
     const std::string command = "ffmpeg -v error -y -f rawvideo -pix_fmt uyvy422 -s " + size + " -r 25 -i " +
-                                Quoted(folder.File("in.uyvy")) + " -c:v libx264 -crf 40 " + encoderOptions +
-                                " -pix_fmt yuv420p " + Quoted(folder.File("lossy.mkv")) +
-                                " && ffmpeg -v error -y -i " + Quoted(folder.File("lossy.mkv")) +
-                                " -f rawvideo -pix_fmt gray " + Quoted(folder.File("out.gray"));
+                                Quoted((folder / "in.uyvy").string()) + " -c:v libx264 -crf 40 " +
+                                encoderOptions + " -pix_fmt yuv420p " +
+                                Quoted((folder / "lossy.mkv").string()) + " && ffmpeg -v error -y -i " +
+                                Quoted((folder / "lossy.mkv").string()) + " -f rawvideo -pix_fmt gray " +
+                                Quoted((folder / "out.gray").string());
     ASSERT_TRUE(RunCommand(command).succeeded) << command;
 
-    std::ifstream decoded(folder.File("out.gray"), std::ios::binary);
+    std::ifstream decoded((folder / "out.gray").string(), std::ios::binary);
     NumberReader reader;
     for (const std::int32_t number : numbers) {
         std::vector<char> gray(std::size_t{width} * height);
@@ -142,17 +120,17 @@ TEST(NumberThroughCodec, TesseractReadsTheNumbersToo)
     if (!IsInstalled("tesseract")) {
         GTEST_SKIP() << "needs tesseract";
     }
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     for (const auto& [width, height] :
          {std::pair{160U, 106U}, std::pair{720U, 480U}, std::pair{3840U, 2160U}}) {
         for (const std::int32_t number : {0, 123456, 789012, 345678, 99999, 468}) {
             PrintedFrame frame(pixmill::kBGRA8, width, height);
             frame.Fill(kOrange);
             ASSERT_EQ(frame.Print(number), 0);
-            WritePlate(folder.File("plate.pgm"), frame,
+            WritePlate((folder / "plate.pgm").string(), frame,
                        pixmill::LayOutNumber(width, height, 6, 0.12F, 0.05F, 0.05F));
             const CommandResult read =
-                RunCommand("OMP_THREAD_LIMIT=1 tesseract " + Quoted(folder.File("plate.pgm")) +
+                RunCommand("OMP_THREAD_LIMIT=1 tesseract " + Quoted((folder / "plate.pgm").string()) +
                            " stdout --psm 7 -c tessedit_char_whitelist=0123456789 2>/dev/null");
             ASSERT_TRUE(read.succeeded);
             std::string expected = std::to_string(number);

@@ -11,11 +11,11 @@
 #include <kestrel/qelui/script/ScriptedToolkit.h>
 
 #include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
 
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <random>
 #include <sstream>
 
 namespace {
@@ -109,10 +109,6 @@ class Playing : public testing::Test {
 protected:
     void SetUp() override
     {
-        const auto* const info = testing::UnitTest::GetInstance()->current_test_info();
-        mFolder = std::filesystem::temp_directory_path() /
-                  (std::string("tessel-script-") + info->name() + std::to_string(std::random_device{}()));
-        std::filesystem::create_directories(mFolder);
         UserInterface::Get().SetToolkit(&mToolkit);
         popup.AddItem("one");
         popup.AddItem("two");
@@ -132,15 +128,12 @@ protected:
     {
         UserInterface::Get().SetToolkit(nullptr);
         UserInterface::Get().SetScript({});
-        std::filesystem::remove_all(mFolder);
     }
 
     /// @return how the run failed, "" where it did not.
     std::string Play(const std::string& text)
     {
-        const auto file = mFolder / "s.script";
-        std::ofstream(file, std::ios::binary) << text;
-        UserInterface::Get().SetScript(file);
+        UserInterface::Get().SetScript(mFolder.Write("s.script", text));
         return Run();
     }
     std::string Run()
@@ -151,7 +144,7 @@ protected:
         return failure ? std::to_string(failure->line) + ": " + failure->text : std::string();
     }
 
-    std::filesystem::path mFolder;
+    test::TemporaryFolder mFolder;
     script::ScriptedToolkit mToolkit;
     UI_Dialog dialog{"d"};
     UI_Popup& popup = dialog.Add(std::make_unique<UI_Popup>("popup"));
@@ -227,7 +220,7 @@ TEST_F(Playing, AScriptThatCannotBeReadCancels)
 
 TEST_F(Playing, AFolderIsNoScript)
 {
-    UserInterface::Get().SetScript(mFolder);
+    UserInterface::Get().SetScript(mFolder.Path());
     EXPECT_EQ(Run(), "0: the script is not an ordinary file");
 }
 

@@ -1,7 +1,7 @@
 /// A locale whose decimal point is a comma, on any machine with the GNU C library: few have one installed.
 #pragma once
 
-#include "TemporaryFolder.h"
+#include <support/TemporaryFolder.h>
 
 #include <array>
 #include <clocale>
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] bool IsInForce() const { return mIsInForce; }
 
 private:
-    TemporaryFolder mFolder;
+    test::TemporaryFolder mFolder;
     std::string mSavedName;
     bool mIsInForce = false;
 };

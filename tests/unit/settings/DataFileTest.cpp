@@ -1,7 +1,6 @@
 #include "CommaLocale.h"
 #include "DocumentCases.h"
 #include "RandomTesselInfo.h"
-#include "TemporaryFolder.h"
 
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
@@ -9,6 +8,7 @@
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
 
 #include <array>
 #include <cmath>
@@ -294,31 +294,33 @@ TEST(TesselDocument, NoDocumentAtAllGivesTheDefaults)
 
 TEST(TesselFile, ReadsADocument)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     TesselInfo info;
-    EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", kWide), info), 0);
+    EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", kWide).u16string(), info), 0);
     EXPECT_EQ(info.mFrameWidth, 1920);
 }
 
 TEST(TesselFile, NeedsNoParticularExtensionAndTakesNamesInEveryScript)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     TesselInfo info;
-    EXPECT_EQ(ReadTesselFile(folder.Write("\xC3\xA9\xF0\x9F\x98\x80", kWide), info), 0);
+    EXPECT_EQ(ReadTesselFile(folder.Write("\xC3\xA9\xF0\x9F\x98\x80", kWide).u16string(), info), 0);
     EXPECT_EQ(info.mFrameWidth, 1920);
 }
 
 TEST(TesselFile, BytesBehindANulAreNotRead)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     TesselInfo info;
-    EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", kWide + std::string("\0garbage \xFF", 10)), info), 0);
+    EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", kWide + std::string("\0garbage \xFF", 10)).u16string(),
+                             info),
+              0);
     EXPECT_EQ(info.mFrameWidth, 1920);
 }
 
 TEST(TesselFile, MissingFileLeavesTheRecordUntouched)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     std::mt19937_64 random(5);
     TesselInfo info = RandomTesselInfo(random);
     const TesselInfo original = info;
@@ -330,13 +332,13 @@ TEST(TesselFile, MissingFileLeavesTheRecordUntouched)
 
 TEST(TesselFile, MalformedFileReplacesTheRecordByTheDefaults)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     for (const std::string& text :
          {std::string(), std::string("{"), std::string("[]"), std::string("\0{}", 3)}) {
         std::mt19937_64 random(6);
         TesselInfo info = RandomTesselInfo(random);
         const LogCounter log;
-        EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", text), info), 0) << text;
+        EXPECT_EQ(ReadTesselFile(folder.Write("clip.tessel", text).u16string(), info), 0) << text;
         EXPECT_TRUE(info == TesselInfo()) << text;
     }
 }

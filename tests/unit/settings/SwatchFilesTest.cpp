@@ -1,9 +1,8 @@
-#include "TemporaryFolder.h"
-
 #include <ImporterTessel/settings/SwatchFiles.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <gtest/gtest.h>
+#include <support/TemporaryFolder.h>
 
 #include <any>
 #include <array>
@@ -46,9 +45,10 @@ std::string Replaced(std::string text, const std::string& piece, const std::stri
 template <class Exception>
 void ExpectColorsToThrow(const std::string& text)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchColors colors = kOtherColors;
-    EXPECT_THROW(static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", text), colors)), Exception)
+    EXPECT_THROW(static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", text).u16string(), colors)),
+                 Exception)
         << text;
     EXPECT_EQ(colors, kOtherColors) << text;
 }
@@ -56,10 +56,11 @@ void ExpectColorsToThrow(const std::string& text)
 template <class Exception>
 void ExpectCoordinatesToThrow(const std::string& text)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchCoordinates coordinates = kOtherCoordinates;
-    EXPECT_THROW(static_cast<void>(ReadSwatchCoordinatesFile(folder.Write("c.json", text), coordinates)),
-                 Exception)
+    EXPECT_THROW(
+        static_cast<void>(ReadSwatchCoordinatesFile(folder.Write("c.json", text).u16string(), coordinates)),
+        Exception)
         << text;
     EXPECT_EQ(coordinates, kOtherCoordinates) << text;
 }
@@ -68,29 +69,31 @@ void ExpectCoordinatesToThrow(const std::string& text)
 
 TEST(SwatchColorsFile, ReplacesAllThreeLists)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     for (const std::string& text : {kColors, Wrapped(kColors), kColors + std::string("\0rest", 5)}) {
         SwatchColors colors = kOtherColors;
-        EXPECT_EQ(ReadSwatchColorsFile(folder.Write("c.json", text), colors), 0);
+        EXPECT_EQ(ReadSwatchColorsFile(folder.Write("c.json", text).u16string(), colors), 0);
         EXPECT_EQ(colors, (SwatchColors{{1.0F, 0.5F}, {0.25F}, {-2.0F, 30.0F, 4.0F}})) << text;
     }
 }
 
 TEST(SwatchColorsFile, TakesEmptyLists)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchColors colors = kOtherColors;
-    EXPECT_EQ(ReadSwatchColorsFile(
-                  folder.Write("c.json",
-                               R"({"colorSwatches":[],"legalRangeGradient":[],"fullRangeGradient":[],"x":1})"),
-                  colors),
-              0);
+    EXPECT_EQ(
+        ReadSwatchColorsFile(
+            folder
+                .Write("c.json", R"({"colorSwatches":[],"legalRangeGradient":[],"fullRangeGradient":[],"x":1})")
+                .u16string(),
+            colors),
+        0);
     EXPECT_EQ(colors, SwatchColors{});
 }
 
 TEST(SwatchColorsFile, UnopenableFileGivesANegativeStatusAndNoException)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchColors colors = kOtherColors;
     EXPECT_LT(ReadSwatchColorsFile((folder.Path() / "absent").u16string(), colors), 0);
     EXPECT_LT(ReadSwatchColorsFile(folder.Path().u16string(), colors), 0);
@@ -99,10 +102,10 @@ TEST(SwatchColorsFile, UnopenableFileGivesANegativeStatusAndNoException)
 
 TEST(SwatchColorsFile, MalformedTextThrowsWithThatVeryText)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchColors colors;
     try {
-        static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", "{"), colors));
+        static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", "{").u16string(), colors));
         FAIL() << "nothing was thrown";
     } catch (const std::runtime_error& error) {
         EXPECT_STREQ(error.what(), "JSON not well-formed");
@@ -121,10 +124,10 @@ TEST(SwatchColorsFile, RootsThatAreNoObjectAreOfTheWrongType)
 
 TEST(SwatchColorsFile, RootThatIsNoObjectIsNamedByItsRecord)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     SwatchColors colors;
     try {
-        static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", "[]"), colors));
+        static_cast<void>(ReadSwatchColorsFile(folder.Write("c.json", "[]").u16string(), colors));
         FAIL() << "nothing was thrown";
     } catch (const std::bad_any_cast& error) {
         EXPECT_STREQ(error.what(), "\"SwatchColors\": expected an object");
@@ -147,10 +150,10 @@ TEST(SwatchColorsFile, ElementsAreNumbers)
 
 TEST(SwatchCoordinatesFile, ReplacesAllSixLists)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     for (const std::string& text : {kCoordinates, Wrapped(kCoordinates)}) {
         SwatchCoordinates coordinates = kOtherCoordinates;
-        EXPECT_EQ(ReadSwatchCoordinatesFile(folder.Write("c.json", text), coordinates), 0);
+        EXPECT_EQ(ReadSwatchCoordinatesFile(folder.Write("c.json", text).u16string(), coordinates), 0);
         // 4294967303 is 2^32 + 7.
         EXPECT_EQ(coordinates, (SwatchCoordinates{{{1, 2}, {3}}, {{}, {4, 5}}, {{-6}, {7}}})) << text;
     }
@@ -158,7 +161,7 @@ TEST(SwatchCoordinatesFile, ReplacesAllSixLists)
 
 TEST(SwatchCoordinatesFile, MissingYCoordinatesAreNamedInEachOfTheThree)
 {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     for (int band = 0; band < 3; ++band) {
         const char* const name = std::array{"colorSwatches", "legalRangeGradient",
                                             "fullRangeGradient"}[static_cast<std::size_t>(band)];
@@ -170,7 +173,7 @@ TEST(SwatchCoordinatesFile, MissingYCoordinatesAreNamedInEachOfTheThree)
         text.replace(place, 1, "z");
         SwatchCoordinates coordinates = kOtherCoordinates;
         try {
-            static_cast<void>(ReadSwatchCoordinatesFile(folder.Write("c.json", text), coordinates));
+            static_cast<void>(ReadSwatchCoordinatesFile(folder.Write("c.json", text).u16string(), coordinates));
             FAIL() << "nothing was thrown: " << text;
         } catch (const missing_key_exception& exception) {
             EXPECT_EQ(exception.Key(), "yCoordinates");

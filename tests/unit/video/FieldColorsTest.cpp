@@ -1,4 +1,4 @@
-#include "ForeignHost.h"
+#include "FrameHost.h"
 
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/pixmill/Fill.h>
@@ -27,7 +27,7 @@ TesselInfo FieldsClip(std::uint32_t sdkCode, std::int32_t width, std::int32_t he
 /// One row of a colour, padding of a last group as far as pixels need it, on unpainted bytes.
 std::vector<std::byte> RowOf(std::uint32_t code, std::uint32_t width, const FloatColor& color)
 {
-    std::vector<std::byte> row(RowLength(code, width), ForeignHost::kUnpainted);
+    std::vector<std::byte> row(RowLength(code, width), FrameHost::kUnpainted);
     const std::array<float, 4> values{color.mBluePart, color.mGreenPart, color.mRedPart, color.mAlphaPart};
     EXPECT_EQ(PM_FillWithColor(row.data(), 0, width, 1, code, values.data(), 260), 0);
     return row;
@@ -35,7 +35,7 @@ std::vector<std::byte> RowOf(std::uint32_t code, std::uint32_t width, const Floa
 
 TEST(FieldColors, BGRAFloatHoldsBlueGreenRedAlphaUnclamped)
 {
-    ForeignHost host;
+    FrameHost host;
     ASSERT_EQ(host.Request(FieldsClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_32f), 3, 2, 0)), ksResultServed);
     for (std::uint32_t x = 0; x < 3; ++x) {
         EXPECT_EQ(FloatPixel(host.Row(1), x), (std::array<float, 4>{-3.0F, 0.25F, 1.0F, 0.5F}));
@@ -45,7 +45,7 @@ TEST(FieldColors, BGRAFloatHoldsBlueGreenRedAlphaUnclamped)
 TEST(FieldColors, ProgressiveUsesTheUpperColourAlone)
 {
     for (const PaintableFormat& format : PaintableFormats()) {
-        ForeignHost host;
+        FrameHost host;
         ASSERT_EQ(host.Request(FieldsClip(format.sdkCode, 37, 9, 0)), ksResultServed);
         for (std::uint32_t row = 0; row < 9; ++row) {
             EXPECT_EQ(host.RowCopy(row), RowOf(format.code, 37, kUpper)) << format.name << " row " << row;
@@ -61,7 +61,7 @@ TEST(FieldColors, InterlacedAlternatesFromTheGivenAddressWhateverTheFieldOrder)
         const auto lower = RowOf(format.code, 37, kLower);
         for (const std::int32_t fieldType : {1, 2, 3, -1, 1000000}) {
             for (const bool backwards : {false, true}) {
-                ForeignHost host({.backwards = backwards});
+                FrameHost host({.backwards = backwards});
                 ASSERT_EQ(host.Request(FieldsClip(format.sdkCode, 37, 10, fieldType)), ksResultServed);
                 for (std::uint32_t row = 0; row < 10; ++row) {
                     EXPECT_EQ(host.RowCopy(row), row % 2 == 0 ? upper : lower)
@@ -76,7 +76,7 @@ TEST(FieldColors, InterlacedAlternatesFromTheGivenAddressWhateverTheFieldOrder)
 TEST(FieldColors, TheLastRowOfAnOddInterlacedHeightStaysUnpainted)
 {
     for (const std::int32_t height : {1, 3, 11}) {
-        ForeignHost host;
+        FrameHost host;
         ASSERT_EQ(host.Request(FieldsClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 5, height, 1)),
                   ksResultServed);
         const auto rows = static_cast<std::uint32_t>(height);
@@ -89,11 +89,11 @@ TEST(FieldColors, TheLastRowOfAnOddInterlacedHeightStaysUnpainted)
 
 TEST(FieldColors, DoNotChangeThroughTheClip)
 {
-    ForeignHost first, later;
+    FrameHost first, later;
     const TesselInfo info = FieldsClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 4, 4, 1);
     ASSERT_EQ(later.Request(info, 123456789012), ksResultServed);
     const auto row = later.RowCopy(1);
-    ForeignHost again;
+    FrameHost again;
     ASSERT_EQ(again.Request(info, 0), ksResultServed);
     EXPECT_EQ(again.RowCopy(1), row);
 }
@@ -101,7 +101,7 @@ TEST(FieldColors, DoNotChangeThroughTheClip)
 TEST(UnknownRenderFormat, PaintsNothing)
 {
     for (const std::int32_t render : {3, -1, 2147483647}) {
-        ForeignHost host;
+        FrameHost host;
         TesselInfo info = FieldsClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 4, 4, 0);
         info.mRenderFormat = render;
         EXPECT_EQ(host.Request(info), ksResultServed);

@@ -1,5 +1,5 @@
 // How frames are asked for, and what happens when the host fails.
-#include "ForeignHost.h"
+#include "FrameHost.h"
 
 #include <kestrel/importabi/ResultCodes.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 TEST(FrameCreation, PassesTheSettingsAndTheRequestsSixteenBytesByAddress)
 {
-    ForeignHost host;
+    FrameHost host;
     TesselInfo info = SmallClip(SdkCodeOf(BR::PixelFormat::V210_422_10u_709), 13, 7);
     info.mFramePAR = {4000000000U, 33};
     ASSERT_EQ(host.Request(info), ksResultServed);
@@ -34,7 +34,7 @@ TEST(FrameCreation, PassesTheSettingsAndTheRequestsSixteenBytesByAddress)
 
 TEST(FrameCreation, ChangesNothingInTheRecord)
 {
-    ForeignHost host;
+    FrameHost host;
     ASSERT_EQ(host.Request(SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8), 42), ksResultServed);
     ksFrameRec expected;
     std::memset(&expected, 0xCC, sizeof expected);
@@ -45,17 +45,17 @@ TEST(FrameCreation, ChangesNothingInTheRecord)
 
 TEST(FrameCreation, TheCreatorsStatusIsNotTested)
 {
-    ForeignHost host({.creatorReportsFailure = true});
+    FrameHost host({.creatorReportsFailure = true});
     EXPECT_EQ(host.Request(SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8)), ksResultServed);
     EXPECT_FALSE(host.IsUnpainted());
 }
 
 TEST(FrameCreation, ANullHandleFailsWithoutAskingTheFrameSuite)
 {
-    ForeignHost host({.creatorGivesNull = true});
+    FrameHost host({.creatorGivesNull = true});
     EXPECT_EQ(host.Request(SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8)), ksResultFailed);
     EXPECT_EQ(host.creation.count, 1);
-    EXPECT_EQ(host.queries, 0);
+    EXPECT_EQ(host.frameQueries, 0);
 }
 
 TEST(FrameCreation, SizesThatNoHostMakesFailAtOnce)
@@ -64,7 +64,7 @@ TEST(FrameCreation, SizesThatNoHostMakesFailAtOnce)
     constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
     for (const std::int32_t extent : {0, -1, kLowest, kHighest}) {
         for (const std::int32_t render : {0, 1, 2, 3}) {
-            ForeignHost host({.creatorGivesNull = true});
+            FrameHost host({.creatorGivesNull = true});
             TesselInfo info = SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), extent, extent);
             info.mRenderFormat = render;
             info.mDrawFrameFieldNumber = true;
@@ -76,10 +76,10 @@ TEST(FrameCreation, SizesThatNoHostMakesFailAtOnce)
 
 TEST(FrameCreation, AFailingQueryLeavesTheStoredFrameUnpainted)
 {
-    using Behaviour = ForeignHost::Behaviour;
+    using Behaviour = FrameHost::Behaviour;
     for (const Behaviour& behaviour : {Behaviour{.boundsFail = true}, Behaviour{.rowBytesFail = true},
                                        Behaviour{.pixelsFail = true}, Behaviour{.pixelsAreNull = true}}) {
-        ForeignHost host(behaviour);
+        FrameHost host(behaviour);
         TesselInfo info = SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 64, 64);
         info.mDrawFrameFieldNumber = true;
         EXPECT_EQ(host.Request(info), ksResultFailed);
@@ -90,9 +90,9 @@ TEST(FrameCreation, AFailingQueryLeavesTheStoredFrameUnpainted)
 
 TEST(FrameCreation, ANullSlotForTheHandleFailsBeforeAnythingIsMade)
 {
-    ForeignHost host;
+    FrameHost host;
     ksFrameRec record{};
-    EXPECT_EQ(ImporterTessel::SynthesizeFrame(TesselInfo{}, ForeignHost::Parameters(), record), ksResultFailed);
+    EXPECT_EQ(ImporterTessel::SynthesizeFrame(TesselInfo{}, &host.stdParms, record), ksResultFailed);
     EXPECT_EQ(host.creation.count, 0);
 }
 
@@ -100,21 +100,21 @@ TEST(FrameCreation, TablesWithHolesFailBeforeAnythingIsMade)
 {
     const TesselInfo info = SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8);
     for (int hole = 0; hole < 4; ++hole) {
-        ForeignHost host;
+        FrameHost host;
         (void)host.Request(info); // the tables are acquired now, whichever test ran first
         host.creation = {};
         switch (hole) {
         case 0:
-            ForeignHost::Creator().createFrame = nullptr;
+            FrameHost::Creator().createFrame = nullptr;
             break;
         case 1:
-            ForeignHost::FrameSuite().getBounds = nullptr;
+            FrameHost::FrameSuite().getBounds = nullptr;
             break;
         case 2:
-            ForeignHost::FrameSuite().getRowBytes = nullptr;
+            FrameHost::FrameSuite().getRowBytes = nullptr;
             break;
         default:
-            ForeignHost::FrameSuite().getPixels = nullptr;
+            FrameHost::FrameSuite().getPixels = nullptr;
             break;
         }
         EXPECT_EQ(host.Request(info), ksResultFailed);
@@ -125,7 +125,7 @@ TEST(FrameCreation, TablesWithHolesFailBeforeAnythingIsMade)
 TEST(FrameCreation, AnUnknownFormatIsAskedForAsZeroAndLeftUnpainted)
 {
     for (const std::int32_t render : {0, 1, 3}) {
-        ForeignHost host;
+        FrameHost host;
         TesselInfo info = SmallClip(0x12345678, 64, 64);
         info.mRenderFormat = render;
         info.mDrawFrameFieldNumber = true;
@@ -138,7 +138,7 @@ TEST(FrameCreation, AnUnknownFormatIsAskedForAsZeroAndLeftUnpainted)
 TEST(FrameCreation, EveryHostFormatIsMadeInItsPaintableForm)
 {
     for (const BR::PixelFormatInfo& format : BR::AllPixelFormats()) {
-        ForeignHost host;
+        FrameHost host;
         ASSERT_EQ(host.Request(SmallClip(format.sdkCode, 16, 4)), ksResultServed) << format.constant;
         const std::uint32_t code =
             PM_QELPixelFormatToPMPixelFormat(BR::SDKToBEPixelFormat(host.creation.pixelFormat));
@@ -159,7 +159,7 @@ TEST(FrameNumber, IsPrintedUprightForEveryRenderFormatAndRowDirection)
         const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(format);
         for (const std::int32_t render : {0, 1, -7}) {
             for (const bool backwards : {false, true}) {
-                ForeignHost host({.backwards = backwards});
+                FrameHost host({.backwards = backwards});
                 TesselInfo info = SmallClip(SdkCodeOf(format), 160, 106);
                 info.mRenderFormat = render;
                 info.mDrawFrameFieldNumber = true;
@@ -181,7 +181,7 @@ TEST(FrameNumber, TimesBeforeTheClipHaveNegativeNumbersAndRatesWithoutFramesZero
 {
     NumberReader reader;
     const auto readAt = [&](const TesselInfo& info, std::int64_t ticks) {
-        ForeignHost host;
+        FrameHost host;
         EXPECT_EQ(host.Request(info, ticks), ksResultServed);
         return reader.Read({.width = 320, .height = 240, .at = [&](std::uint32_t x, std::uint32_t y) {
                                 return Brightness(host.Row(y), pixmill::kBGRA8, x);

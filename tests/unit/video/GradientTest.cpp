@@ -1,4 +1,4 @@
-#include "ForeignHost.h"
+#include "FrameHost.h"
 
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/pixmill/Fill.h>
@@ -54,7 +54,7 @@ TesselInfo GradientClip(BR::PixelFormat format, std::int32_t width, std::int32_t
 
 TEST(Gradient, Frame0BeginsWithExactlyTheStartColour)
 {
-    ForeignHost host;
+    FrameHost host;
     const TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 3, 480);
     ASSERT_EQ(host.Request(info), ksResultServed);
     EXPECT_EQ(FloatPixel(host.Row(0), 0), PixelOf(info.mTopGradiantColorStart));
@@ -63,7 +63,7 @@ TEST(Gradient, Frame0BeginsWithExactlyTheStartColour)
 
 TEST(Gradient, TheDefaultClipBeginsWithPureRed)
 {
-    ForeignHost host;
+    FrameHost host;
     TesselInfo info;
     info.mDrawFrameFieldNumber = false;
     ASSERT_EQ(host.Request(info), ksResultServed);
@@ -80,7 +80,7 @@ TEST(Gradient, EveryRowOfEveryFrameFollowsTheRule)
         info.mVideoDuration = qelmediatypes::TickTime(7 * info.mVideoFrameRate.ticksPerFrame);
         for (std::int64_t frame = 0; frame < 7; ++frame) {
             for (const bool backwards : {false, true}) {
-                ForeignHost host({.backwards = backwards});
+                FrameHost host({.backwards = backwards});
                 ASSERT_EQ(host.Request(info, frame * info.mVideoFrameRate.ticksPerFrame + 12345),
                           ksResultServed);
                 for (std::uint32_t row = 0; row < static_cast<std::uint32_t>(height); ++row) {
@@ -97,10 +97,10 @@ TEST(Gradient, ColoursInEveryFormatAreThoseOfAFillWithTheRowsColour)
 {
     for (const PaintableFormat& format : PaintableFormats()) {
         TesselInfo info = GradientClip(BR::SDKToBEPixelFormat(format.sdkCode), 31, 17);
-        ForeignHost host;
+        FrameHost host;
         ASSERT_EQ(host.Request(info, 30 * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
         for (std::uint32_t row = 0; row < 17; ++row) {
-            std::vector<std::byte> expected(RowLength(format.code, 31), ForeignHost::kUnpainted);
+            std::vector<std::byte> expected(RowLength(format.code, 31), FrameHost::kUnpainted);
             const Pixel color = Model(info, row, 30, 1800); // 60 s of 30 frames
             ASSERT_EQ(PM_FillWithColor(expected.data(), 0, 31, 1, format.code, color.data(), 260), 0);
             ASSERT_EQ(host.RowCopy(row), expected) << format.name << " row " << row;
@@ -114,7 +114,7 @@ TEST(Gradient, FieldTypeDoesNotMatter)
     TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_8u, 5, 9);
     std::vector<std::vector<std::byte>> rows;
     for (const std::int32_t fieldType : {0, 1, 2}) {
-        ForeignHost host;
+        FrameHost host;
         info.mFieldType = fieldType;
         ASSERT_EQ(host.Request(info), ksResultServed);
         EXPECT_FALSE(host.IsUnpainted(8));
@@ -126,7 +126,7 @@ TEST(Gradient, FieldTypeDoesNotMatter)
 
 TEST(Gradient, AFrameBeforeTheClipCountsAsANumberNear2To32)
 {
-    ForeignHost host;
+    FrameHost host;
     const TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 4);
     ASSERT_EQ(host.Request(info, -1), ksResultServed);
     for (std::uint32_t row = 0; row < 4; ++row) {
@@ -138,12 +138,12 @@ TEST(Gradient, AClipOfNoFramesDividesByZero)
 {
     TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 2);
     info.mVideoDuration = qelmediatypes::TickTime(info.mVideoFrameRate.ticksPerFrame - 1);
-    ForeignHost first;
+    FrameHost first;
     ASSERT_EQ(first.Request(info, 0), ksResultServed); // 0 / 0
     for (const float component : FloatPixel(first.Row(0), 0)) {
         EXPECT_TRUE(std::isnan(component));
     }
-    ForeignHost second;
+    FrameHost second;
     ASSERT_EQ(second.Request(info, info.mVideoFrameRate.ticksPerFrame), ksResultServed); // 1 / 0
     const Pixel pixel = FloatPixel(second.Row(0), 0);
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -160,7 +160,7 @@ TEST(Gradient, IntegerFormatsSurviveAClipOfNoFrames)
         TesselInfo info = GradientClip(BR::SDKToBEPixelFormat(format.sdkCode), 8, 8);
         info.mVideoDuration = qelmediatypes::TickTime(0);
         for (const std::int64_t frame : {0, 1, -1}) {
-            ForeignHost host;
+            FrameHost host;
             EXPECT_EQ(host.Request(info, frame * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
             EXPECT_TRUE(host.GuardsAreIntact());
         }
@@ -169,7 +169,7 @@ TEST(Gradient, IntegerFormatsSurviveAClipOfNoFrames)
 
 TEST(Gradient, AHeightOfZeroPaintsNothing)
 {
-    ForeignHost host;
+    FrameHost host;
     EXPECT_EQ(host.Request(GradientClip(BR::PixelFormat::BGRA_4444_8u, 4, 0)), ksResultServed);
     EXPECT_TRUE(host.GuardsAreIntact());
 }

@@ -1,4 +1,4 @@
-#include "ForeignHost.h"
+#include "FrameHost.h"
 
 #include <kestrel/importabi/ResultCodes.h>
 
@@ -44,7 +44,7 @@ std::array<float, 4> Swatch(float level)
 TEST(SwatchChart, PatchesStandWhereTheCoordinatesSayCountedFromThePicturesTop)
 {
     for (const bool backwards : {false, true}) {
-        ForeignHost host({.backwards = backwards});
+        FrameHost host({.backwards = backwards});
         ASSERT_EQ(host.Request(ChartClip()), ksResultServed);
         // Whatever direction the host's step has, the chart's top row is the last one walked to.
         const auto at = [&](std::uint32_t x, std::uint32_t y) { return FloatPixel(host.Row(kBottom - y), x); };
@@ -69,12 +69,12 @@ TEST(SwatchChart, PatchesStandWhereTheCoordinatesSayCountedFromThePicturesTop)
 TEST(SwatchChart, OtherFormatsSucceedUnpaintedWithTheNumber)
 {
     for (const BR::PixelFormat format : {BR::PixelFormat::BGRA_4444_8u, BR::PixelFormat::ARGB_4444_32f}) {
-        ForeignHost host;
+        FrameHost host;
         TesselInfo info = ChartClip(format);
         ASSERT_EQ(host.Request(info), ksResultServed);
         EXPECT_TRUE(host.IsUnpainted());
     }
-    ForeignHost host;
+    FrameHost host;
     TesselInfo info = ChartClip(BR::PixelFormat::BGRA_4444_8u);
     info.mDrawFrameFieldNumber = true;
     ASSERT_EQ(host.Request(info, 77 * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
@@ -91,7 +91,7 @@ TEST(SwatchChart, OtherFormatsSucceedUnpaintedWithTheNumber)
 
 TEST(SwatchChart, TheNumberIsUprightLikeTheChart)
 {
-    ForeignHost host;
+    FrameHost host;
     TesselInfo info = ChartClip();
     info.mDrawFrameFieldNumber = true;
     ASSERT_EQ(host.Request(info, 1234 * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
@@ -105,7 +105,7 @@ TEST(SwatchChart, TheNumberIsUprightLikeTheChart)
 
 void ExpectRefused(const std::string& what, const std::function<void(TesselInfo&)>& change)
 {
-    ForeignHost host;
+    FrameHost host;
     TesselInfo info = ChartClip();
     info.mDrawFrameFieldNumber = true;
     change(info);
@@ -166,7 +166,7 @@ TEST(SwatchChart, OnlyTheLastAndFirstRowsOfBandsAreCompared)
     TesselInfo info = ChartClip();
     info.mSwatchCoordinates.colorSwatches.yCoordinates = {5000, 300};
     info.mSwatchCoordinates.fullRangeGradient.yCoordinates = {900, 1079};
-    ForeignHost host;
+    FrameHost host;
     EXPECT_EQ(host.Request(info), ksResultServed);
     EXPECT_TRUE(host.GuardsAreIntact());
 }
@@ -177,7 +177,7 @@ TEST(SwatchChart, HostileColumnsStayInsideTheFrame)
     info.mSwatchCoordinates.colorSwatches.xCoordinates = {-5, 3};
     info.mSwatchCoordinates.legalRangeGradient.xCoordinates = {2147483647, -2147483647 - 1, 0};
     for (const bool backwards : {false, true}) {
-        ForeignHost host({.backwards = backwards});
+        FrameHost host({.backwards = backwards});
         EXPECT_EQ(host.Request(info), ksResultServed);
         EXPECT_TRUE(host.GuardsAreIntact());
     }
