@@ -1,11 +1,15 @@
-/// Whether Qt could open a window here.
+/// Whether Qt can open a window here.
 #pragma once
+
+#include <string>
 
 namespace kestrelqt {
 
-/// Qt ends the process when it cannot reach the window system that it chose, so this asks first.
+/// Qt ends the process when it cannot reach a window system, or lacks its plug-in for it. So this asks first,
+/// in a process of its own where Qt has not been started yet.
 ///
-/// @return null where a window can be opened, else why not: one line of static text. [ui-thread]
-[[nodiscard]] const char* WhyNoWindow();
+/// @return empty where a window can be opened, else why not, in one line.
+/// [ui-thread] Starts a program; costs as much as starting Qt.
+[[nodiscard]] std::string WhyNoWindow();
 
 } // namespace kestrelqt

@@ -1,52 +1,158 @@
 #include "Display.h"
+#include "ExistingApplication.h"
+#include "Messages.h"
+#include "probe/Answer.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <QString>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
-#include <string_view>
+#include <filesystem>
+#include <optional>
+#include <sstream>
+#include <system_error>
+
+extern char** environ; // NOLINT: POSIX declares it nowhere
 
 namespace kestrelqt {
 
 namespace {
 
-std::string_view Variable(const char* name)
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds kPatience{20}; // a display that takes longer is of no use to a person
+constexpr std::size_t kLongestAnswer = 65536;
+
+bool IsSet(const char* name)
 {
-    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): asked once, at start
-    return value == nullptr ? std::string_view{} : std::string_view(value);
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): ui thread, as all of Qt
+    return value != nullptr && *value != '\0';
 }
 
-/// Connects to the X server that DISPLAY names, through the library that Qt's own plug-in uses.
-bool CanReachX()
+std::filesystem::path ProbeFile()
 {
-    void* const library = dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        return false;
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&WhyNoWindow), &info) == 0 || info.dli_fname == nullptr) {
+        return kProbeFile;
     }
-    const auto connect = reinterpret_cast<void* (*)(const char*, int*)>(dlsym(library, "xcb_connect"));
-    const auto hasError = reinterpret_cast<int (*)(void*)>(dlsym(library, "xcb_connection_has_error"));
-    const auto disconnect = reinterpret_cast<void (*)(void*)>(dlsym(library, "xcb_disconnect"));
-    if (connect == nullptr || hasError == nullptr || disconnect == nullptr) {
-        return false;
+    return std::filesystem::path(info.dli_fname).parent_path() / kProbeFile;
+}
+
+/// A program whose standard output is read here.
+class Child {
+public:
+    /// @throws std::system_error  it cannot be started.
+    explicit Child(const std::filesystem::path& program)
+    {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+            throw std::system_error(errno, std::generic_category());
+        }
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        std::string name = program.native();
+        std::array<char*, 2> arguments{name.data(), nullptr};
+        const int error = posix_spawn(&mProcess, name.c_str(), &actions, nullptr, arguments.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        close(ends[1]);
+        mOutput = ends[0];
+        if (error != 0) {
+            close(mOutput);
+            throw std::system_error(error, std::generic_category());
+        }
     }
-    void* const connection = connect(nullptr, nullptr);
-    const bool reached = hasError(connection) == 0;
-    disconnect(connection);
-    return reached;
+    ~Child()
+    {
+        close(mOutput);
+        kill(mProcess, SIGKILL); // It may hang; where it has ended, this does nothing.
+        while (waitpid(mProcess, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    /// All that the program writes until it ends; nothing where it does not end in time.
+    [[nodiscard]] std::optional<std::string> Read() const
+    {
+        const auto end = Clock::now() + kPatience;
+        std::string text;
+        for (;;) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+            pollfd output{mOutput, POLLIN, 0};
+            const int ready = left <= 0 ? 0 : poll(&output, 1, static_cast<int>(left));
+            if (ready == 0) {
+                return std::nullopt;
+            }
+            std::array<char, 4096> part{};
+            const ssize_t count = ready < 0 ? -1 : read(mOutput, part.data(), part.size());
+            if (count < 0 && errno != EINTR) {
+                return std::nullopt;
+            }
+            if (count == 0 || text.size() > kLongestAnswer) {
+                return text;
+            }
+            text.append(part.data(), static_cast<std::size_t>(count < 0 ? 0 : count));
+        }
+    }
+
+private:
+    pid_t mProcess = -1;
+    int mOutput = -1;
+};
+
+/// The reason in what Qt said, as one line; empty where windows can be opened.
+std::string ReasonIn(const std::string& answer)
+{
+    constexpr std::string_view kVerdict = "This application failed to start";
+    constexpr std::string_view kAvailable = "Available platform plugins are: ";
+    std::string reason;
+    std::string available;
+    std::istringstream lines(answer);
+    for (std::string line; std::getline(lines, line);) {
+        if (line == kProbeSuccess) {
+            return {};
+        }
+        if (const std::size_t at = line.find(kAvailable); at != std::string::npos) {
+            available = "; Qt has platform plug-ins for " + line.substr(at + kAvailable.size());
+            available.erase(available.find_last_not_of(". ") + 1);
+        }
+        if (!line.starts_with(kVerdict) && !IsChatter(QString::fromStdString(line))) {
+            reason += (reason.empty() ? "" : "; ") + line;
+        }
+    }
+    return "Qt cannot open a window here: " + (reason.empty() ? "its platform plug-in failed" : reason) +
+           available;
 }
 
 } // namespace
 
-const char* WhyNoWindow()
+std::string WhyNoWindow()
 {
-    const std::string_view platform = Variable("QT_QPA_PLATFORM");
-    const bool isX = platform.empty() ? Variable("WAYLAND_DISPLAY").empty() : platform.substr(0, 3) == "xcb";
-    if (isX && Variable("DISPLAY").empty()) {
+    if (HasApplication()) {
+        return WhyNotThisApplication();
+    }
+    if (!IsSet("QT_QPA_PLATFORM") && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) {
         return "there is no display (DISPLAY and WAYLAND_DISPLAY are not set)";
     }
-    if (isX && !CanReachX()) {
-        return "the display that DISPLAY names cannot be reached";
+    const std::filesystem::path probe = ProbeFile();
+    try {
+        const std::optional<std::string> answer = Child(probe).Read();
+        return answer ? ReasonIn(*answer) : "the display does not answer";
+    } catch (const std::system_error& error) {
+        return "whether Qt can open a window is not known, because " + probe.string() +
+               " cannot be run: " + error.code().message();
     }
-    return nullptr;
 }
 
 } // namespace kestrelqt

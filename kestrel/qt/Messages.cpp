@@ -16,12 +16,6 @@ namespace {
 constexpr std::array<const char*, 3> kChatter = {
     "This plugin does not support ", "QStandardPaths: XDG_RUNTIME_DIR ", "QStandardPaths: wrong permissions "};
 
-bool IsChatter(const QString& text)
-{
-    return std::any_of(kChatter.begin(), kChatter.end(),
-                       [&text](const char* beginning) { return text.startsWith(QLatin1String(beginning)); });
-}
-
 void Forward(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
 {
     const bool isSerious = type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg;
@@ -31,6 +25,12 @@ void Forward(QtMsgType type, const QMessageLogContext& /*context*/, const QStrin
 }
 
 } // namespace
+
+bool IsChatter(const QString& text)
+{
+    return std::any_of(kChatter.begin(), kChatter.end(),
+                       [&text](const char* beginning) { return text.startsWith(QLatin1String(beginning)); });
+}
 
 void SendQtMessagesToLog()
 {

@@ -1,5 +1,6 @@
 #include "QtToolkit.h"
 
+#include "EventSeam.h"
 #include "Messages.h"
 #include "dialogs/ColorPickerWindow.h"
 #include "dialogs/DialogWindow.h"
@@ -28,11 +29,33 @@ QWidget* NativeParent(const qelui::TopLevelWindow* window)
     return window == nullptr ? nullptr : static_cast<QWidget*>(window->NativeWindow());
 }
 
+/// Qt asks that exceptions of event handlers are caught here.
+class Application final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        bool isHandled = true;
+        AtSeam([&] { isHandled = QApplication::notify(receiver, event); });
+        return isHandled;
+    }
+};
+
+/// Shows a modal window until it is closed. @return its result; throws what was thrown in an event meanwhile.
+int Execute(QDialog& dialog)
+{
+    EventSeam seam([&dialog] { dialog.reject(); });
+    const int result = dialog.exec();
+    seam.Rethrow();
+    return result;
+}
+
 /// Runs `act` as soon as the modal window that is about to open has its event loop.
 template <class Act>
 void OnceOpen(QObject& window, Act act)
 {
-    QTimer::singleShot(0, &window, act);
+    QTimer::singleShot(0, &window, [act] { AtSeam(act); });
 }
 
 /// Lets a script answer: the name goes into the dialog's own field, and Open or Save is pressed. A dialog that
@@ -63,7 +86,7 @@ QtToolkit::QtToolkit()
         static int argumentCount = 1;
         static char name[] = "tessel";
         static char* arguments[] = {name, nullptr};
-        mApplication = std::make_unique<QApplication>(argumentCount, arguments);
+        mApplication = std::make_unique<Application>(argumentCount, arguments);
         QApplication::setQuitOnLastWindowClosed(false);
     }
 }
@@ -103,10 +126,10 @@ std::optional<std::u16string> QtToolkit::RunFileDialog(const qelui::FileDialogRe
             dialog.setOption(QFileDialog::DontUseNativeDialog);
             OnceOpen(dialog, [&dialog] { dialog.reject(); });
         }
-        dialog.exec();
+        Execute(dialog);
         return answer;
     }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+    if (Execute(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return std::nullopt;
     }
     return QFileInfo(dialog.selectedFiles().front()).absoluteFilePath().toStdU16String();
@@ -127,7 +150,7 @@ int QtToolkit::RunMessageBox(const qelui::MessageBoxRequest& request)
             box.button(request.script->TakeBoxAnswer() ? QMessageBox::Yes : QMessageBox::No);
         OnceOpen(box, [answer] { Click(*answer, answer->rect().center()); });
     }
-    return box.exec() == QMessageBox::Yes ? qelui::dialogs::kButtonYes : qelui::dialogs::kButtonNo;
+    return Execute(box) == QMessageBox::Yes ? qelui::dialogs::kButtonYes : qelui::dialogs::kButtonNo;
 }
 
 std::optional<qelui::sharedui::PickerColor> QtToolkit::RunColorPicker(const qelui::ColorPickerRequest& request)
@@ -150,7 +173,7 @@ std::optional<qelui::sharedui::PickerColor> QtToolkit::RunColorPicker(const qelu
             Click(picker.OkButton(), picker.OkButton().rect().center());
         });
     }
-    if (picker.exec() != QDialog::Accepted) {
+    if (Execute(picker) != QDialog::Accepted) {
         return std::nullopt;
     }
     return picker.Color();

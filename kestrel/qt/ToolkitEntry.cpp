@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <memory>
+#include <string>
 
 extern "C" [[gnu::visibility("default")]] qelui::Toolkit* KestrelGetToolkit(const char** whyNot)
 {
@@ -13,11 +14,13 @@ extern "C" [[gnu::visibility("default")]] qelui::Toolkit* KestrelGetToolkit(cons
     if (toolkit != nullptr) {
         return toolkit;
     }
-    *whyNot = kestrelqt::WhyNoWindow();
-    if (*whyNot != nullptr) {
-        return nullptr;
-    }
+    static std::string reason; // stays valid for the caller
     try {
+        reason = kestrelqt::WhyNoWindow();
+        if (!reason.empty()) {
+            *whyNot = reason.c_str();
+            return nullptr;
+        }
         toolkit = std::make_unique<kestrelqt::QtToolkit>().release();
     } catch (const std::exception&) {
         *whyNot = "out of memory";

@@ -128,6 +128,58 @@ TEST(DialogWindow, WhatAHandlerThrowsIsThrownAfterTheModalRun)
     EXPECT_EQ(test.oks + test.cancels, 0);
 }
 
+/// Something in a window whose event handling fails.
+class Faulty final : public QObject {
+public:
+    bool event(QEvent* /*event*/) override { throw std::bad_alloc(); }
+};
+
+/// @return whether the sender of the event came back, as Qt's event loop must.
+bool SendFaultyEvent()
+{
+    Faulty faulty;
+    QEvent event(QEvent::User);
+    QApplication::sendEvent(&faulty, &event);
+    return true;
+}
+
+TEST(DialogWindow, WhatAnEventThrowsIsThrownAfterTheModalRun)
+{
+    OkCancelDialog test;
+    bool cameBack = false;
+    EXPECT_THROW(RunWith(test.dialog, [&](QWidget&) { cameBack = SendFaultyEvent(); }), std::bad_alloc);
+    EXPECT_TRUE(cameBack) << "through Qt, which must not see the exception";
+    EXPECT_EQ(test.dialog.NativeWindow(), nullptr);
+    EXPECT_EQ(test.oks + test.cancels, 0);
+}
+
+TEST(DialogWindow, WhatAnEventThrowsInANestedDialogEndsBoth)
+{
+    OkCancelDialog test;
+    bool cameBack = false;
+    bool isBoxOver = false;
+    test.dialog.GetControl<qelui::UI_Button>("act").NotifyWhenChanged([&] {
+        QTimer::singleShot(0, qApp, [&] { cameBack = SendFaultyEvent(); });
+        qelui::dialogs::UI_MessageBox box(&test.dialog, "Title", "Text", qelui::dialogs::kButtonsYesNo,
+                                          qelui::dialogs::kButtonYes, qelui::dialogs::kIconWarning);
+        try {
+            box.RunModal();
+        } catch (const std::bad_alloc&) {
+            isBoxOver = QApplication::activeModalWidget() == test.dialog.NativeWindow();
+            throw;
+        }
+    });
+    EXPECT_THROW(RunWith(test.dialog,
+                         [](QWidget& window) {
+                             QPushButton& act = ButtonOf(window, "act");
+                             Click(act, act.rect().center());
+                         }),
+                 std::bad_alloc);
+    EXPECT_TRUE(cameBack);
+    EXPECT_TRUE(isBoxOver) << "the box is gone when its caller hears of it";
+    EXPECT_EQ(test.oks + test.cancels, 0);
+}
+
 TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
 {
     OkCancelDialog test;

@@ -110,19 +110,17 @@ void UI_ControlView::NotifyChanged()
     if (dialog != nullptr && dialog->IsClosed()) {
         return;
     }
-    // A copy, because a handler may add handlers.
-    const std::vector<ChangeHandler> handlers = mHandlers;
-    for (const ChangeHandler& handler : handlers) {
+    try {
+        // A copy, because a handler may add handlers.
+        const std::vector<ChangeHandler> handlers = mHandlers;
+        for (const ChangeHandler& handler : handlers) {
+            handler();
+        }
+    } catch (...) {
         if (dialog == nullptr) {
-            handler();
-            continue;
+            throw;
         }
-        try {
-            handler();
-        } catch (...) {
-            dialog->KeepException(std::current_exception());
-            return;
-        }
+        dialog->KeepException(std::current_exception());
     }
 }
 

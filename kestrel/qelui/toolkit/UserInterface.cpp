@@ -48,7 +48,7 @@ Toolkit& UserInterface::GetToolkit()
     }
     const std::string wanted = Variable("KESTREL_UI");
     const bool haveScript = !Script().empty();
-    std::string whyNot = "there is no display";
+    std::string whyNot = "there is no display (DISPLAY and WAYLAND_DISPLAY are not set)";
     if (wanted == "scripted") {
         if (haveScript) {
             return TheScriptedToolkit();

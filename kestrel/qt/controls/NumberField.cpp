@@ -1,5 +1,7 @@
 #include "NumberField.h"
 
+#include <kestrel/qt/EventSeam.h>
+
 #include <QKeyEvent>
 
 namespace kestrelqt {
@@ -40,6 +42,13 @@ void NumberField::CommitEdit()
         mNumber.EnterValue(*value);
     }
     Follow();
+}
+
+bool NumberField::event(QEvent* event)
+{
+    bool isHandled = true;
+    AtSeam([&] { isHandled = QLineEdit::event(event); });
+    return isHandled;
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event)

@@ -27,6 +27,7 @@ protected:
     void StepBy(double steps);
     void CommitEdit();
 
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

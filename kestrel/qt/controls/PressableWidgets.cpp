@@ -1,5 +1,7 @@
 #include "PressableWidgets.h"
 
+#include <kestrel/qt/EventSeam.h>
+
 #include <QCheckBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -34,7 +36,7 @@ ButtonWidget::ButtonWidget(qelui::UI_Button& button, QWidget* parent)
     DressWidget(*mWidget, button);
     KeepLeastSize(*mWidget, button);
     mWidget->setAutoDefault(true); // Return presses the button that has the focus
-    QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] { mModel.Press(); });
+    QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] { AtSeam([this] { mModel.Press(); }); });
     Follow();
 }
 
@@ -59,8 +61,10 @@ CheckBoxWidget::CheckBoxWidget(qelui::UI_CheckBox& box, QWidget* parent)
     DressWidget(*mWidget, box);
     KeepLeastSize(*mWidget, box);
     QObject::connect(mWidget, &QCheckBox::clicked, mWidget, [this](bool checked) {
-        mModel.EnterChecked(checked);
-        Follow();
+        AtSeam([this, checked] {
+            mModel.EnterChecked(checked);
+            Follow();
+        });
     });
     Follow();
 }
@@ -91,8 +95,10 @@ RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* par
     KeepLeastSize(*mWidget, button);
     mWidget->setAutoExclusive(false);
     QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
-        mModel.Press();
-        Follow(); // a click on the chosen button took Qt's mark away
+        AtSeam([this] {
+            mModel.Press();
+            Follow(); // a click on the chosen button took Qt's mark away
+        });
     });
     Follow();
 }

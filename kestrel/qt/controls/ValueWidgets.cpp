@@ -3,6 +3,8 @@
 #include "ElidedLabel.h"
 #include "ScrubField.h"
 
+#include <kestrel/qt/EventSeam.h>
+
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QMouseEvent>
@@ -95,8 +97,10 @@ PopupWidget::PopupWidget(qelui::UI_Popup& popup, QWidget* parent)
     mWidget->setFocusPolicy(Qt::StrongFocus);
     mWidget->setMaxVisibleItems(20);
     QObject::connect(mWidget, &QComboBox::activated, mWidget, [this](int index) {
-        mModel.Choose(index);
-        Follow();
+        AtSeam([this, index] {
+            mModel.Choose(index);
+            Follow();
+        });
     });
     Follow();
 }

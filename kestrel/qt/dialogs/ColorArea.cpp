@@ -1,5 +1,7 @@
 #include "ColorArea.h"
 
+#include <kestrel/qt/EventSeam.h>
+
 #include <QKeyEvent>
 #include <QLinearGradient>
 #include <QMouseEvent>
@@ -68,7 +70,7 @@ void ColorArea::Pick(Hsv hsv)
     mHsv = hsv;
     update();
     if (mPicked) {
-        mPicked(hsv);
+        AtSeam([&] { mPicked(hsv); });
     }
 }
 

@@ -3,6 +3,7 @@
 #include "ColorArea.h"
 
 #include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qt/EventSeam.h>
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -106,8 +107,9 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
         label->setBuddy(field);
         grid->addWidget(label, static_cast<int>(channel), 1, Qt::AlignRight | Qt::AlignVCenter);
         grid->addWidget(field, static_cast<int>(channel), 2);
-        connect(field, &QLineEdit::textEdited, this, [this, channel] { TakeField(channel); });
-        connect(field, &QLineEdit::editingFinished, this, [this] { ShowFields(); });
+        connect(field, &QLineEdit::textEdited, this,
+                [this, channel] { AtSeam([this, channel] { TakeField(channel); }); });
+        connect(field, &QLineEdit::editingFinished, this, [this] { AtSeam([this] { ShowFields(); }); });
         mFields[channel] = field;
     }
     mPatches = new Patches(mOldColor, mColor, this);

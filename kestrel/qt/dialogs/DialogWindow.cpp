@@ -4,6 +4,7 @@
 
 #include <kestrel/qelui/script/ScriptRunner.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
+#include <kestrel/qt/EventSeam.h>
 #include <kestrel/qt/script/QtDriver.h>
 
 #include <QCloseEvent>
@@ -101,22 +102,19 @@ void DialogWindow::Run()
 {
     QEventLoop loop;
     mLoop = &loop;
+    EventSeam seam([this] { mDialog.Close(); });
     show();
     raise();
     activateWindow();
     if (!mWidgets.tabOrder.empty()) {
         mWidgets.tabOrder.front()->setFocus(Qt::TabFocusReason);
     }
-    std::exception_ptr failure;
     if (auto* const script = mDialog.Script()) {
-        QTimer::singleShot(0, this, [this, script, &failure] {
-            try {
+        QTimer::singleShot(0, this, [this, script] {
+            AtSeam([this, script] {
                 QtDriver driver(*this);
                 script->Play(driver);
-            } catch (...) { // out of memory; Qt's event loop must not see it
-                failure = std::current_exception();
-                mDialog.Close();
-            }
+            });
         });
     }
     if (!mDialog.IsClosed()) {
@@ -124,9 +122,7 @@ void DialogWindow::Run()
     }
     mLoop = nullptr;
     hide();
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
+    seam.Rethrow();
 }
 
 ControlWidget* DialogWindow::BindingOf(const qelui::UI_ControlView& control) const
@@ -146,16 +142,21 @@ QPixmap DialogWindow::Picture()
 
 void DialogWindow::reject()
 {
-    mDialog.RequestCancel();
+    AtSeam([this] { mDialog.RequestCancel(); });
 }
 
 void DialogWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore(); // the dialog closes the window, not the other way round
-    mDialog.RequestCancel();
+    AtSeam([this] { mDialog.RequestCancel(); });
 }
 
 void DialogWindow::OnControlChanged(qelui::UI_ControlView& control)
+{
+    AtSeam([&] { Follow(control); });
+}
+
+void DialogWindow::Follow(qelui::UI_ControlView& control)
 {
     if (const auto label = mWidgets.labels.find(&control); label != mWidgets.labels.end()) {
         label->second->setText(QString::fromStdString(control.Label()));

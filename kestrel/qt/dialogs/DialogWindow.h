@@ -36,6 +36,7 @@ protected:
 private:
     void OnControlChanged(qelui::UI_ControlView& control) override;
     void OnDialogClosed() override;
+    void Follow(qelui::UI_ControlView& control);
     void FitToScreen(QWidget& content);
 
     qelui::UI_Dialog& mDialog;
