@@ -41,6 +41,7 @@ struct Options {
     std::optional<std::int64_t> from;
     std::optional<std::int64_t> to;
     std::optional<std::int64_t> frames;
+    std::optional<std::int64_t> quality;
     bool audioOnly = false;
     bool videoOnly = false;
     bool dither = false;
@@ -183,6 +184,10 @@ exporting::OutputRequest RequestOf(const Options& options, const Container& cont
                                          exporting::AudioCodecNames()));
         }
     }
+    if (options.quality) {
+        request.quality =
+            static_cast<int>(std::min<std::int64_t>(*options.quality, 1000)); // no scale is longer
+    }
     request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
     try {
         exporting::CheckRequest(request);
@@ -275,6 +280,11 @@ void AddRenderCommand(CommandLine& commandLine, Context& context)
                       "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
     command.AddOption("--audio-codec", options->audioCodec,
                       "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command
+        .AddNumber("--quality", options->quality, 0,
+                   "On the codec's own scale, 0 or 1 being the best: CRF of h264, hevc (16), av1 and vp9 (20), "
+                   "quantiser of mpeg2 and mjpeg (2)")
+        .ValueName("NUMBER");
     command.AddNumber("--from", options->from, 0, "First frame, counted from 0").ValueName("FRAME");
     command.AddNumber("--to", options->to, 0, "Last frame, included").ValueName("FRAME");
     command.AddNumber("--frames", options->frames, 1, "Number of frames").ValueName("COUNT");

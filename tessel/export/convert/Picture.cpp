@@ -48,7 +48,7 @@ constexpr Places kYuva8 = Planar(0, 1, 2, true, 1);
 constexpr Places kYuv16 = Planar(0, 1, 2, false, 2);
 constexpr Places kYuva16 = Planar(0, 1, 2, true, 2);
 
-constexpr std::array<LayoutInfo, 28> kLayouts{{
+constexpr std::array<LayoutInfo, 29> kLayouts{{
     {PictureLayout::Bgra, Rgb, U8, 8, 1, 0, 0, Interleaved(2, 1, 0, 3, 1), kNone},
     {PictureLayout::Argb, Rgb, U8, 8, 1, 0, 0, Interleaved(1, 2, 3, 0, 1), kNone},
     {PictureLayout::Bgr0, Rgb, U8, 8, 1, 0, 0, WithoutAlpha(Interleaved(2, 1, 0, 3, 1)), {0, 3, 4}},
@@ -73,6 +73,7 @@ constexpr std::array<LayoutInfo, 28> kLayouts{{
     {PictureLayout::Yuv422p, YCbCr, U8, 8, 3, 1, 0, kYuv8, kNone},
     {PictureLayout::Yuv422p10, YCbCr, U16, 10, 3, 1, 0, kYuv16, kNone},
     {PictureLayout::Yuv420p, YCbCr, U8, 8, 3, 1, 1, kYuv8, kNone},
+    {PictureLayout::Yuv420p10, YCbCr, U16, 10, 3, 1, 1, kYuv16, kNone},
     {PictureLayout::Yuv411p, YCbCr, U8, 8, 3, 2, 0, kYuv8, kNone},
     {PictureLayout::Uyvy, YCbCr, U8, 8, 1, 1, 0, {{{0, 1, 2}, {0, 0, 4}, {0, 2, 4}, kNone}}, kNone},
     {PictureLayout::Yuyv, YCbCr, U8, 8, 1, 1, 0, {{{0, 0, 2}, {0, 1, 4}, {0, 3, 4}, kNone}}, kNone},

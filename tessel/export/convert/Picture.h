@@ -37,6 +37,7 @@ enum class PictureLayout : std::uint8_t {
     Yuv422p,
     Yuv422p10,
     Yuv420p,
+    Yuv420p10,
     Yuv411p,
     Uyvy,
     Yuyv,

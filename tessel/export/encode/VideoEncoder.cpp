@@ -181,14 +181,15 @@ private:
 
 AVPixelFormat LibavFormat(PictureLayout layout) noexcept
 {
-    static constexpr std::array<AVPixelFormat, 28> kFormats{
+    static constexpr std::array<AVPixelFormat, 29> kFormats{
         AV_PIX_FMT_BGRA,         AV_PIX_FMT_ARGB,        AV_PIX_FMT_BGR0,         AV_PIX_FMT_0RGB,
         AV_PIX_FMT_RGBA,         AV_PIX_FMT_RGB24,       AV_PIX_FMT_RGBA64LE,     AV_PIX_FMT_RGB48LE,
         AV_PIX_FMT_RGBA64BE,     AV_PIX_FMT_RGB48BE,     AV_PIX_FMT_GBRP10LE,     AV_PIX_FMT_GBRP16LE,
         AV_PIX_FMT_GBRAP16LE,    AV_PIX_FMT_GBRPF32LE,   AV_PIX_FMT_GBRAPF32LE,   AV_PIX_FMT_YUV444P,
         AV_PIX_FMT_YUVA444P,     AV_PIX_FMT_YUV444P10LE, AV_PIX_FMT_YUVA444P10LE, AV_PIX_FMT_YUV444P16LE,
         AV_PIX_FMT_YUVA444P16LE, AV_PIX_FMT_YUV422P,     AV_PIX_FMT_YUV422P10LE,  AV_PIX_FMT_YUV420P,
-        AV_PIX_FMT_YUV411P,      AV_PIX_FMT_UYVY422,     AV_PIX_FMT_YUYV422,      AV_PIX_FMT_YUV422P10LE};
+        AV_PIX_FMT_YUV420P10LE,  AV_PIX_FMT_YUV411P,     AV_PIX_FMT_UYVY422,      AV_PIX_FMT_YUYV422,
+        AV_PIX_FMT_YUV422P10LE};
     return kFormats[static_cast<std::size_t>(layout)];
 }
 

@@ -51,6 +51,7 @@ struct Container {
     std::string_view muxerOptions{}; ///< "key=value:key=value"
     std::string_view pipeOptions{};  ///< instead of `muxerOptions` where the output cannot seek
     bool needsToSeek = false;        ///< its files cannot be written to a pipe
+    bool isQuickTime = false;        ///< of QuickTime's family, with its four-character codes
     bool headersOutOfBand = false;   ///< headers of codecs go into the container's, not into their packets
     DefaultVideoCodecs videoCodecs{};
     std::string_view audioCodec{};               ///< where nobody chooses one; empty: no sound

@@ -31,6 +31,13 @@ void CheckRequest(const OutputRequest& request)
         throw ExportError(fmt::format("{} files do not carry {} audio; they carry {}", container.name,
                                       request.audioCodec->name, AudioCodecNames(container)));
     }
+    const bool hasVideo = container.TakesVideo() && request.streams != Streams::AudioOnly;
+    if (request.quality && !hasVideo) {
+        throw ExportError("there is no picture: remove --quality");
+    }
+    if (request.quality && request.videoCodec != nullptr) {
+        CheckQuality(*request.videoCodec, *request.quality);
+    }
 }
 
 OutputPlan PlanOutput(const importhost::ClipDescription& clip, const OutputRequest& request)
@@ -40,7 +47,7 @@ OutputPlan PlanOutput(const importhost::ClipDescription& clip, const OutputReque
     OutputPlan plan;
     plan.container = &container;
     if (container.TakesVideo() && request.streams != Streams::AudioOnly) {
-        plan.video = PlanVideo(clip, container, request.videoCodec);
+        plan.video = PlanVideo(clip, container, request.videoCodec, request.quality);
     }
     if (container.TakesAudio() && request.streams != Streams::VideoOnly && clip.channelCount > 0) {
         plan.audio = PlanAudio(clip, container, request.audioCodec, request.dither);

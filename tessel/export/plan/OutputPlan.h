@@ -20,6 +20,7 @@ struct OutputRequest {
     Streams streams = Streams::All;
     const VideoCodec* videoCodec = nullptr; ///< null: the one that keeps the clip's format best
     const AudioCodec* audioCodec = nullptr; ///< null: the container's usual one
+    std::optional<int> quality{};           ///< of the pictures, on their codec's scale
     Dither dither = Dither::None;
 };
 

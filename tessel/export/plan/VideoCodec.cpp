@@ -4,6 +4,8 @@
 #include "VideoPlan.h"
 
 #include <array>
+#include <string>
+#include <utility>
 
 namespace tessel::exporting {
 namespace {
@@ -20,7 +22,10 @@ constexpr std::array kPngLayouts{Rgba, Rgb24, Rgba64be, Rgb48be};
 constexpr std::array kTiffLayouts{Rgba, Rgb24, Rgba64, Rgb48};
 constexpr std::array kDpxLayouts{Rgba, Rgb24, Rgba64be, Rgb48be, Gbrp10};
 constexpr std::array kExrLayouts{Gbrapf32, Gbrpf32};
+constexpr std::array kDnxhrLayouts{Yuv422p, Yuv422p10, Yuv444p10};
+constexpr std::array kMjpegLayouts{Yuv444p, Yuv422p, Yuv420p};
 constexpr std::array kH264Layouts{Yuv420p, Yuv444p};
+constexpr std::array kDeepLayouts{Yuv420p, Yuv444p, Yuv420p10, Yuv444p10};
 constexpr std::array kMpeg2Layouts{Yuv422p, Yuv420p};
 
 void SetFfv1Options(const VideoPlan& /*plan*/, EncoderOptions& options)
@@ -35,6 +40,27 @@ void SetProResOptions(const VideoPlan& plan, EncoderOptions& options)
     options.values = {{"profile", layout.chromaShiftX == 0 ? "4444" : "hq"},
                       {"alpha_bits", layout.HasAlpha() ? "16" : "0"},
                       {"vendor", "apl0"}};
+}
+
+void SetDnxhrOptions(const VideoPlan& plan, EncoderOptions& options)
+{
+    const LayoutInfo& layout = InfoOf(plan.conversion.target);
+    const char* profile = layout.bits == 8 ? "dnxhr_hq" : "dnxhr_hqx";
+    options.values = {{"profile", layout.chromaShiftX == 0 ? "dnxhr_444" : profile}};
+}
+
+/// A fixed quantiser, which encoders take in units of 1/118 of their own scale.
+void SetQuantizer(const VideoPlan& plan, EncoderOptions& options)
+{
+    constexpr int kUnits = 118;
+    options.flags = "+qscale";
+    options.values.emplace_back("global_quality", std::to_string(kUnits * *plan.quality));
+}
+
+void SetMjpegOptions(const VideoPlan& plan, EncoderOptions& options)
+{
+    SetQuantizer(plan, options);
+    options.values.emplace_back("qmin", "1");
 }
 
 void SetPngOptions(const VideoPlan& /*plan*/, EncoderOptions& options)
@@ -55,25 +81,40 @@ void SetExrOptions(const VideoPlan& /*plan*/, EncoderOptions& options)
 
 void SetH264Options(const VideoPlan& plan, EncoderOptions& options)
 {
-    options.values = {{"crf", "16"}, {"preset", "medium"}};
+    options.values = {{"crf", std::to_string(*plan.quality)}, {"preset", "medium"}};
     if (plan.geometry.order != FieldOrder::Progressive) {
         options.values.emplace_back("x264-params",
                                     plan.geometry.order == FieldOrder::UpperFirst ? "tff=1" : "bff=1");
     }
 }
 
-void SetMpeg2Options(const VideoPlan& /*plan*/, EncoderOptions& options)
+void SetHevcOptions(const VideoPlan& plan, EncoderOptions& options)
 {
-    // Intra pictures at a fixed fine quantiser: 2, in units of 1/118. 28 is the most that the non-linear scale
-    // knows.
+    // x265 writes to standard error by itself.
     options.values = {
-        {"g", "0"}, {"global_quality", "236"}, {"qmax", "28"}, {"non_linear_quant", "1"}, {"intra_vlc", "1"}};
-    options.flags = "+qscale";
+        {"crf", std::to_string(*plan.quality)}, {"preset", "medium"}, {"x265-params", "log-level=error"}};
+}
+
+void SetAv1Options(const VideoPlan& plan, EncoderOptions& options)
+{
+    options.values = {{"crf", std::to_string(*plan.quality)}, {"b", "0"}, {"cpu-used", "6"}, {"row-mt", "1"}};
+}
+
+void SetVp9Options(const VideoPlan& plan, EncoderOptions& options)
+{
+    options.values = {{"crf", std::to_string(*plan.quality)}, {"b", "0"}, {"cpu-used", "4"}, {"row-mt", "1"}};
+}
+
+void SetMpeg2Options(const VideoPlan& plan, EncoderOptions& options)
+{
+    // Intra pictures; 28 is the most that the non-linear scale knows.
+    options.values = {{"g", "0"}, {"qmax", "28"}, {"non_linear_quant", "1"}, {"intra_vlc", "1"}};
+    SetQuantizer(plan, options);
 }
 
 constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
 
-constexpr std::array<VideoCodec, 12> kCodecs{{
+constexpr std::array<VideoCodec, 17> kCodecs{{
     {.name = "ffv1",
      .title = "FFV1",
      .encoder = "ffv1",
@@ -100,6 +141,22 @@ constexpr std::array<VideoCodec, 12> kCodecs{{
      .containers = "mkv mov avi nut",
      .layouts = kProResLayouts,
      .setOptions = SetProResOptions},
+    {.name = "dnxhr",
+     .title = "DNxHR",
+     .encoder = "dnxhd",
+     .containers = "mkv mov mxf",
+     .layouts = kDnxhrLayouts,
+     .setOptions = SetDnxhrOptions,
+     .codesFields = false},
+    {.name = "mjpeg",
+     .title = "Motion JPEG",
+     .encoder = "mjpeg",
+     .containers = "mkv mov avi nut",
+     .layouts = kMjpegLayouts,
+     .setOptions = SetMjpegOptions,
+     .quality = {"quantiser", 1, 31, 2},
+     .codesFields = false,
+     .isFullRange = true},
     {.name = "png",
      .title = "PNG",
      .encoder = "png",
@@ -131,14 +188,47 @@ constexpr std::array<VideoCodec, 12> kCodecs{{
      .rule = LayoutRule::Playable,
      .layouts = kH264Layouts,
      .keeps = kShape | Keeps::Colors | Keeps::Range,
-     .setOptions = SetH264Options},
+     .setOptions = SetH264Options,
+     .quality = {"CRF", 0, 51, 16}},
+    {.name = "hevc",
+     .title = "HEVC",
+     .encoder = "libx265",
+     .containers = "mkv mov mp4 nut",
+     .rule = LayoutRule::Playable,
+     .layouts = kDeepLayouts,
+     .keeps = Keeps::PixelAspect | Keeps::Colors | Keeps::Range,
+     .setOptions = SetHevcOptions,
+     .quality = {"CRF", 0, 51, 16},
+     .quickTimeTag = "hvc1",
+     .codesFields = false},
+    {.name = "av1",
+     .title = "AV1",
+     .encoder = "libaom-av1",
+     .containers = "mkv mp4 nut",
+     .rule = LayoutRule::Playable,
+     .layouts = kDeepLayouts,
+     .keeps = Keeps::Colors | Keeps::Range,
+     .setOptions = SetAv1Options,
+     .quality = {"CRF", 0, 63, 20},
+     .codesFields = false},
+    {.name = "vp9",
+     .title = "VP9",
+     .encoder = "libvpx-vp9",
+     .containers = "mkv mp4 nut",
+     .rule = LayoutRule::Playable,
+     .layouts = kDeepLayouts,
+     .keeps = Keeps::Range,
+     .setOptions = SetVp9Options,
+     .quality = {"CRF", 0, 63, 20},
+     .codesFields = false},
     {.name = "mpeg2",
      .title = "MPEG-2",
      .encoder = "mpeg2video",
      .containers = "mkv mov mp4 mxf avi nut",
      .layouts = kMpeg2Layouts,
      .keeps = Keeps::FieldOrder | Keeps::Colors,
-     .setOptions = SetMpeg2Options},
+     .setOptions = SetMpeg2Options,
+     .quality = {"quantiser", 1, 28, 2}},
     {.name = "dv",
      .title = "DV",
      .encoder = "dvvideo",

@@ -34,6 +34,14 @@ enum class LayoutRule : std::uint8_t {
 /// What an encoder leaves wrong in its packets, to be put right afterwards.
 enum class PacketRepair : std::uint8_t { None, DpxColors };
 
+/// A codec's own measure of quality, as `--quality` takes it: whole numbers, of which one end is the best.
+struct QualityScale {
+    std::string_view name{}; ///< what the numbers are: "CRF"; empty: the codec has no such measure
+    int best = 0;
+    int worst = 0;
+    int usual = 0;
+};
+
 /// A row of the table, and a codec's identity: codecs are compared by address. A new codec is one row, and one
 /// function where its encoder needs options.
 struct VideoCodec {
@@ -47,7 +55,10 @@ struct VideoCodec {
     std::string_view
         opaqueEncoder{}; ///< for layouts without alpha, where that is another one; even widths only
     void (*setOptions)(const VideoPlan& plan, EncoderOptions& options) = nullptr;
-    bool codesFields = true; ///< the encoder hears that pictures are interlaced
+    QualityScale quality{};
+    std::string_view quickTimeTag{}; ///< by which QuickTime's family knows it, where the muxer has another one
+    bool codesFields = true;         ///< the encoder hears that pictures are interlaced
+    bool isFullRange = false;        ///< Y'CbCr made from R'G'B' is BT.601 full range, as readers expect of it
     PacketRepair repair = PacketRepair::None;
 
     [[nodiscard]] bool GoesInto(const Container& container) const noexcept;

@@ -7,7 +7,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <numeric>
+#include <string>
 
 namespace tessel::exporting {
 namespace {
@@ -77,6 +79,9 @@ YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, const V
         // DV streams do not say their matrix: decoders go by the profile.
         return {DvProfileFor(clip).matrix};
     }
+    if (codec.isFullRange) {
+        return {Matrix::Bt470Bg, true};
+    }
     return CodingFor(clip.colorCodes, RangesOf(codec, container));
 }
 
@@ -99,7 +104,7 @@ std::string_view TagOf(const VideoCodec& codec, const Container& container, Pict
             }
         }
     }
-    return {};
+    return container.isQuickTime ? codec.quickTimeTag : std::string_view{};
 }
 
 PictureGeometry GeometryOf(const ClipDescription& clip)
@@ -154,7 +159,29 @@ void RequireRate(const ClipDescription& clip)
     }
 }
 
-VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, const VideoCodec* chosen)
+void CheckQuality(const VideoCodec& codec, int quality)
+{
+    const QualityScale& scale = codec.quality;
+    if (scale.name.empty()) {
+        std::string others;
+        for (const VideoCodec& other : AllVideoCodecs()) {
+            if (!other.quality.name.empty()) {
+                others += (others.empty() ? "" : ", ") + std::string(other.name);
+            }
+        }
+        throw ExportError(
+            fmt::format("{} has one quality only: remove --quality, or choose one of {}", codec.name, others));
+    }
+    const auto [least, most] = std::minmax(scale.best, scale.worst);
+    if (quality < least || quality > most) {
+        throw ExportError(
+            fmt::format("--quality {} is not known to {}: its {} is a number from {} (best) to {}", quality,
+                        codec.name, scale.name, scale.best, scale.worst));
+    }
+}
+
+VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, const VideoCodec* chosen,
+                    std::optional<int> quality)
 {
     const PixelKind kind = KindOf(clip.pixelFormat);
 
@@ -162,6 +189,12 @@ VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, con
     plan.geometry = GeometryOf(clip);
     const VideoCodec& codec = chosen != nullptr ? *chosen : DefaultCodec(kind, container);
     plan.codec = &codec;
+    if (quality) {
+        CheckQuality(codec, *quality);
+        plan.quality = quality;
+    } else if (!codec.quality.name.empty()) {
+        plan.quality = codec.quality.usual;
+    }
     plan.conversion.source = FrameFormat(clip.pixelFormat, kind);
     plan.conversion.target = ChooseLayout(codec, container, clip, kind);
     const LayoutInfo& layout = InfoOf(plan.conversion.target);

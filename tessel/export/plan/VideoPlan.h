@@ -9,6 +9,7 @@
 #include <tessel/export/convert/Conversion.h>
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace tessel::exporting {
@@ -35,7 +36,8 @@ struct VideoPlan {
     PictureGeometry geometry;
     ColorTags tags;
     ChromaPlace chromaPlace = ChromaPlace::Unspecified;
-    std::string_view encoder; ///< FFmpeg's name; empty: pictures become packets as they are
+    std::string_view encoder;   ///< FFmpeg's name; empty: pictures become packets as they are
+    std::optional<int> quality; ///< on the codec's scale; none where it has no scale
     EncoderOptions options;
     bool headersOutOfBand = false;
     std::string_view tag; ///< four characters by which the container knows the codec; empty: the muxer's own
@@ -46,9 +48,13 @@ struct VideoPlan {
 void RequireRate(const importhost::ClipDescription& clip);
 
 /// @param chosen  a codec that goes into the container; null: the one that keeps the clip's format best
+/// @param quality  on the codec's own scale; none: the usual one
 /// @throws ExportError  for a clip without a size or rate, and where the codec cannot have the clip's size or
-///                      rate; says what could.
+///                      rate, or that quality; says what could.
 [[nodiscard]] VideoPlan PlanVideo(const importhost::ClipDescription& clip, const Container& container,
-                                  const VideoCodec* chosen);
+                                  const VideoCodec* chosen, std::optional<int> quality = std::nullopt);
+
+/// @throws ExportError  where the codec does not know the quality; says what it knows
+void CheckQuality(const VideoCodec& codec, int quality);
 
 } // namespace tessel::exporting

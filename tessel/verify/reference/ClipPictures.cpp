@@ -41,6 +41,7 @@ constexpr std::array kLayoutNames{
     LayoutName{"yuv422p", PictureLayout::Yuv422p},
     LayoutName{"yuv422p10le", PictureLayout::Yuv422p10},
     LayoutName{"yuv420p", PictureLayout::Yuv420p},
+    LayoutName{"yuv420p10le", PictureLayout::Yuv420p10},
     LayoutName{"yuv411p", PictureLayout::Yuv411p},
     LayoutName{"uyvy422", PictureLayout::Uyvy},
     LayoutName{"yuyv422", PictureLayout::Yuyv},

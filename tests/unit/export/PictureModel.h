@@ -169,6 +169,7 @@ inline constexpr LayoutModel kLayoutModels[] = {
     {PictureLayout::Yuv422p, "yuv422p", "YUV", true, 8, false, 1, 0},
     {PictureLayout::Yuv422p10, "yuv422p10le", "YUV", true, 10, false, 1, 0},
     {PictureLayout::Yuv420p, "yuv420p", "YUV", true, 8, false, 1, 1},
+    {PictureLayout::Yuv420p10, "yuv420p10le", "YUV", true, 10, false, 1, 1},
     {PictureLayout::Yuv411p, "yuv411p", "YUV", true, 8, false, 2, 0},
     {PictureLayout::Uyvy, "uyvy422", "UYVY", false, 8, false, 1, 0},
     {PictureLayout::Yuyv, "yuyv422", "YUYV", false, 8, false, 1, 0},
