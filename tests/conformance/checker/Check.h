@@ -21,7 +21,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Checks of any importer, and checks of what Tessel's importer adds: its documents, pictures and dialog.
+/// General checks run on any importer; Tessel's run on the importer of `.tessel` files.
 enum class Suite { General, Tessel };
 
 struct Check {

@@ -148,7 +148,7 @@ std::int32_t HangsOnSelector27(const Request& request)
     return Right(request);
 }
 
-/// Also where the process is asked to end, as some library might.
+/// With exit status 0, as if all were well.
 std::int32_t EndsTheProcess(const Request& request)
 {
     if (request.selector == 87) {
@@ -199,6 +199,9 @@ std::vector<WrongPlugin> WrongAnswers()
         {"TakesCancelForConsent",
          AnswersInstead(ksSelectorSettingsExchange, ksResultCancelled, ksResultServed)},
         {"TakesFailureForShortMemory", AnswersInstead(ksSelectorFrame, ksResultFailed, ksResultOutOfMemory)},
+        {"TakesFailureForUnsupported", AnswersInstead(ksSelectorFrame, ksResultFailed, ksResultUnsupported)},
+        {"ShutsDownUnderProtest", AnswersInstead(ksSelectorShutDown, ksResultServed, ksResultFailed)},
+        {"ClosesUnderProtest", AnswersInstead(ksSelectorCloseFile, ksResultServed, ksResultFailed)},
         {"TakesShortMemoryForAnyFailure", TakesShortMemoryForAnyFailure},
         {"HidesShortMemoryInFrames", MisreportsShortMemory(ksSelectorFrame)},
         {"HidesShortMemoryInSound", MisreportsShortMemory(ksSelectorAudio)},

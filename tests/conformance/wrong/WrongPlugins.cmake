@@ -13,6 +13,7 @@ wrong_plugin(MisnamesItsIdentity FAILS registration.identity tessel.registration
 
 # Start-up and file types.
 wrong_plugin(WritesBetweenItsFlags FAILS start-up.record tessel.start-up.open)
+wrong_plugin(ShutsDownUnderProtest FAILS start-up.again)
 wrong_plugin(OpensItsGateAlways
              FAILS tessel.start-up.absent tessel.start-up.other-texts tessel.start-up.other-types)
 wrong_plugin(StartsWithoutARecord FAILS tessel.start-up.no-record)
@@ -31,6 +32,9 @@ wrong_plugin(ServesSelector28 FAILS tessel.selectors.fixed tessel.selectors.note
 wrong_plugin(HangsOnSelector27 TIME_LIMIT 2 FAILS tessel.selectors.27
              ONLY tessel.selectors.27 tessel.selectors.fixed)
 wrong_plugin(DereferencesNullRecords FAILS requests.null-records tessel.selectors.null-records)
+wrong_plugin(TakesFailureForUnsupported
+             FAILS requests.null-records requests.null-instances frame.no-suites frame.refused
+                   frame.failing-query)
 wrong_plugin(DereferencesNullInstances FAILS requests.null-instances tessel.selectors.null-instances)
 wrong_plugin(DeletesNothingGladly
              FAILS requests.null-records requests.null-instances tessel.selectors.null-records)
@@ -47,6 +51,7 @@ wrong_plugin(TakesUnreadableForFailed
 wrong_plugin(ForgetsHeldClips FAILS open.unreadable-held)
 wrong_plugin(RefusesASecondOpen FAILS open.unreadable-held open.again tessel.instance.opened-again)
 wrong_plugin(OpensOnce FAILS open.unreadable-held tessel.instance.opened-again)
+wrong_plugin(ClosesUnderProtest FAILS open.closed-file)
 wrong_plugin(OpensTwentyAtMost FAILS open.many)
 wrong_plugin(CrashesOnCutDocuments FAILS open.damaged)
 wrong_plugin(KeepsInstancesOfCutDocuments FAILS open.damaged)

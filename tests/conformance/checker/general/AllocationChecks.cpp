@@ -1,5 +1,5 @@
-/// Memory: each request is repeated with its first, second, third ... allocation failing, and all that a clip
-/// took is given back.
+/// Failing allocations: each request is repeated with its first, second, third ... allocation failing. And
+/// leaks: deleting a clip frees what opening and using it allocated.
 
 #include "../host/AllocationFailures.h"
 #include "Clip.h"

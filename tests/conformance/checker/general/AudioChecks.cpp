@@ -12,10 +12,11 @@ namespace {
 
 constexpr std::uint32_t kSamples = 4'800;
 
-/// How far the same sample of two requests may differ: -80 dB of full scale. Generators may add up phases.
+/// How far the same sample of two requests may differ: -80 dB of full scale. A generator may accumulate
+/// its phase, which rounds otherwise where a request begins elsewhere.
 constexpr float kTolerance = 1e-4F;
 
-/// `count` positions within the clip's first hour, at random, with whatever seed was given.
+/// `count` positions within the first hour, chosen at random from the seed; the first is 0.
 std::vector<std::int64_t> Positions(const Plugin& plugin, const Clip& clip, std::size_t count)
 {
     std::mt19937_64 random(plugin.Seed());

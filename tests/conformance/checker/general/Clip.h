@@ -1,4 +1,4 @@
-/// A clip as a host has it: the importer started, the document opened, its description asked.
+/// A clip in the state in which a host uses it: importer started, document opened and described.
 #pragma once
 
 #include "../host/ForeignHost.h"

@@ -19,7 +19,7 @@ void StartUpWritesItsFields(Plugin& plugin)
     std::vector<Field> fields = {{offsetof(ksStartUpRec, fileTypeCode), 4}};
     for (const std::size_t flag : flags) {
         fields.push_back({flag, 4});
-        // What an importer leaves alone keeps the host's value.
+        // A flag that the importer does not write keeps 0xCC.
         const auto value = record.Get<std::uint32_t>(flag);
         Expect(value <= 1 || value == 0xCCCCCCCC,
                "the flag at byte " + std::to_string(flag) + " is " + std::to_string(value));
@@ -30,6 +30,15 @@ void StartUpWritesItsFields(Plugin& plugin)
                 "the answer for the first file type");
     ExpectEqual(record.Get<std::uint32_t>(0), type.Get<std::uint32_t>(0),
                 "the file-type code of the start-up record, beside that of the first file type");
+}
+
+void StartsAgain(Plugin& plugin)
+{
+    for (int round = 0; round < 3; ++round) {
+        RequireStartUp(plugin);
+        ExpectEqual(plugin.Request(ksSelectorShutDown, ForeignStdParms(), nullptr, nullptr), ksResultServed,
+                    "the answer to the shut-down request");
+    }
 }
 
 /// Asks for one file type. @return whether there is one
@@ -88,6 +97,7 @@ std::vector<Check> FileTypeChecks()
     return {
         {"start-up.record", "Start-up writes the fields of its record and nothing else",
          StartUpWritesItsFields},
+        {"start-up.again", "Selector 1 answers 0, and the importer can be started again", StartsAgain},
         {"file-type.described",
          "The first file type has a code, a display name and a closed list of extensions",
          FileTypesAreDescribed},

@@ -12,7 +12,7 @@ namespace {
 
 void Loads(Plugin& /*plugin*/)
 {
-    // The checker has loaded it by now, and found both entries.
+    // Loading it and finding both entries is done before every check.
 }
 
 /// The properties of a list, each a key of four characters in reading order and its data.

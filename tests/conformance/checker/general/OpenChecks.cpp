@@ -46,7 +46,7 @@ void OpensAndDeletes(Plugin& plugin)
     }
 }
 
-/// Paths behind which there is no document.
+/// Paths that name no document.
 std::vector<std::pair<std::string, std::u16string>> Unreadable(const TemporaryFolder& folder)
 {
     return {{"a missing file", Wide(folder.Path() / "missing")},
@@ -94,6 +94,19 @@ void OpensAgain(Plugin& plugin)
     ExpectSame(Description(plugin, instance), before, "the clip is described otherwise once opened again");
 }
 
+void ClosedFileStaysOpen(Plugin& plugin)
+{
+    const Clip clip(plugin);
+    const ksFileInfoRec before = Description(plugin, clip.Instance());
+    const Picture picture = RequestPicture(plugin, clip.Instance(), 0);
+    ExpectEqual(plugin.Request(ksSelectorCloseFile, ForeignStdParms(), nullptr, clip.Instance()),
+                ksResultServed, "the answer to the request to close the file");
+    ExpectSame(Description(plugin, clip.Instance()), before,
+               "the clip is described otherwise once its file was closed");
+    Expect(RequestPicture(plugin, clip.Instance(), 0) == picture,
+           "the clip shows another picture once its file was closed");
+}
+
 void ManyAtOnce(Plugin& plugin)
 {
     const Clip clip(plugin);
@@ -103,7 +116,7 @@ void ManyAtOnce(Plugin& plugin)
     for (ksInstance& instance : instances) {
         ExpectEqual(Open(plugin, path.c_str(), instance), ksResultServed, "the answer to one of 48 opens");
     }
-    // Every third one first, then the rest: in no order of their making.
+    // Every third one first, then the rest: not in the order of their making.
     for (std::size_t at = 0; at < instances.size(); at += 3) {
         Delete(plugin, std::exchange(instances[at], nullptr));
     }
@@ -115,7 +128,7 @@ void ManyAtOnce(Plugin& plugin)
     }
 }
 
-/// The document with some of its bytes changed, cut off, doubled or thrown about.
+/// The document with some of its bytes changed, cut off, repeated, removed or inserted.
 std::string Damaged(std::string bytes, std::mt19937_64& random)
 {
     const auto below = [&random](std::size_t limit) {
@@ -155,7 +168,7 @@ void DamagedDocuments(Plugin& plugin)
     std::mt19937_64 random(plugin.Seed());
     Foreign().mostPixels = 1'000'000; // sizes are damaged too
     for (int round = 0; round < 200; ++round) {
-        // The empty document is one of them.
+        // The first one is empty.
         const std::string bytes = round == 0 ? std::string() : Damaged(document, random);
         const std::u16string path =
             Wide(folder.Write("damaged" + plugin.Document().extension().string(), bytes));
@@ -233,9 +246,10 @@ void DescribesNothing(Plugin& plugin)
     GuardedRecord info;
     info.Put<ksInstance>(offsetof(ksFileInfoRec, instance), nullptr);
     info.Put<const char*>(offsetof(ksFileInfoRec, settingsText), nullptr);
-    Expect(plugin.Request(ksSelectorClipDescription, ForeignStdParms(), access.Data(), info.Data()) !=
-               ksResultServed,
-           "a clip without a file and without a settings text is described");
+    ExpectEqual(plugin.Request(ksSelectorClipDescription, ForeignStdParms(), access.Data(), info.Data()),
+                ksResultFileUnreadable, "the answer for a clip with neither a file nor a settings text");
+    info.ExpectChangedOnly({{offsetof(ksFileInfoRec, hasVideo), 2}, {offsetof(ksFileInfoRec, instance), 8}},
+                           "a description request that is answered 2");
     access.ExpectUnchanged("the description request's file access");
     const auto instance = info.Get<ksInstance>(offsetof(ksFileInfoRec, instance));
     if (instance != nullptr) {
@@ -255,6 +269,8 @@ std::vector<Check> OpenChecks()
         {"open.unreadable-held", "An unreadable path answers 2 and leaves an open clip unchanged",
          UnreadableOnAHeldSlot},
         {"open.again", "The same document can be opened again into its instance", OpensAgain},
+        {"open.closed-file", "Selector 8 answers 0, and the clip can still be described and shown",
+         ClosedFileStaysOpen},
         {"open.many", "48 instances of one document can be open at once and be deleted in any order",
          ManyAtOnce},
         {"open.damaged",
@@ -271,7 +287,8 @@ std::vector<Check> DescribeChecks()
          "The description holds values that a host can play, and only its fields are written",
          DescribesWhatAHostCanPlay},
         {"describe.same", "Every description of a document is the same", DescribesTheSame},
-        {"describe.nothing", "A clip with neither a file nor a settings text is not described",
+        {"describe.nothing",
+         "A clip with neither a file nor a settings text answers 2, and nothing is described",
          DescribesNothing},
     };
 }

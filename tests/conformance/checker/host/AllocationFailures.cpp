@@ -22,7 +22,7 @@ void CountAllocation()
         return;
     }
     ++made;
-    // Only the one allocation fails: what reports the failure may need memory itself.
+    // One allocation fails and no more, because reporting the failure may allocate too.
     if (remaining >= 0 && --remaining == -1) {
         failed = true;
         --outstanding;

@@ -64,7 +64,7 @@ ForeignHostState& Foreign()
 
 namespace {
 
-/// What every function of the host begins with: one caller at a time, and allocations that are the host's own.
+/// While one lives, its thread alone is in the host, and allocations count as the host's own.
 class Serving {
 public:
     Serving() : mLock(Mutex()) {}
@@ -145,7 +145,7 @@ std::int32_t TicksToTimeScale(std::int64_t ticks, std::int32_t* timeScale, std::
     if (host.legacyStatus >= 0) {
         const std::int64_t common = std::gcd(kTicksPerSecond, ticks);
         const bool isOwn = host.legacyTimeScale == -1;
-        // A rate whose pair does not fit 32 bits, or that is none, is cut short: no check looks at the result.
+        // A rate of 0 or less, or one whose pair needs more than 32 bits, gives numbers that no check looks at.
         *timeScale = isOwn ? static_cast<std::int32_t>(kTicksPerSecond / common) : host.legacyTimeScale;
         *sampleSize = isOwn ? static_cast<std::int32_t>(ticks / common) : host.legacySampleSize;
     }

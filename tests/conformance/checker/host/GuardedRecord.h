@@ -43,7 +43,7 @@ public:
         return value;
     }
 
-    /// What stands now is the state that later comparisons start from.
+    /// Later comparisons start from the present state.
     void Remember() { mBefore = mBytes; }
 
     /// @throws Violation naming the first byte outside `fields` that differs from the remembered state.

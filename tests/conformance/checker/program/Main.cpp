@@ -19,7 +19,7 @@ bool Contains(const std::vector<std::string>& ids, const std::string& id)
     return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
-/// Whether the outcome is the expected one. Says on standard error where a check did better than expected.
+/// Whether the outcome is the expected one. Says on standard error what else was expected.
 bool IsAsExpected(const Result& result, const Options& options)
 {
     const std::string& id = result.check.id;

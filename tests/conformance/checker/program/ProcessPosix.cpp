@@ -67,7 +67,7 @@ std::vector<std::string> Environment(const ProcessOrder& order)
     return variables;
 }
 
-/// As the system's functions take lists of texts; borrows `texts`.
+/// The texts as a null-terminated array of pointers into `texts`.
 std::vector<char*> Pointers(std::vector<std::string>& texts)
 {
     std::vector<char*> pointers;
@@ -106,7 +106,7 @@ int Start(const ProcessOrder& order, int channel, pid_t& process)
     return error;
 }
 
-/// Takes what can be read without waiting. @return false once nothing more can come.
+/// Reads what is there, without waiting. @return false once nothing more can come.
 bool Drain(int channel, std::string& report)
 {
     std::array<char, 4096> buffer{};

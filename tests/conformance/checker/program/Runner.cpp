@@ -34,7 +34,7 @@ Outcome OutcomeOf(const ProcessEnd& end)
             "the check's process ended with status " + std::to_string(end.status) + " before the check did"};
 }
 
-/// Makes ready what the check may need, and runs it.
+/// Loads the plug-in, gives the check its document, and runs it.
 void RunCheck(const Check& check, const Options& options, const TemporaryFolder& folder)
 {
     Plugin plugin(options.plugin, options.seed);
@@ -54,7 +54,7 @@ void RunCheck(const Check& check, const Options& options, const TemporaryFolder&
 
 Outcome RunInOwnProcess(const Check& check, const Options& options)
 {
-    // Removed here, so that a check that crashes leaves nothing behind either.
+    // Made and removed by this side, so that a check that crashes leaves no files.
     const TemporaryFolder folder;
     ProcessOrder order;
     order.executable = OwnExecutable();

@@ -1,4 +1,4 @@
-/// Runs checks, each in a process of its own: the half that starts it and the half that is it.
+/// Runs checks, each in a process of its own: the starting side and the started side.
 #pragma once
 
 #include "CommandLine.h"
@@ -18,7 +18,7 @@ struct Outcome {
 /// Starts this program again for one check. A check that cannot be run has failed, with the reason.
 [[nodiscard]] Outcome RunInOwnProcess(const Check& check, const Options& options);
 
-/// The started half: runs the check that `options.runHere` names, reports, and ends the process.
+/// The started side: runs the check that `options.runHere` names, reports, and ends the process.
 [[noreturn]] void RunHere(const Options& options);
 
 } // namespace conformance

@@ -1,4 +1,4 @@
-/// Selector 25: who writes which channel, and the signals' landmarks.
+/// Selector 25: which channels each generator writes, and samples that tell the signals apart.
 
 #include "Documents.h"
 #include "TesselChecks.h"

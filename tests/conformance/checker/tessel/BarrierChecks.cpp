@@ -1,4 +1,4 @@
-/// Exceptions on the way of a request: which answer each becomes.
+/// Exceptions that are thrown while a request is served, and the answers that they become.
 
 #include "Documents.h"
 #include "TesselChecks.h"

@@ -1,4 +1,4 @@
-/// Selector 37: what a clip reports of itself.
+/// Selector 37: the description of a clip.
 
 #include "Documents.h"
 #include "TesselChecks.h"

@@ -1,4 +1,4 @@
-/// The selector table as a whole: what each number answers, and that nothing else is touched.
+/// The table of selectors: what each number answers, reads and writes.
 
 #include "../host/FencedMemory.h"
 #include "Documents.h"
@@ -169,8 +169,8 @@ std::vector<NotedPointer> NotedPointers()
     return noted;
 }
 
-/// The pointer is the last thing before a fence and then the first thing behind one: whoever reads before or
-/// behind it crashes in one of the two.
+/// Places the pointer directly before and directly after memory that nobody may touch: reading bytes beside
+/// the pointer crashes in one of the two places.
 void OnlyThePointerIsRead(Plugin& plugin)
 {
     const FencedMemory memory;

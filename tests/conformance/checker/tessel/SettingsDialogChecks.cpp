@@ -1,4 +1,4 @@
-/// Selector 38 where it shows a dialog, which a script works: how each of its ends comes back in the records.
+/// Selector 38 with a dialog, which a script works: what the records hold after OK, Cancel and Use File.
 
 #include "Documents.h"
 #include "TesselChecks.h"
