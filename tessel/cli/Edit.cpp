@@ -13,12 +13,17 @@
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
+#include <tessel/document/DroppedKeys.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace tessel::cli {
 namespace {
@@ -91,6 +96,30 @@ EditedSettings ShowDialog(const importhost::Importer& importer, const EditOption
     }
 }
 
+std::string ContentOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// Names the keys of the edited document that are no settings: the dialog does not know them, so they are not
+/// in the document that takes its place.
+void WarnOfDroppedKeys(const std::string& before, const std::string& after, const std::filesystem::path& target)
+{
+    constexpr std::size_t kMostNamed = 10;
+    const std::vector<std::string> dropped = document::DroppedKeys(before, after);
+    std::string list;
+    for (std::size_t i = 0; i < std::min(dropped.size(), kMostNamed); ++i) {
+        list += (i == 0 ? "\"" : ", \"") + dropped[i] + '"';
+    }
+    if (dropped.size() > kMostNamed) {
+        list += " and " + std::to_string(dropped.size() - kMostNamed) + " more";
+    }
+    if (!dropped.empty()) {
+        WriteError("warning: " + DisplayName(target) + ": drops what is not a setting: " + list);
+    }
+}
+
 /// A document of another name would be refused by everything that opens clips. @throws UsageError
 void RequireClipName(const importhost::Importer& importer, const std::filesystem::path& out)
 {
@@ -135,6 +164,7 @@ void Edit(Context& context, const EditOptions& options)
     userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
         return importhost::RenderSettingsPreview(*importer, settingsText);
     });
+    const std::string before = isNew ? std::string() : ContentOf(options.clip);
     ORB::SaveReport lastSave;
     const EditedSettings edited = ShowDialog(*importer, options, sequence, lastSave);
     if (const auto& failure = userInterface.LastScriptFailure()) {
@@ -149,8 +179,11 @@ void Edit(Context& context, const EditOptions& options)
         WriteError("warning: " + qelcore::text::ToUTF8(lastSave.path) +
                    ": could not be saved: " + lastSave.failure);
     }
-    KeepDecision(edited, lastSave, userInterface.LastDocument(),
-                 options.out.empty() ? options.clip : options.out);
+    const std::filesystem::path& target = options.out.empty() ? options.clip : options.out;
+    KeepDecision(edited, lastSave, userInterface.LastDocument(), target);
+    if (edited.decision == SettingsDecision::Accepted) {
+        WarnOfDroppedKeys(before, edited.text.value_or(""), target);
+    }
 }
 
 } // namespace
