@@ -1,5 +1,4 @@
 #include "ClipState.h"
-#include "FrameFailure.h"
 #include "HostError.h"
 #include "LegacySuite.h"
 #include "PathText.h"
@@ -10,6 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,7 +19,30 @@ namespace {
 
 /// The identification patterns write up to six channels, whatever a clip's channel count is.
 constexpr std::size_t kFewestAudioBuffers = 6;
-constexpr std::size_t kMostChannels = 64;
+
+/// What is wrong with a frame that was asked for; nothing where it is as described.
+std::optional<ClipFailure> FailureOf(const RenderedFrame& rendered, const ClipDescription& description)
+{
+    ClipFailure failure;
+    failure.result = rendered.result;
+    if (rendered.result == ksResultServed && rendered.frame != nullptr) {
+        const FrameLayout& layout = rendered.frame->Layout();
+        if (layout.width == description.width && layout.height == description.height) {
+            return std::nullopt;
+        }
+        failure.cause = FailureCause::WrongFrameSize;
+        failure.frameWidth = layout.width;
+        failure.frameHeight = layout.height;
+        return failure;
+    }
+    failure.refusal = rendered.refusal;
+    if (rendered.refusal != FrameRefusal::None) {
+        failure.cause = FailureCause::FrameRefused;
+    } else if (rendered.result == ksResultServed) {
+        failure.cause = rendered.isForeign ? FailureCause::ForeignFrame : FailureCause::NoFrame;
+    }
+    return failure;
+}
 
 } // namespace
 
@@ -53,14 +77,34 @@ const ClipDescription& Clip::Description() const noexcept
     return mState->description;
 }
 
-const std::string& Clip::Warning() const noexcept
+const std::vector<std::string>& Clip::Messages() const noexcept
 {
-    return mState->warning;
+    return mState->messages;
 }
 
-const std::optional<std::string>& Clip::SettingsText() const noexcept
+void Clip::Learn(ClipKnowledge knowledge)
 {
-    return mState->settingsText;
+    const TimeScalePair described{mState->description.timeScale, mState->description.sampleSize};
+    const bool isRateKnown =
+        mState->description.rate.HasFrames() && TimeScaleFromTicks(knowledge.ticksPerFrame) == described;
+    mState->rate = isRateKnown ? qelmediatypes::FrameRate{knowledge.ticksPerFrame} : mState->description.rate;
+    mState->frames.SetPaintedWhole(knowledge.paintsWholeFrames);
+    mState->knowledge = std::move(knowledge);
+}
+
+qelmediatypes::FrameRate Clip::Rate() const noexcept
+{
+    return mState->rate;
+}
+
+void Clip::Fail(const std::string& request, const ClipFailure& failure) const
+{
+    std::optional<std::string> why;
+    if (mState->knowledge.explain) {
+        why = mState->knowledge.explain(failure);
+    }
+    throw HostError(DisplayName(mState->file) + ": " + request + ": " +
+                    (why ? *why : FailureText(failure, mState->description)));
 }
 
 const std::filesystem::path& Clip::File() const noexcept
@@ -70,7 +114,7 @@ const std::filesystem::path& Clip::File() const noexcept
 
 Frame Clip::RenderFrame(std::int64_t frame) const
 {
-    const qelmediatypes::TickTime time(frame, mState->description.rate);
+    const qelmediatypes::TickTime time(frame, mState->rate);
     RenderedFrame rendered = mState->frames.Render([&](FrameRequest& request, ksFrameHandle& handle) {
         ksFrameRec record{};
         record.instance = mState->instance;
@@ -81,9 +125,8 @@ Frame Clip::RenderFrame(std::int64_t frame) const
         std::memcpy(record.extra16, token.data(), token.size());
         return mState->importer->Request(ksSelectorFrame, nullptr, &record);
     });
-    if (rendered.result != ksResultServed || rendered.frame == nullptr) {
-        throw HostError(DisplayName(mState->file) + ": frame " + std::to_string(frame) + ": " +
-                        FrameFailureText(rendered, mState->description, mState->keys));
+    if (const auto failure = FailureOf(rendered, mState->description)) {
+        Fail("frame " + std::to_string(frame), *failure);
     }
     return Frame(std::move(rendered.frame));
 }
@@ -91,9 +134,9 @@ Frame Clip::RenderFrame(std::int64_t frame) const
 void Clip::RenderAudio(std::int64_t position, std::uint32_t sampleCount, std::span<float* const> channels) const
 {
     const std::int32_t channelCount = mState->description.channelCount;
-    if (channelCount > static_cast<std::int32_t>(kMostChannels) || channels.size() > kMostChannels) {
-        throw HostError(DisplayName(mState->file) + ": \"mNumChannels\": " + std::to_string(channelCount) +
-                        " audio channels, at most " + std::to_string(kMostChannels) + " can be played");
+    const std::string request = "audio from sample " + std::to_string(position);
+    if (channelCount > kMostChannels || channels.size() > kMostChannels) {
+        Fail(request, {.cause = FailureCause::TooManyChannels});
     }
     if (channelCount > 0 && channels.size() < static_cast<std::size_t>(channelCount)) {
         throw HostError(DisplayName(mState->file) + ": " + std::to_string(channels.size()) +
@@ -118,8 +161,7 @@ void Clip::RenderAudio(std::int64_t position, std::uint32_t sampleCount, std::sp
     record.instance = mState->instance;
     const std::int32_t result = mState->importer->Request(ksSelectorAudio, nullptr, &record);
     if (result != ksResultServed) {
-        throw HostError(DisplayName(mState->file) + ": audio from sample " + std::to_string(position) +
-                        ": the plug-in failed (result " + std::to_string(result) + ")");
+        Fail(request, {.result = result});
     }
 }
 

@@ -2,8 +2,8 @@
 /// through the plug-in's selectors.
 #pragma once
 
-#include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/importabi/Records.h>
+#include <kestrel/importhost/ClipFailure.h>
 #include <kestrel/importhost/Frame.h>
 #include <kestrel/importhost/Importer.h>
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
@@ -11,33 +11,31 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace importhost {
 
 enum class FieldOrder : std::uint8_t { Progressive = 0, UpperFirst = 1, LowerFirst = 2 };
 
-/// What selectors 37 and 73 and the settings text say of a clip.
+/// What selectors 37 and 73 report of a clip, and nothing else.
 struct ClipDescription {
     std::int32_t width = 0;  ///< pixels
     std::int32_t height = 0; ///< pixels
     qelmediatypes::PixelAspectRatio pixelAspect;
     std::uint8_t fieldType = 0;    ///< as the record has it; see `Order`
     std::int32_t timeScale = 0;    ///< units per second
-    std::int32_t sampleSize = 0;   ///< units per frame: the rate is timeScale / sampleSize, exact unless `rate`
-                                   ///< is no fraction of 32-bit numbers
-    qelmediatypes::FrameRate rate; ///< ticks per frame; without frames where there is no rate
+    std::int32_t sampleSize = 0;   ///< units per frame: the rate is timeScale / sampleSize
+    qelmediatypes::FrameRate rate; ///< the same in ticks per frame; without frames where there is no rate
     std::int64_t frameCount = 0;   ///< 0 or more
     float sampleRate = 0.0F;       ///< samples per second
     std::int32_t channelCount = 0;
-    std::int32_t channelType = 0;      ///< host's layout code: 2 stereo, 3 5.1
-    std::uint32_t pixelFormatCode = 0; ///< host four-character code as the settings have it
-    BR::PixelFormat pixelFormat = BR::PixelFormat::Unknown; ///< `Unknown` where the code is none
     bool supportsColorManagement = false;
-    ksSEIColorCodesRec colorCodes{};
+    ksSEIColorCodesRec colorCodes{2, 2, 2, 0}; ///< unspecified where the plug-in reports none
     std::string colorSpaceName; ///< readable; "Unlisted" for codes that are none of the host's spaces
 
     /// Values above 2 count as upper field first, the order in which fields are drawn.
@@ -47,26 +45,33 @@ struct ClipDescription {
 /// What frames are filled with before the plug-in paints them.
 enum class FrameFilling { Zero, Poison };
 
-struct OpenOptions {
-    /// Render a document that the plug-in could not read as the default clip, instead of refusing it.
-    bool allowDefault = false;
-    FrameFilling filling = FrameFilling::Zero;
+/// What a program knows of a clip beyond what the plug-in reports, for instance from the clip's document. The
+/// host takes the program's word for it.
+struct ClipKnowledge {
+    /// The plug-in paints every byte of every picture, so new frames need not be zeroed.
+    bool paintsWholeFrames = false;
+    /// Ticks per frame, for rates that are no fraction of 32-bit numbers; 0: not known. Taken where the
+    /// described time scale and sample size are its rounding.
+    std::int64_t ticksPerFrame = 0;
+    /// The failure in one line without the file's name, in the words of the clip's document; nothing leaves
+    /// it to the host's own words. Called from many threads.
+    std::function<std::optional<std::string>(const ClipFailure&)> explain{};
 };
 
-/// @throws HostError  for a name without one of the extensions that the plug-in owns, in any case; names the
-///                    file and those. Looks at the name only. Threads: [thread-safe].
-void RequireExtension(const Importer& importer, const std::filesystem::path& file);
+/// The plug-in's file type that owns the file's extension, in any case of letters. Looks at the name only.
+/// @throws HostError  where none does; names the file and the extensions that would be right.
+/// Threads: [thread-safe].
+[[nodiscard]] const FileType& FileTypeOf(const Importer& importer, const std::filesystem::path& file);
 
 /// Owns the plug-in's instance. Threads: [thread-safe] for `RenderFrame` and `RenderAudio`; the first
 /// frame request of a process runs alone, because it fills the plug-in's suite handles.
 class Clip {
 public:
-    /// Opens a data file.
-    /// @throws HostError  missing, a directory, unreadable, an extension that the plug-in does not own, or
-    ///                    malformed (unless allowed); names the file, and for a document the key and what
-    ///                    was expected.
+    /// Opens a file with selectors 39, 37 and 73. Only the plug-in opens the file.
+    /// @throws HostError  missing, a directory, unreadable, an extension that the plug-in does not own, or an
+    ///                    answer other than success; names the file.
     [[nodiscard]] static Clip Open(std::shared_ptr<const Importer> importer, const std::filesystem::path& file,
-                                   const OpenOptions& options = {});
+                                   FrameFilling filling = FrameFilling::Zero);
 
     ~Clip();
     Clip(Clip&&) noexcept;
@@ -79,12 +84,25 @@ public:
     /// The file as it was named.
     [[nodiscard]] const std::filesystem::path& File() const noexcept;
 
-    /// The file's warnings: what the plug-in logged while the clip opened, a line each.
-    [[nodiscard]] const std::string& Warning() const noexcept;
+    /// What the plug-in logged while the clip opened, each message made fit for one line.
+    [[nodiscard]] const std::vector<std::string>& Messages() const noexcept;
 
-    /// Renders the frame that starts at `frame` × ticks per frame.
-    /// @throws HostError  where the plug-in answers anything but success, with the reason as far as the
-    ///                    host can see it (frame too large, format that cannot be painted, swatch rules).
+    /// The clip's settings as selector 38 gives them for an existing file, without a dialog: a text for the
+    /// plug-in, which the host does not look into. Nothing where the plug-in has no settings, or where they
+    /// do not fit the buffer that it asked for. The plug-in opens the file again at each call.
+    /// @throws HostError  where the plug-in fails.
+    [[nodiscard]] std::optional<std::string> AskSettingsText() const;
+
+    /// Takes what the program knows. Before the first frame is asked for, on one thread.
+    void Learn(ClipKnowledge knowledge);
+
+    /// Ticks per frame: exact where the program knows them, else the description's.
+    [[nodiscard]] qelmediatypes::FrameRate Rate() const noexcept;
+
+    /// Renders the frame that starts at `frame` × ticks per frame. Its pixel format is the plug-in's choice;
+    /// its size is the described one.
+    /// @throws HostError  where the plug-in answers anything but success or gives a frame that contradicts
+    ///                    the description, with the reason as far as host and program can see it.
     [[nodiscard]] Frame RenderFrame(std::int64_t frame) const;
 
     /// Writes `sampleCount` samples from `position` on into each of `channels`, which must hold as many
@@ -93,13 +111,10 @@ public:
     /// @throws HostError  where the plug-in answers anything but success, or for more than 64 channels.
     void RenderAudio(std::int64_t position, std::uint32_t sampleCount, std::span<float* const> channels) const;
 
-    /// The settings document as selector 38 gives it without a dialog; nothing where it is too long for the
-    /// host's buffer.
-    [[nodiscard]] const std::optional<std::string>& SettingsText() const noexcept;
-
 private:
     struct State;
     explicit Clip(std::unique_ptr<State> state);
+    [[noreturn]] void Fail(const std::string& request, const ClipFailure& failure) const;
     std::unique_ptr<State> mState;
 };
 

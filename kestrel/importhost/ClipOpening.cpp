@@ -37,7 +37,8 @@ std::string LowerASCII(std::string text)
     return text;
 }
 
-void RequireReadableFile(const std::filesystem::path& file)
+/// Looks at the file's kind only; whether it can be read shows when the plug-in opens it.
+void RequireOrdinaryFile(const std::filesystem::path& file)
 {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);
@@ -53,78 +54,41 @@ void RequireReadableFile(const std::filesystem::path& file)
     default:
         Refuse(file, "is not an ordinary file");
     }
-    errno = 0;
-    if (!std::ifstream(file, std::ios::binary).is_open()) {
-        Refuse(file, "cannot be read: " + std::generic_category().message(errno != 0 ? errno : EIO));
-    }
 }
 
-} // namespace
-
-void RequireExtension(const Importer& importer, const std::filesystem::path& file)
+/// The system's reason for a file that the plug-in could not read; empty where the host can open it.
+std::string ReadFailure(const std::filesystem::path& file)
 {
-    const std::string extension = LowerASCII(file.extension().string());
-    std::string known;
-    for (const FileType& type : importer.FileTypes()) {
-        for (const std::string& own : type.extensions) {
-            if (extension.substr(std::min<std::size_t>(extension.size(), 1)) == LowerASCII(own)) {
-                return;
-            }
-            known += (known.empty() ? "." : ", .") + own;
-        }
+    errno = 0;
+    if (std::ifstream(file, std::ios::binary).is_open()) {
+        return {};
     }
-    Refuse(file, (extension.empty() ? std::string("no file extension")
-                                    : "unknown file extension " + OneLine(extension)) +
-                     ", " + known + " was expected");
+    return ": " + std::generic_category().message(errno != 0 ? errno : EIO);
 }
-
-namespace {
 
 /// The name as plug-ins take it: absolute where that can be said in UTF-16.
 std::u16string PluginPath(const std::filesystem::path& file)
 {
     std::error_code ignored;
     const std::filesystem::path absolute = std::filesystem::absolute(file, ignored);
-    if (auto path = qelcore::text::ToUTF16Strict(absolute.native()); path && !path->empty()) {
+    if (auto path = qelcore::text::ToUTF16Strict(UTF8Text(absolute)); path && !path->empty()) {
         return *std::move(path);
     }
-    return qelcore::text::ToUTF16(file.native());
+    return qelcore::text::ToUTF16(UTF8Text(file));
 }
 
-/// Collects what the plug-in logs; a clip's reader answers a broken document with a default clip and says
-/// so only there.
-class Complaints {
+/// Collects what the plug-in logs.
+class MessageCollector {
 public:
-    Complaints() : mListener([this](const qelcore::logging::Message& message) { Add(message.text); }) {}
-
-    [[nodiscard]] const std::string& Lines() const noexcept { return mLines; }
-    [[nodiscard]] const std::string& First() const noexcept { return mFirst; }
+    explicit MessageCollector(std::vector<std::string>& lines)
+        : mListener(
+              [&lines](const qelcore::logging::Message& message) { lines.push_back(OneLine(message.text)); })
+    {
+    }
 
 private:
-    void Add(const std::string& text)
-    {
-        const std::string line = OneLine(text);
-        if (mFirst.empty()) {
-            mFirst = line.empty() ? "cannot be read" : line;
-        }
-        mLines += (mLines.empty() ? "" : "\n") + line;
-    }
-
-    std::string mLines;
-    std::string mFirst;
     qelcore::logging::ScopedListener mListener;
 };
-
-/// What is wrong with the document in one line: its syntax with a place where that is it, else what the
-/// plug-in said.
-std::string Diagnosis(const std::filesystem::path& file, const std::string& complaint)
-{
-    std::error_code ignored;
-    if (std::filesystem::file_size(file, ignored) == 0) {
-        return "is empty, a JSON document with a clip's settings was expected";
-    }
-    return DocumentProblem(file).value_or(complaint);
-}
 
 /// Whole frames from the record's duration, frames × sampleSize cut to 32 bits.
 ///
@@ -165,22 +129,12 @@ void Describe(const ksFileInfoRec& record, ClipDescription& description)
     description.fieldType = record.fieldType;
     description.timeScale = record.videoTimeScale;
     description.sampleSize = record.videoSampleSize;
+    const std::int64_t ticks = TicksFromTimeScale({record.videoTimeScale, record.videoSampleSize});
+    description.rate = ticks > 0 ? qelmediatypes::FrameRate{ticks} : qelmediatypes::FrameRate{};
     description.frameCount = FramesFromDuration(record.videoDuration, record.videoSampleSize);
     description.sampleRate = record.audioSampleRate;
     description.channelCount = record.audioChannelCount;
     description.supportsColorManagement = record.supportsColorManagement != 0;
-}
-
-/// The settings' own ticks per frame where the record's pair stands for them. Few rates are no fraction of
-/// 32-bit numbers; but times counted in frames of the rounded pair come to lie before the frame they mean.
-qelmediatypes::FrameRate RateOf(const ClipDescription& description, std::int64_t settingsTicks)
-{
-    const TimeScalePair pair{description.timeScale, description.sampleSize};
-    const std::int64_t ticks = TicksFromTimeScale(pair);
-    if (ticks <= 0) {
-        return {};
-    }
-    return {TimeScaleFromTicks(settingsTicks) == pair ? settingsTicks : ticks};
 }
 
 std::string ColorSpaceName(const ksSEIColorCodesRec& wanted)
@@ -196,44 +150,51 @@ std::string ColorSpaceName(const ksSEIColorCodesRec& wanted)
     return "Unlisted";
 }
 
-/// The settings text that selector 38 gives for an existing file without a dialog; nothing where it does not
-/// fit the buffer that the plug-in asked for.
-std::optional<std::string> AskSettingsText(const Importer& importer, const std::filesystem::path& file,
-                                           ksFileAccessRec& access)
+/// The clip's colors; a plug-in that does not serve the request leaves them unspecified.
+void DescribeColor(const Importer& importer, const std::filesystem::path& file, ksInstance instance,
+                   ClipDescription& description)
 {
-    ksSettingsExchangeRec exchange{};
-    std::int32_t result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
-    if (result != ksResultServed) {
-        Refuse(file, "the plug-in gives no settings (result " + std::to_string(result) + ")");
+    ksColorRec color{};
+    color.instance = instance;
+    const std::int32_t result = importer.Request(ksSelectorColorInformation, nullptr, &color);
+    if (result == ksResultServed) {
+        description.colorCodes = color.codes;
+    } else if (result != ksResultUnsupported) {
+        Refuse(file, "the plug-in gives no color information (result " + std::to_string(result) + ")");
     }
-    std::string text(exchange.bufferSize, '\0');
-    if (text.empty()) {
-        return std::nullopt;
-    }
-    exchange = {};
-    exchange.text = text.data();
-    exchange.newClip = 1;
-    result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
-    if (result != ksResultServed) {
-        Refuse(file, "the plug-in gives no settings (result " + std::to_string(result) + ")");
-    }
-    text.resize(std::min(text.find('\0'), text.size()));
-    return text.empty() ? std::nullopt : std::optional(std::move(text));
+    description.colorSpaceName = ColorSpaceName(description.colorCodes);
 }
 
 } // namespace
 
+const FileType& FileTypeOf(const Importer& importer, const std::filesystem::path& file)
+{
+    const std::string extension = LowerASCII(UTF8Text(file.extension()));
+    std::string known;
+    for (const FileType& type : importer.FileTypes()) {
+        for (const std::string& own : type.extensions) {
+            if (extension.substr(std::min<std::size_t>(extension.size(), 1)) == LowerASCII(own)) {
+                return type;
+            }
+            known += (known.empty() ? "." : ", .") + own;
+        }
+    }
+    Refuse(file, (extension.empty() ? std::string("no file extension")
+                                    : "unknown file extension " + OneLine(extension)) +
+                     ", " + known + " was expected");
+}
+
 Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem::path& file,
-                const OpenOptions& options)
+                FrameFilling filling)
 {
     RequireUTF8Name(file);
-    RequireReadableFile(file);
-    RequireExtension(*importer, file);
+    RequireOrdinaryFile(file);
+    static_cast<void>(FileTypeOf(*importer, file));
 
-    auto state = std::make_unique<State>(std::move(importer), file, options.filling);
+    auto state = std::make_unique<State>(std::move(importer), file, filling);
     const Importer& plugin = *state->importer;
     const std::u16string path = PluginPath(file);
-    const Complaints complaints;
+    const MessageCollector collector(state->messages);
 
     ksOpenRec open{};
     open.path = path.c_str();
@@ -241,7 +202,7 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
     state->instance = open.instance;
     if (result != ksResultServed || state->instance == nullptr) {
         Refuse(file, result == ksResultFileUnreadable
-                         ? "cannot be read"
+                         ? "cannot be read" + ReadFailure(file)
                          : "the plug-in cannot open it (result " + std::to_string(result) + ")");
     }
 
@@ -254,39 +215,39 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
         Refuse(file, "the plug-in cannot describe it (result " + std::to_string(result) + ")");
     }
     Describe(info, state->description);
-
-    if (!options.allowDefault) {
-        if (!complaints.First().empty()) {
-            Refuse(file, Diagnosis(file, complaints.First()));
-        }
-        // A document that is no object is no error to the plug-in, which reads nothing from it.
-        if (const auto problem = DocumentProblem(file)) {
-            Refuse(file, *problem);
-        }
-    }
-    state->warning = complaints.Lines();
-
-    ksColorRec color{};
-    color.instance = state->instance;
-    result = plugin.Request(ksSelectorColorInformation, nullptr, &color);
-    if (result != ksResultServed) {
-        Refuse(file, "the plug-in gives no color information (result " + std::to_string(result) + ")");
-    }
-    state->description.colorCodes = color.codes;
-    state->description.colorSpaceName = ColorSpaceName(state->description.colorCodes);
-
-    state->settingsText = AskSettingsText(plugin, file, access);
-    const auto keys =
-        state->settingsText ? SettingsKeysFromText(*state->settingsText) : SettingsKeysFromFile(file);
-    if (!keys) {
-        Refuse(file, "its settings cannot be read");
-    }
-    state->keys = *keys;
-    state->description.rate = RateOf(state->description, keys->ticksPerFrame);
-    state->description.pixelFormatCode = keys->pixelFormat;
-    state->description.pixelFormat = BR::SDKToBEPixelFormat(keys->pixelFormat);
-    state->description.channelType = keys->channelType;
+    DescribeColor(plugin, file, state->instance, state->description);
+    state->rate = state->description.rate;
     return Clip(std::move(state));
+}
+
+std::optional<std::string> Clip::AskSettingsText() const
+{
+    const Importer& importer = *mState->importer;
+    const std::u16string path = PluginPath(mState->file);
+    ksFileAccessRec access{};
+    access.path = path.c_str();
+    const auto ask = [&](ksSettingsExchangeRec& exchange) {
+        const std::int32_t result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
+        if (result != ksResultServed && result != ksResultUnsupported) {
+            Refuse(mState->file, "the plug-in gives no settings (result " + std::to_string(result) + ")");
+        }
+        return result == ksResultServed;
+    };
+    // What the plug-in logs now it logged when the clip opened.
+    const qelcore::logging::ScopedListener quiet([](const qelcore::logging::Message&) {});
+    ksSettingsExchangeRec sizeQuestion{};
+    if (!ask(sizeQuestion) || sizeQuestion.bufferSize == 0) {
+        return std::nullopt;
+    }
+    std::string text(sizeQuestion.bufferSize, '\0');
+    ksSettingsExchangeRec exchange{};
+    exchange.text = text.data();
+    exchange.newClip = 1;
+    if (!ask(exchange)) {
+        return std::nullopt;
+    }
+    text.resize(std::min(text.find('\0'), text.size()));
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 } // namespace importhost

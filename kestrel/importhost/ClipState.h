@@ -3,12 +3,11 @@
 
 #include "Clip.h"
 #include "FrameSource.h"
-#include "SettingsKeys.h"
 
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace importhost {
 
@@ -22,9 +21,9 @@ struct Clip::State {
     std::filesystem::path file;
     ksInstance instance = nullptr; ///< the plug-in's, given back at the end
     ClipDescription description;
-    SettingsKeys keys;
-    std::optional<std::string> settingsText;
-    std::string warning;
+    std::vector<std::string> messages;
+    ClipKnowledge knowledge;
+    qelmediatypes::FrameRate rate;
     FrameSource frames;
 };
 

@@ -2,55 +2,92 @@
 #include "Importer.h"
 #include "Library.h"
 #include "PathText.h"
+#include "PluginResources.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace importhost {
 namespace {
 
-constexpr char kPluginStem[] = "ImporterTessel";
+constexpr char kPlaceVariable[] = "KESTREL_PLUGIN_PATH";
 
-/// `place` is the plug-in's file or the folder that holds it; empty where there is no such file.
-std::filesystem::path FileAt(const std::filesystem::path& place)
+bool IsImporter(const std::filesystem::path& file)
 {
-    std::error_code ignored;
-    std::filesystem::path file = place;
-    if (std::filesystem::is_directory(file, ignored)) {
-        file /= LibraryFileName(kPluginStem);
+    try {
+        static_cast<void>(ReadPluginIdentity(file));
+        return true;
+    } catch (const HostError&) {
+        return false;
     }
-    return std::filesystem::exists(file, ignored) ? file : std::filesystem::path();
 }
 
-std::filesystem::path Require(const std::filesystem::path& place, const char* saidBy)
+std::vector<std::filesystem::path> ImportersIn(const std::filesystem::path& folder)
 {
-    std::filesystem::path file = FileAt(place);
-    if (file.empty()) {
-        throw HostError(DisplayName(place) + ": no importer plug-in there (" + saidBy +
-                        " names its file, or the folder of " + LibraryFileName(kPluginStem).string() + ")");
+    const std::filesystem::path ending = LibraryFileName("x").extension();
+    std::vector<std::filesystem::path> importers;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
+        if (entry.path().extension() == ending && entry.is_regular_file(ignored) && IsImporter(entry.path())) {
+            importers.push_back(entry.path());
+        }
     }
-    return file;
+    std::sort(importers.begin(), importers.end());
+    return importers;
+}
+
+/// The plug-in at a place that a person named.
+std::filesystem::path Require(const std::filesystem::path& place, const std::string& saidBy,
+                              const std::string& stem)
+{
+    const std::string expected = " (" + saidBy + " names an importer's file, or the folder that it is in)";
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(place, ignored)) {
+        if (!std::filesystem::exists(place, ignored)) {
+            throw HostError(DisplayName(place) + ": no importer plug-in there" + expected);
+        }
+        return place;
+    }
+    if (std::filesystem::path file = place / LibraryFileName(stem.c_str());
+        std::filesystem::exists(file, ignored)) {
+        return file;
+    }
+    const std::vector<std::filesystem::path> importers = ImportersIn(place);
+    if (importers.empty()) {
+        throw HostError(DisplayName(place) + ": no importer plug-in there" + expected);
+    }
+    if (importers.size() > 1) {
+        throw HostError(DisplayName(place) + ": several importer plug-ins there, " +
+                        DisplayName(importers[0].filename()) + " and " + DisplayName(importers[1].filename()) +
+                        " among them; name one's file");
+    }
+    return importers.front();
 }
 
 } // namespace
 
-std::filesystem::path FindPlugin(const std::filesystem::path& chosen)
+std::filesystem::path FindPlugin(const PluginSearch& search)
 {
-    if (!chosen.empty()) {
-        return Require(chosen, "--plugin");
+    if (!search.place.empty()) {
+        return Require(search.place, search.placeSaidBy, search.stem);
     }
-    const char* variable = std::getenv("KESTREL_PLUGIN_PATH"); // NOLINT(concurrency-mt-unsafe): only read
+    const char* variable = std::getenv(kPlaceVariable); // NOLINT(concurrency-mt-unsafe): only read
     if (variable != nullptr && *variable != '\0') {
-        return Require(variable, "KESTREL_PLUGIN_PATH");
+        return Require(variable, kPlaceVariable, search.stem);
     }
+    // A library folder may hold thousands of libraries, so nothing is searched for here.
+    const std::filesystem::path name = LibraryFileName(search.stem.c_str());
     const std::filesystem::path folder = HostLibraryFolder();
-    std::filesystem::path file = folder.empty() ? folder : FileAt(folder);
-    if (file.empty()) {
-        throw HostError("no importer plug-in: " + LibraryFileName(kPluginStem).string() + " is not in " +
-                        DisplayName(folder) + "; name it with --plugin or KESTREL_PLUGIN_PATH");
+    std::error_code ignored;
+    if (folder.empty() || !std::filesystem::exists(folder / name, ignored)) {
+        throw HostError("no importer plug-in: " + DisplayName(name) + " is not in " + DisplayName(folder) +
+                        "; name it with " + (search.placeSaidBy.empty() ? "" : search.placeSaidBy + " or ") +
+                        kPlaceVariable);
     }
-    return file;
+    return folder / name;
 }
 
 } // namespace importhost

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "FramePool.h"
+#include "FrameRefusal.h"
 
 #include <kestrel/brindle/PixelFormat.h>
 
@@ -26,12 +27,6 @@ struct FrameLayout {
         return static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);
     }
 };
-
-/// Why a frame cannot be made.
-enum class FrameRefusal { None, FormatCannotBePainted, SizeOutOfRange, TooLarge, OutOfMemory };
-
-inline constexpr std::int32_t kLargestFrameSide = 100'000;       ///< pixels
-inline constexpr std::uint64_t kLargestFrameBytes = 1ULL << 31U; ///< 2 GiB
 
 /// Lays out a frame. Rows are padded to whole multiples of 64 bytes (a cache line, so that no two rows
 /// share one), those of v210 to 128 as its files have them: ((width + 47) / 48) × 128.

@@ -95,7 +95,6 @@ FrameRequest* FrameRequest::FromToken(const void* token) noexcept
 
 ksFrameHandle FrameRequest::Create(std::uint32_t pixelFormat, std::int32_t width, std::int32_t height) noexcept
 {
-    mWasAsked = true;
     const auto layout = LayOutFrame(pixelFormat, width, height, mRefusal);
     if (!layout) {
         return nullptr;

@@ -35,8 +35,6 @@ public:
     /// Hands over the frame of that handle; null where this request made no such frame.
     [[nodiscard]] std::shared_ptr<const FrameBuffer> TakeFrame(ksFrameHandle handle) noexcept;
 
-    /// Whether the plug-in asked for a frame at all.
-    [[nodiscard]] bool WasAsked() const noexcept { return mWasAsked; }
     /// Why the last frame was refused.
     [[nodiscard]] FrameRefusal Refusal() const noexcept { return mRefusal; }
 
@@ -45,7 +43,6 @@ private:
     std::vector<std::shared_ptr<FrameBuffer>> mFrames;
     NewFrameContent mContent;
     std::uint8_t mPattern;
-    bool mWasAsked = false;
     FrameRefusal mRefusal = FrameRefusal::None;
 };
 

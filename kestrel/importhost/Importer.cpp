@@ -28,32 +28,6 @@ constexpr char kTestingPluginsKey[] = "ML.LoadTestingPluginsAtStartup";
 /// Plug-ins whose enumeration never ends are cut off here.
 constexpr std::intptr_t kMostFileTypes = 256;
 
-/// Answers the debug key with "true" while the plug-in starts.
-class GateOpener {
-public:
-    explicit GateOpener(TestingPlugins testingPlugins)
-        : mOpen(testingPlugins == TestingPlugins::Allowed &&
-                Database().GetEntry(kTestingPluginsKey, "false") != "true")
-    {
-        if (mOpen) {
-            Database().SetOverride(kTestingPluginsKey, "true");
-        }
-    }
-    ~GateOpener()
-    {
-        if (mOpen) {
-            Database().ClearOverride(kTestingPluginsKey);
-        }
-    }
-    GateOpener(const GateOpener&) = delete;
-    GateOpener& operator=(const GateOpener&) = delete;
-
-private:
-    static qelcore::debug::DebugDatabase& Database() { return qelcore::debug::DebugDatabase::Instance(); }
-
-    bool mOpen;
-};
-
 /// What the identity callback was told.
 struct Told {
     int calls = 0;
@@ -174,7 +148,12 @@ std::shared_ptr<Importer> Importer::Load(const std::filesystem::path& pluginFile
 
 void Importer::StartUp(TestingPlugins testingPlugins)
 {
-    const GateOpener opener(testingPlugins);
+    // The plug-in asks the debug database while it starts, on this thread: other threads' loads keep what
+    // they were told.
+    std::optional<qelcore::debug::ScopedOverride> openGate;
+    if (testingPlugins == TestingPlugins::Allowed) {
+        openGate.emplace(kTestingPluginsKey, "true");
+    }
     ksStartUpRec record{};
     const std::int32_t result = Request(ksSelectorStartUp, &record, nullptr);
     if (result == ksResultUnsupported) {

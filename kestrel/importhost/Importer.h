@@ -62,9 +62,18 @@ private:
     std::unique_ptr<State> mState;
 };
 
-/// Where the plug-in is: `chosen` where not empty, else the variable `KESTREL_PLUGIN_PATH` (a file, or a
-/// folder that holds ImporterTessel's library), else beside this host's own library.
-/// @throws HostError naming the places looked at.
-[[nodiscard]] std::filesystem::path FindPlugin(const std::filesystem::path& chosen);
+/// Where a program looks for its plug-in.
+struct PluginSearch {
+    std::filesystem::path place; ///< the plug-in's file or folder; empty: not said
+    std::string placeSaidBy;     ///< who said it, for messages: an option, a setting
+    std::string stem;            ///< the plug-in's file name without its ending
+};
+
+/// Finds a plug-in: at `place` where there is one, else where the variable `KESTREL_PLUGIN_PATH` says, else
+/// beside this host's own library. A folder stands for the library `stem` in it, or, at the two places that a
+/// person names, for the one importer in it: its libraries are told apart by their resources, without running
+/// anything.
+/// @throws HostError  none there, or several; names the places looked at and what to say instead.
+[[nodiscard]] std::filesystem::path FindPlugin(const PluginSearch& search);
 
 } // namespace importhost

@@ -27,14 +27,25 @@ std::string OneLine(std::string_view text)
     return line;
 }
 
+std::string UTF8Text(const std::filesystem::path& file)
+{
+    const std::u8string text = file.u8string();
+    return {reinterpret_cast<const char*>(text.data()), text.size()};
+}
+
+std::filesystem::path PathOf(std::string_view utf8)
+{
+    return std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size());
+}
+
 std::string DisplayName(const std::filesystem::path& file)
 {
-    return OneLine(file.native());
+    return OneLine(UTF8Text(file));
 }
 
 void RequireUTF8Name(const std::filesystem::path& file)
 {
-    if (!qelcore::text::ToUTF16Strict(file.native())) {
+    if (!qelcore::text::ToUTF16Strict(UTF8Text(file))) {
         throw HostError(DisplayName(file) + ": the file name is not UTF-8, which a clip's name must be");
     }
 }

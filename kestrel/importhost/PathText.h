@@ -7,6 +7,12 @@
 
 namespace importhost {
 
+/// The name as UTF-8 text, whatever the platform stores; the bytes as they are where names are bytes.
+[[nodiscard]] std::string UTF8Text(const std::filesystem::path& file);
+
+/// The file of a UTF-8 name.
+[[nodiscard]] std::filesystem::path PathOf(std::string_view utf8);
+
 /// The name for one line of a message: UTF-8, what is no UTF-8 as U+FFFD, control characters as "\n" or
 /// "\x1b".
 [[nodiscard]] std::string DisplayName(const std::filesystem::path& file);

@@ -78,7 +78,7 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
             Fail(subject, result, "it named no file");
         }
         edited.decision = SettingsDecision::UseFile;
-        edited.newFile = qelcore::text::ToUTF8(newPath.get());
+        edited.newFile = PathOf(qelcore::text::ToUTF8(newPath.get()));
         break;
     default:
         Fail(subject, result, lastMessage);
@@ -94,7 +94,7 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
 EditedSettings EditClipSettings(const Importer& importer, const std::filesystem::path& file)
 {
     RequireUTF8Name(file);
-    const std::u16string path = qelcore::text::ToUTF16(std::filesystem::absolute(file).native());
+    const std::u16string path = qelcore::text::ToUTF16(UTF8Text(std::filesystem::absolute(file)));
     ksFileAccessRec access{};
     access.path = path.c_str();
     ksSettingsExchangeRec exchange{};

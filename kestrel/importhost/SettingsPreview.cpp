@@ -7,7 +7,6 @@
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
-#include <kestrel/qelcore/serialization/Json.h>
 #include <kestrel/qelmediatypes/Saturating.h>
 
 #include <algorithm>
@@ -18,27 +17,9 @@
 namespace importhost {
 namespace {
 
-using qelcore::serialization::Value;
 using qelui::PreviewPicture;
 
-constexpr std::uint32_t kBGRA8 = 0x61726762;     // "bgra"
-constexpr std::uint32_t kBGRAFloat = 0x61724742; // "BGra"
 constexpr std::int64_t kMostPixels = 64'000'000;
-
-/// The document with the pixel format that the preview paints in; as it is where it cannot be read.
-std::string InPreviewFormat(const std::string& settingsText)
-{
-    const auto document = qelcore::serialization::JSONParse(settingsText);
-    if (!document.IsObject()) {
-        return settingsText;
-    }
-    qelcore::serialization::Object object = qelcore::serialization::CopyMembers(document);
-    const auto format = qelcore::serialization::GetVariantInObject(document, "mPixelFormat");
-    if (qelcore::serialization::FindInteger(format) != std::int64_t{kBGRAFloat}) {
-        AddToObject(object, "mPixelFormat", Value(std::int64_t{kBGRA8}));
-    }
-    return GetJSONUTF8String(Value(std::move(object)), /*formatted=*/false);
-}
 
 /// The plug-in's instance of the settings, for as long as this lives.
 class SettingsInstance {
@@ -71,7 +52,7 @@ std::uint32_t ToByte(float value)
     return qelmediatypes::SaturatingCast<std::uint8_t>(std::floor(value * 255.0F + 0.5F));
 }
 
-/// 0xAARRGGBB of one pixel.
+/// 0xAARRGGBB of one pixel of a BGRA frame.
 std::uint32_t PixelAt(const Frame& frame, std::int32_t x, std::int32_t y)
 {
     const std::byte* const row = frame.Row(y);
@@ -140,7 +121,7 @@ PreviewPicture MakeSmall(const Frame& frame, double pixelAspect)
 
 PreviewPicture Render(const Importer& importer, const std::string& settingsText)
 {
-    const SettingsInstance settings(importer, InPreviewFormat(settingsText));
+    const SettingsInstance settings(importer, settingsText);
     const ksFileInfoRec& info = settings.info;
     if (!settings.isDescribed || std::int64_t{info.frameWidth} * info.frameHeight > kMostPixels) {
         return {};
@@ -158,9 +139,15 @@ PreviewPicture Render(const Importer& importer, const std::string& settingsText)
     if (rendered.result != ksResultServed || rendered.frame == nullptr) {
         return {};
     }
+    const Frame frame(rendered.frame);
+    const bool isShown =
+        frame.Format() == BR::PixelFormat::BGRA_4444_8u || frame.Format() == BR::PixelFormat::BGRA_4444_32f;
+    if (!isShown || frame.Width() != info.frameWidth || frame.Height() != info.frameHeight) {
+        return {};
+    }
     const double aspect =
         static_cast<double>(info.parNumerator) / std::max(static_cast<double>(info.parDenominator), 1.0);
-    return MakeSmall(Frame(rendered.frame), aspect > 0.0 ? aspect : 1.0);
+    return MakeSmall(frame, aspect > 0.0 ? aspect : 1.0);
 }
 
 } // namespace

@@ -52,7 +52,6 @@ VideoSpeed MeasureVideo(const Clip& clip, const MeasurementLimits& limits)
     const std::int64_t frameCount = std::max<std::int64_t>(clip.Description().frameCount, 1);
     VideoSpeed speed;
     {
-        // The first frames of a clip also prove what need not be zeroed; later ones show the steady speed.
         const importhost::Frame frame = clip.RenderFrame(0);
         speed.bytesPerFrame =
             static_cast<std::size_t>(std::abs(frame.RowBytes())) * static_cast<std::size_t>(frame.Height());
@@ -146,7 +145,7 @@ std::string AsJson(const Clip& clip, const VideoSpeed& video, const AudioSpeed& 
     AddToObject(machine, "streamingBytesPerSecond", Value(video.streamingBytesPerSecond));
     AddToObject(machine, "hasStreamingStores", Value(HasStreamingStores()));
     Object report;
-    AddToObject(report, "file", Value(clip.File().native()));
+    AddToObject(report, "file", Value(importhost::UTF8Text(clip.File())));
     AddToObject(report, "video", Value(std::move(videoObject)));
     AddToObject(report, "audio", Value(std::move(audioObject)));
     AddToObject(report, "machine", Value(std::move(machine)));
@@ -155,9 +154,8 @@ std::string AsJson(const Clip& clip, const VideoSpeed& video, const AudioSpeed& 
 
 void RunBench(Context& context, const BenchOptions& options)
 {
-    importhost::OpenOptions opening;
-    opening.allowDefault = options.allowDefault;
-    const Clip clip = context.OpenClip(options.clip, opening);
+    const document::OpenedClip opened = context.OpenClip(options.clip, {.allowDefault = options.allowDefault});
+    const Clip& clip = opened.clip;
     const VideoSpeed video = MeasureVideo(clip, options.limits);
     const AudioSpeed audio = MeasureAudio(clip, options.limits);
     WriteOut(options.json ? AsJson(clip, video, audio) : AsTable(clip, video, audio));

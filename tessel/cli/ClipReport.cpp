@@ -2,6 +2,7 @@
 
 #include "Names.h"
 
+#include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 
@@ -13,7 +14,8 @@
 namespace tessel::cli {
 namespace {
 
-using importhost::Clip;
+using document::ClipFacts;
+using document::OpenedClip;
 using importhost::ClipDescription;
 using qelcore::serialization::AddToObject;
 using qelcore::serialization::Object;
@@ -29,9 +31,24 @@ Value Text(std::string_view text)
     return Value(std::string(text));
 }
 
-bool IsStoredBottomRowFirst(const ClipDescription& description)
+/// What is known of the clip, with a pixel format also where no document names one: frame 0 is asked for it.
+ClipFacts FactsOf(const OpenedClip& opened)
 {
-    return pixmill::IsBottomRowFirst(PM_QELPixelFormatToPMPixelFormat(description.pixelFormat));
+    ClipFacts facts = opened.facts;
+    if (facts.pixelFormatCode == 0) {
+        try {
+            facts.pixelFormat = opened.clip.RenderFrame(0).Format();
+            facts.pixelFormatCode = BR::BEToSDKPixelFormat(facts.pixelFormat);
+        } catch (const importhost::HostError&) {
+            // A clip whose frames cannot be made is described all the same.
+        }
+    }
+    return facts;
+}
+
+bool IsStoredBottomRowFirst(const ClipFacts& facts)
+{
+    return pixmill::IsBottomRowFirst(PM_QELPixelFormatToPMPixelFormat(facts.pixelFormat));
 }
 
 double FramesPerSecond(const ClipDescription& description)
@@ -80,10 +97,23 @@ std::string RateText(const ClipDescription& description)
                        FramesPerSecond(description), description.rate.ticksPerFrame);
 }
 
-std::string FormatText(const ClipDescription& description)
+std::string FormatText(const ClipFacts& description)
 {
     return fmt::format("{} \"{}\"", PixelFormatName(description.pixelFormat),
                        FourCharacterText(description.pixelFormatCode));
+}
+
+std::string AudioText(const ClipFacts& facts)
+{
+    std::string text = fmt::format("{} Hz, {} {}", facts.sampleRate, facts.channelCount,
+                                   facts.channelCount == 1 ? "channel" : "channels");
+    if (facts.channelType != 0) {
+        text += fmt::format(", type {}", facts.channelType);
+    }
+    if (const auto layout = ChannelTypeName(facts.channelType); !layout.empty()) {
+        text += fmt::format(" ({})", layout);
+    }
+    return text;
 }
 
 } // namespace
@@ -100,12 +130,12 @@ std::string Timecode(std::int64_t frame, std::int32_t timeScale, std::int32_t sa
                        frame % rate);
 }
 
-std::string ReportAsTable(const Clip& clip)
+std::string ReportAsTable(const OpenedClip& opened)
 {
-    const ClipDescription& description = clip.Description();
+    const ClipFacts description = FactsOf(opened);
     const ksSEIColorCodesRec& codes = description.colorCodes;
     Table table;
-    table.Add("file", importhost::DisplayName(clip.File()));
+    table.Add("file", importhost::DisplayName(opened.clip.File()));
     table.Add("frame size", fmt::format("{}x{}", description.width, description.height));
     table.Add("pixel aspect", RatioText(description.pixelAspect));
     table.Add("pixel format", FormatText(description));
@@ -125,20 +155,17 @@ std::string ReportAsTable(const Clip& clip)
                           std::int32_t{codes.primaries}, std::int32_t{codes.transfer},
                           std::int32_t{codes.matrix}, codes.fullRange != 0 ? "full" : "limited"));
     table.Add("color managed", description.supportsColorManagement ? "yes" : "no");
-    const auto layout = ChannelTypeName(description.channelType);
-    table.Add("audio",
-              fmt::format("{} Hz, {} {}, type {}{}", description.sampleRate, description.channelCount,
-                          description.channelCount == 1 ? "channel" : "channels", description.channelType,
-                          layout.empty() ? std::string() : fmt::format(" ({})", layout)));
-    if (!clip.Warning().empty()) {
-        table.Add("warning", "shown as the default clip: " + importhost::OneLine(clip.Warning()));
+    table.Add("audio", AudioText(description));
+    if (!opened.warning.empty()) {
+        table.Add("warning", (opened.isDefault ? "shown as the default clip: " : "") +
+                                 importhost::OneLine(opened.warning));
     }
     return table.Take();
 }
 
-Value ReportAsDocument(const Clip& clip)
+Value ReportAsDocument(const OpenedClip& opened)
 {
-    const ClipDescription& description = clip.Description();
+    const ClipFacts description = FactsOf(opened);
 
     Object aspect;
     AddToObject(aspect, "numerator", Integer(description.pixelAspect.GetNumerator()));
@@ -190,10 +217,10 @@ Value ReportAsDocument(const Clip& clip)
     AddToObject(audio, "layout", Text(ChannelTypeName(description.channelType)));
 
     Object report;
-    AddToObject(report, "file", Text(clip.File().native()));
+    AddToObject(report, "file", Text(importhost::UTF8Text(opened.clip.File())));
     AddToObject(report, "video", Value(std::move(video)));
     AddToObject(report, "audio", Value(std::move(audio)));
-    AddToObject(report, "warning", Text(clip.Warning()));
+    AddToObject(report, "warning", Text(opened.warning));
     return Value(std::move(report));
 }
 

@@ -1,8 +1,8 @@
 /// The program's commands: each adds itself to the command line and runs in its callback.
 #pragma once
 
-#include <kestrel/importhost/Clip.h>
 #include <kestrel/importhost/Importer.h>
+#include <tessel/document/OpenClip.h>
 
 #include <filesystem>
 #include <memory>
@@ -41,8 +41,8 @@ struct Context {
 
     /// Opens a clip. A name that no clip can have is refused before the plug-in is loaded.
     /// @throws importhost::HostError
-    [[nodiscard]] importhost::Clip OpenClip(const std::filesystem::path& file,
-                                            const importhost::OpenOptions& options = {});
+    [[nodiscard]] document::OpenedClip OpenClip(const std::filesystem::path& file,
+                                                const document::OpenOptions& options = {});
 
 private:
     std::shared_ptr<const importhost::Importer> mImporter;

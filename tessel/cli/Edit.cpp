@@ -13,6 +13,7 @@
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
+#include <tessel/document/DocumentPreview.h>
 #include <tessel/document/DroppedKeys.h>
 
 #include <algorithm>
@@ -124,7 +125,7 @@ void WarnOfDroppedKeys(const std::string& before, const std::string& after, cons
 void RequireClipName(const importhost::Importer& importer, const std::filesystem::path& out)
 {
     try {
-        importhost::RequireExtension(importer, out);
+        static_cast<void>(importhost::FileTypeOf(importer, out));
     } catch (const HostError& error) {
         throw UsageError(error.what());
     }
@@ -162,7 +163,7 @@ void Edit(Context& context, const EditOptions& options)
         RequireClipName(*importer, options.out);
     }
     userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
-        return importhost::RenderSettingsPreview(*importer, settingsText);
+        return importhost::RenderSettingsPreview(*importer, document::InPreviewFormat(settingsText));
     });
     const std::string before = isNew ? std::string() : ContentOf(options.clip);
     ORB::SaveReport lastSave;

@@ -22,7 +22,7 @@ struct InfoOptions {
 
 void RunInfo(Context& context, const InfoOptions& options)
 {
-    importhost::OpenOptions opening;
+    document::OpenOptions opening;
     opening.allowDefault = options.allowDefault;
     if (options.clips.size() > 1) {
         (void)context.LoadImporter(); // a plug-in that is not there is one error, not one for each clip
@@ -31,7 +31,7 @@ void RunInfo(Context& context, const InfoOptions& options)
     bool isFirst = true;
     for (const std::filesystem::path& file : options.clips) {
         try {
-            const importhost::Clip clip = context.OpenClip(file, opening);
+            const document::OpenedClip clip = context.OpenClip(file, opening);
             if (options.json) {
                 reports.push_back(ReportAsDocument(clip));
             } else {

@@ -13,21 +13,28 @@
 #include <string>
 
 namespace tessel::cli {
+namespace {
+
+constexpr char kPluginOption[] = "--plugin";
+
+} // namespace
 
 std::shared_ptr<const importhost::Importer> Context::LoadImporter()
 {
     if (!mImporter) {
-        mImporter = importhost::Importer::Load(
-            importhost::FindPlugin(plugin), noTestingPlugins ? importhost::TestingPlugins::AsDebugDatabaseSays
-                                                             : importhost::TestingPlugins::Allowed);
+        const std::filesystem::path file = importhost::FindPlugin(
+            {.place = plugin, .placeSaidBy = kPluginOption, .stem = document::kPluginStem});
+        mImporter =
+            importhost::Importer::Load(file, noTestingPlugins ? importhost::TestingPlugins::AsDebugDatabaseSays
+                                                              : importhost::TestingPlugins::Allowed);
     }
     return mImporter;
 }
 
-importhost::Clip Context::OpenClip(const std::filesystem::path& file, const importhost::OpenOptions& options)
+document::OpenedClip Context::OpenClip(const std::filesystem::path& file, const document::OpenOptions& options)
 {
     importhost::RequireUTF8Name(file);
-    return importhost::Clip::Open(LoadImporter(), file, options);
+    return document::OpenClip(LoadImporter(), file, options);
 }
 
 namespace {
@@ -48,7 +55,8 @@ int Run(int argc, char** argv)
         CommandLine commandLine("tessel", "Exact test signals from small documents", TESSEL_VERSION);
         Context context;
         const Command shared = commandLine.Shared();
-        shared.AddOption("--plugin", context.plugin, "The importer plug-in: its file or the folder it is in");
+        shared.AddOption(kPluginOption, context.plugin,
+                         "The importer plug-in: its file or the folder it is in");
         shared.AddFlag("--no-testing-plugins", context.noTestingPlugins,
                        "Load test plug-ins only where the debug database says so");
         AddInfoCommand(commandLine, context);

@@ -204,9 +204,9 @@ void RenderOne(const Options& options, const Target& target, const exporting::Ou
     if (target.output != "-" && fs::equivalent(target.clip, target.output, ignored)) {
         throw ExportError(fmt::format("'{}' is the clip itself; give another name", target.output.string()));
     }
-    importhost::OpenOptions open;
+    document::OpenOptions open;
     open.allowDefault = options.allowDefault;
-    const importhost::Clip clip = context.OpenClip(target.clip, open);
+    const document::OpenedClip clip = context.OpenClip(target.clip, open);
     const exporting::ClipSource source(clip);
 
     exporting::RenderJob job;
@@ -220,7 +220,7 @@ void RenderOne(const Options& options, const Target& target, const exporting::Ou
         job.progress = &*bar;
     }
     try {
-        job.frames = exporting::ChooseFrames(clip.Description(), options.from, options.to, options.frames);
+        job.frames = exporting::ChooseFrames(clip.facts, options.from, options.to, options.frames);
         exporting::Render(source, job);
     } catch (const ExportError& error) {
         const std::string line = error.what();

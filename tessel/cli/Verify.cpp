@@ -123,14 +123,12 @@ int ExitCodeOf(verify::Verdict verdict)
 void RunComparison(const Options& options, Context& context)
 {
     verify::VerifyJob job = JobOf(options);
-    importhost::OpenOptions open;
-    open.allowDefault = options.allowDefault;
-    const importhost::Clip clip = context.OpenClip(options.clip, open);
+    const document::OpenedClip clip = context.OpenClip(options.clip, {.allowDefault = options.allowDefault});
     const exporting::ClipSource source(clip);
     std::optional<exporting::ProgressBar> bar;
     if (!options.noProgress && !options.isQuiet && exporting::StandardErrorIsTerminal()) {
         bar.emplace(options.movie);
-        const std::int64_t frames = clip.Description().frameCount;
+        const std::int64_t frames = clip.facts.frameCount;
         job.progress = [&bar, frames](std::int64_t pictures) {
             bar->Report(std::min(pictures, frames), frames, "frames");
         };

@@ -1,5 +1,6 @@
 #include "Render.h"
 
+#include "AskedSource.h"
 #include "AudioBlocks.h"
 #include "ExportError.h"
 #include "OrderedPipeline.h"
@@ -228,7 +229,14 @@ FrameRange ChooseFrames(const importhost::ClipDescription& clip, std::optional<s
 
 void Render(const SignalSource& source, const RenderJob& job)
 {
-    RenderPlanned(source, job, PlanOutput(source.Description(), job.output));
+    CheckRequest(job.output);
+    if (!WantsPicture(job.output)) {
+        RenderPlanned(source, job, PlanOutput(source.Description(), job.output));
+        return;
+    }
+    RequirePicture(source.Description());
+    const AskedSource asked(source, job.frames.first);
+    RenderPlanned(asked, job, PlanOutput(asked.Description(), job.output));
 }
 
 void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,

@@ -55,7 +55,8 @@ struct Detour {
     std::int64_t soundTailSamples = 0; ///< sound behind the last picture; negative: it ends before
 };
 
-/// The same with a plan made by `PlanOutput`, perhaps changed since, instead of `job.output`.
+/// The same with a plan made by `PlanOutput`, perhaps changed since, instead of `job.output`. A plan with a
+/// picture needs the format of the frames: `AskedSource` knows it.
 void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
                    const Detour& detour = {});
 

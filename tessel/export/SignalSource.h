@@ -1,7 +1,7 @@
 /// Where pictures and samples come from: a clip, or in tests something simpler.
 #pragma once
 
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/FrameView.h>
 
 #include <cstdint>
@@ -17,22 +17,19 @@ public:
     SignalSource& operator=(const SignalSource&) = delete;
     virtual ~SignalSource() = default;
 
-    [[nodiscard]] virtual const importhost::ClipDescription& Description() const = 0;
+    [[nodiscard]] virtual const document::ClipFacts& Description() const = 0;
     [[nodiscard]] virtual FrameView RenderFrame(std::int64_t frame) const = 0;
     /// As `importhost::Clip::RenderAudio`.
     virtual void RenderAudio(std::int64_t position, std::uint32_t sampleCount,
                              std::span<float* const> channels) const = 0;
 };
 
-/// A clip of the host's. Borrows it.
+/// An opened clip. Borrows it.
 class ClipSource final : public SignalSource {
 public:
-    explicit ClipSource(const importhost::Clip& clip) : mClip(clip) {}
+    explicit ClipSource(const document::OpenedClip& opened) : mClip(opened.clip), mFacts(opened.facts) {}
 
-    [[nodiscard]] const importhost::ClipDescription& Description() const override
-    {
-        return mClip.Description();
-    }
+    [[nodiscard]] const document::ClipFacts& Description() const override { return mFacts; }
     [[nodiscard]] FrameView RenderFrame(std::int64_t frame) const override
     {
         return ViewOf(mClip.RenderFrame(frame));
@@ -45,6 +42,7 @@ public:
 
 private:
     const importhost::Clip& mClip;
+    const document::ClipFacts& mFacts;
 };
 
 } // namespace tessel::exporting

@@ -94,8 +94,8 @@ class Run {
 public:
     explicit Run(Options options)
         : mOptions(std::move(options)), mExpected(ReadManifest(mOptions.folder / "manifest.txt")),
-          mImporter(
-              importhost::Importer::Load(importhost::FindPlugin({}), importhost::TestingPlugins::Allowed)),
+          mImporter(importhost::Importer::Load(importhost::FindPlugin({.stem = "ImporterTessel"}),
+                                               importhost::TestingPlugins::Allowed)),
           mHasFFmpeg(testsupport::IsInstalled("ffmpeg"))
     {
         fs::remove_all(mOptions.output);

@@ -6,12 +6,9 @@
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <fstream>
-#include <functional>
 #include <iterator>
-#include <map>
-#include <mutex>
-#include <optional>
 #include <system_error>
+#include <utility>
 
 namespace qelcore::debug {
 namespace {
@@ -20,27 +17,8 @@ using serialization::Value;
 
 constexpr std::string_view kLogContext = "qelcore.DebugDatabase";
 
-struct Overrides {
-    std::mutex mutex;
-    std::map<std::string, std::string, std::less<>> texts;
-};
-
-Overrides& TheOverrides()
-{
-    static Overrides overrides;
-    return overrides;
-}
-
-std::optional<std::string> OverrideOf(std::string_view key)
-{
-    Overrides& overrides = TheOverrides();
-    const std::lock_guard lock(overrides.mutex);
-    const auto entry = overrides.texts.find(key);
-    if (entry == overrides.texts.end()) {
-        return std::nullopt;
-    }
-    return entry->second;
-}
+/// The newest override of this thread; the others hang behind it.
+thread_local ScopedOverride* tNewestOverride = nullptr;
 
 /// The file's object; nothing where there is none.
 Value ReadDatabase()
@@ -81,27 +59,23 @@ DebugDatabase& DebugDatabase::Instance()
 
 std::string DebugDatabase::GetEntry(std::string_view key, std::string_view defaultText) const
 {
-    if (std::optional<std::string> text = OverrideOf(key)) {
-        return *std::move(text);
+    for (const ScopedOverride* entry = tNewestOverride; entry != nullptr; entry = entry->mPrevious) {
+        if (entry->mKey == key) {
+            return entry->mText;
+        }
     }
     const Value value = serialization::GetVariantInObject(ReadDatabase(), key);
     return std::string(serialization::FindText(value).value_or(defaultText));
 }
 
-void DebugDatabase::SetOverride(std::string_view key, std::string_view text)
+ScopedOverride::ScopedOverride(std::string_view key, std::string_view text)
+    : mKey(key), mText(text), mPrevious(std::exchange(tNewestOverride, this))
 {
-    Overrides& overrides = TheOverrides();
-    const std::lock_guard lock(overrides.mutex);
-    overrides.texts.insert_or_assign(std::string(key), std::string(text));
 }
 
-void DebugDatabase::ClearOverride(std::string_view key)
+ScopedOverride::~ScopedOverride()
 {
-    Overrides& overrides = TheOverrides();
-    const std::lock_guard lock(overrides.mutex);
-    if (const auto entry = overrides.texts.find(key); entry != overrides.texts.end()) {
-        overrides.texts.erase(entry);
-    }
+    tNewestOverride = mPrevious;
 }
 
 } // namespace qelcore::debug

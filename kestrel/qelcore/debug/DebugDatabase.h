@@ -16,15 +16,9 @@ public:
     [[nodiscard]] static DebugDatabase& Instance();
 
     /// The text stored for `key`; `defaultText` where there is none. A missing or broken file is an empty
-    /// database (a broken one is logged); a value that is not a text counts as absent. An override set in
-    /// this process wins over the file.
+    /// database (a broken one is logged); a value that is not a text counts as absent. A `ScopedOverride` of
+    /// the calling thread wins over the file.
     [[nodiscard]] std::string GetEntry(std::string_view key, std::string_view defaultText) const;
-
-    /// Answers `key` with `text` for the rest of the process, whatever the file says.
-    void SetOverride(std::string_view key, std::string_view text);
-
-    /// Ends what `SetOverride` began; no effect on a key without override.
-    void ClearOverride(std::string_view key);
 
     ~DebugDatabase() = default;
     DebugDatabase(const DebugDatabase&) = delete;
@@ -32,6 +26,23 @@ public:
 
 private:
     DebugDatabase() = default;
+};
+
+/// Answers `key` with `text` on its own thread, from construction to destruction, whatever the file says. Other
+/// threads do not see it, so that two threads which load plug-ins do not answer each other's questions.
+/// Overrides nest: the newest of a key wins. [any-thread]
+class ScopedOverride {
+public:
+    ScopedOverride(std::string_view key, std::string_view text);
+    ~ScopedOverride();
+    ScopedOverride(const ScopedOverride&) = delete;
+    ScopedOverride& operator=(const ScopedOverride&) = delete;
+
+private:
+    friend class DebugDatabase;
+    std::string mKey;
+    std::string mText;
+    ScopedOverride* mPrevious;
 };
 
 } // namespace qelcore::debug

@@ -7,6 +7,8 @@
 #include "TargetPicture.h"
 #include "TransferFunction.h"
 
+#include <tessel/export/ExportError.h>
+
 #include <array>
 #include <cstring>
 #include <utility>
@@ -273,6 +275,7 @@ private:
 };
 
 FrameConverter::FrameConverter(const Conversion& conversion)
+    : mSource(conversion.source), mWidth(conversion.width), mHeight(conversion.height)
 {
     const SourceInfo source = SourceInfoOf(conversion.source);
     const LayoutInfo& target = InfoOf(conversion.target);
@@ -292,6 +295,9 @@ FrameConverter& FrameConverter::operator=(FrameConverter&&) noexcept = default;
 
 Picture FrameConverter::Convert(const FrameView& frame)
 {
+    if (frame.format != mSource || frame.width != mWidth || frame.height != mHeight) {
+        throw ExportError("a frame comes in another pixel format or size than the first one");
+    }
     return mWay->Convert(frame);
 }
 

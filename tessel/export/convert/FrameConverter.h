@@ -31,7 +31,7 @@ public:
     FrameConverter(FrameConverter&&) noexcept;
     FrameConverter& operator=(FrameConverter&&) noexcept;
 
-    /// @param frame  of the geometry and format given at construction.
+    /// @throws ExportError  for a frame of another format or size than was given at construction.
     [[nodiscard]] Picture Convert(const FrameView& frame);
 
 private:
@@ -39,6 +39,9 @@ private:
     class ShareWay;
     class MoveWay;
     class ComputeWay;
+    BR::PixelFormat mSource;
+    std::int32_t mWidth;
+    std::int32_t mHeight;
     std::unique_ptr<Way> mWay;
 };
 

@@ -12,7 +12,7 @@
 namespace tessel::exporting {
 namespace {
 
-using importhost::ClipDescription;
+using document::ClipFacts;
 
 constexpr std::int32_t kChannelType51 = 3;
 constexpr std::int32_t kMostChannels = 64;
@@ -34,7 +34,7 @@ std::int32_t WholeSampleRate(float rate)
 constexpr const char* kRoomiest = "pcm24";
 
 /// The chosen codec, or the container's; where that one is too small for the clip and nobody asked for it, PCM.
-const AudioCodec& CodecFor(const ClipDescription& clip, const Container& container, const AudioCodec* chosen,
+const AudioCodec& CodecFor(const ClipFacts& clip, const Container& container, const AudioCodec* chosen,
                            std::int32_t sampleRate)
 {
     const AudioCodec& codec = chosen != nullptr ? *chosen : *AudioCodecNamed(container.audioCodec);
@@ -53,8 +53,7 @@ const AudioCodec& CodecFor(const ClipDescription& clip, const Container& contain
 
 } // namespace
 
-AudioPlan PlanAudio(const ClipDescription& clip, const Container& container, const AudioCodec* chosen,
-                    Dither dither)
+AudioPlan PlanAudio(const ClipFacts& clip, const Container& container, const AudioCodec* chosen, Dither dither)
 {
     RequireRate(clip); // frames say where the sound begins and ends
     AudioPlan plan;

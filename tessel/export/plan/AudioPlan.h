@@ -4,7 +4,7 @@
 #include "AudioCodec.h"
 #include "Container.h"
 
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Dither.h>
 
 #include <cstdint>
@@ -28,7 +28,7 @@ struct AudioPlan {
 
 /// @param chosen  a codec that goes into the container; null: the container's usual one
 /// @throws ExportError  where the codec cannot have the clip's channels or rate; says what could
-[[nodiscard]] AudioPlan PlanAudio(const importhost::ClipDescription& clip, const Container& container,
+[[nodiscard]] AudioPlan PlanAudio(const document::ClipFacts& clip, const Container& container,
                                   const AudioCodec* chosen, Dither dither);
 
 } // namespace tessel::exporting

@@ -54,7 +54,7 @@ const DvProfile* DvProfileOf(PixelFormat format) noexcept
     return nullptr;
 }
 
-const DvProfile& DvProfileFor(const importhost::ClipDescription& clip)
+const DvProfile& DvProfileFor(const document::ClipFacts& clip)
 {
     const std::string clipText =
         fmt::format("the clip is {}x{} at {}", clip.width, clip.height, Rate(clip.timeScale, clip.sampleSize));

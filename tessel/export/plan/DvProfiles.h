@@ -2,7 +2,7 @@
 #pragma once
 
 #include <kestrel/brindle/PixelFormat.h>
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Picture.h>
 
 #include <string_view>
@@ -26,6 +26,6 @@ struct DvProfile {
 /// The profile for a clip that is to become DV: the one that its format names, or for other formats the one
 /// with the clip's size and rate that keeps the most (50 Mb/s before 25).
 /// @throws ExportError  where size or rate do not fit; the line says which would.
-[[nodiscard]] const DvProfile& DvProfileFor(const importhost::ClipDescription& clip);
+[[nodiscard]] const DvProfile& DvProfileFor(const document::ClipFacts& clip);
 
 } // namespace tessel::exporting

@@ -13,7 +13,7 @@
 namespace tessel::exporting {
 namespace {
 
-using importhost::ClipDescription;
+using document::ClipFacts;
 using importhost::FieldOrder;
 using Layouts = std::span<const PictureLayout>;
 
@@ -82,7 +82,7 @@ std::array<int, 8> CostOf(PictureLayout candidate, const Samples& samples) noexc
 }
 
 /// The layout of the least cost, the first of several.
-PictureLayout KeepMost(Layouts layouts, const ClipDescription& clip, const PixelKind& kind) noexcept
+PictureLayout KeepMost(Layouts layouts, const ClipFacts& clip, const PixelKind& kind) noexcept
 {
     // DV has samplings of its own. Codecs that have all of them keep them; others take it as 4:2:2.
     if (const DvProfile* dv = DvProfileOf(clip.pixelFormat);
@@ -96,7 +96,7 @@ PictureLayout KeepMost(Layouts layouts, const ClipDescription& clip, const Pixel
 }
 
 /// 4:2:0 plays everywhere, but pairs columns and rows: rows of the picture or, interlaced, of each field.
-PictureLayout ChoosePlayable(const VideoCodec& codec, const ClipDescription& clip, const PixelKind& kind)
+PictureLayout ChoosePlayable(const VideoCodec& codec, const ClipFacts& clip, const PixelKind& kind)
 {
     const bool pairsFields = codec.codesFields && clip.Order() != FieldOrder::Progressive;
     if (pairsFields && clip.height % 2 != 0) {
@@ -122,7 +122,7 @@ PictureLayout ChoosePlayable(const VideoCodec& codec, const ClipDescription& cli
 
 } // namespace
 
-PictureLayout ChooseLayout(const VideoCodec& codec, const Container& container, const ClipDescription& clip,
+PictureLayout ChooseLayout(const VideoCodec& codec, const Container& container, const ClipFacts& clip,
                            const PixelKind& kind)
 {
     switch (codec.rule) {

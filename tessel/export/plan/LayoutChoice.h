@@ -3,7 +3,7 @@
 
 #include "VideoCodec.h"
 
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Picture.h>
 #include <tessel/export/convert/PixelKind.h>
 
@@ -12,6 +12,6 @@ namespace tessel::exporting {
 /// @param codec  one that goes into `container`
 /// @throws ExportError  where the codec has no pictures of the clip's size, order or rate; says what it has
 [[nodiscard]] PictureLayout ChooseLayout(const VideoCodec& codec, const Container& container,
-                                         const importhost::ClipDescription& clip, const PixelKind& kind);
+                                         const document::ClipFacts& clip, const PixelKind& kind);
 
 } // namespace tessel::exporting

@@ -6,6 +6,11 @@
 
 namespace tessel::exporting {
 
+bool WantsPicture(const OutputRequest& request)
+{
+    return request.container->TakesVideo() && request.streams != Streams::AudioOnly;
+}
+
 void CheckRequest(const OutputRequest& request)
 {
     const Container& container = *request.container;
@@ -31,8 +36,7 @@ void CheckRequest(const OutputRequest& request)
         throw ExportError(fmt::format("{} files do not carry {} audio; they carry {}", container.name,
                                       request.audioCodec->name, AudioCodecNames(container)));
     }
-    const bool hasVideo = container.TakesVideo() && request.streams != Streams::AudioOnly;
-    if (request.quality && !hasVideo) {
+    if (request.quality && !WantsPicture(request)) {
         throw ExportError("there is no picture: remove --quality");
     }
     if (request.quality && request.videoCodec != nullptr) {
@@ -40,13 +44,13 @@ void CheckRequest(const OutputRequest& request)
     }
 }
 
-OutputPlan PlanOutput(const importhost::ClipDescription& clip, const OutputRequest& request)
+OutputPlan PlanOutput(const document::ClipFacts& clip, const OutputRequest& request)
 {
     CheckRequest(request);
     const Container& container = *request.container;
     OutputPlan plan;
     plan.container = &container;
-    if (container.TakesVideo() && request.streams != Streams::AudioOnly) {
+    if (WantsPicture(request)) {
         plan.video = PlanVideo(clip, container, request.videoCodec, request.quality);
     }
     if (container.TakesAudio() && request.streams != Streams::VideoOnly && clip.channelCount > 0) {

@@ -5,7 +5,7 @@
 #include "Container.h"
 #include "VideoPlan.h"
 
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 
 #include <cstdint>
 #include <optional>
@@ -28,13 +28,17 @@ struct OutputRequest {
 ///                      would
 void CheckRequest(const OutputRequest& request);
 
+/// Whether a picture is to be written.
+[[nodiscard]] bool WantsPicture(const OutputRequest& request);
+
 struct OutputPlan {
     const Container* container = nullptr;
     std::optional<VideoPlan> video;
     std::optional<AudioPlan> audio;
 };
 
+/// @param clip  with the format of its frames, where it becomes a picture
 /// @throws ExportError  where clip, container and codecs do not go together; says what would.
-[[nodiscard]] OutputPlan PlanOutput(const importhost::ClipDescription& clip, const OutputRequest& request);
+[[nodiscard]] OutputPlan PlanOutput(const document::ClipFacts& clip, const OutputRequest& request);
 
 } // namespace tessel::exporting

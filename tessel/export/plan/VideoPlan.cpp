@@ -14,6 +14,7 @@
 namespace tessel::exporting {
 namespace {
 
+using document::ClipFacts;
 using importhost::ClipDescription;
 using importhost::FieldOrder;
 
@@ -46,16 +47,17 @@ const VideoCodec& DefaultCodec(const PixelKind& kind, const Container& container
     return *VideoCodecNamed(name); // a test holds that every name of the table is a codec's
 }
 
-/// The format in which the plug-in paints frames of a clip's format.
-BR::PixelFormat FrameFormat(BR::PixelFormat format, const PixelKind& kind) noexcept
+/// The format that a file is to keep: that of the frames, except that frames which stand for a planar or DV
+/// file say so only in their document.
+PixelKind KindToKeep(const ClipFacts& clip)
 {
-    if (kind.storage == Storage::Planar420) {
-        return BR::PixelFormat::VUYA_4444_8u_709;
+    if (clip.pixelFormat != BR::PixelFormat::Unknown) {
+        const PixelKind named = KindOf(clip.pixelFormat);
+        if (named.storage == Storage::Planar420 || named.storage == Storage::Dv) {
+            return named;
+        }
     }
-    if (kind.storage == Storage::Dv) {
-        return kind.matrix == Matrix::Bt709 ? BR::PixelFormat::VUYA_4444_8u_709 : BR::PixelFormat::BGRA_4444_8u;
-    }
-    return format;
+    return KindOf(clip.frameFormat);
 }
 
 /// The ranges of codes that R'G'B' may become: what the file announces and its readers heed.
@@ -69,7 +71,7 @@ CodeRanges RangesOf(const VideoCodec& codec, const Container& container) noexcep
 }
 
 /// How the clip's pictures are coded where the target is Y'CbCr.
-YCbCrCoding CodingOf(const ClipDescription& clip, const PixelKind& kind, const VideoCodec& codec,
+YCbCrCoding CodingOf(const ClipFacts& clip, const PixelKind& kind, const VideoCodec& codec,
                      const Container& container)
 {
     if (kind.family != ColorFamily::Rgb) {
@@ -109,12 +111,7 @@ std::string_view TagOf(const VideoCodec& codec, const Container& container, Pict
 
 PictureGeometry GeometryOf(const ClipDescription& clip)
 {
-    if (clip.width < 1 || clip.height < 1) {
-        throw ExportError(fmt::format("the clip has no picture: its frames are {}x{}, but \"mFrameWidth\" and "
-                                      "\"mFrameHeight\" must be 1 or more; use --audio-only for its sound",
-                                      clip.width, clip.height));
-    }
-    RequireRate(clip);
+    RequirePicture(clip);
     const std::int32_t divisor = std::gcd(clip.timeScale, clip.sampleSize);
     PictureGeometry geometry;
     geometry.width = clip.width;
@@ -180,13 +177,22 @@ void CheckQuality(const VideoCodec& codec, int quality)
     }
 }
 
-VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, const VideoCodec* chosen,
+void RequirePicture(const ClipDescription& clip)
+{
+    if (clip.width < 1 || clip.height < 1) {
+        throw ExportError(fmt::format("the clip has no picture: its frames are {}x{}, but \"mFrameWidth\" and "
+                                      "\"mFrameHeight\" must be 1 or more; use --audio-only for its sound",
+                                      clip.width, clip.height));
+    }
+    RequireRate(clip);
+}
+
+VideoPlan PlanVideo(const ClipFacts& clip, const Container& container, const VideoCodec* chosen,
                     std::optional<int> quality)
 {
-    const PixelKind kind = KindOf(clip.pixelFormat);
-
     VideoPlan plan;
     plan.geometry = GeometryOf(clip);
+    const PixelKind kind = KindToKeep(clip);
     const VideoCodec& codec = chosen != nullptr ? *chosen : DefaultCodec(kind, container);
     plan.codec = &codec;
     if (quality) {
@@ -195,7 +201,7 @@ VideoPlan PlanVideo(const ClipDescription& clip, const Container& container, con
     } else if (!codec.quality.name.empty()) {
         plan.quality = codec.quality.usual;
     }
-    plan.conversion.source = FrameFormat(clip.pixelFormat, kind);
+    plan.conversion.source = clip.frameFormat;
     plan.conversion.target = ChooseLayout(codec, container, clip, kind);
     const LayoutInfo& layout = InfoOf(plan.conversion.target);
     plan.conversion.width = clip.width;

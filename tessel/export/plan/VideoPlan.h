@@ -6,6 +6,7 @@
 #include "VideoCodec.h"
 
 #include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Conversion.h>
 
 #include <cstdint>
@@ -47,11 +48,15 @@ struct VideoPlan {
 /// @throws ExportError  for a clip whose frames last no time that can be told
 void RequireRate(const importhost::ClipDescription& clip);
 
+/// @throws ExportError  for a clip whose frames have no size or rate
+void RequirePicture(const importhost::ClipDescription& clip);
+
+/// @param clip    with the format of its frames
 /// @param chosen  a codec that goes into the container; null: the one that keeps the clip's format best
 /// @param quality  on the codec's own scale; none: the usual one
 /// @throws ExportError  for a clip without a size or rate, and where the codec cannot have the clip's size or
 ///                      rate, or that quality; says what could.
-[[nodiscard]] VideoPlan PlanVideo(const importhost::ClipDescription& clip, const Container& container,
+[[nodiscard]] VideoPlan PlanVideo(const document::ClipFacts& clip, const Container& container,
                                   const VideoCodec* chosen, std::optional<int> quality = std::nullopt);
 
 /// @throws ExportError  where the codec does not know the quality; says what it knows

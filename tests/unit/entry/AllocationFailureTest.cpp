@@ -234,7 +234,7 @@ TEST_F(AllocationFailure, OfTheGateIs4)
 TEST_F(AllocationFailure, CannotBefallTheGateUnderAnOverride)
 {
     constexpr std::string_view kKey = "ML.LoadTestingPluginsAtStartup";
-    qelcore::debug::DebugDatabase::Instance().SetOverride(kKey, "true");
+    const qelcore::debug::ScopedOverride open(kKey, "true");
     ksStartUpRec record{};
     std::int32_t result = 0;
     bool hasFailed = false;
@@ -244,7 +244,6 @@ TEST_F(AllocationFailure, CannotBefallTheGateUnderAnOverride)
         result = Module::ImportEntry(0, nullptr, &record, nullptr);
         hasFailed = ScopedShortMemory::HasFailed();
     }
-    qelcore::debug::DebugDatabase::Instance().ClearOverride(kKey);
     EXPECT_EQ(result, 0);
     EXPECT_FALSE(hasFailed);
 }

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 namespace {
@@ -21,12 +22,15 @@ protected:
         // A database file of the person who runs this must not count.
         setenv("KESTREL_DEBUG_DATABASE", "/dev/null/absent", 1);
     }
-    void TearDown() override { qelcore::debug::DebugDatabase::Instance().ClearOverride(kGateKey); }
 
-    static void SetGate(const std::string& text)
+    void SetGate(const std::string& text)
     {
-        qelcore::debug::DebugDatabase::Instance().SetOverride(kGateKey, text);
+        mGate.reset(); // overrides end in the opposite order of their beginning
+        mGate.emplace(kGateKey, text);
     }
+
+private:
+    std::optional<qelcore::debug::ScopedOverride> mGate;
 };
 
 } // namespace

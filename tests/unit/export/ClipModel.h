@@ -2,6 +2,7 @@
 #pragma once
 
 #include <tessel/export/SignalSource.h>
+#include <tessel/export/convert/PixelKind.h>
 
 #include <array>
 #include <cstring>
@@ -11,10 +12,23 @@
 
 namespace tessel::exporting {
 
-[[nodiscard]] inline importhost::ClipDescription DescriptionOf(BR::PixelFormat format, std::int32_t width = 16,
-                                                               std::int32_t height = 8)
+/// Sets what a document names, and with it the format in which the plug-in paints.
+inline void SetFormat(document::ClipFacts& clip, BR::PixelFormat format)
 {
-    importhost::ClipDescription clip;
+    clip.pixelFormat = format;
+    clip.frameFormat = format;
+    const PixelKind kind = KindOf(format);
+    if (kind.storage == Storage::Planar420 || kind.storage == Storage::Dv) {
+        clip.frameFormat = kind.storage == Storage::Dv && kind.matrix != Matrix::Bt709
+                               ? BR::PixelFormat::BGRA_4444_8u
+                               : BR::PixelFormat::VUYA_4444_8u_709;
+    }
+}
+
+[[nodiscard]] inline document::ClipFacts DescriptionOf(BR::PixelFormat format, std::int32_t width = 16,
+                                                       std::int32_t height = 8)
+{
+    document::ClipFacts clip;
     clip.width = width;
     clip.height = height;
     clip.timeScale = 30000;
@@ -23,7 +37,7 @@ namespace tessel::exporting {
     clip.sampleRate = 48000.0F;
     clip.channelCount = 2;
     clip.channelType = 2;
-    clip.pixelFormat = format;
+    SetFormat(clip, format);
     clip.colorCodes = {1, 1, 1, 0};
     return clip;
 }
@@ -32,9 +46,9 @@ namespace tessel::exporting {
 /// c / 8 + (p mod 1000) / 2^20. Notes what it was asked for.
 class CountingSource final : public SignalSource {
 public:
-    explicit CountingSource(importhost::ClipDescription clip) : mClip(std::move(clip)) {}
+    explicit CountingSource(document::ClipFacts clip) : mClip(std::move(clip)) {}
 
-    [[nodiscard]] const importhost::ClipDescription& Description() const override { return mClip; }
+    [[nodiscard]] const document::ClipFacts& Description() const override { return mClip; }
 
     [[nodiscard]] FrameView RenderFrame(std::int64_t frame) const override
     {
@@ -71,7 +85,7 @@ public:
     }
 
 private:
-    importhost::ClipDescription mClip;
+    document::ClipFacts mClip;
     mutable std::mutex mMutex;
     mutable std::vector<std::pair<std::int64_t, std::uint32_t>> mAudioRequests;
 };

@@ -20,7 +20,7 @@ namespace {
 
 using BR::PixelFormat;
 
-VideoPlan Plan(const importhost::ClipDescription& clip, std::string_view container, std::string_view codec = {})
+VideoPlan Plan(const document::ClipFacts& clip, std::string_view container, std::string_view codec = {})
 {
     return PlanVideo(clip, *ContainerNamed(container), VideoCodecNamed(codec));
 }
@@ -174,7 +174,7 @@ TEST(VideoPlan, FullRangeIsMadeOnlyWhereItsReadersAreTold)
         EXPECT_EQ(made.conversion.coding.fullRange, row.made.fullRange) << row.codec;
         EXPECT_EQ(made.tags, row.made) << row.codec;
         // What has codes keeps them, and what it says about them.
-        clip.pixelFormat = PixelFormat::UYVY_422_8u_709;
+        SetFormat(clip, PixelFormat::UYVY_422_8u_709);
         const VideoPlan kept = Plan(clip, row.container, row.codec);
         EXPECT_FALSE(kept.conversion.coding.fullRange) << row.codec;
         EXPECT_EQ(kept.tags, (ColorTags{1, 1, 1, true})) << row.codec;
@@ -221,7 +221,7 @@ TEST(VideoPlan, ChromaRowsFollowTheFormatElseTheFieldOrder)
     auto clip = DescriptionOf(PixelFormat::YUV_420_MPEG2_FRAME_PICTURE_PLANAR_8u_709);
     clip.fieldType = 1;
     EXPECT_EQ(Plan(clip, "mkv").conversion.chromaRows, ChromaRows::Frame);
-    clip.pixelFormat = PixelFormat::BGRA_4444_8u;
+    SetFormat(clip, PixelFormat::BGRA_4444_8u);
     EXPECT_EQ(Plan(clip, "mp4").conversion.chromaRows, ChromaRows::Field);
 }
 

@@ -72,10 +72,7 @@ TEST(Render, SoundOfARangeStartsAndEndsWithItsFrames)
 class FailingSource final : public SignalSource {
 public:
     explicit FailingSource(const SignalSource& source) : mSource(source) {}
-    [[nodiscard]] const importhost::ClipDescription& Description() const override
-    {
-        return mSource.Description();
-    }
+    [[nodiscard]] const document::ClipFacts& Description() const override { return mSource.Description(); }
     [[nodiscard]] FrameView RenderFrame(std::int64_t frame) const override
     {
         if (frame == 20) {

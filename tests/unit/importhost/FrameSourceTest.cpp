@@ -44,45 +44,41 @@ std::byte LastByte(const FrameBuffer& frame)
                   layout.pictureRowBytes - 1];
 }
 
-TEST(FrameSource, APictureThatIsPaintedWholeSparesZeroing)
+TEST(FrameSource, WhatThePlugInLeavesAloneIsZeroFrameAfterFrame)
 {
     FrameSource source(FrameFilling::Zero);
-    EXPECT_FALSE(source.SparesZeroing());
-    EXPECT_EQ(LastByte(*source.Render(Painter()).frame), kPaint);
-    EXPECT_TRUE(source.SparesZeroing()) << "padding behind the picture does not count";
-}
-
-TEST(FrameSource, OneByteLeftAloneKeepsZeroing)
-{
-    FrameSource source(FrameFilling::Zero);
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(LastByte(*source.Render(Painter(1)).frame), std::byte{0}) << "frame " << i;
+    for (const std::size_t left : {0, 1, 0, 1, 400}) {
+        EXPECT_EQ(LastByte(*source.Render(Painter(left)).frame), left == 0 ? kPaint : std::byte{0}) << left;
     }
-    EXPECT_FALSE(source.SparesZeroing());
 }
 
-TEST(FrameSource, BitsThatKeepTheirOldValueAreNotTakenForPainted)
+TEST(FrameSource, FramesThatArePaintedWholeAreNotZeroed)
 {
-    // Sets every bit but one of the last byte's and keeps that one as it was.
-    const FrameSource::Painter paint = [](FrameRequest& request, ksFrameHandle& handle) {
-        const std::int32_t result = Painter(1)(request, handle);
-        auto* frame = static_cast<FrameBuffer*>(handle);
-        const auto& layout = frame->Layout();
-        std::byte& last = frame->Pixels()[layout.rowBytes * (layout.height - 1) +
-                                          static_cast<std::int32_t>(layout.pictureRowBytes) - 1];
-        last = last | std::byte{0xFE};
-        return result;
-    };
     FrameSource source(FrameFilling::Zero);
-    EXPECT_EQ(LastByte(*source.Render(paint).frame), std::byte{0xFE});
-    EXPECT_FALSE(source.SparesZeroing());
+    source.SetPaintedWhole(true);
+    EXPECT_EQ(LastByte(*source.Render(Painter()).frame), kPaint);
+    // The pool gives the same memory again, as the last frame left it.
+    EXPECT_EQ(LastByte(*source.Render(Painter(1)).frame), kPaint);
 }
 
-TEST(FrameSource, SmallFramesAreAlwaysZeroed)
+TEST(FrameSource, EveryFrameIsPaintedOnceIntoOneBuffer)
 {
-    FrameSource source(FrameFilling::Zero);
-    (void)source.Render(Painter(0, 127, 500));
-    EXPECT_FALSE(source.SparesZeroing());
+    for (const bool isPaintedWhole : {false, true}) {
+        FrameSource source(FrameFilling::Zero);
+        source.SetPaintedWhole(isPaintedWhole);
+        int requests = 0;
+        const std::byte* memory = nullptr;
+        for (int i = 0; i < 3; ++i) {
+            const auto rendered = source.Render([&requests](FrameRequest& request, ksFrameHandle& handle) {
+                ++requests;
+                return Painter()(request, handle);
+            });
+            const std::byte* pixels = rendered.frame->Pixels();
+            EXPECT_TRUE(memory == nullptr || memory == pixels);
+            memory = pixels;
+        }
+        EXPECT_EQ(requests, 3);
+    }
 }
 
 TEST(FrameSource, PoisonShowsWhereNothingIsPainted)
@@ -93,7 +89,7 @@ TEST(FrameSource, PoisonShowsWhereNothingIsPainted)
     EXPECT_NE(LastByte(*rendered.frame), kPaint);
 }
 
-TEST(FrameSource, AFailureIsHandedOnAndSparesNothing)
+TEST(FrameSource, AFailureIsHandedOn)
 {
     FrameSource source(FrameFilling::Zero);
     const auto rendered = source.Render([](FrameRequest& request, ksFrameHandle& handle) {
@@ -101,10 +97,8 @@ TEST(FrameSource, AFailureIsHandedOnAndSparesNothing)
         return 5;
     });
     EXPECT_EQ(rendered.result, 5);
-    EXPECT_TRUE(rendered.wasAsked);
     EXPECT_EQ(rendered.refusal, importhost::FrameRefusal::FormatCannotBePainted);
     EXPECT_EQ(rendered.frame, nullptr);
-    EXPECT_FALSE(source.SparesZeroing());
 }
 
 TEST(FrameSource, AForeignHandleIsNoFrame)
@@ -116,13 +110,14 @@ TEST(FrameSource, AForeignHandleIsNoFrame)
         return 0;
     });
     EXPECT_EQ(rendered.frame, nullptr);
-    EXPECT_FALSE(rendered.wasAsked);
+    EXPECT_TRUE(rendered.isForeign);
 }
 
 TEST(FrameSource, ManyThreadsNeverSeeWhatAnEarlierFrameLeft)
 {
     for (const std::size_t left : {std::size_t{0}, std::size_t{1}}) {
         FrameSource source(FrameFilling::Zero);
+        source.SetPaintedWhole(left == 0);
         std::atomic<int> wrong = 0;
         std::vector<std::thread> threads;
         for (int thread = 0; thread < 4; ++thread) {
@@ -137,7 +132,6 @@ TEST(FrameSource, ManyThreadsNeverSeeWhatAnEarlierFrameLeft)
             thread.join();
         }
         EXPECT_EQ(wrong, 0) << "bytes left alone: " << left;
-        EXPECT_EQ(source.SparesZeroing(), left == 0);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "ClipFolder.h"
+#include "ClipFixture.h"
 
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/importhost/HostError.h>
@@ -6,8 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -31,11 +35,6 @@ void ExpectFailure(const std::filesystem::path& file, const std::string& says)
 {
     const std::string line = LoadFailure(file);
     EXPECT_NE(line.find(says), std::string::npos) << line;
-}
-
-std::filesystem::path Wrong(const char* name)
-{
-    return std::filesystem::path(TEST_WRONG_PLUGINS) / (std::string(name) + ".so");
 }
 
 /// Sets a variable of the environment for one test.
@@ -72,7 +71,7 @@ TEST(Importer, RequestsReachThePlugIn)
 
 TEST(Importer, TheGateStaysAsTheDebugDatabaseSays)
 {
-    const importhosttests::ClipFolder folder;
+    const testsupport::ClipFolder folder;
     const char* key = "ML.LoadTestingPluginsAtStartup";
     const auto closed = folder.Write("closed.json", std::string("{\"") + key + "\": \"false\"}");
     const auto open = folder.Write("open.json", std::string("{\"") + key + "\": \"true\"}");
@@ -89,56 +88,112 @@ TEST(Importer, TheGateStaysAsTheDebugDatabaseSays)
 
 TEST(Importer, FilesThatAreNoPlugInAreRefused)
 {
-    const importhosttests::ClipFolder folder;
+    const testsupport::ClipFolder folder;
     ExpectFailure(folder.Path() / "gone.so", "gone.so: not a plug-in");
     ExpectFailure(folder.Write("text.so", "hello"), "text.so: not a plug-in");
     ExpectFailure(folder.Path(), "not a plug-in");
-    ExpectFailure(Wrong("WrongNoResources"), "it has no resource .ksres.PIPL.16000");
+    ExpectFailure(importhosttests::TestImporter("WrongNoResources"), "it has no resource .ksres.PIPL.16000");
 }
 
 TEST(Importer, PlugInsThatContradictThemselvesAreRefused)
 {
-    ExpectFailure(Wrong("WrongMatchName"), "match name \"TEST Importer\", its entry \"Somebody else\"");
-    ExpectFailure(Wrong("WrongTwoCalls"), "called back 2 times");
-    ExpectFailure(Wrong("WrongKind"), "not an importer plug-in");
-    ExpectFailure(Wrong("WrongKindResource"), ".ksres.IMPT.1000 is not an importer's");
-    ExpectFailure(Wrong("WrongNoEntry"), "does not export xImportEntry");
-    ExpectFailure(Wrong("WrongStart"), "failed to start (result 5)");
+    ExpectFailure(importhosttests::TestImporter("WrongMatchName"),
+                  "match name \"TEST Importer\", its entry \"Somebody else\"");
+    ExpectFailure(importhosttests::TestImporter("WrongTwoCalls"), "called back 2 times");
+    ExpectFailure(importhosttests::TestImporter("WrongKind"), "not an importer plug-in");
+    ExpectFailure(importhosttests::TestImporter("WrongKindResource"), ".ksres.IMPT.1000 is not an importer's");
+    ExpectFailure(importhosttests::TestImporter("WrongNoEntry"), "does not export xImportEntry");
+    ExpectFailure(importhosttests::TestImporter("WrongStart"), "failed to start (result 5)");
     // The same library without its one mistake passes all of these and fails only later.
-    ExpectFailure(Wrong("WrongNothing"), "opens no file type");
+    ExpectFailure(importhosttests::TestImporter("WrongNothing"), "opens no file type");
+}
+
+std::filesystem::path Find(const std::filesystem::path& place)
+{
+    return importhost::FindPlugin({.place = place, .placeSaidBy = "--place", .stem = "ImporterTessel"});
+}
+
+std::string FindFailure(const std::filesystem::path& place)
+{
+    try {
+        return "found " + Find(place).string();
+    } catch (const HostError& error) {
+        return error.what();
+    }
 }
 
 TEST(FindPlugin, TakesAFileOrItsFolder)
 {
     const std::filesystem::path file = TEST_PLUGIN;
-    EXPECT_EQ(importhost::FindPlugin(file), file);
-    EXPECT_EQ(importhost::FindPlugin(file.parent_path()), file);
+    EXPECT_EQ(Find(file), file);
+    EXPECT_EQ(Find(file.parent_path()), file);
 }
 
 TEST(FindPlugin, TheOptionWinsOverTheVariableAndTheVariableOverTheHostsFolder)
 {
     const std::filesystem::path file = TEST_PLUGIN;
-    const importhosttests::ClipFolder folder;
+    const testsupport::ClipFolder folder;
     const auto other = folder.Write("ImporterTessel.so", "x");
     const Variable variable("KESTREL_PLUGIN_PATH", folder.Path());
-    EXPECT_EQ(importhost::FindPlugin({}), other);
-    EXPECT_EQ(importhost::FindPlugin(file), file);
+    EXPECT_EQ(Find({}), other);
+    EXPECT_EQ(Find(file), file);
 }
 
 TEST(FindPlugin, BesideTheHostsLibraryWhenNothingIsSaid)
 {
-    EXPECT_TRUE(std::filesystem::equivalent(importhost::FindPlugin({}), TEST_PLUGIN));
+    EXPECT_TRUE(std::filesystem::equivalent(Find({}), TEST_PLUGIN));
 }
 
-TEST(FindPlugin, APlaceWithoutAPlugInIsNamed)
+TEST(FindPlugin, TheOneImporterInAFolderIsFoundByItsResources)
 {
-    const importhosttests::ClipFolder folder;
-    try {
-        (void)importhost::FindPlugin(folder.Path());
-        FAIL();
-    } catch (const HostError& error) {
-        EXPECT_NE(std::string(error.what()).find(folder.Path().string()), std::string::npos) << error.what();
+    const testsupport::ClipFolder folder;
+    (void)folder.Write("libnothing.so", "x");
+    const auto link = [&folder](const char* name) {
+        const std::filesystem::path file = importhosttests::TestImporter(name);
+        std::filesystem::create_symlink(file, folder.Path() / file.filename());
+    };
+    link("WrongNoResources");
+    EXPECT_NE(FindFailure(folder.Path()).find("no importer plug-in there"), std::string::npos);
+    link("PlainImporter");
+    EXPECT_EQ(Find(folder.Path()), folder.Path() / "PlainImporter.so");
+    link("WrongWidth");
+    EXPECT_NE(FindFailure(folder.Path()).find("PlainImporter.so and WrongWidth.so"), std::string::npos);
+}
+
+TEST(FindPlugin, APlaceWithoutAPlugInIsNamedWithWhoSaidIt)
+{
+    const testsupport::ClipFolder folder;
+    for (const auto& place : {folder.Path(), folder.Path() / "gone.so"}) {
+        EXPECT_EQ(FindFailure(place), place.string() +
+                                          ": no importer plug-in there (--place names an importer's "
+                                          "file, or the folder that it is in)");
     }
+}
+
+TEST(Importer, LoadsOfOtherThreadsKeepWhatTheyWereTold)
+{
+    const testsupport::ClipFolder folder;
+    const Variable database("KESTREL_DEBUG_DATABASE", folder.Path() / "absent.json");
+    constexpr int kLoads = 400;
+    std::atomic<int> refusedAllowed = 0;
+    std::atomic<int> startedRefused = 0;
+    const auto load = [&](TestingPlugins testing, std::atomic<int>& wrong, bool isWrong) {
+        for (int i = 0; i < kLoads; ++i) {
+            wrong += (LoadFailure(TEST_PLUGIN, testing).empty() == isWrong) ? 1 : 0;
+        }
+    };
+    // The library stays loaded, so that the loads meet at the gate instead of in the loader.
+    const auto kept = Importer::Load(TEST_PLUGIN, TestingPlugins::Allowed);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 2; ++i) {
+        threads.emplace_back(load, TestingPlugins::Allowed, std::ref(refusedAllowed), false);
+        threads.emplace_back(load, TestingPlugins::AsDebugDatabaseSays, std::ref(startedRefused), true);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(refusedAllowed, 0);
+    EXPECT_EQ(startedRefused, 0);
 }
 
 } // namespace

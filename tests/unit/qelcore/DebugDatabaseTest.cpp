@@ -7,6 +7,8 @@
 
 #include <cstdlib>
 #include <optional>
+#include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -108,17 +110,22 @@ TEST_F(DebugDatabaseFile, FolderInItsPlaceIsEmptyAndLogged)
     EXPECT_EQ(messages.size(), 1U);
 }
 
-TEST_F(DebugDatabaseFile, OverrideWinsUntilCleared)
+TEST_F(DebugDatabaseFile, OverridesWinOnTheirOwnThreadUntilTheyEnd)
 {
     WriteFile(file, R"({"a": "file"})");
-    DebugDatabase& database = DebugDatabase::Instance();
-    database.SetOverride("a", "first");
-    database.SetOverride("a", "override");
-    EXPECT_EQ(Entry("a"), "override");
-    database.ClearOverride("a");
-    EXPECT_EQ(Entry("a"), "file");
-    database.ClearOverride("a");
-    database.ClearOverride("never set");
+    {
+        const debug::ScopedOverride first("a", "first");
+        const debug::ScopedOverride other("b", "other");
+        {
+            const debug::ScopedOverride newest("a", "newest");
+            EXPECT_EQ(Entry("a"), "newest");
+        }
+        EXPECT_EQ(Entry("a"), "first");
+        EXPECT_EQ(Entry("b"), "other");
+        std::string elsewhere;
+        std::thread([&] { elsewhere = Entry("a"); }).join();
+        EXPECT_EQ(elsewhere, "file");
+    }
     EXPECT_EQ(Entry("a"), "file");
 }
 

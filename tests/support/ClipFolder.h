@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-namespace importhosttests {
+namespace testsupport {
 
 /// Keys of a document with their JSON texts, beginning with those of a small complete clip.
 class Document {
@@ -56,4 +56,4 @@ private:
 
 using ClipFolder = test::TemporaryFolder;
 
-} // namespace importhosttests
+} // namespace testsupport

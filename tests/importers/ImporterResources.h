@@ -1,7 +1,9 @@
-/// Importers that are each wrong in one way, chosen by the definitions below, for tests of the loader.
+/// What an importer's file carries before any of it runs: property list and kinds, and the identity callback
+/// that agrees with them. Included once by each importer of the tests, which may define the macros below to be
+/// wrong in one place.
+#pragma once
 
 #include <kestrel/importabi/Entries.h>
-#include <kestrel/importabi/ResultCodes.h>
 
 #include <array>
 #include <cstddef>
@@ -14,9 +16,6 @@
 #endif
 #ifndef WRONG_IMPT
 #define WRONG_IMPT "xiqp"
-#endif
-#ifndef WRONG_START
-#define WRONG_START ksResultServed
 #endif
 #ifndef WRONG_CALLS
 #define WRONG_CALLS 1
@@ -75,14 +74,6 @@ RESOURCE(".ksres.IMPT.1000") kKindResource = Bytes("\0\0" WRONG_IMPT);
 RESOURCE(".ksres.TYPE.1000")
 kTypeResource = Bytes("\0\0"
                       "TPMI");
-#endif
-
-#ifndef WRONG_WITHOUT_ENTRY
-EXPORTED int32_t xImportEntry(int32_t selector, const ksStdParms* /*stdParms*/, void* /*param1*/,
-                              void* /*param2*/)
-{
-    return selector == 0 ? int32_t{WRONG_START} : int32_t{ksResultNoMoreEntries};
-}
 #endif
 
 EXPORTED void PluginDataEntryFunction(void* hostContext, ksPluginDataCallback callback)

@@ -1,11 +1,11 @@
-#include "SettingsKeys.h"
+#include "DocumentFacts.h"
 
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <fstream>
 #include <iterator>
 
-namespace importhost {
+namespace tessel::document {
 namespace {
 
 using qelcore::serialization::Elements;
@@ -13,13 +13,20 @@ using qelcore::serialization::GetVariantInObject;
 using qelcore::serialization::Value;
 
 constexpr char kWrapper[] = "SerializerWrappedObject";
-constexpr const char* kBands[] = {"colorSwatches", "legalRangeGradient", "fullRangeGradient"};
 
-/// The low 32 bits of an integer, as plug-ins take them; nothing for another type.
+/// The low 32 bits of an integer, as the plug-in takes them; nothing for another type.
 std::optional<std::uint32_t> Integer32(const Value& value)
 {
     const std::optional<std::int64_t> integer = qelcore::serialization::FindInteger(value);
     return integer ? std::optional(static_cast<std::uint32_t>(*integer)) : std::nullopt;
+}
+
+/// Leaves `number` as it is where the key is absent or holds no integer.
+void ReadInteger(const Value& root, const char* key, std::int32_t& number)
+{
+    if (const auto integer = Integer32(GetVariantInObject(root, key))) {
+        number = static_cast<std::int32_t>(*integer);
+    }
 }
 
 /// The elements of an array; none of any other value.
@@ -31,14 +38,11 @@ Elements List(const Value& value)
 SwatchBand Band(const Value& coordinates, const Value& colors, const char* name)
 {
     const Value place = GetVariantInObject(coordinates, name);
-    const Value xValue = GetVariantInObject(place, "xCoordinates");
-    const Value yValue = GetVariantInObject(place, "yCoordinates");
-    const Value colorValue = GetVariantInObject(colors, name);
-    const Elements rows = List(yValue);
+    const Elements rows = List(GetVariantInObject(place, "yCoordinates"));
     SwatchBand band;
-    band.xCount = List(xValue).size();
+    band.xCount = List(GetVariantInObject(place, "xCoordinates")).size();
     band.yCount = rows.size();
-    band.colorPartCount = List(colorValue).size();
+    band.colorPartCount = List(GetVariantInObject(colors, name)).size();
     if (band.yCount > 0) {
         band.firstY = static_cast<std::int32_t>(Integer32(rows[0]).value_or(0));
         band.lastY = static_cast<std::int32_t>(Integer32(rows[rows.size() - 1]).value_or(0));
@@ -52,11 +56,6 @@ std::string Contents(const std::filesystem::path& file)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-std::string_view UpToNul(std::string_view text)
-{
-    return text.substr(0, text.find('\0'));
-}
-
 Value Unwrapped(const Value& root)
 {
     return qelcore::serialization::ObjectHasProperty(root, kWrapper) ? GetVariantInObject(root, kWrapper)
@@ -65,50 +64,49 @@ Value Unwrapped(const Value& root)
 
 } // namespace
 
-std::optional<SettingsKeys> SettingsKeysFromText(std::string_view text)
+std::optional<DocumentFacts> ReadFacts(std::string_view settingsText)
 {
-    const Value root = Unwrapped(qelcore::serialization::JSONParse(UpToNul(text)));
+    const Value root = Unwrapped(qelcore::serialization::JSONParse(settingsText));
     if (!root.IsObject()) {
         return std::nullopt;
     }
-    SettingsKeys keys;
-    keys.pixelFormat = Integer32(GetVariantInObject(root, "mPixelFormat")).value_or(keys.pixelFormat);
+    DocumentFacts facts;
+    facts.pixelFormatCode = Integer32(GetVariantInObject(root, "mPixelFormat")).value_or(facts.pixelFormatCode);
     const Value ticks = GetVariantInObject(GetVariantInObject(root, "mVideoFrameRate"), "ticksperframe");
-    keys.ticksPerFrame = qelcore::serialization::FindInteger(ticks).value_or(keys.ticksPerFrame);
-    if (const auto type = Integer32(GetVariantInObject(root, "mKsAudioChannelType"))) {
-        keys.channelType = static_cast<std::int32_t>(*type);
-    }
-    if (const auto format = Integer32(GetVariantInObject(root, "mRenderFormat"))) {
-        keys.renderFormat = static_cast<std::int32_t>(*format);
-    }
+    facts.ticksPerFrame = qelcore::serialization::FindInteger(ticks).value_or(facts.ticksPerFrame);
+    ReadInteger(root, "mKsAudioChannelType", facts.channelType);
+    ReadInteger(root, "mFieldType", facts.fieldType);
+    ReadInteger(root, "mRenderFormat", facts.renderFormat);
     const Value coordinates = GetVariantInObject(root, "mSwatchCoordinates");
     const Value colors = GetVariantInObject(root, "mSwatchColors");
-    for (std::size_t i = 0; i < keys.swatchBands.size(); ++i) {
-        keys.swatchBands[i] = Band(coordinates, colors, kBands[i]);
+    for (std::size_t i = 0; i < facts.swatchBands.size(); ++i) {
+        facts.swatchBands[i] = Band(coordinates, colors, kBandNames[i]);
     }
-    return keys;
+    return facts;
 }
 
-std::optional<SettingsKeys> SettingsKeysFromFile(const std::filesystem::path& file)
+std::optional<DocumentFacts> ReadFactsFromFile(const std::filesystem::path& file)
 {
-    return SettingsKeysFromText(Contents(file));
+    return ReadFacts(Contents(file));
 }
 
 std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
 {
     const std::string text = Contents(file);
+    if (text.empty()) {
+        return "is empty, a JSON document with a clip's settings was expected";
+    }
     std::string error;
-    const Value root = qelcore::serialization::JSONParse(UpToNul(text), &error);
+    const Value root = qelcore::serialization::JSONParse(text, &error);
     if (root.IsNothing()) {
         return error.empty() ? "not well-formed JSON" : error;
     }
-    const Value settings = Unwrapped(root);
-    if (settings.IsObject()) {
+    if (Unwrapped(root).IsObject()) {
         return std::nullopt;
     }
-    const std::string wrapper =
-        !qelcore::serialization::ObjectHasProperty(root, kWrapper) ? "" : '"' + std::string(kWrapper) + "\": ";
-    return wrapper + "expected a JSON object with a clip's settings";
+    const bool isWrapped = qelcore::serialization::ObjectHasProperty(root, kWrapper);
+    return (isWrapped ? '"' + std::string(kWrapper) + "\": " : std::string()) +
+           "expected a JSON object with a clip's settings";
 }
 
-} // namespace importhost
+} // namespace tessel::document

@@ -1,0 +1,14 @@
+/// What the host makes no frame of.
+#pragma once
+
+#include <cstdint>
+
+namespace importhost {
+
+/// Why a frame cannot be made.
+enum class FrameRefusal : std::uint8_t { None, FormatCannotBePainted, SizeOutOfRange, TooLarge, OutOfMemory };
+
+inline constexpr std::int32_t kLargestFrameSide = 100'000;       ///< pixels
+inline constexpr std::uint64_t kLargestFrameBytes = 1ULL << 31U; ///< 2 GiB
+
+} // namespace importhost

@@ -1,0 +1,141 @@
+#include "ClipFixture.h"
+
+#include <cstring>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace importhosttests;
+
+TEST_F(ClipTest, FramesAreUprightInBothRowOrders)
+{
+    // Interlaced: rows 0, 2, 4 ... in memory are red, the others green.
+    const Document document = Document().Set("mFieldType", "1");
+    const importhost::Frame straight = Open(document).RenderFrame(0);
+    EXPECT_GT(straight.RowBytes(), 0);
+    const std::uint8_t red[] = {0, 0, 255, 255};
+    EXPECT_EQ(std::memcmp(straight.Row(0), red, sizeof red), 0);
+    EXPECT_EQ(straight.Row(1), straight.Row(0) + straight.RowBytes());
+
+    Document floats = document;
+    const importhost::Frame flipped =
+        Open(floats.Set("mPixelFormat", std::to_string(CodeOf("BGra")))).RenderFrame(0);
+    EXPECT_LT(flipped.RowBytes(), 0);
+    const float floatRed[] = {0, 0, 1, 1};
+    EXPECT_EQ(std::memcmp(flipped.Row(31), floatRed, sizeof floatRed), 0) << "memory's first row shows last";
+    EXPECT_EQ(flipped.Row(31), flipped.Row(0) + 31 * flipped.RowBytes());
+}
+
+TEST_F(ClipTest, AFrameOutlivesItsClip)
+{
+    importhost::Frame frame;
+    {
+        frame = Open(Document()).RenderFrame(3);
+    }
+    EXPECT_EQ(frame.Width(), 64);
+    EXPECT_EQ(frame.Row(31)[2], std::byte{255});
+}
+
+TEST_F(ClipTest, RowsThePlugInLeavesAloneAreZeroOrPoison)
+{
+    // Two fields of height / 2 rows leave the last of 201 rows alone.
+    const Document document =
+        Document().Set("mFieldType", "1").Set("mFrameWidth", "200").Set("mFrameHeight", "201");
+    const Clip zeroed = Open(document);
+    for (int i = 0; i < 4; ++i) {
+        const auto frame = zeroed.RenderFrame(i);
+        for (int byte = 0; byte < 800; ++byte) {
+            ASSERT_EQ(frame.Row(200)[byte], std::byte{0}) << "frame " << i;
+        }
+    }
+    const Clip poisoned = Open(document, importhost::FrameFilling::Poison);
+    EXPECT_EQ(poisoned.RenderFrame(0).Row(200)[5], poisoned.RenderFrame(1).Row(200)[700]);
+    EXPECT_NE(poisoned.RenderFrame(0).Row(200)[5], std::byte{0});
+}
+
+TEST_F(ClipTest, FramesThatCannotBeMadeSayWhy)
+{
+    EXPECT_EQ(FrameFailure(Open(Document().Set("mPixelFormat", "1"))),
+              "clip.tessel: frame 0: the plug-in asked for a frame in a pixel format that cannot be painted");
+    EXPECT_EQ(
+        FrameFailure(Open(Document().Set("mFrameWidth", "100001"))),
+        "clip.tessel: frame 0: a frame of 100001x32 cannot be made: width and height must be 1 to 100000");
+    EXPECT_NE(FrameFailure(Open(Document().Set("mFrameHeight", "-5"))).find("64x-5"), std::string::npos);
+    EXPECT_NE(
+        FrameFailure(Open(Document().Set("mFrameWidth", "90000").Set("mFrameHeight", "90000"))).find("2 GiB"),
+        std::string::npos);
+    EXPECT_EQ(FrameFailure(Open(Document().Set("mRenderFormat", "2"))),
+              "clip.tessel: frame 0: the plug-in failed (result 5)");
+}
+
+TEST_F(ClipTest, TheProgramExplainsFailuresWhereItCan)
+{
+    Clip clip = Open(Document().Set("mPixelFormat", "1"));
+    importhost::ClipFailure seen;
+    clip.Learn({.explain = [&seen](const importhost::ClipFailure& failure) {
+        seen = failure;
+        return std::optional<std::string>("the program knows");
+    }});
+    EXPECT_EQ(FrameFailure(clip), "clip.tessel: frame 0: the program knows");
+    EXPECT_EQ(seen.cause, importhost::FailureCause::FrameRefused);
+    EXPECT_EQ(seen.refusal, importhost::FrameRefusal::FormatCannotBePainted);
+    clip.Learn({.explain = [](const importhost::ClipFailure&) { return std::optional<std::string>(); }});
+    EXPECT_NE(FrameFailure(clip).find("cannot be painted"), std::string::npos);
+}
+
+TEST_F(ClipTest, AFrameOfAnotherSizeThanDescribedIsRefused)
+{
+    const auto importer =
+        Importer::Load(TestImporter("WrongWidth"), importhost::TestingPlugins::AsDebugDatabaseSays);
+    const Clip clip = Clip::Open(importer, mFolder.Write("clip.plain", "64 32 10"));
+    EXPECT_EQ(FrameFailure(clip),
+              "clip.plain: frame 0: the plug-in made a frame of 64x32, but it described the "
+              "clip as 512x32");
+}
+
+TEST_F(ClipTest, AHandleThatIsNoFrameOfTheRequestIsRefused)
+{
+    const auto importer =
+        Importer::Load(TestImporter("WrongHandle"), importhost::TestingPlugins::AsDebugDatabaseSays);
+    const Clip clip = Clip::Open(importer, mFolder.Write("clip.plain", "64 32 10"));
+    EXPECT_EQ(FrameFailure(clip),
+              "clip.plain: frame 0: the plug-in gave a frame that this host did not make for "
+              "the request");
+}
+
+TEST_F(ClipTest, ManyThreadsRenderWhatOneRenders)
+{
+    const Document document = Document()
+                                  .Set("mRenderFormat", "1")
+                                  .Set("mFrameWidth", "320")
+                                  .Set("mFrameHeight", "240")
+                                  .Set("mDrawFrameFieldNumber", "true");
+    const Clip reference = Open(document);
+    std::vector<importhost::Frame> expected;
+    for (int i = 0; i < 16; ++i) {
+        expected.push_back(reference.RenderFrame(i));
+    }
+    const Clip clip = Open(document);
+    std::vector<int> differing(4, 0);
+    std::vector<std::thread> threads;
+    for (std::size_t thread = 0; thread < differing.size(); ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int i = 0; i < 16; ++i) {
+                const auto frame = clip.RenderFrame(i);
+                for (int row = 0; row < 240; ++row) {
+                    differing[thread] +=
+                        std::memcmp(frame.Row(row), expected[static_cast<std::size_t>(i)].Row(row), 320 * 4) !=
+                        0;
+                }
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(differing, std::vector<int>(4, 0));
+}
+
+} // namespace
