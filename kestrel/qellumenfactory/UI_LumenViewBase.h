@@ -34,8 +34,8 @@ public:
 
     [[nodiscard]] void* QueryInterface(std::string_view typeName) noexcept override;
 
-    /// Writes the layout text for `identifier` to `stream`: the resource of that name of a loaded library, in the
-    /// preferred dialect if it is there, else in the other one.
+    /// Writes the layout text for `identifier` to `stream`: the resource of that name of a loaded library, in
+    /// the preferred dialect if it is there, else in the other one.
     /// @return whether there is one.
     [[nodiscard]] bool GetScriptStream(std::string_view identifier, std::ostream& stream) const;
 

@@ -3,6 +3,8 @@
 #include "Messages.h"
 #include "probe/Answer.h"
 
+#include <kestrel/qelcore/text/PathText.h>
+
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -150,7 +152,7 @@ std::string WhyNoWindow()
         const std::optional<std::string> answer = Child(probe).Read();
         return answer ? ReasonIn(*answer) : "the display does not answer";
     } catch (const std::system_error& error) {
-        return "whether Qt can open a window is not known, because " + probe.string() +
+        return "whether Qt can open a window is not known, because " + qelcore::text::UTF8Text(probe) +
                " cannot be run: " + error.code().message();
     }
 }

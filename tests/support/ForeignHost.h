@@ -30,8 +30,9 @@ public:
     struct Behaviour {
         std::size_t guardBytes = 256; ///< before and after a frame's rows
         std::size_t rowPadding = 24;
-        bool backwards = false;                ///< row 0 is the last in memory and the step negative
-        std::int32_t largestSide = 0x7FFFFFFF; ///< a wider or higher frame is refused, and so is a negative size
+        bool backwards = false; ///< row 0 is the last in memory and the step negative
+        std::int32_t largestSide =
+            0x7FFFFFFF; ///< a wider or higher frame is refused, and so is a negative size
         bool creatorReportsFailure = false;
         bool creatorGivesNull = false;
         bool boundsFail = false, rowBytesFail = false, pixelsFail = false, pixelsAreNull = false;

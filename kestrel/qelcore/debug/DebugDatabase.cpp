@@ -4,6 +4,7 @@
 
 #include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/text/PathText.h>
 
 #include <fstream>
 #include <iterator>
@@ -36,15 +37,15 @@ Value ReadDatabase()
         text.assign(std::istreambuf_iterator<char>(stream), {});
     }
     if (!stream.is_open() || stream.bad()) {
-        logging::Log(kLogContext, file.string() + ": cannot be read; it counts as empty");
+        logging::Log(kLogContext, text::UTF8Text(file) + ": cannot be read; it counts as empty");
         return {};
     }
     std::string reason;
     const Value database = serialization::JSONParse(text, &reason);
     if (database.IsNothing()) {
-        logging::Log(kLogContext, file.string() + ": " + reason + "; it counts as empty");
+        logging::Log(kLogContext, text::UTF8Text(file) + ": " + reason + "; it counts as empty");
     } else if (!database.IsObject()) {
-        logging::Log(kLogContext, file.string() + ": is not a JSON object of texts; it counts as empty");
+        logging::Log(kLogContext, text::UTF8Text(file) + ": is not a JSON object of texts; it counts as empty");
     }
     return database;
 }

@@ -27,9 +27,10 @@ public:
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> ReadResource(const std::filesystem::path& file,
                                                                     std::string_view name);
 
-/// The resource `name` ("LUMEN.MyDialog") of the program or of a library that the process has loaded, in load order;
-/// the first that has it answers. Read in memory, where a note leads to it (<importabi/Entries.h>): what became of the
-/// library's file, or of the working folder, does not matter. Threads: [thread-safe]. Throws only `std::bad_alloc`.
+/// The resource `name` ("LUMEN.MyDialog") of the program or of a library that the process has loaded, in load
+/// order; the first that has it answers. Read in memory, where a note leads to it (<importabi/Entries.h>): what
+/// became of the library's file, or of the working folder, does not matter. Threads: [thread-safe]. Throws only
+/// `std::bad_alloc`.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> FindLoadedResource(std::string_view name);
 
 } // namespace qelcore::resources

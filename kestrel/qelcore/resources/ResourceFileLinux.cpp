@@ -1,5 +1,7 @@
 #include "ResourceFile.h"
 
+#include <kestrel/qelcore/text/PathText.h>
+
 #include <fcntl.h>
 #include <gelf.h>
 #include <libelf.h>
@@ -46,7 +48,7 @@ using ElfPtr = std::unique_ptr<Elf, ElfCloser>;
 
 [[noreturn]] void Fail(const std::filesystem::path& file, const std::string& reason)
 {
-    throw resource_exception(file.string() + ": " + reason);
+    throw resource_exception(text::UTF8Text(file) + ": " + reason);
 }
 
 /// Whether programs and libraries of this platform have that header.

@@ -2,6 +2,7 @@
 
 #include "Dump.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qelui/controls/UI_Button.h>
 #include <kestrel/qelui/controls/UI_Number.h>
@@ -276,7 +277,7 @@ ScriptRunner::ScriptRunner(std::filesystem::path file, std::vector<Command> comm
 void ScriptRunner::Fail(int line, std::string text)
 {
     if (!mFailure) {
-        mFailure = ScriptFailure{mFile.string(), line, std::move(text)};
+        mFailure = ScriptFailure{qelcore::text::UTF8Text(mFile), line, std::move(text)};
     }
 }
 
@@ -337,7 +338,7 @@ std::optional<std::u16string> ScriptRunner::TakeFileAnswer()
         return std::nullopt;
     }
     const std::filesystem::path absolute = std::filesystem::absolute(*answer.path);
-    return qelcore::text::ToUTF16(absolute.string());
+    return qelcore::text::ToUTF16(qelcore::text::UTF8Text(absolute));
 }
 
 std::optional<sharedui::PickerColor> ScriptRunner::TakeColorAnswer()

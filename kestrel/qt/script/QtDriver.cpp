@@ -2,6 +2,7 @@
 
 #include "PersonEvents.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelui/controls/UI_Button.h>
 #include <kestrel/qelui/controls/UI_Number.h>
 #include <kestrel/qelui/controls/UI_Popup.h>
@@ -78,10 +79,11 @@ void QtDriver::Type(qelui::UI_NumberView& number, std::string_view text)
 
 bool QtDriver::SaveScreenshot(const std::filesystem::path& file, std::string& whyNot)
 {
-    if (mWindow.Picture().save(QString::fromStdString(file.string()), "PNG")) {
+    const std::string path = qelcore::text::UTF8Text(file);
+    if (mWindow.Picture().save(QString::fromStdString(path), "PNG")) {
         return true;
     }
-    whyNot = file.string() + " cannot be written";
+    whyNot = path + " cannot be written";
     return false;
 }
 

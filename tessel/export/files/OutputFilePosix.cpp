@@ -3,6 +3,7 @@
 
 #include <kestrel/orb/FileReplacement.h>
 #include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fcntl.h>
@@ -18,6 +19,7 @@ namespace tessel::exporting {
 namespace {
 
 namespace fs = std::filesystem;
+using qelcore::text::UTF8Text;
 
 std::string ErrnoText(int error)
 {
@@ -41,7 +43,7 @@ std::string OrCurrent(const fs::path& folder)
 
 std::string Shown(const fs::path& path)
 {
-    return fmt::format("'{}'", path.string());
+    return fmt::format("'{}'", UTF8Text(path));
 }
 
 /// @throws ExportError  naming `path`, where nothing can be written
@@ -67,8 +69,8 @@ void Commit(const fs::path& path, ORB::FileReplacement& replacement)
         FailToWrite(Shown(path), outcome.error);
     }
     if (!outcome.notKept.empty()) {
-        qelcore::logging::Log(
-            "export", fmt::format("{}: written, but it could not keep its {}", path.string(), outcome.notKept));
+        qelcore::logging::Log("export", fmt::format("{}: written, but it could not keep its {}", UTF8Text(path),
+                                                    outcome.notKept));
     }
 }
 

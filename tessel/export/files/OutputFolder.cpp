@@ -1,5 +1,6 @@
 #include "OutputFolder.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -10,6 +11,7 @@
 namespace tessel::exporting {
 
 namespace fs = std::filesystem;
+using qelcore::text::UTF8Text;
 
 OutputFolder::OutputFolder(const fs::path& path, Missing missing)
 {
@@ -30,7 +32,7 @@ OutputFolder::OutputFolder(const fs::path& path, Missing missing)
         } else if (!fs::is_directory(one, ignored)) { // somebody else may have made it meanwhile
             Remove();
             throw ExportError(
-                fmt::format("cannot make the folder '{}': {}", one.string(),
+                fmt::format("cannot make the folder '{}': {}", UTF8Text(one),
                             (error ? error : std::make_error_code(std::errc::file_exists)).message()));
         }
     }

@@ -1,5 +1,6 @@
 #include "SequenceWriter.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -13,6 +14,7 @@ namespace tessel::exporting {
 namespace {
 
 namespace fs = std::filesystem;
+using qelcore::text::UTF8Text;
 
 constexpr int kMostDigits = 18;
 
@@ -65,7 +67,7 @@ SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount
         mSingle.emplace(OutputFile::StandardOutput{});
         return;
     }
-    if (std::optional<NumberedName> name = NumberedName::Parse(target.filename().string())) {
+    if (std::optional<NumberedName> name = NumberedName::Parse(UTF8Text(target.filename()))) {
         mNumbered.emplace(target.parent_path(), *std::move(name));
         return;
     }
@@ -73,7 +75,7 @@ SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount
         throw ExportError(
             fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
                         "in {}_%06d{}, or choose one frame with --from N --frames 1",
-                        target.string(), pictureCount, target.stem().string(), target.extension().string()));
+                        UTF8Text(target), pictureCount, UTF8Text(target.stem()), UTF8Text(target.extension())));
     }
     mSingle.emplace(target);
 }

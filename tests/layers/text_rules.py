@@ -1,0 +1,54 @@
+"""Rules about the text of files, one row each: which files, and what must not stand in them."""
+
+import os
+import re
+
+from include_rules import without_comments
+
+LEFT_OUT = {".git", ".cache", "__pycache__", "build", "out"}
+SOURCES = r"(?:kestrel|ImporterTessel|tessel|examples)/.*\.(?:h|cpp|c)$"
+
+
+class Rule:
+    def __init__(self, name, files, forbidden, exempt=None, in_comments=False):
+        self.name = name
+        self.files = re.compile(files)
+        self.forbidden = re.compile(forbidden)
+        self.exempt = re.compile(exempt) if exempt else None
+        self.in_comments = in_comments
+
+    def concerns(self, path):
+        return self.files.match(path) and not (self.exempt and self.exempt.search(path))
+
+    def breaks(self, text):
+        """(line, what stands there) of each violation in a file's text."""
+        searched = text if self.in_comments else without_comments(text)
+        for found in self.forbidden.finditer(searched):
+            yield searched.count("\n", 0, found.start()) + 1, found.group()
+
+
+RULES = [
+    # What `path::string` gives is in the platform's own encoding, which is UTF-8 on some platforms only.
+    Rule("a path becomes text through UTF8Text", SOURCES, r"\.(?:generic_)?string\(\)", exempt=r"^(?:tessel/cli|kestrel/importhost)/"),
+    # What a path is made of is bytes on some platforms only.
+    Rule("a path's own units are for platform files", SOURCES, r"\.native\(\)",
+         exempt=r"(?:Linux|Posix)\.(?:cpp|h)$|^tessel/cli/|^kestrel/importhost/"),
+    Rule("nothing names a place on somebody's machine", r".*", r"(?<![\w.$}~-])/(?:Users|home|root|work|workspace)/\w+",
+         exempt=r"\.(?:png)$|^tests/fuzz/[^/]+/corpus/|^tests/layers/test_text\.py$", in_comments=True),
+]
+
+
+def broken_rules(root):
+    """(path, line, what stands there, rule's name) of everything that breaks a rule below `root`."""
+    for where, folders, names in os.walk(root):
+        folders[:] = sorted(set(folders) - LEFT_OUT)
+        for name in sorted(set(names) - LEFT_OUT):
+            path = os.path.relpath(os.path.join(where, name), root)
+            rules = [rule for rule in RULES if rule.concerns(path)]
+            if not rules:
+                continue
+            with open(os.path.join(root, path), encoding="utf-8", errors="replace") as file:
+                text = file.read()
+            for rule in rules:
+                for line, what in rule.breaks(text):
+                    yield path, line, what, rule.name
