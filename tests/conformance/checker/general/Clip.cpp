@@ -85,16 +85,18 @@ void Clip::RequireAudio() const
 std::int64_t Clip::TicksPerFrame() const
 {
     constexpr std::int64_t kTicksPerSecond = 254'016'000'000;
-    const std::int64_t ticks = kTicksPerSecond * mInfo.videoSampleSize; // below 2^63 for sizes up to 3.6e7
-    return mInfo.videoTimeScale > 0 && mInfo.videoSampleSize <= 36'000'000 && ticks % mInfo.videoTimeScale == 0
-               ? ticks / mInfo.videoTimeScale
-               : 0;
+    if (mInfo.videoTimeScale <= 0 || mInfo.videoSampleSize <= 0 || mInfo.videoSampleSize > 36'000'000) {
+        return 0; // the product below would leave 64 bits
+    }
+    const std::int64_t ticks = kTicksPerSecond * mInfo.videoSampleSize;
+    const bool isWhole = ticks % mInfo.videoTimeScale == 0;
+    return isWhole && ticks / mInfo.videoTimeScale <= kLongestFrame ? ticks / mInfo.videoTimeScale : 0;
 }
 
 std::int64_t Clip::FrameCount() const
 {
-    return mInfo.videoSampleSize > 0 ? std::max<std::int64_t>(mInfo.videoDuration / mInfo.videoSampleSize, 1)
-                                     : 1;
+    const std::int64_t count = mInfo.videoSampleSize > 0 ? mInfo.videoDuration / mInfo.videoSampleSize : 1;
+    return std::clamp<std::int64_t>(count, 1, 0x7FFFFFFFFFFFFFFF / kLongestFrame);
 }
 
 Picture RequestPicture(const Plugin& plugin, ksInstance instance, std::int64_t ticks)

@@ -53,9 +53,12 @@ public:
     void RequireAudio() const;
     /// @}
 
-    /// Ticks of one frame; 0 where the description gives no whole number of them.
+    /// About an hour: a clip of longer frames is not asked for times within it.
+    static constexpr std::int64_t kLongestFrame = 1'000'000'000'000'000;
+
+    /// Ticks of one frame; 0 where the description gives no whole number of them, or more than `kLongestFrame`.
     [[nodiscard]] std::int64_t TicksPerFrame() const;
-    /// Frames of the clip, at least one.
+    /// Frames of the clip, at least one, and as many as `kLongestFrame` leaves below 2^63 ticks.
     [[nodiscard]] std::int64_t FrameCount() const;
 
 private:

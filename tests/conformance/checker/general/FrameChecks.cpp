@@ -115,7 +115,7 @@ void AnyTimeIsAnswered(Plugin& plugin)
     clip.RequireVideo();
     const std::int64_t ticks = std::max<std::int64_t>(clip.TicksPerFrame(), 1);
     for (const std::int64_t time :
-         {std::int64_t{-1}, -ticks, clip.FrameCount() * ticks, clip.FrameCount() * ticks * 1000,
+         {std::int64_t{-1}, -ticks, clip.FrameCount() * ticks, std::int64_t{1} << 60,
           std::int64_t{0x7FFFFFFFFFFFFFFF}, static_cast<std::int64_t>(0x8000000000000000ULL)}) {
         (void)RequestPicture(plugin, clip.Instance(), time);
     }

@@ -88,7 +88,9 @@ AllocationFailures::Exempt::~Exempt()
 
 } // namespace conformance
 
-// Replaces the global allocation functions for the whole process: the loaded libraries bind to them too.
+// Replaces the global allocation functions for the whole process: the loaded libraries bind to them too. All
+// forms are here, so that no block comes from one allocator and goes back to another: a sanitizer brings forms
+// of its own for those that a program does not define.
 void* operator new(std::size_t bytes)
 {
     conformance::CountAllocation();
@@ -100,6 +102,44 @@ void* operator new(std::size_t bytes, std::align_val_t alignment)
     conformance::CountAllocation();
     const auto step = static_cast<std::size_t>(alignment);
     return conformance::Counted(std::aligned_alloc(step, (bytes + step) / step * step)); // never 0 bytes
+}
+
+void* operator new[](std::size_t bytes)
+{
+    return operator new(bytes);
+}
+
+void* operator new[](std::size_t bytes, std::align_val_t alignment)
+{
+    return operator new(bytes, alignment);
+}
+
+void* operator new(std::size_t bytes, const std::nothrow_t& /*tag*/) noexcept
+{
+    try {
+        return operator new(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept
+{
+    try {
+        return operator new(bytes, alignment);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](std::size_t bytes, const std::nothrow_t& tag) noexcept
+{
+    return operator new(bytes, tag);
+}
+
+void* operator new[](std::size_t bytes, std::align_val_t alignment, const std::nothrow_t& tag) noexcept
+{
+    return operator new(bytes, alignment, tag);
 }
 
 void operator delete(void* block) noexcept
@@ -118,6 +158,46 @@ void operator delete(void* block, std::align_val_t) noexcept
 }
 
 void operator delete(void* block, std::size_t, std::align_val_t) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete(void* block, const std::nothrow_t&) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block, std::align_val_t) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block, std::size_t, std::align_val_t) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block, const std::nothrow_t&) noexcept
+{
+    conformance::Free(block);
+}
+
+void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept
 {
     conformance::Free(block);
 }

@@ -143,10 +143,12 @@ std::int32_t TicksToTimeScale(std::int64_t ticks, std::int32_t* timeScale, std::
     ForeignHostState& host = Foreign();
     host.legacyTicksAsked.push_back(ticks);
     if (host.legacyStatus >= 0) {
-        const std::int64_t common = std::gcd(kTicksPerSecond, ticks);
+        // A rate of 0 or less has no pair: it gets a time scale of 0. A pair that needs more than 32 bits is
+        // cut off; no check looks at it.
+        const std::int64_t common = std::gcd(kTicksPerSecond, std::max<std::int64_t>(ticks, 1));
         const bool isOwn = host.legacyTimeScale == -1;
-        // A rate of 0 or less, or one whose pair needs more than 32 bits, gives numbers that no check looks at.
-        *timeScale = isOwn ? static_cast<std::int32_t>(kTicksPerSecond / common) : host.legacyTimeScale;
+        const std::int64_t ownScale = ticks > 0 ? kTicksPerSecond / common : 0;
+        *timeScale = isOwn ? static_cast<std::int32_t>(ownScale) : host.legacyTimeScale;
         *sampleSize = isOwn ? static_cast<std::int32_t>(ticks / common) : host.legacySampleSize;
     }
     return host.legacyStatus;
@@ -154,10 +156,11 @@ std::int32_t TicksToTimeScale(std::int64_t ticks, std::int32_t* timeScale, std::
 
 std::int32_t TimeScaleToTicks(std::int32_t timeScale, std::int32_t sampleSize, std::int64_t* ticks)
 {
+    constexpr std::int32_t kLargestSize = 36'000'000; // times the ticks of a second stays below 2^63
     const Serving serving;
-    const bool isOwn = Foreign().legacyTicks == -1;
-    const std::int64_t own = timeScale > 0 ? kTicksPerSecond / timeScale * sampleSize : 0;
-    *ticks = isOwn ? own : Foreign().legacyTicks;
+    const bool isRate = timeScale > 0 && sampleSize > 0 && sampleSize <= kLargestSize;
+    const std::int64_t own = isRate ? kTicksPerSecond * sampleSize / timeScale : 0;
+    *ticks = Foreign().legacyTicks == -1 ? own : Foreign().legacyTicks;
     return 0;
 }
 
