@@ -67,6 +67,7 @@ void LetWritesFail() noexcept;
 void AddInfoCommand(CommandLine& commandLine, Context& context);
 void AddRenderCommand(CommandLine& commandLine, Context& context);
 void AddBenchCommand(CommandLine& commandLine, Context& context);
+void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
 /// @}

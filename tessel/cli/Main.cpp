@@ -62,6 +62,7 @@ int Run(int argc, char** argv)
         AddInfoCommand(commandLine, context);
         AddRenderCommand(commandLine, context);
         AddBenchCommand(commandLine, context);
+        AddDamageCommand(commandLine, context);
         AddEditCommand(commandLine, context);
         AddVerifyCommand(commandLine, context);
         commandLine.Run(argc, argv);

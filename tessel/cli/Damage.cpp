@@ -1,0 +1,101 @@
+/// `tessel damage`: a clip with faults put in on purpose, for testing those who look for faults.
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "OutputOptions.h"
+
+#include <kestrel/importhost/PathText.h>
+#include <tessel/damage/RenderDamaged.h>
+#include <tessel/damage/catalogue/FaultValue.h>
+#include <tessel/document/OpenClip.h>
+#include <tessel/export/ExportError.h>
+#include <tessel/export/files/Interrupt.h>
+#include <tessel/export/files/OutputFile.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tessel::cli {
+namespace {
+
+struct DamageOptions {
+    std::string clip;
+    std::string output;
+    OutputOptions out;
+    std::vector<std::string> faults;
+    bool list = false;
+};
+
+/// out.mov gets out.mov.truth.json beside it.
+std::filesystem::path TruthFile(const std::string& output)
+{
+    std::filesystem::path file = output;
+    file += ".truth.json";
+    return file;
+}
+
+void WriteTruth(const std::string& output, const std::string& text)
+{
+    exporting::OutputFile file(TruthFile(output));
+    file.Write(std::as_bytes(std::span<const char>(text)));
+    file.Commit();
+}
+
+void RunDamage(const DamageOptions& options, Context& context)
+{
+    if (options.list) {
+        WriteOut(damage::FaultList());
+        return;
+    }
+    if (options.clip.empty() || options.output.empty() || options.faults.empty()) {
+        throw UsageError("damage needs a CLIP, at least one --fault and -o OUT, or --list");
+    }
+    const exporting::Container& container = ContainerFor(options.out, options.output);
+    const document::OpenedClip opened = context.OpenClip(options.clip);
+    const exporting::ClipSource source(opened);
+    try {
+        const exporting::InterruptGuard guard;
+        exporting::RenderJob job;
+        job.output = RequestFor(options.out, container);
+        job.target = options.output;
+        job.threadCount = ThreadCount(options.out);
+        job.frames = FramesFor(options.out, opened.facts);
+        const std::string truth = damage::RenderDamaged(source, job, options.faults);
+        if (options.output != "-") {
+            WriteTruth(options.output, truth);
+        }
+    } catch (const exporting::Interrupted&) {
+        exporting::InterruptGuard::EndAsSignalled();
+    } catch (const damage::FaultError& error) {
+        throw UsageError(error.what());
+    }
+}
+
+} // namespace
+
+void AddDamageCommand(CommandLine& commandLine, Context& context)
+{
+    const auto options = std::make_shared<DamageOptions>();
+    const Command command = commandLine.AddCommand(
+        "damage", "Render a clip with faults put in on purpose, to test quality control");
+    command.AddOption("clip", options->clip, "Clip to render").ValueName("CLIP");
+    command
+        .AddOption("-o,--output", options->output,
+                   "File to write, or - for standard output; the truth is written beside it, as OUT.truth.json")
+        .ValueName("OUT");
+    command
+        .AddOption("--fault", options->faults,
+                   "A fault to put in, as NAME or NAME=VALUE; several are put in in the order given")
+        .ValueName("FAULT");
+    command.AddFlag("--list", options->list, "List the faults and their values, and do nothing else");
+    AddOutputOptions(command, options->out);
+    command.SetFooter(
+        "Example: tessel damage clip.tessel --fault order.missing=12 --fault audio.gain=-6 -o out.mov");
+    command.OnRun([options, &context] { RunDamage(*options, context); });
+}
+
+} // namespace tessel::cli

@@ -1,0 +1,124 @@
+#include "OutputOptions.h"
+
+#include "Commands.h"
+
+#include <tessel/export/ExportError.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <thread>
+
+namespace tessel::cli {
+
+using exporting::Container;
+using exporting::ExportError;
+
+void AddOutputOptions(const Command& command, OutputOptions& options)
+{
+    command.AddOption("--format", options.format,
+                      "What to write, where the extension does not say it: " + exporting::ContainerNames());
+    command.AddOption("--video-codec", options.videoCodec,
+                      "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
+    command.AddOption("--audio-codec", options.audioCodec,
+                      "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command.AddNumber("--from", options.from, 0, "First frame, counted from 0").ValueName("FRAME");
+    command.AddNumber("--to", options.to, 0, "Last frame, included").ValueName("FRAME");
+    command.AddNumber("--frames", options.frames, 1, "Number of frames").ValueName("COUNT");
+    command.AddFlag("--audio-only", options.audioOnly, "Sound alone");
+    command.AddFlag("--video-only", options.videoOnly, "Picture alone");
+    command.AddFlag("--dither", options.dither, "Triangular dither for integer samples");
+    command.AddNumber("--threads", options.threads, 1, "Threads to use; all cores where not said");
+}
+
+void CheckOutputOptions(const OutputOptions& options)
+{
+    if (options.audioOnly && options.videoOnly) {
+        throw UsageError("--audio-only and --video-only exclude each other");
+    }
+    if (options.to && options.frames) {
+        throw UsageError("--to and --frames exclude each other");
+    }
+    if (options.from && options.to && *options.to < *options.from) {
+        throw UsageError(
+            fmt::format("--to {} comes before --from {}; --to is the last frame", *options.to, *options.from));
+    }
+}
+
+const Container& FormatNamed(const std::string& name)
+{
+    const Container* container = exporting::ContainerNamed(name);
+    if (container == nullptr) {
+        throw UsageError(
+            fmt::format("--format {} is not known; there are {}", name, exporting::ContainerNames()));
+    }
+    return *container;
+}
+
+const Container& ContainerFor(const OutputOptions& options, const std::string& output)
+{
+    if (!options.format.empty()) {
+        return FormatNamed(options.format);
+    }
+    if (output == "-") {
+        throw UsageError(
+            fmt::format("writing to standard output needs --format: one of {}", exporting::ContainerNames()));
+    }
+    std::string extension = std::filesystem::path(output).extension().string();
+    if (!extension.empty()) {
+        extension.erase(0, 1);
+    }
+    const Container* container = exporting::ContainerNamed(extension);
+    if (container == nullptr) {
+        throw UsageError(
+            fmt::format("'{}': no format has this extension; the formats are {} (or give --format)", output,
+                        exporting::ContainerNames()));
+    }
+    return *container;
+}
+
+exporting::OutputRequest RequestFor(const OutputOptions& options, const Container& container)
+{
+    exporting::OutputRequest request;
+    request.container = &container;
+    if (options.audioOnly) {
+        request.streams = exporting::Streams::AudioOnly;
+    } else if (options.videoOnly) {
+        request.streams = exporting::Streams::VideoOnly;
+    }
+    if (!options.videoCodec.empty()) {
+        request.videoCodec = exporting::VideoCodecNamed(options.videoCodec);
+        if (request.videoCodec == nullptr) {
+            throw UsageError(fmt::format("--video-codec {} is not known; there are {}", options.videoCodec,
+                                         exporting::VideoCodecNames()));
+        }
+    }
+    if (!options.audioCodec.empty()) {
+        request.audioCodec = exporting::AudioCodecNamed(options.audioCodec);
+        if (request.audioCodec == nullptr) {
+            throw UsageError(fmt::format("--audio-codec {} is not known; there are {}", options.audioCodec,
+                                         exporting::AudioCodecNames()));
+        }
+    }
+    request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
+    try {
+        exporting::CheckRequest(request);
+    } catch (const ExportError& error) {
+        throw UsageError(error.what());
+    }
+    return request;
+}
+
+exporting::FrameRange FramesFor(const OutputOptions& options, const importhost::ClipDescription& clip)
+{
+    return exporting::ChooseFrames(clip, options.from, options.to, options.frames);
+}
+
+int ThreadCount(const OutputOptions& options)
+{
+    return options.threads > 0 ? options.threads
+                               : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+} // namespace tessel::cli

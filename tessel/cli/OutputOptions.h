@@ -1,0 +1,54 @@
+/// The options of commands that write a clip into a file.
+#pragma once
+
+#include "CommandLine.h"
+
+#include <kestrel/importhost/Clip.h>
+#include <tessel/export/Render.h>
+#include <tessel/export/plan/OutputPlan.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tessel::cli {
+
+/// As typed.
+struct OutputOptions {
+    std::string format;
+    std::string videoCodec;
+    std::string audioCodec;
+    std::optional<std::int64_t> from;
+    std::optional<std::int64_t> to;
+    std::optional<std::int64_t> frames;
+    bool audioOnly = false;
+    bool videoOnly = false;
+    bool dither = false;
+    int threads = 0;
+};
+
+/// Declares them. The struct must live until the command has run.
+void AddOutputOptions(const Command& command, OutputOptions& options);
+
+/// @throws UsageError  where options exclude each other
+void CheckOutputOptions(const OutputOptions& options);
+
+/// The container that `--format` or else the extension of `output` names; `-` is standard output.
+/// @throws UsageError
+[[nodiscard]] const exporting::Container& ContainerFor(const OutputOptions& options, const std::string& output);
+
+/// The container of that name. @throws UsageError
+[[nodiscard]] const exporting::Container& FormatNamed(const std::string& name);
+
+/// @throws UsageError  for codecs that are none or do not go into the container
+[[nodiscard]] exporting::OutputRequest RequestFor(const OutputOptions& options,
+                                                  const exporting::Container& container);
+
+/// @throws exporting::ExportError  for frames that the clip does not have
+[[nodiscard]] exporting::FrameRange FramesFor(const OutputOptions& options,
+                                              const importhost::ClipDescription& clip);
+
+/// As given, else as many as the machine has cores.
+[[nodiscard]] int ThreadCount(const OutputOptions& options);
+
+} // namespace tessel::cli
