@@ -1,6 +1,8 @@
 /// The host's pixel formats, under both of their numberings.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -68,12 +70,12 @@ struct PixelFormatInfo {
 };
 
 /// The 48 formats in the host's order. Static storage.
-[[nodiscard]] std::span<const PixelFormatInfo> AllPixelFormats() noexcept;
+[[nodiscard]] KESTREL_API std::span<const PixelFormatInfo> AllPixelFormats() noexcept;
 
 /// Host code to the framework's value; `Unknown` for any other number.
-[[nodiscard]] PixelFormat SDKToBEPixelFormat(std::uint32_t sdkCode) noexcept;
+[[nodiscard]] KESTREL_API PixelFormat SDKToBEPixelFormat(std::uint32_t sdkCode) noexcept;
 
 /// The framework's value to the host code; 0 for `Unknown`.
-[[nodiscard]] std::uint32_t BEToSDKPixelFormat(PixelFormat format) noexcept;
+[[nodiscard]] KESTREL_API std::uint32_t BEToSDKPixelFormat(PixelFormat format) noexcept;
 
 } // namespace BR

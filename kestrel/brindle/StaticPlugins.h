@@ -1,6 +1,7 @@
 /// Plug-ins that are linked into a program instead of being loaded from a file.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/PluginEntryInfo.h>
 
 #include <array>
@@ -25,10 +26,10 @@ struct StaticPlugin {
 };
 
 /// Hands a plug-in's entry points to the framework; one of the same name is replaced. [thread-safe]
-void RegisterStaticPlugin(std::int32_t type, const char* name, const StaticPluginEntries& entries,
-                          const char* buildDate, const char* buildTime);
+KESTREL_API void RegisterStaticPlugin(std::int32_t type, const char* name, const StaticPluginEntries& entries,
+                                      const char* buildDate, const char* buildTime);
 
 /// What has been registered so far, in order. [thread-safe]
-[[nodiscard]] std::vector<StaticPlugin> RegisteredStaticPlugins();
+[[nodiscard]] KESTREL_API std::vector<StaticPlugin> RegisteredStaticPlugins();
 
 } // namespace BR

@@ -2,6 +2,7 @@
 /// through the plug-in's selectors.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/importabi/Records.h>
 #include <kestrel/importhost/ClipFailure.h>
 #include <kestrel/importhost/Frame.h>
@@ -23,7 +24,7 @@ namespace importhost {
 enum class FieldOrder : std::uint8_t { Progressive = 0, UpperFirst = 1, LowerFirst = 2 };
 
 /// What selectors 37 and 73 report of a clip, and nothing else.
-struct ClipDescription {
+struct KESTRELHOST_API ClipDescription {
     std::int32_t width = 0;  ///< pixels
     std::int32_t height = 0; ///< pixels
     qelmediatypes::PixelAspectRatio pixelAspect;
@@ -61,11 +62,12 @@ struct ClipKnowledge {
 /// The plug-in's file type that owns the file's extension, in any case of letters. Looks at the name only.
 /// @throws HostError  where none does; names the file and the extensions that would be right.
 /// Threads: [thread-safe].
-[[nodiscard]] const FileType& FileTypeOf(const Importer& importer, const std::filesystem::path& file);
+[[nodiscard]] KESTRELHOST_API const FileType& FileTypeOf(const Importer& importer,
+                                                         const std::filesystem::path& file);
 
 /// Owns the plug-in's instance. Threads: [thread-safe] for `RenderFrame` and `RenderAudio`; the first
 /// frame request of a process runs alone, because it fills the plug-in's suite handles.
-class Clip {
+class KESTRELHOST_API Clip {
 public:
     /// Opens a file with selectors 39, 37 and 73. Only the plug-in opens the file.
     /// @throws HostError  missing, a directory, unreadable, an extension that the plug-in does not own, or an

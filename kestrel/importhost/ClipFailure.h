@@ -1,6 +1,7 @@
 /// Why a clip's frame or sound could not be had.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/importhost/FrameRefusal.h>
 
 #include <cstdint>
@@ -32,6 +33,7 @@ struct ClipFailure {
 inline constexpr std::int32_t kMostChannels = 64;
 
 /// The failure in one line without the file's name, as far as the host can see its reason.
-[[nodiscard]] std::string FailureText(const ClipFailure& failure, const ClipDescription& description);
+[[nodiscard]] KESTRELHOST_API std::string FailureText(const ClipFailure& failure,
+                                                      const ClipDescription& description);
 
 } // namespace importhost

@@ -1,6 +1,7 @@
 /// A rendered frame.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/brindle/PixelFormat.h>
 
 #include <cstddef>
@@ -13,7 +14,7 @@ class FrameBuffer;
 
 /// Pixels of one frame, read-only, upright: row 0 is the picture's top row whatever the order in memory.
 /// Owns its buffer, which goes back to the pool with the last copy. Threads: [any-thread].
-class Frame {
+class KESTRELHOST_API Frame {
 public:
     Frame() = default;
     explicit Frame(std::shared_ptr<const FrameBuffer> buffer);

@@ -1,13 +1,15 @@
 /// Memory for the pixels of one frame, straight from the operating system.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstddef>
 
 namespace importhost {
 
 /// Page-aligned bytes, zero when made. Above 32 MB it asks for huge pages, because a frame of that size
 /// costs more in page faults than in painting. Move-only.
-class FrameMemory {
+class KESTRELHOST_API FrameMemory {
 public:
     FrameMemory() noexcept = default;
     /// @throws std::bad_alloc

@@ -1,6 +1,7 @@
 /// A loaded importer plug-in.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/importabi/Records.h>
 
 #include <cstdint>
@@ -31,7 +32,7 @@ enum class TestingPlugins { Allowed, AsDebugDatabaseSays };
 
 /// One importer library, loaded and started. Unloads when the last owner lets go; clips own it.
 /// Threads: [thread-safe], except that requests which fill process-wide state are serialised inside.
-class Importer {
+class KESTRELHOST_API Importer {
 public:
     /// Reads the plug-in's resources from its file, loads it, checks that property list and identity
     /// callback agree, and starts it up.
@@ -74,6 +75,6 @@ struct PluginSearch {
 /// person names, for the one importer in it: its libraries are told apart by their resources, without running
 /// anything.
 /// @throws HostError  none there, or several; names the places looked at and what to say instead.
-[[nodiscard]] std::filesystem::path FindPlugin(const PluginSearch& search);
+[[nodiscard]] KESTRELHOST_API std::filesystem::path FindPlugin(const PluginSearch& search);
 
 } // namespace importhost

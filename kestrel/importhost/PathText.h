@@ -1,6 +1,8 @@
 /// File names in messages, and which file names a clip may have.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -8,20 +10,20 @@
 namespace importhost {
 
 /// The name as UTF-8 text, whatever the platform stores; the bytes as they are where names are bytes.
-[[nodiscard]] std::string UTF8Text(const std::filesystem::path& file);
+[[nodiscard]] KESTRELHOST_API std::string UTF8Text(const std::filesystem::path& file);
 
 /// The file of a UTF-8 name.
-[[nodiscard]] std::filesystem::path PathOf(std::string_view utf8);
+[[nodiscard]] KESTRELHOST_API std::filesystem::path PathOf(std::string_view utf8);
 
 /// The name for one line of a message: UTF-8, what is no UTF-8 as U+FFFD, control characters as "\n" or
 /// "\x1b".
-[[nodiscard]] std::string DisplayName(const std::filesystem::path& file);
+[[nodiscard]] KESTRELHOST_API std::string DisplayName(const std::filesystem::path& file);
 
 /// Any text made fit for one line in the same way.
-[[nodiscard]] std::string OneLine(std::string_view text);
+[[nodiscard]] KESTRELHOST_API std::string OneLine(std::string_view text);
 
 /// Plug-ins take file names as UTF-16, so a name has to be UTF-8 to reach one whole.
 /// @throws HostError where it is not. Looks at the name only; opens and loads nothing.
-void RequireUTF8Name(const std::filesystem::path& file);
+KESTRELHOST_API void RequireUTF8Name(const std::filesystem::path& file);
 
 } // namespace importhost

@@ -1,6 +1,7 @@
 /// The settings exchange: shows a plug-in's settings dialog for a clip and takes what came of it.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/importhost/Importer.h>
 
 #include <cstdint>
@@ -40,9 +41,11 @@ struct EditedSettings {
 /// Shows the dialog and returns when it has closed. [ui-thread]
 /// @param file  A data file.
 /// @throws HostError  the file cannot be read, or the plug-in failed; says why as far as it told.
-[[nodiscard]] EditedSettings EditClipSettings(const Importer& importer, const std::filesystem::path& file);
+[[nodiscard]] KESTRELHOST_API EditedSettings EditClipSettings(const Importer& importer,
+                                                              const std::filesystem::path& file);
 
 /// The same for a clip that does not exist yet.
-[[nodiscard]] EditedSettings EditNewClipSettings(const Importer& importer, const SequenceValues& sequence);
+[[nodiscard]] KESTRELHOST_API EditedSettings EditNewClipSettings(const Importer& importer,
+                                                                 const SequenceValues& sequence);
 
 } // namespace importhost

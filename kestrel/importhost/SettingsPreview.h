@@ -1,6 +1,7 @@
 /// A small picture of frame 0 of settings that are no clip yet.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/importhost/Importer.h>
 #include <kestrel/qelui/dialogs/PreviewPicture.h>
 
@@ -18,7 +19,7 @@ inline constexpr int kPreviewHeight = 270;
 /// @return a picture without size where the plug-in paints none, paints in another format than 8-bit or float
 ///         BGRA, or describes a frame of more than 64 megapixels or of another size than it makes.
 /// Threads: [any-thread]. Never throws. Costs as much as a frame.
-[[nodiscard]] qelui::PreviewPicture RenderSettingsPreview(const Importer& importer,
-                                                          const std::string& settingsText) noexcept;
+[[nodiscard]] KESTRELHOST_API qelui::PreviewPicture
+RenderSettingsPreview(const Importer& importer, const std::string& settingsText) noexcept;
 
 } // namespace importhost

@@ -1,6 +1,8 @@
 /// The host's file layer: opened files and their status codes.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -21,7 +23,7 @@ inline constexpr Status kInvalidPath = -4;  ///< empty, or not a path here
 /// An open file; closes itself. A file made with `Create` is written under a temporary name beside its
 /// final one and takes its place in `Write`, so that a failed save leaves the old file whole.
 /// Threads: [any-thread].
-class File {
+class KESTREL_API File {
 public:
     File() noexcept;
     ~File();
@@ -56,7 +58,7 @@ private:
     std::unique_ptr<State> mState;
 };
 
-struct PathUtils {
+struct KESTREL_API PathUtils {
     /// The part after the last separator: "b.tessel" of "a/b.tessel"; the whole text where there is none.
     [[nodiscard]] static std::u16string GetFilePart(std::u16string_view path);
 };

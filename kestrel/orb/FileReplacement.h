@@ -15,6 +15,7 @@
 /// Paths are the system's own bytes.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/orb/TemporaryFiles.h>
 
 #include <string>
@@ -35,7 +36,7 @@ struct Destination {
 /// Finds out where `path` leads. Opens nothing, so a pipe does not notice.
 /// @return 0, or an error number with `destination` untouched: `EISDIR` for a folder, `EACCES` for a protected
 ///         file, what the system says of a path that leads nowhere. Threads: [any-thread].
-[[nodiscard]] int FindDestination(const std::string& path, Destination& destination);
+[[nodiscard]] KESTREL_API int FindDestination(const std::string& path, Destination& destination);
 
 /// How a replacement ended.
 struct ReplacementOutcome {
@@ -48,7 +49,7 @@ struct ReplacementOutcome {
 };
 
 /// A file on its way to its place. Without `Commit` nothing changes. Threads: one object, one thread at a time.
-class FileReplacement {
+class KESTREL_API FileReplacement {
 public:
     /// Opens a place for the new content, and removes what killed processes left in the folder.
     /// @param destination  As found by `FindDestination`, not `Special`.
@@ -76,16 +77,16 @@ private:
 };
 
 /// Puts on the medium that `folder` has the entries it has. @return 0, or an error number.
-[[nodiscard]] int SyncFolder(const std::string& folder) noexcept;
+[[nodiscard]] KESTREL_API int SyncFolder(const std::string& folder) noexcept;
 
 /// Puts on the medium everything that was written to the file system of `folder`. @return 0, or an error
 /// number.
-[[nodiscard]] int SyncFileSystem(const std::string& folder) noexcept;
+[[nodiscard]] KESTREL_API int SyncFileSystem(const std::string& folder) noexcept;
 
 /// Why a file cannot be written, for a person: "the disk is full". Threads: [any-thread].
-[[nodiscard]] std::string WriteFailureText(int error);
+[[nodiscard]] KESTREL_API std::string WriteFailureText(int error);
 
 /// The folder part of a path; "." where it has none.
-[[nodiscard]] std::string FolderOf(const std::string& path);
+[[nodiscard]] KESTREL_API std::string FolderOf(const std::string& path);
 
 } // namespace ORB

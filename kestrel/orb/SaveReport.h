@@ -1,6 +1,8 @@
 /// What became of the files that somebody saved, for a program that must know although the saver ignored it.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -16,7 +18,7 @@ struct SaveReport {
 
 /// Hears of each save that its own thread makes, from construction to destruction.
 /// Listeners nest: the newest hears a report, the older ones do not.
-class ScopedSaveListener {
+class KESTREL_API ScopedSaveListener {
 public:
     using Handler = std::function<void(const SaveReport&)>;
 
@@ -32,6 +34,6 @@ private:
 };
 
 /// Gives a report to the calling thread's listener, if there is one. What it throws is dropped.
-void ReportSave(const SaveReport& report) noexcept;
+KESTREL_API void ReportSave(const SaveReport& report) noexcept;
 
 } // namespace ORB

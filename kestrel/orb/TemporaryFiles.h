@@ -1,6 +1,8 @@
 /// Files and folders that exist until the work on them is done. Paths are the system's own bytes.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <string>
 
 namespace ORB {
@@ -9,7 +11,7 @@ namespace ORB {
 /// however the process ends. Elsewhere it has a hidden name and an advisory lock, by which `RemoveLeftovers`
 /// tells the file of a killed process from one that is still being written.
 /// Threads: one object, one thread at a time.
-class TemporaryFile {
+class KESTREL_API TemporaryFile {
 public:
     TemporaryFile() noexcept = default;
     /// Closes the file and removes its name.
@@ -45,7 +47,7 @@ private:
 
 /// A folder under work, removed with all it holds by the destructor.
 /// Threads: one object, one thread at a time.
-class TemporaryFolder {
+class KESTREL_API TemporaryFolder {
 public:
     TemporaryFolder() noexcept = default;
     ~TemporaryFolder();
@@ -65,6 +67,6 @@ private:
 /// Removes what killed processes left in `folder`: temporary files and folders of the two classes above that
 /// no process holds a lock on. Others stay, and so do all where the file system has no locks.
 /// Threads: [any-thread]. Reads the whole folder.
-void RemoveLeftovers(const std::string& folder) noexcept;
+KESTREL_API void RemoveLeftovers(const std::string& folder) noexcept;
 
 } // namespace ORB

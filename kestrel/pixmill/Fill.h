@@ -1,6 +1,8 @@
 /// Filling rectangles with one colour.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 
 /// Fills `rows` rows of `width` pixels with one colour.
@@ -21,5 +23,6 @@
 /// @return 0, or a negative status with the destination untouched: a code that cannot be painted, a colour
 ///         code other than 260, a null pointer.
 /// Threads: [any-thread], also at once on rectangles that do not overlap. Never throws, never allocates.
-std::int32_t PM_FillWithColor(void* pixels, std::int32_t rowBytes, std::uint32_t width, std::uint32_t rows,
-                              std::uint32_t destCode, const void* color, std::uint32_t colorCode) noexcept;
+KESTREL_API std::int32_t PM_FillWithColor(void* pixels, std::int32_t rowBytes, std::uint32_t width,
+                                          std::uint32_t rows, std::uint32_t destCode, const void* color,
+                                          std::uint32_t colorCode) noexcept;

@@ -1,6 +1,7 @@
 /// The image library's pixel-format codes: one bit layout that says how a pixel is stored.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/brindle/PixelFormat.h>
 
 #include <cstdint>
@@ -32,19 +33,19 @@ static_assert(kBGRA8 == 12 && kBGRAFloat == 260 && kVUYA8_709 == 2061);
 } // namespace pixmill
 
 /// The framework's format to the image library's code; 0 for `Unknown`. [thread-safe]
-[[nodiscard]] std::uint32_t PM_QELPixelFormatToPMPixelFormat(BR::PixelFormat format) noexcept;
+[[nodiscard]] KESTREL_API std::uint32_t PM_QELPixelFormatToPMPixelFormat(BR::PixelFormat format) noexcept;
 
 /// The way back; `Unknown` for a number that is no format's code. [thread-safe]
-[[nodiscard]] BR::PixelFormat PM_PMPixelFormatToQELPixelFormat(std::uint32_t code) noexcept;
+[[nodiscard]] KESTREL_API BR::PixelFormat PM_PMPixelFormatToQELPixelFormat(std::uint32_t code) noexcept;
 
 namespace pixmill {
 
 /// Whether rows of pixels can be painted in the format: a known code with a top byte of 0.
-[[nodiscard]] bool IsPaintable(std::uint32_t code) noexcept;
+[[nodiscard]] KESTREL_API bool IsPaintable(std::uint32_t code) noexcept;
 
 /// Bytes that `width` pixels of a paintable format take in memory (v210: whole groups of 6 pixels in 16
 /// bytes; 4:2:2: whole pairs in 4 bytes); 0 for other codes. Padding between rows is not counted.
-[[nodiscard]] std::uint64_t BytesPerRow(std::uint32_t code, std::uint32_t width) noexcept;
+[[nodiscard]] KESTREL_API std::uint64_t BytesPerRow(std::uint32_t code, std::uint32_t width) noexcept;
 
 /// Whether frames of the format are stored bottom row first: only the host's compositing layout, code 260.
 [[nodiscard]] constexpr bool IsBottomRowFirst(std::uint32_t code) noexcept

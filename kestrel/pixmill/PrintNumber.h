@@ -1,6 +1,8 @@
 /// Printing a number into a picture.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 
 /// Prints a number on an opaque plate: fixed-width digits, zero-padded to at least six, white on black,
@@ -19,6 +21,6 @@
 /// @param opaque    Draws the plate; without it only the digits are drawn.
 /// @return 0, or a negative status with the picture untouched.
 /// Threads: [any-thread] on different frames. Never throws.
-std::int32_t PM_PrintNum(void* pixels, std::int32_t rowBytes, std::uint32_t destCode, std::uint32_t width,
-                         std::uint32_t height, std::int32_t number, float textHeight, const float position[2],
-                         bool opaque) noexcept;
+KESTREL_API std::int32_t PM_PrintNum(void* pixels, std::int32_t rowBytes, std::uint32_t destCode,
+                                     std::uint32_t width, std::uint32_t height, std::int32_t number,
+                                     float textHeight, const float position[2], bool opaque) noexcept;

@@ -1,6 +1,7 @@
 /// Layout texts as trees: what the two dialects of the layout language have in common.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
 
 #include <optional>
@@ -69,7 +70,7 @@ struct Parameter {
 };
 
 /// One widget with what it holds.
-struct LayoutNode {
+struct KESTRELUI_API LayoutNode {
     NodeKind kind = NodeKind::Dialog;
     std::vector<Parameter> parameters; ///< in the order of the text
     std::vector<LayoutNode> children;
@@ -92,7 +93,7 @@ struct Layout {
 };
 
 /// A text that is no layout. `what()` reads "NAME:LINE:COLUMN: what was expected and what was found".
-class LayoutError : public qelcore::Exception, public std::runtime_error {
+class KESTRELUI_API LayoutError : public qelcore::Exception, public std::runtime_error {
 public:
     LayoutError(std::string_view name, Position position, std::string_view text);
     ~LayoutError() override;
@@ -106,6 +107,6 @@ private:
 
 /// The first difference of two trees in words, nothing where they describe the same dialog. Positions,
 /// comments and the order of parameters do not count.
-[[nodiscard]] std::optional<std::string> FindDifference(const LayoutNode& a, const LayoutNode& b);
+[[nodiscard]] KESTRELUI_API std::optional<std::string> FindDifference(const LayoutNode& a, const LayoutNode& b);
 
 } // namespace qellumenfactory

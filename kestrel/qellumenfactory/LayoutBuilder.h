@@ -3,6 +3,7 @@
 
 #include "Layout.h"
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <memory>
@@ -11,6 +12,6 @@ namespace qellumenfactory {
 
 /// The dialog that a parsed layout describes, every control in the layout's state. The layout is sound, as
 /// `ParseLayout` returns it.
-[[nodiscard]] std::unique_ptr<qelui::UI_Dialog> BuildDialog(const LayoutNode& root);
+[[nodiscard]] KESTRELUI_API std::unique_ptr<qelui::UI_Dialog> BuildDialog(const LayoutNode& root);
 
 } // namespace qellumenfactory

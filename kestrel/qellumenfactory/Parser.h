@@ -3,6 +3,8 @@
 
 #include "Layout.h"
 
+#include <kestrel/Export.h>
+
 #include <string_view>
 
 namespace qellumenfactory {
@@ -17,6 +19,6 @@ inline constexpr int kDeepestNesting = 64;
 /// unique, radio buttons inside radio groups. The grammar is in docs/lumen.md.
 /// @param name  What errors call the text, for instance the layout's identifier.
 /// @throws LayoutError at the first fault. Threads: [any-thread].
-[[nodiscard]] Layout ParseLayout(std::string_view text, std::string_view name);
+[[nodiscard]] KESTRELUI_API Layout ParseLayout(std::string_view text, std::string_view name);
 
 } // namespace qellumenfactory

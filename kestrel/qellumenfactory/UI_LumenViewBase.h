@@ -1,6 +1,7 @@
 /// Base of views that are built from a layout text.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/classref/UnknownBase.h>
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
@@ -15,7 +16,7 @@
 namespace qellumenfactory {
 
 /// What a layout asks of its view.
-class UI_ILumenView : public qelcore::classref::UnknownBase {
+class KESTRELUI_API UI_ILumenView : public qelcore::classref::UnknownBase {
 public:
     static constexpr std::string_view kTypeName = "qellumenfactory::UI_ILumenView";
     /// Called once, when all controls exist and before anything is shown: look the controls up, register
@@ -27,7 +28,7 @@ public:
 enum LumenVersionPreference : int { kPreferSable = 0, kPreferLumen = 1 };
 
 /// A modal view. Life: made, given its script, run, read, gone. [ui-thread]
-class UI_LumenViewBase : public UI_ILumenView {
+class KESTRELUI_API UI_LumenViewBase : public UI_ILumenView {
 public:
     UI_LumenViewBase(const UI_LumenViewBase&) = delete;
     UI_LumenViewBase& operator=(const UI_LumenViewBase&) = delete;

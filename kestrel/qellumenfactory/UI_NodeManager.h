@@ -1,12 +1,13 @@
 /// The host's defaults for views.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/DrawSupplier.h>
 
 namespace qellumenfactory {
 
 /// One object for the process. [ui-thread]
-class UI_NodeManager {
+class KESTRELUI_API UI_NodeManager {
 public:
     [[nodiscard]] static UI_NodeManager& Get();
 

@@ -1,6 +1,8 @@
 /// Conversions and arithmetic that stop at the ends of their range instead of wrapping or trapping.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -28,12 +30,13 @@ requires std::is_integral_v<Integer>
 }
 
 /// `value` rounded to the nearest 32-bit float; an infinity of its sign beyond the largest, NaN stays NaN.
-[[nodiscard]] float SaturatingToFloat(double value) noexcept;
+[[nodiscard]] KESTREL_API float SaturatingToFloat(double value) noexcept;
 
-[[nodiscard]] std::int64_t SaturatingAdd(std::int64_t a, std::int64_t b) noexcept;
-[[nodiscard]] std::int64_t SaturatingSubtract(std::int64_t a, std::int64_t b) noexcept;
-[[nodiscard]] std::int64_t SaturatingMultiply(std::int64_t a, std::int64_t b) noexcept;
+[[nodiscard]] KESTREL_API std::int64_t SaturatingAdd(std::int64_t a, std::int64_t b) noexcept;
+[[nodiscard]] KESTREL_API std::int64_t SaturatingSubtract(std::int64_t a, std::int64_t b) noexcept;
+[[nodiscard]] KESTREL_API std::int64_t SaturatingMultiply(std::int64_t a, std::int64_t b) noexcept;
 /// a × b + c, saturated once, at the end.
-[[nodiscard]] std::int64_t SaturatingMultiplyAdd(std::int64_t a, std::int64_t b, std::int64_t c) noexcept;
+[[nodiscard]] KESTREL_API std::int64_t SaturatingMultiplyAdd(std::int64_t a, std::int64_t b,
+                                                             std::int64_t c) noexcept;
 
 } // namespace qelmediatypes

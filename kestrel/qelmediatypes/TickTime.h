@@ -2,6 +2,8 @@
 /// sample rates divide.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <compare>
 #include <cstdint>
 #include <limits>
@@ -28,11 +30,11 @@ struct FrameRate {
 
 /// Ticks per sample of a sample rate: kTicksPerSecond / `samplesPerSecond` in double precision, truncated
 /// toward zero and saturated to 64 bits; the unusable rate for exactly 0 and for NaN.
-[[nodiscard]] FrameRate SampleDuration(float samplesPerSecond) noexcept;
+[[nodiscard]] KESTREL_API FrameRate SampleDuration(float samplesPerSecond) noexcept;
 
 /// A point in time or a span, in ticks. All arithmetic saturates at the ends of 64 bits; nothing traps.
 /// Threads: [any-thread].
-class TickTime {
+class KESTREL_API TickTime {
 public:
     constexpr TickTime() noexcept = default;
     constexpr explicit TickTime(std::int64_t ticks) noexcept : mTicks(ticks) {}

@@ -1,13 +1,15 @@
 /// A window of its own: a host's main window, or a dialog.
 #pragma once
 
+#include <kestrel/Export.h>
+
 namespace qelworkspace::workspace {
 class Workspace;
 }
 
 namespace qelui {
 
-class TopLevelWindow {
+class KESTRELUI_API TopLevelWindow {
 public:
     TopLevelWindow() = default;
     virtual ~TopLevelWindow();

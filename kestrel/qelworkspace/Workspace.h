@@ -1,6 +1,7 @@
 /// The host's main window and what it shows.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 
 #include <string>
@@ -19,7 +20,7 @@ private:
 
 /// Made by a program around its main window (see `SetNativeWindow`), so that plug-ins' dialogs stand over
 /// it; known to `WorkspaceUtils` from construction to destruction. [ui-thread]
-class MainWindow final : public qelui::TopLevelWindow {
+class KESTRELUI_API MainWindow final : public qelui::TopLevelWindow {
 public:
     explicit MainWindow(std::string workspaceName);
     ~MainWindow() override;
@@ -31,7 +32,7 @@ private:
     Workspace mWorkspace;
 };
 
-struct WorkspaceUtils {
+struct KESTRELUI_API WorkspaceUtils {
     /// The main window that was made first of those that live; null where there is none. [ui-thread]
     [[nodiscard]] static qelui::TopLevelWindow* FindMainTopLevelWindow() noexcept;
 };

@@ -1,6 +1,8 @@
 /// Counts the living objects of watched classes, so that a leak in a modal run can be named.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -9,7 +11,7 @@ namespace qelcore::classref {
 
 /// Held as a member by objects of a watched class: registers the object's class by name from construction
 /// to destruction. Threads: [thread-safe].
-class WatchedClass {
+class KESTREL_API WatchedClass {
 public:
     explicit WatchedClass(std::string_view className);
     ~WatchedClass();
@@ -21,6 +23,6 @@ private:
 };
 
 /// How many objects of the class live now. Threads: [thread-safe].
-[[nodiscard]] std::size_t CountWatched(std::string_view className);
+[[nodiscard]] KESTREL_API std::size_t CountWatched(std::string_view className);
 
 } // namespace qelcore::classref

@@ -1,13 +1,15 @@
 /// Objects of the host that are held by shared ownership and asked for interfaces by name.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <memory>
 #include <string_view>
 
 namespace qelcore::classref {
 
 /// Base of such objects. Create them with `std::make_shared`.
-class UnknownBase : public std::enable_shared_from_this<UnknownBase> {
+class KESTREL_API UnknownBase : public std::enable_shared_from_this<UnknownBase> {
 public:
     virtual ~UnknownBase();
 

@@ -1,6 +1,8 @@
 /// Assertion reports and what a debugger has to do with them.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <string_view>
 
 namespace qelcore::debug {
@@ -10,14 +12,14 @@ namespace qelcore::debug {
 /// @return true when the person asks to break into the debugger. Here nobody is asked: true exactly when
 ///         the environment variable `KESTREL_BREAK_ON_ASSERT` is "true".
 /// Threads: [thread-safe]. Never throws.
-[[nodiscard]] bool DoSimpleAssert(std::string_view file, int line, std::string_view function,
-                                  std::string_view condition, std::string_view message) noexcept;
+[[nodiscard]] KESTREL_API bool DoSimpleAssert(std::string_view file, int line, std::string_view function,
+                                              std::string_view condition, std::string_view message) noexcept;
 
 /// Whether a debugger traces this process now. Threads: [thread-safe].
-[[nodiscard]] bool IsDebuggerAttached() noexcept;
+[[nodiscard]] KESTREL_API bool IsDebuggerAttached() noexcept;
 
 /// Stops in the attached debugger. Only to be called where `IsDebuggerAttached()` is true; without one the
 /// process would die. Threads: [any-thread].
-void BreakIntoDebugger() noexcept;
+KESTREL_API void BreakIntoDebugger() noexcept;
 
 } // namespace qelcore::debug

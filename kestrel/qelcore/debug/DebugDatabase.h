@@ -1,6 +1,8 @@
 /// The host's debug settings: texts by key, kept in a JSON file that testers edit by hand.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <string>
 #include <string_view>
 
@@ -11,7 +13,7 @@ namespace qelcore::debug {
 /// read at each question, so an edit counts at once; questions are asked at start-up only.
 ///
 /// Threads: [thread-safe].
-class DebugDatabase {
+class KESTREL_API DebugDatabase {
 public:
     [[nodiscard]] static DebugDatabase& Instance();
 
@@ -31,7 +33,7 @@ private:
 /// Answers `key` with `text` on its own thread, from construction to destruction, whatever the file says. Other
 /// threads do not see it, so that two threads which load plug-ins do not answer each other's questions.
 /// Overrides nest: the newest of a key wins. [any-thread]
-class ScopedOverride {
+class KESTREL_API ScopedOverride {
 public:
     ScopedOverride(std::string_view key, std::string_view text);
     ~ScopedOverride();

@@ -1,6 +1,8 @@
 /// The host's exceptions. All are exported types: one thrown in a library is caught by type in another.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <any>
 #include <stdexcept>
 #include <string>
@@ -10,7 +12,7 @@ namespace qelcore {
 
 /// Base of the host's own exceptions. Deliberately not a `std::exception`; types that should be caught as
 /// one inherit both.
-class Exception {
+class KESTREL_API Exception {
 public:
     explicit Exception(std::string message) : mMessage(std::move(message)) {}
     virtual ~Exception();
@@ -24,7 +26,7 @@ private:
 };
 
 /// A needed object is not there. `what()` names the missing object's type.
-class null_pointer_exception : public Exception, public std::runtime_error {
+class KESTREL_API null_pointer_exception : public Exception, public std::runtime_error {
 public:
     explicit null_pointer_exception(std::string_view typeName);
     ~null_pointer_exception() override;
@@ -35,7 +37,7 @@ public:
 namespace serialization {
 
 /// A document does not hold what its reader needs.
-class parse_exception : public Exception, public std::runtime_error {
+class KESTREL_API parse_exception : public Exception, public std::runtime_error {
 public:
     explicit parse_exception(const std::string& message);
     ~parse_exception() override;
@@ -45,7 +47,7 @@ public:
 
 /// An object lacks a required key. `what()` names the key with those that lead to it, parted by points, and the
 /// record type: "mUpperFieldColor.mRedPart": missing key of FloatColor. `Key()` is the last of them alone.
-class missing_key_exception : public parse_exception {
+class KESTREL_API missing_key_exception : public parse_exception {
 public:
     missing_key_exception(std::string_view path, std::string_view recordType);
     ~missing_key_exception() override;
@@ -60,7 +62,7 @@ private:
 
 /// A value has another type than its reader needs. `what()` names the key, with those that lead to it as above,
 /// and the expected type: "mFrameWidth": expected an integer. `Key()` is the last of them alone.
-class type_exception : public std::bad_any_cast {
+class KESTREL_API type_exception : public std::bad_any_cast {
 public:
     type_exception(std::string_view path, std::string_view expectedType);
     ~type_exception() override;

@@ -1,6 +1,8 @@
 /// The host's log: messages with a context go to whoever listens, else to standard error.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,15 +16,15 @@ struct Message {
 
 /// Logs `text`. While at least one listener is registered on the calling thread the listeners get the
 /// message and standard error does not. Threads: [thread-safe]. Never throws.
-void Log(std::string_view context, std::string_view text) noexcept;
+KESTREL_API void Log(std::string_view context, std::string_view text) noexcept;
 
 /// Logs the exception being handled: its `what()`, or that it is unknown where it has none. Only inside a catch
 /// block.
-void LogCurrentException(std::string_view context) noexcept;
+KESTREL_API void LogCurrentException(std::string_view context) noexcept;
 
 /// Listens to the messages that its own thread logs, from construction to destruction.
 /// Listeners nest: the newest hears a message, the older ones do not.
-class ScopedListener {
+class KESTREL_API ScopedListener {
 public:
     using Handler = std::function<void(const Message&)>;
 

@@ -1,6 +1,7 @@
 /// JSON texts to values and back (RFC 8259).
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/serialization/Value.h>
 
 #include <cstddef>
@@ -30,7 +31,7 @@ inline constexpr std::size_t kDeepestJSONNesting = 10'000;
 ///         finite double, or one of the limits above passed. Unpaired surrogate escapes become U+FFFD.
 /// Throws only `std::bad_alloc`. Threads: [any-thread]. Cost: at most 15 bytes of memory for a byte of text,
 /// also while parsing.
-[[nodiscard]] Value JSONParse(std::string_view text, std::string* error = nullptr);
+[[nodiscard]] KESTREL_API Value JSONParse(std::string_view text, std::string* error = nullptr);
 
 /// Prints a value as UTF-8 JSON text: keys in ascending byte order, numbers so that they read back bit for
 /// bit in every locale; infinities as ±1e39 (which reads back as an infinity once it is a 32-bit float),
@@ -38,12 +39,12 @@ inline constexpr std::size_t kDeepestJSONNesting = 10'000;
 ///
 /// @param formatted  Spread over lines and indented by two spaces a level, for the outer hundred levels; else
 ///                   without any white space.
-[[nodiscard]] std::string GetJSONUTF8String(const Value& value, bool formatted);
+[[nodiscard]] KESTREL_API std::string GetJSONUTF8String(const Value& value, bool formatted);
 
 /// Bytes to a text that JSON can carry, and back (RFC 4648, section 4).
-[[nodiscard]] std::string EncodeBinaryDataToUTF8String(std::span<const std::uint8_t> bytes);
+[[nodiscard]] KESTREL_API std::string EncodeBinaryDataToUTF8String(std::span<const std::uint8_t> bytes);
 
 /// @throws parse_exception where `text` is not such an encoding.
-[[nodiscard]] std::vector<std::uint8_t> DecodeBinaryDataFromUTF8String(std::string_view text);
+[[nodiscard]] KESTREL_API std::vector<std::uint8_t> DecodeBinaryDataFromUTF8String(std::string_view text);
 
 } // namespace qelcore::serialization

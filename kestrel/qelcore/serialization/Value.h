@@ -1,6 +1,8 @@
 /// Documents as trees of dynamically typed values.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -29,7 +31,7 @@ using Object = std::map<std::string, Value, std::less<>>;
 /// Parsed integers that fit a signed 64-bit number are signed, larger ones unsigned; a number with a point, an
 /// exponent or beyond 64 bits is a double.
 /// Threads: [any-thread], and [thread-safe] for reading.
-class Value {
+class KESTREL_API Value {
 public:
     enum class Kind : std::uint8_t { Nothing, Null, Boolean, Signed, Unsigned, Number, Text, Array, Object };
 
@@ -131,7 +133,7 @@ private:
 };
 
 /// The members of an object, by ascending keys; shares its contents.
-class Members {
+class KESTREL_API Members {
 public:
     struct Entry {
         std::string_view key;
@@ -154,34 +156,34 @@ private:
 /// Reads. Each throws `type_exception` naming `key` where the value has another type; nothing is of no type. A
 /// text lives as long as some copy of its value or of what contains it.
 /// @{
-[[nodiscard]] Members AsObject(const Value& value, std::string_view key);
-[[nodiscard]] Elements AsArray(const Value& value, std::string_view key);
-[[nodiscard]] std::string_view AsText(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API Members AsObject(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API Elements AsArray(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API std::string_view AsText(const Value& value, std::string_view key);
 /// From a signed or unsigned integer; the bits of the 64-bit two's complement. 333.0 is not an integer.
-[[nodiscard]] std::int64_t AsInteger(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API std::int64_t AsInteger(const Value& value, std::string_view key);
 /// From a double or either kind of integer.
-[[nodiscard]] double AsNumber(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API double AsNumber(const Value& value, std::string_view key);
 /// The same, rounded to the nearest 32-bit float; an infinity beyond its range.
-[[nodiscard]] float AsFloat(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API float AsFloat(const Value& value, std::string_view key);
 /// From a boolean, an integer (non-zero is true), or the text "true" or "false".
-[[nodiscard]] bool AsBoolean(const Value& value, std::string_view key);
+[[nodiscard]] KESTREL_API bool AsBoolean(const Value& value, std::string_view key);
 /// @}
 
 /// The same without an exception: no result where the value has another type. @{
-[[nodiscard]] std::optional<std::int64_t> FindInteger(const Value& value) noexcept;
-[[nodiscard]] std::optional<std::string_view> FindText(const Value& value) noexcept;
+[[nodiscard]] KESTREL_API std::optional<std::int64_t> FindInteger(const Value& value) noexcept;
+[[nodiscard]] KESTREL_API std::optional<std::string_view> FindText(const Value& value) noexcept;
 /// @}
 
 /// Whether `object` is an object and has `key`.
-[[nodiscard]] bool ObjectHasProperty(const Value& object, std::string_view key) noexcept;
+[[nodiscard]] KESTREL_API bool ObjectHasProperty(const Value& object, std::string_view key) noexcept;
 
 /// The value under `key`; nothing where `object` is no object or lacks the key.
-[[nodiscard]] Value GetVariantInObject(const Value& object, std::string_view key) noexcept;
+[[nodiscard]] KESTREL_API Value GetVariantInObject(const Value& object, std::string_view key) noexcept;
 
 /// The members of an object to build another one from; none of any other value.
-[[nodiscard]] Object CopyMembers(const Value& object);
+[[nodiscard]] KESTREL_API Object CopyMembers(const Value& object);
 
 /// Adds `value` under `key`, in the place of one that is there.
-void AddToObject(Object& object, std::string key, Value value);
+KESTREL_API void AddToObject(Object& object, std::string key, Value value);
 
 } // namespace qelcore::serialization

@@ -1,6 +1,8 @@
 /// A stream that composes UTF-8 texts without regard to the process's locale.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,7 +13,7 @@ namespace qelcore {
 /// Collects texts, whole numbers and pointers. Pointers print as bare lower-case hexadecimal digits, without
 /// "0x" and without padding; whole numbers in the base that was set last (ten at first).
 /// Threads: [any-thread].
-class oUTF8StringStream {
+class KESTREL_API oUTF8StringStream {
 public:
     enum class Base { Decimal = 10, Hexadecimal = 16 };
 

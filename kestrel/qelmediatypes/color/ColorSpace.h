@@ -1,6 +1,8 @@
 /// Colour spaces as a host value: a profile, how it is to be taken, and facts about the signal.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -23,7 +25,7 @@ struct ColorSpaceMetaData {
 };
 
 /// Value type. Default-constructed it is the unspecified colour space (codes 2, 2, 2, 0).
-struct ColorSpace {
+struct KESTREL_API ColorSpace {
     ColorSpace();
 
     ColorProfile baseColorProfile;

@@ -1,12 +1,13 @@
 /// Controls that are pressed: buttons, check boxes, radio buttons.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/controls/UI_ControlView.h>
 
 namespace qelui {
 
 /// `Label()` is the caption.
-class UI_Button final : public UI_ControlView {
+class KESTRELUI_API UI_Button final : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_Button";
     explicit UI_Button(std::string identifier) : UI_ControlView(ControlKind::Button, std::move(identifier)) {}
@@ -15,7 +16,7 @@ public:
     void Press();
 };
 
-class UI_CheckBox final : public UI_ControlView {
+class KESTRELUI_API UI_CheckBox final : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_CheckBox";
     explicit UI_CheckBox(std::string identifier) : UI_ControlView(ControlKind::CheckBox, std::move(identifier))
@@ -33,7 +34,7 @@ private:
 };
 
 /// One of the choices of the radio group around it.
-class UI_RadioButton final : public UI_ControlView {
+class KESTRELUI_API UI_RadioButton final : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_RadioButton";
     explicit UI_RadioButton(std::string identifier)

@@ -10,6 +10,8 @@
 /// Threads: [ui-thread] for everything in this library unless a declaration says otherwise.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -35,10 +37,10 @@ enum class ControlKind {
 };
 
 /// The kind's name in dumps and messages: "popup", "number edit".
-[[nodiscard]] std::string_view NameOf(ControlKind kind) noexcept;
+[[nodiscard]] KESTRELUI_API std::string_view NameOf(ControlKind kind) noexcept;
 
 /// One control. Owned by its group; groups and the dialog are controls themselves, so a dialog is a tree.
-class UI_ControlView {
+class KESTRELUI_API UI_ControlView {
 public:
     using ChangeHandler = std::function<void()>;
 

@@ -1,6 +1,7 @@
 /// Controls that hold others: groups, radio groups and the row of OK and Cancel.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <memory>
@@ -15,7 +16,7 @@ enum class Orientation { Column, Row };
 
 /// Arranges its children below one another or side by side, in reading and tab order. `Label()` is the
 /// header, a static text; groups fill the width they are given.
-class UI_Group : public UI_ControlView {
+class KESTRELUI_API UI_Group : public UI_ControlView {
 public:
     explicit UI_Group(std::string identifier, ControlKind kind = ControlKind::Group);
     ~UI_Group() override;
@@ -82,7 +83,7 @@ private:
 };
 
 /// Radio buttons below it, however deep, up to the next radio group, exclude one another.
-class UI_RadioGroup final : public UI_Group {
+class KESTRELUI_API UI_RadioGroup final : public UI_Group {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_RadioGroup";
     explicit UI_RadioGroup(std::string identifier) : UI_Group(std::move(identifier), ControlKind::RadioGroup) {}
@@ -90,7 +91,7 @@ public:
 
 /// The last row of a dialog: its children are the buttons `okButton` and `cancelButton`. OK is the dialog's
 /// default button; Escape and closing the window are Cancel.
-class UI_OkCancelRow final : public UI_Group {
+class KESTRELUI_API UI_OkCancelRow final : public UI_Group {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_OkCancelRow";
     static constexpr std::string_view kOkIdentifier = "okButton";

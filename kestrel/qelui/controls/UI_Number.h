@@ -1,6 +1,7 @@
 /// Controls that hold a number: number edits, and hot-text numbers, which one drags.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <optional>
@@ -10,19 +11,19 @@
 namespace qelui {
 
 /// `value` with `decimals` digits after the point, in every locale alike; zero never has a sign.
-[[nodiscard]] std::string FormatNumber(double value, int decimals);
+[[nodiscard]] KESTRELUI_API std::string FormatNumber(double value, int decimals);
 
 /// What a person typed as a finite number: decimal digits with a point, an exponent, a sign, blanks around.
 /// Nothing where it is none.
-[[nodiscard]] std::optional<double> ParseNumber(std::string_view text) noexcept;
+[[nodiscard]] KESTRELUI_API std::optional<double> ParseNumber(std::string_view text) noexcept;
 
 /// `value` rounded to `decimals` digits after the point, halves away from zero.
-[[nodiscard]] double RoundToDecimals(double value, int decimals) noexcept;
+[[nodiscard]] KESTRELUI_API double RoundToDecimals(double value, int decimals) noexcept;
 
 /// What both number controls share. The model holds more than it shows: a toolkit shows `ShownText()` and
 /// must call `EnterValue` only after a person has really edited the text or dragged the number, or merely
 /// passing through a field would round the value.
-class UI_NumberView : public UI_ControlView {
+class KESTRELUI_API UI_NumberView : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_NumberView";
     static constexpr int kMostDecimals = 15;
@@ -77,7 +78,7 @@ private:
 };
 
 /// A field that one types into.
-class UI_NumberEdit final : public UI_NumberView {
+class KESTRELUI_API UI_NumberEdit final : public UI_NumberView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_NumberEdit";
     explicit UI_NumberEdit(std::string identifier)
@@ -88,7 +89,7 @@ public:
 
 /// A number in running text: dragged sideways, or clicked and typed. A drag shows its number while it lasts
 /// and is entered once, on release.
-class UI_HotTextNumber final : public UI_NumberView {
+class KESTRELUI_API UI_HotTextNumber final : public UI_NumberView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_HotTextNumber";
     explicit UI_HotTextNumber(std::string identifier)

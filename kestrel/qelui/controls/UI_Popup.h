@@ -1,6 +1,7 @@
 /// A list of which one item is chosen.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <string>
@@ -8,7 +9,7 @@
 
 namespace qelui {
 
-class UI_Popup final : public UI_ControlView {
+class KESTRELUI_API UI_Popup final : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_Popup";
 

@@ -1,6 +1,7 @@
 /// Text that a person reads.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <string>
@@ -14,7 +15,7 @@ enum class DisplayOption {
 };
 
 /// `Label()` stands before the value.
-class UI_StaticText final : public UI_ControlView {
+class KESTRELUI_API UI_StaticText final : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_StaticText";
     explicit UI_StaticText(std::string identifier)

@@ -1,6 +1,7 @@
 /// The host's colour picker.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 
@@ -16,7 +17,7 @@ struct PickerColor {
 };
 
 /// Life: built, given a colour, run once, read.
-class ColorPickerDialog {
+class KESTRELUI_API ColorPickerDialog {
 public:
     /// @param flag  Reserved by the host; everybody passes false.
     ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool flag);

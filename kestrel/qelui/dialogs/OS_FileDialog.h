@@ -1,6 +1,7 @@
 /// The platform's dialogs for choosing a file.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/files/File.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 
@@ -19,7 +20,7 @@ inline constexpr int kResponseCancelled = 0;
 inline constexpr int kResponseConfirmed = 1;
 
 /// What both file dialogs share. Life: built, run once, read.
-class OS_FileDialog {
+class KESTRELUI_API OS_FileDialog {
 public:
     virtual ~OS_FileDialog();
     OS_FileDialog(const OS_FileDialog&) = delete;
@@ -45,13 +46,13 @@ private:
 };
 
 /// For a file that exists.
-class OS_FileOpenDialog final : public OS_FileDialog {
+class KESTRELUI_API OS_FileOpenDialog final : public OS_FileDialog {
 public:
     explicit OS_FileOpenDialog(TopLevelWindow* parent) : OS_FileDialog(Purpose::Open, parent) {}
 };
 
 /// For a file to write, whose replacing the platform's dialog has asked about where it exists.
-class OS_FileSaveAsDialog final : public OS_FileDialog {
+class KESTRELUI_API OS_FileSaveAsDialog final : public OS_FileDialog {
 public:
     explicit OS_FileSaveAsDialog(TopLevelWindow* parent) : OS_FileDialog(Purpose::SaveAs, parent) {}
     /// The name that the dialog starts with.

@@ -1,6 +1,7 @@
 /// A modal dialog: the root of a tree of controls, and the window they are in.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 #include <kestrel/qelui/controls/UI_Group.h>
@@ -18,7 +19,7 @@ class ScriptRunner;
 
 /// What a toolkit hears from a dialog that it shows. Called on the ui thread, also from within change
 /// handlers; must not throw.
-class WindowObserver {
+class KESTRELUI_API WindowObserver {
 public:
     WindowObserver() = default;
     virtual ~WindowObserver();
@@ -33,7 +34,7 @@ public:
 };
 
 /// Life: built, handed to `RunModal` once, read, destroyed.
-class UI_Dialog final : public UI_Group, public TopLevelWindow {
+class KESTRELUI_API UI_Dialog final : public UI_Group, public TopLevelWindow {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_Dialog";
     explicit UI_Dialog(std::string identifier);

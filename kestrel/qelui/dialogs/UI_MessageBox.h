@@ -1,6 +1,7 @@
 /// A question with a few answers.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 
 #include <string>
@@ -14,7 +15,7 @@ inline constexpr int kButtonYes = 16;
 inline constexpr int kButtonNo = 64;
 inline constexpr int kIconWarning = 1;
 
-class UI_MessageBox {
+class KESTRELUI_API UI_MessageBox {
 public:
     UI_MessageBox(TopLevelWindow* parent, std::string title, std::string text, int buttonSet, int defaultButton,
                   int icon);

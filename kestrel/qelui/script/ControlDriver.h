@@ -1,6 +1,8 @@
 /// The hands and eyes of a script on one toolkit.
 #pragma once
 
+#include <kestrel/Export.h>
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -39,7 +41,7 @@ struct SeenState {
 /// Acts as a person would. The runner calls an act only where `See` says that the control is enabled.
 /// An act returns when all that it causes has happened, nested dialogs included; it never throws but
 /// `std::bad_alloc`. The dialog may be closed afterwards, and its widgets gone.
-class ControlDriver {
+class KESTRELUI_API ControlDriver {
 public:
     ControlDriver() = default;
     virtual ~ControlDriver();
@@ -63,6 +65,6 @@ public:
 };
 
 /// What the model shows, which is what a toolkit without widgets sees.
-[[nodiscard]] SeenState SeeModel(UI_ControlView& control);
+[[nodiscard]] KESTRELUI_API SeenState SeeModel(UI_ControlView& control);
 
 } // namespace qelui::script

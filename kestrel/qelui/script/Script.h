@@ -1,6 +1,7 @@
 /// Dialog scripts: text files with one command a line that act on a dialog as a person would.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/dialogs/ColorPickerDialog.h>
 
 #include <filesystem>
@@ -75,6 +76,6 @@ struct ScriptError {
 /// Parses UTF-8 text up to its first error. Whole scripts are parsed before anything is done, so that a
 /// misspelt last line does not leave half an edit. Threads: [any-thread]. Throws only `std::bad_alloc`.
 /// @return the commands, or the first error.
-[[nodiscard]] std::variant<std::vector<Command>, ScriptError> ParseScript(std::string_view text);
+[[nodiscard]] KESTRELUI_API std::variant<std::vector<Command>, ScriptError> ParseScript(std::string_view text);
 
 } // namespace qelui::script

@@ -1,6 +1,7 @@
 /// Plays one script on one dialog.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/dialogs/ColorPickerDialog.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 #include <kestrel/qelui/script/ControlDriver.h>
@@ -17,7 +18,7 @@ namespace qelui::script {
 
 /// Made by `UI_Dialog::RunModal`. The first failure cancels the dialog and is kept; later ones are not
 /// looked for.
-class ScriptRunner {
+class KESTRELUI_API ScriptRunner {
 public:
     /// Reads and parses the file. A file that cannot be read or parsed is a failure like any other: `Play`
     /// then only cancels.

@@ -27,6 +27,7 @@
 /// where it can. An answer that is missing reads as a cancel (the runner notes the failure).
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 #include <kestrel/qelui/dialogs/ColorPickerDialog.h>
@@ -69,7 +70,7 @@ struct ColorPickerRequest {
 };
 
 /// Implemented by the Qt toolkit and by the scripted one. One object, on one thread. [ui-thread]
-class Toolkit {
+class KESTRELUI_API Toolkit {
 public:
     Toolkit() = default;
     virtual ~Toolkit();

@@ -12,7 +12,8 @@ namespace qelui {
 
 namespace {
 
-constexpr const char* kLibraryName = "libkestrelqt.so";
+// With the version, so that libraries of one version find each other.
+constexpr const char* kLibraryName = "libkestrelqt.so." KESTREL_SOVERSION;
 
 bool IsSet(const char* variable)
 {

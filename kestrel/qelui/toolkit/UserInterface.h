@@ -1,6 +1,7 @@
 /// Which toolkit shows dialogs in this process, and what script plays on it.
 #pragma once
 
+#include <kestrel/Export.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
 #include <kestrel/qelui/dialogs/PreviewPicture.h>
 
@@ -13,7 +14,7 @@ namespace qelui {
 class Toolkit;
 
 /// No toolkit can be had. `what()` is one line that says why and what would help.
-class NoToolkitError : public qelcore::Exception, public std::runtime_error {
+class KESTRELUI_API NoToolkitError : public qelcore::Exception, public std::runtime_error {
 public:
     explicit NoToolkitError(const std::string& line);
     ~NoToolkitError() override;
@@ -22,7 +23,7 @@ public:
 };
 
 /// Why a script stopped.
-struct ScriptFailure {
+struct KESTRELUI_API ScriptFailure {
     std::string script; ///< the file's name as it was given
     int line = 0;       ///< counted from 1; 0 where the file could not be read
     std::string text;   ///< what was wrong
@@ -35,7 +36,7 @@ struct ScriptFailure {
 /// - `KESTREL_UI`: `qt` or `scripted`; unset, it is `qt` where a display is there and the Qt toolkit can be
 ///   loaded, else `scripted` where a script is named, else there is none;
 /// - `KESTREL_UI_SCRIPT`: the script's file.
-class UserInterface {
+class KESTRELUI_API UserInterface {
 public:
     [[nodiscard]] static UserInterface& Get();
 
