@@ -1,6 +1,7 @@
 /// What the dialog's popups offer, and the settings behind it.
 #pragma once
 
+#include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 #include <kestrel/qelmediatypes/TickTime.h>
 #include <kestrel/qelmediatypes/color/ColorSpace.h>
@@ -18,15 +19,9 @@ struct FrameRateChoice {
     std::string_view label;
 };
 
-struct PixelFormatChoice {
-    std::uint32_t code; ///< host four-character code: four bytes in memory order, read little-endian
-    std::string_view name;
-};
-
-struct PixelAspectChoice {
-    qelmediatypes::PixelAspectRatio ratio;
-    std::string_view name;
-};
+/// The host's own lists: names are those of its constants.
+using PixelFormatChoice = BR::PixelFormatInfo;
+using PixelAspectChoice = qelmediatypes::NamedPixelAspectRatio;
 
 struct IdentifierFormatChoice {
     std::int32_t format; ///< `IdentifierFormat`

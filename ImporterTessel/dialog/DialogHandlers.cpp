@@ -27,7 +27,7 @@ double Seconds(TickTime time)
 void ImporterTesselPrefsDialogImpl::OnPixelFormat()
 {
     if (const auto* const choice = ChoiceAt(PixelFormatChoices(), mControls.pixelFormat->GetValue())) {
-        mPrefs.mPixelFormat = choice->code;
+        mPrefs.mPixelFormat = choice->sdkCode;
     }
     UpdateColorEdits();
 }

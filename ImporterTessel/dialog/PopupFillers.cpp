@@ -52,12 +52,13 @@ void FillFrameRatePopup(qelui::UI_Popup& popup, qelmediatypes::FrameRate rate)
 
 void FillPixelFormatPopup(qelui::UI_Popup& popup, std::uint32_t pixelFormat)
 {
-    FillFromTable(popup, PixelFormatChoices(), &PixelFormatChoice::name, &PixelFormatChoice::code, pixelFormat);
+    FillFromTable(popup, PixelFormatChoices(), &PixelFormatChoice::constant, &PixelFormatChoice::sdkCode,
+                  pixelFormat);
 }
 
 void FillPixelAspectPopup(qelui::UI_Popup& popup, const qelmediatypes::PixelAspectRatio& ratio)
 {
-    FillFromTable(popup, PixelAspectChoices(), &PixelAspectChoice::name, &PixelAspectChoice::ratio, ratio);
+    FillFromTable(popup, PixelAspectChoices(), &PixelAspectChoice::constant, &PixelAspectChoice::ratio, ratio);
 }
 
 void FillColorSpacePopup(qelui::UI_Popup& popup, const qelmediatypes::color::ColorSpace& space)

@@ -1,7 +1,6 @@
 #include "ClipDescription.h"
 
-#include "HostServices.h"
-
+#include <ImporterTessel/host/HostServices.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Suites.h>

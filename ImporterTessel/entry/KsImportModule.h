@@ -54,6 +54,10 @@ public:
     [[nodiscard]] static std::unique_ptr<Module> CreateImportModuleInstance(const ksStdParms* stdParms);
 
 protected:
+    /// Serves a request of a known selector by its row, outside of the barrier: what the row noted for the log
+    /// stands in the request afterwards, also where it throws.
+    [[nodiscard]] static std::int32_t Serve(ImportRequest& request);
+
     [[nodiscard]] const ksStdParms* StdParms() const noexcept { return mStdParms; }
 
 private:
@@ -174,13 +178,12 @@ template <class Module>
 std::int32_t KsImportModule<Module>::ImportEntry(std::int32_t selector, const ksStdParms* stdParms,
                                                  void* param1, void* param2) noexcept
 {
-    const auto row = static_cast<std::uint32_t>(selector);
-    if (row >= kRows.size()) {
+    if (static_cast<std::uint32_t>(selector) >= kRows.size()) {
         return ksResultUnsupported;
     }
     ImportRequest request{selector, stdParms, param1, param2};
     try {
-        return kRows[row](request);
+        return Serve(request);
     } catch (const std::bad_alloc&) {
         ReportBadAlloc(Module::kTypeName, request);
         return ksResultOutOfMemory;
@@ -191,6 +194,12 @@ std::int32_t KsImportModule<Module>::ImportEntry(std::int32_t selector, const ks
         ReportUnknownException(Module::kTypeName, request);
         return ksResultFailed;
     }
+}
+
+template <class Module>
+std::int32_t KsImportModule<Module>::Serve(ImportRequest& request)
+{
+    return kRows[static_cast<std::uint32_t>(request.selector)](request);
 }
 
 template <class Module>

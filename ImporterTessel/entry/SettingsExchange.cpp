@@ -1,10 +1,10 @@
 #include "SettingsExchange.h"
 
 #include "ClipDescription.h"
-#include "HostServices.h"
 
 #include <ImporterTessel/dialog/DataExchange.h>
 #include <ImporterTessel/dialog/ImporterTesselPrefsDialogImpl.h>
+#include <ImporterTessel/host/HostServices.h>
 #include <ImporterTessel/settings/DataFile.h>
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Suites.h>

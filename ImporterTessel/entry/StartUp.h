@@ -2,13 +2,13 @@
 #pragma once
 
 #include <kestrel/importabi/Records.h>
+#include <kestrel/qelcore/FourCharacterCode.h>
 
 #include <cstdint>
 
 namespace ImporterTessel {
 
-/// The file type's code, whose big-endian reading is its four characters.
-inline constexpr std::uint32_t kFileTypeCode = 0x5453'534C; // TSSL
+inline constexpr std::uint32_t kFileTypeCode = qelcore::FourCharacterCode("TSSL");
 
 /// Serves selector 0. The gate is open only while the host's debug entry "ML.LoadTestingPluginsAtStartup" is
 /// exactly "true"; the plug-in is a test tool and does not start for anybody else.

@@ -59,14 +59,14 @@ public:
     template <class Field>
     void Read(std::string_view key, Field& field) const
     {
-        FieldFromValue(Required(key), PathTo(key), field);
+        Visit(key, [&](const auto& value, std::string_view path) { FieldFromValue(value, path, field); });
     }
 
     /// Reads a required record by its own reader, called with the value and the path to it.
     template <class Record, class Reader>
     void Read(std::string_view key, Record& record, const Reader& recordFromValue) const
     {
-        record = recordFromValue(Required(key), PathTo(key));
+        Visit(key, [&](const auto& value, std::string_view path) { record = recordFromValue(value, path); });
     }
 
     /// Reads where `key` is there, else leaves the field as it is; a null is there and of the wrong type.
@@ -74,19 +74,33 @@ public:
     template <class Field>
     void ReadIfPresent(std::string_view key, Field& field) const
     {
-        if (const qelcore::serialization::Value value = mMembers.Find(key); !value.IsNothing()) {
-            FieldFromValue(value, PathTo(key), field);
-        }
+        VisitIfPresent(key,
+                       [&](const auto& value, std::string_view path) { FieldFromValue(value, path, field); });
     }
 
     template <class Record, class Reader>
     void ReadIfPresent(std::string_view key, Record& record, const Reader& recordFromValue) const
     {
-        if (const qelcore::serialization::Value value = mMembers.Find(key); !value.IsNothing()) {
-            record = recordFromValue(value, PathTo(key));
-        }
+        VisitIfPresent(
+            key, [&](const auto& value, std::string_view path) { record = recordFromValue(value, path); });
     }
     /// @}
+
+    /// Calls `visit` with the value under `key` and the path to it. @throws missing_key_exception
+    template <class Visitor>
+    void Visit(std::string_view key, const Visitor& visit) const
+    {
+        visit(Required(key), PathTo(key));
+    }
+
+    /// The same; does nothing where `key` is absent.
+    template <class Visitor>
+    void VisitIfPresent(std::string_view key, const Visitor& visit) const
+    {
+        if (const qelcore::serialization::Value value = mMembers.Find(key); !value.IsNothing()) {
+            visit(value, PathTo(key));
+        }
+    }
 
 private:
     [[nodiscard]] qelcore::serialization::Value Required(std::string_view key) const;

@@ -4,7 +4,10 @@
 #include "DocumentFields.h"
 #include "SwatchFiles.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -14,46 +17,78 @@ using namespace qelcore::serialization;
 using qelmediatypes::FrameRate;
 using qelmediatypes::PixelAspectRatio;
 using qelmediatypes::TickTime;
+using qelmediatypes::color::ColorSpace;
 
 namespace {
 
-FloatColor ColorFromValue(const Value& value, std::string_view key)
+// What a field's value becomes and where it comes from, by the field's type; fields of plain types have theirs
+// in DocumentFields. @{
+
+void ReadField(const Value& value, std::string_view key, FloatColor& color)
 {
     const ObjectReader reader(value, key, "FloatColor");
-    FloatColor color;
-    reader.Read("mAlphaPart", color.mAlphaPart);
-    reader.Read("mRedPart", color.mRedPart);
-    reader.Read("mGreenPart", color.mGreenPart);
-    reader.Read("mBluePart", color.mBluePart);
-    return color;
+    FloatColor read;
+    reader.Read("mAlphaPart", read.mAlphaPart);
+    reader.Read("mRedPart", read.mRedPart);
+    reader.Read("mGreenPart", read.mGreenPart);
+    reader.Read("mBluePart", read.mBluePart);
+    color = read;
 }
 
-PixelAspectRatio RatioFromValue(const Value& value, std::string_view key)
+void ReadField(const Value& value, std::string_view key, PixelAspectRatio& ratio)
 {
     const ObjectReader reader(value, key, "PixelAspectRatio");
     std::uint32_t numerator = 0;
     std::uint32_t denominator = 0;
     reader.Read("numerator", numerator);
     reader.Read("denominator", denominator);
-    return {numerator, denominator};
+    ratio = {numerator, denominator};
 }
 
-TickTime TimeFromValue(const Value& value, std::string_view key)
+void ReadField(const Value& value, std::string_view key, TickTime& time)
 {
     std::int64_t ticks = 0;
     ObjectReader(value, key, "TickTime").Read("ticks", ticks);
-    return TickTime(ticks);
+    time = TickTime(ticks);
 }
 
-FrameRate RateFromValue(const Value& value, std::string_view key)
+void ReadField(const Value& value, std::string_view key, FrameRate& rate)
 {
     std::int64_t ticksPerFrame = 0;
     ObjectReader(value, key, "FrameRate").Read("ticksperframe", ticksPerFrame);
     // Intended: a rate of zero is no rate, and is the unusable one from here on, in files written later, too.
-    return {ticksPerFrame == 0 ? FrameRate::kUnusableTicks : ticksPerFrame};
+    rate = {ticksPerFrame == 0 ? FrameRate::kUnusableTicks : ticksPerFrame};
 }
 
-Value ValueFromColor(const FloatColor& color)
+void ReadField(const Value& value, std::string_view key, ColorSpace& space)
+{
+    space = ColorSpaceFromValue(value, key);
+}
+
+void ReadField(const Value& value, std::string_view key, SwatchCoordinates& coordinates)
+{
+    coordinates = SwatchCoordinatesFromValue(value, key);
+}
+
+void ReadField(const Value& value, std::string_view key, SwatchColors& colors)
+{
+    colors = SwatchColorsFromValue(value, key);
+}
+
+template <class Field>
+void ReadField(const Value& value, std::string_view key, Field& field)
+{
+    FieldFromValue(value, key, field);
+}
+
+Value ValueOfTicks(std::string key, std::int64_t ticks)
+{
+    Object object;
+    AddToObject(object, std::move(key), SignedValue(ticks));
+    return Value(std::move(object));
+}
+
+Value ValueOf(const FloatColor& color)
 {
     Object object;
     AddToObject(object, "mAlphaPart", NumberValue(color.mAlphaPart));
@@ -63,7 +98,7 @@ Value ValueFromColor(const FloatColor& color)
     return Value(std::move(object));
 }
 
-Value ValueFromRatio(const PixelAspectRatio& ratio)
+Value ValueOf(const PixelAspectRatio& ratio)
 {
     Object object;
     AddToObject(object, "numerator", IntegerValue(ratio.GetNumerator()));
@@ -71,83 +106,85 @@ Value ValueFromRatio(const PixelAspectRatio& ratio)
     return Value(std::move(object));
 }
 
-Value ValueFromTicks(std::string key, std::int64_t ticks)
+Value ValueOf(TickTime time)
 {
-    Object object;
-    AddToObject(object, std::move(key), SignedValue(ticks));
-    return Value(std::move(object));
+    return ValueOfTicks("ticks", time.Ticks());
+}
+Value ValueOf(FrameRate rate)
+{
+    return ValueOfTicks("ticksperframe", rate.ticksPerFrame);
+}
+Value ValueOf(const ColorSpace& space)
+{
+    return ValueFromColorSpace(space);
+}
+Value ValueOf(const SwatchCoordinates& coordinates)
+{
+    return ValueFromSwatchCoordinates(coordinates);
+}
+Value ValueOf(const SwatchColors& colors)
+{
+    return ValueFromSwatchColors(colors);
+}
+Value ValueOf(const std::u16string& text)
+{
+    return TextValue(text);
+}
+Value ValueOf(std::int32_t integer)
+{
+    return IntegerValue(integer);
+}
+Value ValueOf(std::uint32_t integer)
+{
+    return IntegerValue(integer);
+}
+Value ValueOf(float number)
+{
+    return NumberValue(number);
+}
+Value ValueOf(bool boolean)
+{
+    return BooleanValue(boolean);
 }
 
-void ReadRequiredKeys(const ObjectReader& reader, TesselInfo& info)
+/// @}
+
+/// One field of the record in a document.
+struct DocumentField {
+    FieldPresence presence;
+    int place; ///< in the order of reading
+    const char* key;
+    void (*read)(const Value& value, std::string_view key, TesselInfo& info);
+    Value (*valueOf)(const TesselInfo& info);
+};
+
+/// The fields that documents have, in the order of reading.
+constexpr auto MakeDocumentFields()
 {
-    reader.Read("mPixelFormat", info.mPixelFormat);
-    reader.Read("mFrameWidth", info.mFrameWidth);
-    reader.Read("mFrameHeight", info.mFrameHeight);
-    reader.Read("mFramePAR", info.mFramePAR, RatioFromValue);
-    reader.Read("mFieldType", info.mFieldType);
-    reader.Read("mRenderFormat", info.mRenderFormat);
-    reader.Read("mUpperFieldColor", info.mUpperFieldColor, ColorFromValue);
-    reader.Read("mLowerFieldColor", info.mLowerFieldColor, ColorFromValue);
-    reader.Read("mTopGradiantColorStart", info.mTopGradiantColorStart, ColorFromValue);
-    reader.Read("mTopGradiantColorEnd", info.mTopGradiantColorEnd, ColorFromValue);
-    reader.Read("mBottomGradiantColorStart", info.mBottomGradiantColorStart, ColorFromValue);
-    reader.Read("mBottomGradiantColorEnd", info.mBottomGradiantColorEnd, ColorFromValue);
-    reader.Read("mVideoDuration", info.mVideoDuration, TimeFromValue);
-    reader.Read("mVideoFrameRate", info.mVideoFrameRate, RateFromValue);
+#define TESSEL_ROW(type, name, initial, presence, place)                                                       \
+    DocumentField{                                                                                             \
+        FieldPresence::presence, place, #name,                                                                 \
+        [](const Value& value, std::string_view key, TesselInfo& info) { ReadField(value, key, info.name); },  \
+        [](const TesselInfo& info) { return ValueOf(info.name); }},
+    std::array fields{TESSEL_INFO_FIELDS(TESSEL_ROW)};
+#undef TESSEL_ROW
+    std::sort(fields.begin(), fields.end(),
+              [](const DocumentField& a, const DocumentField& b) { return a.place < b.place; });
+    return fields;
 }
 
-void ReadOptionalKeys(const ObjectReader& reader, TesselInfo& info)
-{
-    reader.ReadIfPresent("mColorSpace", info.mColorSpace, ColorSpaceFromValue);
-    info.mVersion = 0; // Intended: documents older than the key are version 0, whatever a new record has.
-    reader.ReadIfPresent("mVersion", info.mVersion);
-    reader.ReadIfPresent("mSwatchCoordinatesFilePath", info.mSwatchCoordinatesFilePath);
-    reader.ReadIfPresent("mSwatchColorsFilePath", info.mSwatchColorsFilePath);
-    reader.ReadIfPresent("mSwatchCoordinates", info.mSwatchCoordinates, SwatchCoordinatesFromValue);
-    reader.ReadIfPresent("mSwatchColors", info.mSwatchColors, SwatchColorsFromValue);
-    reader.ReadIfPresent("mDrawFrameFieldNumber", info.mDrawFrameFieldNumber);
-    reader.ReadIfPresent("mSampleRate", info.mSampleRate);
-    reader.ReadIfPresent("mKsAudioChannelType", info.mKsAudioChannelType);
-    reader.ReadIfPresent("mNumChannels", info.mNumChannels);
-    reader.ReadIfPresent("mToneFormat", info.mToneFormat);
-    reader.ReadIfPresent("mSteadyToneFrequency", info.mSteadyToneFrequency);
-    reader.ReadIfPresent("mSteadyToneAmplitude", info.mSteadyToneAmplitude);
-    reader.ReadIfPresent("mIdentifierFormat", info.mIdentifierFormat);
-}
+constexpr auto kFields = MakeDocumentFields();
 
 } // namespace
 
 Value DocumentFromTessel(const TesselInfo& info)
 {
     Object root;
-    AddToObject(root, "mPixelFormat", IntegerValue(info.mPixelFormat));
-    AddToObject(root, "mFrameWidth", IntegerValue(info.mFrameWidth));
-    AddToObject(root, "mFrameHeight", IntegerValue(info.mFrameHeight));
-    AddToObject(root, "mFramePAR", ValueFromRatio(info.mFramePAR));
-    AddToObject(root, "mFieldType", IntegerValue(info.mFieldType));
-    AddToObject(root, "mRenderFormat", IntegerValue(info.mRenderFormat));
-    AddToObject(root, "mUpperFieldColor", ValueFromColor(info.mUpperFieldColor));
-    AddToObject(root, "mLowerFieldColor", ValueFromColor(info.mLowerFieldColor));
-    AddToObject(root, "mTopGradiantColorStart", ValueFromColor(info.mTopGradiantColorStart));
-    AddToObject(root, "mTopGradiantColorEnd", ValueFromColor(info.mTopGradiantColorEnd));
-    AddToObject(root, "mBottomGradiantColorStart", ValueFromColor(info.mBottomGradiantColorStart));
-    AddToObject(root, "mBottomGradiantColorEnd", ValueFromColor(info.mBottomGradiantColorEnd));
-    AddToObject(root, "mVideoDuration", ValueFromTicks("ticks", info.mVideoDuration.Ticks()));
-    AddToObject(root, "mVideoFrameRate", ValueFromTicks("ticksperframe", info.mVideoFrameRate.ticksPerFrame));
-    AddToObject(root, "mColorSpace", ValueFromColorSpace(info.mColorSpace));
-    AddToObject(root, "mVersion", IntegerValue(info.mVersion));
-    AddToObject(root, "mSwatchCoordinatesFilePath", TextValue(info.mSwatchCoordinatesFilePath));
-    AddToObject(root, "mSwatchColorsFilePath", TextValue(info.mSwatchColorsFilePath));
-    AddToObject(root, "mSwatchCoordinates", ValueFromSwatchCoordinates(info.mSwatchCoordinates));
-    AddToObject(root, "mSwatchColors", ValueFromSwatchColors(info.mSwatchColors));
-    AddToObject(root, "mDrawFrameFieldNumber", BooleanValue(info.mDrawFrameFieldNumber));
-    AddToObject(root, "mSampleRate", NumberValue(info.mSampleRate));
-    AddToObject(root, "mKsAudioChannelType", IntegerValue(info.mKsAudioChannelType));
-    AddToObject(root, "mNumChannels", IntegerValue(info.mNumChannels));
-    AddToObject(root, "mToneFormat", IntegerValue(info.mToneFormat));
-    AddToObject(root, "mSteadyToneFrequency", NumberValue(info.mSteadyToneFrequency));
-    AddToObject(root, "mSteadyToneAmplitude", NumberValue(info.mSteadyToneAmplitude));
-    AddToObject(root, "mIdentifierFormat", IntegerValue(info.mIdentifierFormat));
+    for (const DocumentField& field : kFields) {
+        if (field.presence != FieldPresence::NotInDocument) {
+            AddToObject(root, field.key, field.valueOf(info));
+        }
+    }
     return Value(std::move(root));
 }
 
@@ -157,9 +194,16 @@ TesselInfo TesselFromDocument(const Value& document)
     if (!document.IsObject()) {
         return info;
     }
+    info.mVersion = 0; // Intended: documents older than the key are version 0, whatever a new record has.
     const ObjectReader reader(document, /*path=*/"", "TesselInfo");
-    ReadRequiredKeys(reader, info);
-    ReadOptionalKeys(reader, info);
+    for (const DocumentField& field : kFields) {
+        const auto read = [&](const Value& value, std::string_view key) { field.read(value, key, info); };
+        if (field.presence == FieldPresence::Required) {
+            reader.Visit(field.key, read);
+        } else if (field.presence == FieldPresence::Optional) {
+            reader.VisitIfPresent(field.key, read);
+        }
+    }
     return info;
 }
 

@@ -1,12 +1,12 @@
 #include "FrameSynthesis.h"
 
-#include "FrameSuites.h"
+#include "FrameFormat.h"
 #include "FrameView.h"
 #include "Gradient.h"
 #include "PaintColor.h"
-#include "PixelFormatChoice.h"
 #include "SwatchChart.h"
 
+#include <ImporterTessel/host/FrameSuites.h>
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/pixmill/PrintNumber.h>
 
@@ -136,7 +136,7 @@ std::int32_t SynthesizeFrame(const TesselInfo& info, const ksStdParms* stdParms,
     if (suites == nullptr || !IsComplete(*suites) || record.frame == nullptr) {
         return ksResultFailed;
     }
-    const PixelFormatChoice format = ChoosePixelFormat(info.mPixelFormat);
+    const FrameFormat format = FrameFormatOf(info.mPixelFormat);
     const ksFrameHandle frame = CreateFrame(*suites, info, format.hostCode, record);
     if (frame == nullptr) {
         return ksResultFailed;

@@ -4,6 +4,8 @@
 /// length is checked before it is used, and a list that breaks one rule is refused as a whole.
 #pragma once
 
+#include <kestrel/qelcore/FourCharacterCode.h>
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -11,15 +13,7 @@
 
 namespace importhost {
 
-/// A four-character code as an integer whose big-endian reading is the code.
-[[nodiscard]] constexpr std::uint32_t FourCharacterCode(const char (&text)[5]) noexcept
-{
-    std::uint32_t code = 0;
-    for (int i = 0; i < 4; ++i) {
-        code = code << 8U | static_cast<unsigned char>(text[i]);
-    }
-    return code;
-}
+using qelcore::FourCharacterCode;
 
 /// One property as it stands in the list, padding included.
 struct Property {

@@ -1,7 +1,9 @@
 /// Pixel aspect ratios and the host's thirteen named ones.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace qelmediatypes {
 
@@ -39,5 +41,28 @@ inline constexpr PixelAspectRatio kPixelAspectRatio_DVNTSCWide_Incorrect{6, 5};
 inline constexpr PixelAspectRatio kPixelAspectRatio_DVPAL_Incorrect{16, 15};
 inline constexpr PixelAspectRatio kPixelAspectRatio_DVPAL_TooPrecise{128, 117};
 inline constexpr PixelAspectRatio kPixelAspectRatio_DVPALWide_Incorrect{64, 45};
+
+/// A ratio under its constant's name.
+struct NamedPixelAspectRatio {
+    PixelAspectRatio ratio;
+    std::string_view constant; ///< "kPixelAspectRatio_Square"
+};
+
+/// All of the above, in the host's order.
+inline constexpr std::array kNamedPixelAspectRatios = {
+    NamedPixelAspectRatio{kPixelAspectRatio_Square, "kPixelAspectRatio_Square"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVNTSC, "kPixelAspectRatio_DVNTSC"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVNTSCWide, "kPixelAspectRatio_DVNTSCWide"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVPAL, "kPixelAspectRatio_DVPAL"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVPALWide, "kPixelAspectRatio_DVPALWide"},
+    NamedPixelAspectRatio{kPixelAspectRatio_Anamorphic, "kPixelAspectRatio_Anamorphic"},
+    NamedPixelAspectRatio{kPixelAspectRatio_HDAnamorphic1080, "kPixelAspectRatio_HDAnamorphic1080"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVCProHD, "kPixelAspectRatio_DVCProHD"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVNTSC_Incorrect, "kPixelAspectRatio_DVNTSC_Incorrect"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVNTSCWide_Incorrect, "kPixelAspectRatio_DVNTSCWide_Incorrect"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVPAL_Incorrect, "kPixelAspectRatio_DVPAL_Incorrect"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVPAL_TooPrecise, "kPixelAspectRatio_DVPAL_TooPrecise"},
+    NamedPixelAspectRatio{kPixelAspectRatio_DVPALWide_Incorrect, "kPixelAspectRatio_DVPALWide_Incorrect"},
+};
 
 } // namespace qelmediatypes

@@ -3,31 +3,6 @@
 #include <algorithm>
 
 namespace tessel::cli {
-namespace {
-
-struct NamedRatio {
-    qelmediatypes::PixelAspectRatio ratio;
-    std::string_view name;
-};
-
-constexpr NamedRatio kRatios[] = {
-    {qelmediatypes::kPixelAspectRatio_Square, "Square"},
-    {qelmediatypes::kPixelAspectRatio_DVNTSC, "DVNTSC"},
-    {qelmediatypes::kPixelAspectRatio_DVNTSCWide, "DVNTSCWide"},
-    {qelmediatypes::kPixelAspectRatio_DVPAL, "DVPAL"},
-    {qelmediatypes::kPixelAspectRatio_DVPALWide, "DVPALWide"},
-    {qelmediatypes::kPixelAspectRatio_Anamorphic, "Anamorphic"},
-    {qelmediatypes::kPixelAspectRatio_HDAnamorphic1080, "HDAnamorphic1080"},
-    {qelmediatypes::kPixelAspectRatio_DVCProHD, "DVCProHD"},
-    {qelmediatypes::kPixelAspectRatio_DVNTSC_Incorrect, "DVNTSC_Incorrect"},
-    {qelmediatypes::kPixelAspectRatio_DVNTSCWide_Incorrect, "DVNTSCWide_Incorrect"},
-    {qelmediatypes::kPixelAspectRatio_DVPAL_Incorrect, "DVPAL_Incorrect"},
-    {qelmediatypes::kPixelAspectRatio_DVPAL_TooPrecise, "DVPAL_TooPrecise"},
-    {qelmediatypes::kPixelAspectRatio_DVPALWide_Incorrect, "DVPALWide_Incorrect"},
-};
-
-} // namespace
-
 std::string_view PixelFormatName(BR::PixelFormat format) noexcept
 {
     const auto formats = BR::AllPixelFormats();
@@ -49,9 +24,13 @@ std::string FourCharacterText(std::uint32_t code)
 
 std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept
 {
-    const auto* found = std::find_if(std::begin(kRatios), std::end(kRatios),
-                                     [ratio](const NamedRatio& named) { return named.ratio == ratio; });
-    return found != std::end(kRatios) ? found->name : std::string_view();
+    const auto& ratios = qelmediatypes::kNamedPixelAspectRatios;
+    const auto found =
+        std::find_if(ratios.begin(), ratios.end(), [ratio](const qelmediatypes::NamedPixelAspectRatio& named) {
+            return named.ratio == ratio;
+        });
+    constexpr std::string_view kPrefix = "kPixelAspectRatio_"; // of every constant
+    return found != ratios.end() ? found->constant.substr(kPrefix.size()) : std::string_view();
 }
 
 std::string_view FieldOrderName(importhost::FieldOrder order) noexcept

@@ -40,7 +40,28 @@ class Rule:
         return self.forbidden.search(included) is not None
 
 
+# The plug-in's rooms: which other rooms each may look into.
+PLUGIN_ROOMS = {
+    "host": (),
+    "settings": (),
+    "audio": ("settings",),
+    "video": ("host", "settings"),
+    "dialog": ("settings",),
+    "entry": ("audio", "dialog", "host", "settings", "video"),
+    "resources": ("entry",),
+}
+
+
+def room_rules():
+    for room, others in PLUGIN_ROOMS.items():
+        permitted = "|".join((room,) + others)
+        reach = ", ".join(others) + " only" if others else "no other room"
+        yield Rule(f"the plug-in's room {room} looks into {reach}",
+                   rf"ImporterTessel/{room}/", forbidden=re.compile(rf"^ImporterTessel/(?!(?:{permitted})/)"))
+
+
 RULES = [
+    *room_rules(),
     Rule("the plug-in includes the standard library, itself and the host's public headers only",
          r"ImporterTessel/", allowed=[STANDARD, re.compile(r"^ImporterTessel/"), HOST_PUBLIC]),
     Rule("the program never includes the plug-in", r"tessel/", forbidden=re.compile(r"^ImporterTessel/")),

@@ -189,7 +189,8 @@ public:
     std::int64_t convertedTicks = 0;   ///< by the legacy suite's second version
     std::vector<std::uint32_t> blocks; ///< sizes
     Creation creation;
-    std::int32_t frameQueries = 0; ///< calls of the frame suite
+    std::int32_t frameQueries = 0;            ///< calls of the frame suite
+    std::vector<std::string_view> frameCalls; ///< of the creator and the frame suite, in their order
 
     void RemoveSuite(std::string_view name)
     {
@@ -260,6 +261,7 @@ private:
                                     std::uint32_t parDenominator, void* extra16)
     {
         ForeignHost& host = *sCurrent;
+        host.frameCalls.emplace_back("create");
         host.creation = {.count = host.creation.count + 1,
                          .frameSlot = frame,
                          .access = access,
@@ -295,6 +297,7 @@ private:
 
     static std::int32_t GetPixels(ksFrameHandle handle, std::int32_t access, void** pixels)
     {
+        sCurrent->frameCalls.emplace_back("pixels");
         const Frame* const frame = FrameOf(handle);
         if (sCurrent->behaviour.pixelsFail || frame == nullptr || access != ksFrameAccessReadWrite) {
             return -1;
@@ -304,6 +307,7 @@ private:
     }
     static std::int32_t GetBounds(ksFrameHandle handle, std::int32_t bounds[4])
     {
+        sCurrent->frameCalls.emplace_back("bounds");
         const Frame* const frame = FrameOf(handle);
         if (sCurrent->behaviour.boundsFail || frame == nullptr) {
             return -1;
@@ -313,6 +317,7 @@ private:
     }
     static std::int32_t GetRowBytes(ksFrameHandle handle, std::int32_t* rowBytes)
     {
+        sCurrent->frameCalls.emplace_back("row bytes");
         const Frame* const frame = FrameOf(handle);
         if (sCurrent->behaviour.rowBytesFail || frame == nullptr) {
             return -1;

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -56,6 +58,30 @@ TEST(AudioSynthesis, OfADefaultClipIsAStereoToneOf1000Hertz)
     EXPECT_TRUE(SameBits(buffers[0], tone));
     EXPECT_TRUE(SameBits(buffers[1], tone));
     EXPECT_TRUE(buffers.IsUntouched(2));
+}
+
+// At 48048.05 samples a second a sample lasts no whole number of ticks: it is cut off, and the frequency's step
+// is made of what is left, 254016000000 / ticks, not of the rate as it stands in the settings.
+TEST(AudioSynthesis, CutsASamplesDurationToWholeTicksAndTakesThePhaseFromThat)
+{
+    constexpr double kTicksPerSecond = 254'016'000'000.0;
+    constexpr double kTwoPiAsFloat = 6.2831854820251465;
+    for (const float sampleRate : {48048.05F, 44100.5F, 11025.0F, 32000.1F}) {
+        TesselInfo info;
+        info.mSampleRate = sampleRate;
+        const auto ticks = static_cast<std::int64_t>(kTicksPerSecond / static_cast<double>(sampleRate));
+        // Far from zero, where a duration of one tick more is many cycles away.
+        for (const std::int64_t position :
+             {std::int64_t{1}, std::int64_t{123'456'789}, std::int64_t{-123'456'789}}) {
+            const double step = 1000.0 / (kTicksPerSecond / static_cast<double>(ticks));
+            const double cycles = static_cast<double>(position) * step;
+            double phase = (cycles - std::trunc(cycles)) * kTwoPiAsFloat;
+            const Buffers buffers = Rendered(info, position, 64);
+            for (std::size_t k = 0; k < 64; ++k, phase += step * kTwoPiAsFloat) {
+                ASSERT_NEAR(buffers[0][k], std::sin(phase) * 0.25, 1e-7) << sampleRate << ", sample " << k;
+            }
+        }
+    }
 }
 
 TEST(AudioSynthesis, TakesEveryToneFormatButOneForTheSteadyTone)

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -118,6 +120,22 @@ TEST(EBUMultichannel, RestartsASingleChannelsPhaseWithEachRequest)
     const Buffers early = EBU(kUnitStart - 13, 1000);
     EXPECT_TRUE(SameBits(early[0].subspan(13), SineFrom(kUnitStart - 13, 987, kEBUTone, RateOf(48000.0F))));
     EXPECT_FALSE(audiotest::IsNear(early[0].subspan(18, 900), whole[0].first(900), 0.01));
+}
+
+// At 48048.05 samples a second a sample lasts 5286707 ticks, and unit 7 ends at 4 s = sample 192192.23. Sample
+// 192192 is a segment of its own, and on a single channel segments take the request's phase: a click of one
+// sample.
+TEST(EBUMultichannel, ClicksInTheLastSampleOfASingleChannelBeforeABorderBetweenSamples)
+{
+    constexpr float kRate = 48048.05F;
+    constexpr std::int64_t kStart = 168'180; // in unit 7, which begins at 168168.2
+    constexpr std::size_t kLast = 192'192 - kStart;
+    const Buffers buffers = EBU(kStart, kLast + 100, kRate);
+    const std::vector<float> tone = SineFrom(kStart, kLast + 1, kEBUTone, RateOf(kRate));
+    EXPECT_TRUE(SameBits(buffers[0].first(kLast), std::span(tone).first(kLast)));
+    EXPECT_EQ(buffers[0][kLast], tone[0]) << "the request's first phase again";
+    EXPECT_GT(std::abs(tone[kLast] - tone[0]), 0.01F) << "without the click it would be the tone's next sample";
+    EXPECT_TRUE(IsSilent(buffers[0].subspan(kLast + 1)));
 }
 
 TEST(EBUMultichannel, JoinsRequestsWhereAllChannelsSound)

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -98,6 +100,25 @@ TEST(StereoIdentification, PassesOverAChannelWithoutABuffer)
         SynthesizeStereoIdentification(RequestAt(0, RateOf(48000.0F), buffers), 1000.0F);
         EXPECT_TRUE(buffers.IsWritten(1 - withheld));
         EXPECT_TRUE(buffers.IsUntouched(withheld));
+    }
+}
+
+// 11025 samples a second: the silence begins at 2.75 s, between the samples 30318 and 30319, and ends at sample
+// 33075.
+TEST(StereoIdentification, SoundsInEverySampleBeforeABorderBetweenSamplesAndInNoneBehindIt)
+{
+    constexpr float kRate = 11025.0F;
+    for (const std::int64_t start : {std::int64_t{0}, std::int64_t{30'000}, std::int64_t{30'318}}) {
+        const Buffers buffers = Rendered(start, static_cast<std::uint32_t>(33'100 - start), 1000.0F, kRate);
+        const auto left = [&](std::int64_t sample) {
+            return buffers[0][static_cast<std::size_t>(sample - start)];
+        };
+        // Sample 30318 is a segment of its own: it takes its phase from its own time.
+        EXPECT_EQ(left(30'318), SineFrom(30'318, 1, kTone, RateOf(kRate))[0]);
+        EXPECT_GT(std::abs(left(30'318)), 0.01F);
+        EXPECT_TRUE(IsSilent(buffers[0].subspan(static_cast<std::size_t>(30'319 - start), 33'075 - 30'319)));
+        EXPECT_TRUE(SameBits(buffers[0].subspan(static_cast<std::size_t>(33'075 - start)),
+                             SineFrom(33'075, 25, kTone, RateOf(kRate))));
     }
 }
 

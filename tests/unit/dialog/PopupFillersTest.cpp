@@ -29,7 +29,7 @@ TEST(FillPixelFormatPopup, ChoosesTheFormatOrTheFirstAndEnablesAll)
 {
     for (std::size_t index = 0; index < PixelFormatChoices().size(); ++index) {
         UI_Popup popup("p");
-        FillPixelFormatPopup(popup, PixelFormatChoices()[index].code);
+        FillPixelFormatPopup(popup, PixelFormatChoices()[index].sdkCode);
         EXPECT_EQ(popup.GetValue(), static_cast<int>(index));
         for (const UI_Popup::Item& item : popup.Items()) {
             EXPECT_TRUE(item.enabled) << item.text;

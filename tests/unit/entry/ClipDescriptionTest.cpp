@@ -159,6 +159,16 @@ TEST_F(Description, ReportsARateThatTheHostCannotConvertAsZeros)
     EXPECT_EQ(mRecord.videoDuration, 0);
 }
 
+TEST_F(Description, ReportsTheLowByteOfTheFieldType)
+{
+    NameExistingFile();
+    for (const auto& [fieldType, low] : {std::pair(256, 0), {257, 1}, {0x7FFFFF02, 2}, {-1, 255}}) {
+        mInfo.mFieldType = fieldType;
+        EXPECT_EQ(Describe(), 0);
+        EXPECT_EQ(mRecord.fieldType, low) << fieldType;
+    }
+}
+
 TEST_F(Description, WrapsTheDurationTo32Bits)
 {
     NameExistingFile();

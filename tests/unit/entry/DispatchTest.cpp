@@ -259,6 +259,45 @@ TEST_F(Dispatch, FrameAndSettingsRequestsGetTheStandardParametersOfTheRequest)
     EXPECT_EQ(TestModule::TheScript().stdParms, &created);
 }
 
+TEST_F(Dispatch, NotedPointersAreThoseAtTheSelectorsOwnPlaces)
+{
+    // Every place of a record holds a pointer that says where it stood.
+    Bytes param1;
+    Bytes param2;
+    const auto fill = [](Bytes& bytes, std::uintptr_t base, std::size_t offset) {
+        bytes.fill(0xCC);
+        SetPointer(bytes, offset, reinterpret_cast<const void*>(base + offset));
+    };
+    struct Row {
+        std::set<int> selectors;
+        bool isParam1;
+        std::size_t offset;
+    };
+    for (const Row& row : {Row{kNoteFirstOfParam1, true, 0}, Row{kNoteFirstOfParam2, false, 0},
+                           Row{{5}, false, 92}, Row{{29, 30}, false, 20}, Row{kNeedFirstOfParam1, true, 0},
+                           Row{kNeedFirstOfParam2, false, 0}, Row{kNeedByte64OfParam2, false, 64}}) {
+        for (const int selector : row.selectors) {
+            fill(param1, 0x1000, row.offset);
+            fill(param2, 0x2000, row.offset);
+            ImportRequest request{selector, nullptr, param1.data(), param2.data()};
+            EXPECT_EQ(TestModule::Serve(request), 3) << selector;
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(request.currentImporter),
+                      (row.isParam1 ? 0x1000U : 0x2000U) + row.offset)
+                << selector;
+        }
+    }
+    for (const auto& [selector, result] : {std::pair(8, 0), {55, 3}}) {
+        ImportRequest request{selector, nullptr, param1.data(), param2.data()};
+        EXPECT_EQ(TestModule::Serve(request), result);
+        EXPECT_EQ(request.currentImporter, param2.data()) << selector;
+    }
+    for (const int selector : kNothing) {
+        ImportRequest request{selector, nullptr, param1.data(), param2.data()};
+        EXPECT_EQ(TestModule::Serve(request), 3);
+        EXPECT_EQ(request.currentImporter, nullptr) << selector;
+    }
+}
+
 TEST(Rows, NoteThePointerThatTheyLookAt)
 {
     Bytes record = Untouched();

@@ -1,4 +1,4 @@
-#include <ImporterTessel/entry/HostServices.h>
+#include <ImporterTessel/host/HostServices.h>
 
 #include <gtest/gtest.h>
 #include <support/ForeignHost.h>

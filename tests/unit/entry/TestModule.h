@@ -29,6 +29,9 @@ public:
 
     static void Reset() { TheScript() = Script(); }
 
+    /// The dispatcher without its barrier.
+    using KsImportModule<TestModule>::Serve;
+
     TestModule()
     {
         if (TheScript().onConstruction) {
@@ -46,25 +49,28 @@ public:
                                             : KsImportModule<TestModule>::CreateImportModuleInstance(stdParms);
     }
 
-    static std::int32_t StartUp(ksStartUpRec* /*record*/) { return Serve(nullptr); }
-    static std::int32_t DescribeFileType(ksFileTypeRec& /*record*/) { return Serve(nullptr); }
+    static std::int32_t StartUp(ksStartUpRec* /*record*/) { return Answer(nullptr); }
+    static std::int32_t DescribeFileType(ksFileTypeRec& /*record*/) { return Answer(nullptr); }
     static std::int32_t ExchangeSettings(const ksStdParms* stdParms, ksFileAccessRec& /*file*/,
                                          ksSettingsExchangeRec& /*exchange*/)
     {
-        return Serve(stdParms);
+        return Answer(stdParms);
     }
-    std::int32_t OpenFile(const ksOpenRec& /*open*/) { return Serve(StdParms()); }
+    std::int32_t OpenFile(const ksOpenRec& /*open*/) { return Answer(StdParms()); }
     std::int32_t DescribeClip(const ksFileAccessRec& /*file*/, ksFileInfoRec& /*record*/)
     {
-        return Serve(StdParms());
+        return Answer(StdParms());
     }
-    std::int32_t SynthesizeFrame(ksFrameRec& /*record*/, const ksStdParms* stdParms) { return Serve(stdParms); }
-    std::int32_t SynthesizeAudio(const ksAudioRec& /*record*/) { return Serve(StdParms()); }
-    std::int32_t GetFrameSize(ksFrameSizeRec& /*record*/) { return Serve(StdParms()); }
-    std::int32_t GetColorInformation(ksColorRec& /*record*/) { return Serve(StdParms()); }
+    std::int32_t SynthesizeFrame(ksFrameRec& /*record*/, const ksStdParms* stdParms)
+    {
+        return Answer(stdParms);
+    }
+    std::int32_t SynthesizeAudio(const ksAudioRec& /*record*/) { return Answer(StdParms()); }
+    std::int32_t GetFrameSize(ksFrameSizeRec& /*record*/) { return Answer(StdParms()); }
+    std::int32_t GetColorInformation(ksColorRec& /*record*/) { return Answer(StdParms()); }
 
 private:
-    static std::int32_t Serve(const ksStdParms* stdParms)
+    static std::int32_t Answer(const ksStdParms* stdParms)
     {
         ++TheScript().served;
         TheScript().stdParms = stdParms;

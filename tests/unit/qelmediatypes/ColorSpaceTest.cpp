@@ -38,24 +38,15 @@ TEST(ColorSpace, DiffersWhenAnyPartDiffers)
 
 TEST(PixelAspectRatio, NamedRatiosArePairwiseDifferentAsFractions)
 {
-    constexpr std::array kNamed = {kPixelAspectRatio_Square,
-                                   kPixelAspectRatio_DVNTSC,
-                                   kPixelAspectRatio_DVNTSCWide,
-                                   kPixelAspectRatio_DVPAL,
-                                   kPixelAspectRatio_DVPALWide,
-                                   kPixelAspectRatio_Anamorphic,
-                                   kPixelAspectRatio_HDAnamorphic1080,
-                                   kPixelAspectRatio_DVCProHD,
-                                   kPixelAspectRatio_DVNTSC_Incorrect,
-                                   kPixelAspectRatio_DVNTSCWide_Incorrect,
-                                   kPixelAspectRatio_DVPAL_Incorrect,
-                                   kPixelAspectRatio_DVPAL_TooPrecise,
-                                   kPixelAspectRatio_DVPALWide_Incorrect};
-    for (std::size_t i = 0; i < kNamed.size(); ++i) {
+    const auto& named = kNamedPixelAspectRatios;
+    ASSERT_EQ(named.size(), 13U);
+    for (std::size_t i = 0; i < named.size(); ++i) {
         for (std::size_t k = 0; k < i; ++k) {
-            const std::uint64_t left = std::uint64_t{kNamed[i].GetNumerator()} * kNamed[k].GetDenominator();
-            const std::uint64_t right = std::uint64_t{kNamed[k].GetNumerator()} * kNamed[i].GetDenominator();
-            EXPECT_NE(left, right) << i << " and " << k;
+            const std::uint64_t left =
+                std::uint64_t{named[i].ratio.GetNumerator()} * named[k].ratio.GetDenominator();
+            const std::uint64_t right =
+                std::uint64_t{named[k].ratio.GetNumerator()} * named[i].ratio.GetDenominator();
+            EXPECT_NE(left, right) << named[i].constant << " and " << named[k].constant;
         }
     }
 }

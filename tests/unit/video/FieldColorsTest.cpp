@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace testsupport;
 using ImporterTessel::FloatColor;
 using ImporterTessel::TesselInfo;
@@ -59,7 +61,9 @@ TEST(FieldColors, InterlacedAlternatesFromTheGivenAddressWhateverTheFieldOrder)
     for (const PaintableFormat& format : PaintableFormats()) {
         const auto upper = RowOf(format.code, 37, kUpper);
         const auto lower = RowOf(format.code, 37, kLower);
-        for (const std::int32_t fieldType : {1, 2, 3, -1, 1000000}) {
+        // The last three have a low byte of 0, which is all that the description reports.
+        for (const std::int32_t fieldType :
+             {1, 2, -1, 1000000, 256, 65536, std::numeric_limits<std::int32_t>::min()}) {
             for (const bool backwards : {false, true}) {
                 FrameHost host({.backwards = backwards});
                 ASSERT_EQ(host.Request(FieldsClip(format.sdkCode, 37, 10, fieldType)), ksResultServed);

@@ -7,6 +7,8 @@
 #include <support/NumberReader.h>
 
 #include <limits>
+#include <string_view>
+#include <vector>
 
 using namespace testsupport;
 using ImporterTessel::TesselInfo;
@@ -30,6 +32,17 @@ TEST(FrameCreation, PassesTheSettingsAndTheRequestsSixteenBytesByAddress)
     EXPECT_EQ(host.creation.parNumerator, 4000000000U);
     EXPECT_EQ(host.creation.parDenominator, 33U);
     EXPECT_EQ(host.creation.extra16, host.record.extra16);
+}
+
+TEST(FrameCreation, AsksTheNewFrameForBoundsThenRowStepThenPixels)
+{
+    using Calls = std::vector<std::string_view>;
+    FrameHost host;
+    ASSERT_EQ(host.Request(SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8)), ksResultServed);
+    EXPECT_EQ(host.frameCalls, (Calls{"create", "bounds", "row bytes", "pixels"}));
+    FrameHost failing({.rowBytesFail = true});
+    ASSERT_EQ(failing.Request(SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_8u), 8, 8)), ksResultFailed);
+    EXPECT_EQ(failing.frameCalls, (Calls{"create", "bounds", "row bytes"}));
 }
 
 TEST(FrameCreation, ChangesNothingInTheRecord)

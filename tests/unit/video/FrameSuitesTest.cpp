@@ -1,5 +1,5 @@
 // The three process-wide suite handles. One test, because what it looks at happens once in a process.
-#include <ImporterTessel/video/FrameSuites.h>
+#include <ImporterTessel/host/FrameSuites.h>
 
 #include <gtest/gtest.h>
 #include <support/ForeignHost.h>
@@ -43,8 +43,10 @@ TEST(FrameSuites, AreKeptForGoodOnceAllThreeWereGotAndNotBefore)
     const int format = 0;
     ForeignHost host;
     host.suites = {{kCreator, &creator}, {kFrame, &frame}, {kFormat, &format}};
+    host.asked.clear();
     const FrameSuites* suites = AcquireFrameSuites(&host.stdParms);
     ASSERT_NE(suites, nullptr);
+    EXPECT_EQ(host.asked, (decltype(host.asked){kCreator, kFrame, kFormat})) << "in this order";
     EXPECT_EQ(suites->creator, &creator);
     EXPECT_EQ(suites->frame, &frame);
     EXPECT_EQ(suites->pixelFormat, &format);

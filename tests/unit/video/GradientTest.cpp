@@ -134,6 +134,20 @@ TEST(Gradient, AFrameBeforeTheClipCountsAsANumberNear2To32)
     }
 }
 
+TEST(Gradient, AClipOfNegativeDurationRunsAwayFromItsEndColours)
+{
+    TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 4);
+    info.mVideoDuration = qelmediatypes::TickTime(-7 * info.mVideoFrameRate.ticksPerFrame);
+    for (const std::int64_t frame : {0, 1, 5}) {
+        FrameHost host;
+        ASSERT_EQ(host.Request(info, frame * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
+        for (std::uint32_t row = 0; row < 4; ++row) {
+            // The frame counts as unsigned, the clip's length as signed.
+            EXPECT_EQ(FloatPixel(host.Row(row), 0), Model(info, row, frame, -7)) << "frame " << frame;
+        }
+    }
+}
+
 TEST(Gradient, AClipOfNoFramesDividesByZero)
 {
     TesselInfo info = GradientClip(BR::PixelFormat::BGRA_4444_32f, 1, 2);

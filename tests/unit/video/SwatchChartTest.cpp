@@ -66,6 +66,24 @@ TEST(SwatchChart, PatchesStandWhereTheCoordinatesSayCountedFromThePicturesTop)
     }
 }
 
+TEST(SwatchChart, BordersInOddGapsAreRoundedTowardsTheUpperBand)
+{
+    FrameHost host;
+    TesselInfo info = ChartClip();
+    info.mSwatchCoordinates.legalRangeGradient.yCoordinates = {601}; // 300 + 301/2 = 450, 601 + 299/2 = 750
+    ASSERT_EQ(host.Request(info), ksResultServed);
+    const auto at = [&](std::uint32_t y) { return FloatPixel(host.Row(kBottom - y), 0); };
+    EXPECT_EQ(at(449), Swatch(11));
+    EXPECT_EQ(at(450), Swatch(20));
+    EXPECT_EQ(at(749), Swatch(20));
+    EXPECT_EQ(at(750), Swatch(30));
+    info.mSwatchCoordinates.legalRangeGradient.yCoordinates = {600};
+    info.mSwatchCoordinates.fullRangeGradient.yCoordinates = {901, 1000}; // 600 + 301/2 = 750
+    ASSERT_EQ(host.Request(info), ksResultServed);
+    EXPECT_EQ(at(749), Swatch(20));
+    EXPECT_EQ(at(750), Swatch(30));
+}
+
 TEST(SwatchChart, OtherFormatsSucceedUnpaintedWithTheNumber)
 {
     for (const BR::PixelFormat format : {BR::PixelFormat::BGRA_4444_8u, BR::PixelFormat::ARGB_4444_32f}) {

@@ -1,4 +1,4 @@
-#include <ImporterTessel/video/PixelFormatChoice.h>
+#include <ImporterTessel/video/FrameFormat.h>
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 
@@ -12,14 +12,14 @@ namespace {
 
 using BR::PixelFormat;
 
-TEST(PixelFormatChoice, PaintableFormatsAreTakenAsTheyAre)
+TEST(FrameFormat, PaintableFormatsAreTakenAsTheyAre)
 {
     int paintable = 0;
     for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
         const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(info.format);
         if (code < 0x01000000) {
             ++paintable;
-            const PixelFormatChoice choice = ChoosePixelFormat(info.sdkCode);
+            const FrameFormat choice = FrameFormatOf(info.sdkCode);
             EXPECT_EQ(choice.hostCode, info.sdkCode) << info.constant;
             EXPECT_EQ(choice.paintCode, code) << info.constant;
         }
@@ -27,17 +27,17 @@ TEST(PixelFormatChoice, PaintableFormatsAreTakenAsTheyAre)
     EXPECT_EQ(paintable, 36);
 }
 
-TEST(PixelFormatChoice, StandardDefinitionDVBecomesBGRA)
+TEST(FrameFormat, StandardDefinitionDVBecomesBGRA)
 {
     for (const PixelFormat format :
          {PixelFormat::NTSCDV25, PixelFormat::PALDV25, PixelFormat::NTSCDV50, PixelFormat::PALDV50}) {
-        const PixelFormatChoice choice = ChoosePixelFormat(BR::BEToSDKPixelFormat(format));
+        const FrameFormat choice = FrameFormatOf(BR::BEToSDKPixelFormat(format));
         EXPECT_EQ(choice.paintCode, 12U);
         EXPECT_EQ(choice.hostCode, BR::BEToSDKPixelFormat(PixelFormat::BGRA_4444_8u));
     }
 }
 
-TEST(PixelFormatChoice, AllOtherPlanarAndCompressedFormatsBecomeVUYA709)
+TEST(FrameFormat, AllOtherPlanarAndCompressedFormatsBecomeVUYA709)
 {
     const std::set<PixelFormat> dv601{PixelFormat::NTSCDV25, PixelFormat::PALDV25, PixelFormat::NTSCDV50,
                                       PixelFormat::PALDV50};
@@ -45,7 +45,7 @@ TEST(PixelFormatChoice, AllOtherPlanarAndCompressedFormatsBecomeVUYA709)
     for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
         if (PM_QELPixelFormatToPMPixelFormat(info.format) >= 0x01000000 && !dv601.contains(info.format)) {
             ++seen;
-            const PixelFormatChoice choice = ChoosePixelFormat(info.sdkCode);
+            const FrameFormat choice = FrameFormatOf(info.sdkCode);
             EXPECT_EQ(choice.paintCode, 2061U) << info.constant;
             EXPECT_EQ(choice.hostCode, BR::BEToSDKPixelFormat(PixelFormat::VUYA_4444_8u_709)) << info.constant;
         }
@@ -53,11 +53,11 @@ TEST(PixelFormatChoice, AllOtherPlanarAndCompressedFormatsBecomeVUYA709)
     EXPECT_EQ(seen, 8);
 }
 
-TEST(PixelFormatChoice, AnUnknownFormatIsZeroInBothNumberings)
+TEST(FrameFormat, AnUnknownFormatIsZeroInBothNumberings)
 {
     for (const std::uint32_t code : {0U, 1U, 0xFFFFFFFFU, 0x20202020U}) {
-        EXPECT_EQ(ChoosePixelFormat(code).paintCode, 0U);
-        EXPECT_EQ(ChoosePixelFormat(code).hostCode, 0U);
+        EXPECT_EQ(FrameFormatOf(code).paintCode, 0U);
+        EXPECT_EQ(FrameFormatOf(code).hostCode, 0U);
     }
 }
 

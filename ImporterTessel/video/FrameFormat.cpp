@@ -1,4 +1,4 @@
-#include "PixelFormatChoice.h"
+#include "FrameFormat.h"
 
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
@@ -19,7 +19,7 @@ std::uint32_t NormalizedPaintCode(std::uint32_t paintCode) noexcept
     return isDV601 ? pixmill::kBGRA8 : pixmill::kVUYA8_709;
 }
 
-PixelFormatChoice ChoosePixelFormat(std::uint32_t clipHostCode) noexcept
+FrameFormat FrameFormatOf(std::uint32_t clipHostCode) noexcept
 {
     const std::uint32_t paintCode =
         NormalizedPaintCode(PM_QELPixelFormatToPMPixelFormat(BR::SDKToBEPixelFormat(clipHostCode)));

@@ -6,7 +6,7 @@
 namespace ImporterTessel {
 
 /// The one format of a frame, in both of its numberings.
-struct PixelFormatChoice {
+struct FrameFormat {
     std::uint32_t paintCode = 0; ///< image library
     std::uint32_t hostCode = 0;  ///< host, four characters
 };
@@ -16,7 +16,7 @@ struct PixelFormatChoice {
 /// clip's own format converts the painted frame. [thread-safe]
 [[nodiscard]] std::uint32_t NormalizedPaintCode(std::uint32_t paintCode) noexcept;
 
-/// The choice for a clip's host format; 0 and 0 for a number that is no format. [thread-safe]
-[[nodiscard]] PixelFormatChoice ChoosePixelFormat(std::uint32_t clipHostCode) noexcept;
+/// The format for a clip's host format; 0 and 0 for a number that is no format. [thread-safe]
+[[nodiscard]] FrameFormat FrameFormatOf(std::uint32_t clipHostCode) noexcept;
 
 } // namespace ImporterTessel

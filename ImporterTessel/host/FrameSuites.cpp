@@ -1,6 +1,6 @@
 #include "FrameSuites.h"
 
-#include <ImporterTessel/entry/HostServices.h>
+#include "HostServices.h"
 
 namespace ImporterTessel {
 
