@@ -1,6 +1,7 @@
 /// What leaves the dialog for a moment: picking colours, choosing files, saving.
 #include "ImporterTesselPrefsDialogImpl.h"
 
+#include <ImporterTessel/settings/DocumentText.h>
 #include <ImporterTessel/settings/SwatchFiles.h>
 #include <kestrel/qelcore/files/FileUtils.h>
 #include <kestrel/qelcore/logging/Log.h>
@@ -9,6 +10,7 @@
 #include <kestrel/qelui/dialogs/OS_FileDialog.h>
 #include <kestrel/qelui/dialogs/UI_MessageBox.h>
 
+#include <exception>
 #include <new>
 #include <optional>
 #include <span>
@@ -38,22 +40,48 @@ std::optional<std::u16string> AskForFile(qelui::TopLevelWindow& parent, std::str
     return dialog.GetFile().FullPath();
 }
 
-/// Reads the file into `data` and, only if that worked, notes it in `recordPath`.
+/// Why a file could not be opened or read.
+std::string_view ReasonOf(ORB::Status status) noexcept
+{
+    switch (status) {
+    case ORB::kNotFound:
+        return "no such file";
+    case ORB::kAccessDenied:
+        return "is a directory or may not be read, a JSON file was expected";
+    case ORB::kInvalidPath:
+        return "is no path, a JSON file was expected";
+    default:
+        return "cannot be read: the medium failed";
+    }
+}
+
+/// Reads the file into `data`, all or nothing. @return what went wrong; nothing where it worked.
+template <class Data>
+std::optional<std::string> ReadSwatches(const std::u16string& path,
+                                        ORB::Status (*read)(std::u16string_view, Data&), Data& data)
+{
+    try {
+        const ORB::Status status = FileUtils::FileOrDirExists(path) ? read(path, data) : ORB::kNotFound;
+        return status < 0 ? std::optional(std::string(ReasonOf(status))) : std::nullopt;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const malformed_document& error) {
+        return error.Explanation();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+/// Reads the file into `data` and, only if that worked, notes it in `recordPath`; else the log says why.
 template <class Data>
 void LoadSwatchFile(const std::u16string& path, ORB::Status (*read)(std::u16string_view, Data&), Data& data,
                     std::u16string& recordPath)
 {
-    if (!FileUtils::FileOrDirExists(path)) {
-        return;
-    }
-    try {
-        if (read(path, data) >= 0) {
-            recordPath = path;
-        }
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (...) {
-        qelcore::logging::LogCurrentException("ImporterTessel::ImporterTesselPrefsDialogImpl");
+    if (const std::optional<std::string> reason = ReadSwatches(path, read, data)) {
+        qelcore::logging::Log("ImporterTessel::ImporterTesselPrefsDialogImpl",
+                              qelcore::text::ToUTF8(path) + ": " + *reason);
+    } else {
+        recordPath = path;
     }
 }
 

@@ -19,8 +19,8 @@ namespace ImporterTessel {
 [[nodiscard]] TesselInfo TesselFromUTF8String(std::string_view text);
 
 /// Reads a file into `info`; a file that opens replaces it, with the defaults where the text is malformed.
-/// @return the status of the open; negative leaves `info` untouched. Throws only `std::bad_alloc`.
-/// Threads: [any-thread].
+/// @return the status of the open, or the negative one of reading; negative leaves `info` untouched. Throws
+/// only `std::bad_alloc`. Threads: [any-thread].
 [[nodiscard]] ORB::Status ReadTesselFile(std::u16string_view path, TesselInfo& info);
 
 } // namespace ImporterTessel

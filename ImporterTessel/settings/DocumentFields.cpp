@@ -19,7 +19,12 @@ void ListFromValue(const Value& value, std::string_view key, std::vector<Item>& 
     std::vector<Item> items;
     items.reserve(elements.size());
     for (const Value element : elements) {
-        FieldFromValue(element, key, items.emplace_back());
+        try {
+            FieldFromValue(element, key, items.emplace_back());
+        } catch (const type_exception& error) {
+            const std::string place = std::string(key) + '[' + std::to_string(items.size() - 1) + ']';
+            throw type_exception(place, error.ExpectedType());
+        }
     }
     field = std::move(items);
 }

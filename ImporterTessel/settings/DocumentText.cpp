@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 namespace ImporterTessel {
@@ -28,15 +27,14 @@ ORB::Status ReadDocumentText(std::u16string_view path, std::string& text)
         return opened;
     }
     std::uint64_t size = 0;
-    if (file.GetSizeOnDisk(size) < 0) {
-        size = 0;
+    if (const ORB::Status status = file.GetSizeOnDisk(size); status < 0) {
+        return status;
     }
-    // One read takes a 32-bit count.
-    constexpr std::uint64_t kLongestRead = std::numeric_limits<std::uint32_t>::max();
+    constexpr std::uint64_t kLongestRead = qelcore::serialization::kLongestJSONText + 1;
     std::string bytes(static_cast<std::size_t>(std::min(size, kLongestRead)), '\0');
     std::uint32_t read = 0;
-    if (file.Read(bytes, read) < 0) {
-        read = 0;
+    if (const ORB::Status status = file.Read(bytes, read); status < 0) {
+        return status;
     }
     bytes.resize(read);
     bytes.resize(std::min(bytes.find('\0'), bytes.size()));

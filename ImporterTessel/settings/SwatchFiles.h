@@ -21,7 +21,7 @@ namespace ImporterTessel {
 /// @}
 
 /// Reads a swatch file, in a wrapper ("SerializerWrappedObject") or without.
-/// @return the status of the open; negative leaves the output untouched.
+/// @return the status of the open, or the negative one of reading; negative leaves the output untouched.
 /// @throws std::runtime_error "JSON not well-formed", missing_key_exception, type_exception; the output
 ///         is untouched then, too.
 /// Threads: [any-thread]. @{

@@ -53,7 +53,8 @@ missing_key_exception::missing_key_exception(std::string_view path, std::string_
 missing_key_exception::~missing_key_exception() = default;
 
 type_exception::type_exception(std::string_view path, std::string_view expectedType)
-    : mKey(LastKey(path)), mMessage(Quoted(path) + ": expected " + std::string(expectedType))
+    : mKey(LastKey(path)), mExpectedType(expectedType),
+      mMessage(Quoted(path) + ": expected " + std::string(expectedType))
 {
 }
 

@@ -71,9 +71,11 @@ public:
 
     [[nodiscard]] const char* what() const noexcept override { return mMessage.c_str(); }
     [[nodiscard]] const std::string& Key() const noexcept { return mKey; }
+    [[nodiscard]] const std::string& ExpectedType() const noexcept { return mExpectedType; }
 
 private:
     std::string mKey;
+    std::string mExpectedType;
     std::string mMessage;
 };
 

@@ -19,6 +19,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -108,6 +109,52 @@ TEST_F(PrefsDialog, NumbersThatRoundToTheLargestFloatAreThatAndNoInfinity)
     EXPECT_EQ(after.mTopGradiantColorEnd.mRedPart, kLargest);
     EXPECT_EQ(after.mTopGradiantColorEnd.mGreenPart, -kLargest);
     EXPECT_EQ(after.mTopGradiantColorEnd.mBluePart, std::numeric_limits<float>::infinity());
+}
+
+TEST_F(PrefsDialog, ASwatchFileThatFailsIsLoggedWithItsNameAndWhatIsWrongWithIt)
+{
+    struct Row {
+        const char* name;
+        const char* content; // null for no file
+        const char* message; // what the log line holds beside the file's name
+    };
+    for (const Row& row :
+         {Row{"absent.json", nullptr, ": no such file"},
+          Row{"broken.json", "{\n\"colorSwatches\" []}", ": JSON not well-formed: line 2, column 17: "},
+          Row{"lacking.json", "{}", ": \"colorSwatches\": missing key of SwatchColors"},
+          Row{"wrong.json",
+              R"({"colorSwatches": [1, "red"], "legalRangeGradient": [], "fullRangeGradient": []})",
+              ": \"colorSwatches[1]\": expected a number"}}) {
+        if (row.content != nullptr) {
+            std::ofstream(mFolder / row.name) << row.content;
+        }
+        prepare = [&](tests::FakeToolkit& host) { host.files = {Path(row.name)}; };
+        std::vector<std::string> lines;
+        const qelcore::logging::ScopedListener listener(
+            [&](const qelcore::logging::Message& message) { lines.push_back(message.text); });
+        (void)Run({}, [](UI_Dialog& dialog) {
+            dialog.GetControl<UI_Button>("swatchColorsFileButtonID").Press();
+            Ok(dialog);
+        });
+        ASSERT_EQ(lines.size(), 1U) << row.name;
+        const std::string expected = (mFolder / row.name).string() + row.message;
+        EXPECT_EQ(lines[0].substr(0, expected.size()), expected);
+    }
+}
+
+TEST_F(PrefsDialog, ASwatchFileThatIsAFolderIsLoggedToo)
+{
+    prepare = [&](tests::FakeToolkit& host) { host.files = {mFolder.Path().u16string()}; };
+    std::vector<std::string> lines;
+    const qelcore::logging::ScopedListener listener(
+        [&](const qelcore::logging::Message& message) { lines.push_back(message.text); });
+    (void)Run({}, [](UI_Dialog& dialog) {
+        dialog.GetControl<UI_Button>("swatchCoordinatesFileButtonID").Press();
+        Ok(dialog);
+    });
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].find(mFolder.Path().string() + ": "), 0U) << lines[0];
+    EXPECT_NE(lines[0].find("directory"), std::string::npos) << lines[0];
 }
 
 TEST_F(PrefsDialog, AStaleFieldSlotInGradientModePicksNothingAndRefreshesTheEdits)
