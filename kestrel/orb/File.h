@@ -18,11 +18,11 @@ inline constexpr Status kDone = 0;
 inline constexpr Status kNotFound = -1;     ///< no such file
 inline constexpr Status kAccessDenied = -2; ///< not permitted, or a directory
 inline constexpr Status kIoError = -3;      ///< the medium failed, or is full
-inline constexpr Status kInvalidPath = -4;  ///< empty, or not a path here
+inline constexpr Status kInvalidPath = -4;  ///< empty, or not a path on this system
 
-/// An open file; closes itself. A file made with `Create` is written under a temporary name beside its
-/// final one and takes its place in `Write`, so that a failed save leaves the old file whole.
-/// Threads: [any-thread].
+/// An open file, which closes itself. A file made with `Create` appears under its name in `Write`, by the
+/// rules of `FileReplacement`: a failed save leaves the old file whole. `ScopedSaveListener` hears of every
+/// save. Threads: [any-thread].
 class KESTREL_API File {
 public:
     File() noexcept;
@@ -32,11 +32,12 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Opens for reading. A directory is refused with `kAccessDenied`. Never throws but `std::bad_alloc`.
+    /// Opens an ordinary file for reading; a directory, a device or a pipe fails with `kAccessDenied`. Waits
+    /// for a lease that another process has on the file. Throws only `std::bad_alloc`.
     [[nodiscard]] static Status OpenForReading(std::u16string_view path, File& file);
 
-    /// Creates, or replaces when it exists. The five modes are the host's (access 3, share 3, disposition
-    /// 2, attributes 1, options 0 is what everybody passes); no others are supported.
+    /// Prepares to create a file, or to replace it where it exists. The five modes are always access 3, share
+    /// 3, disposition 2, attributes 1, options 0; others fail with `kInvalidPath`.
     [[nodiscard]] static Status Create(std::u16string_view path, std::int32_t access, std::int32_t share,
                                        std::int32_t disposition, std::int32_t attributes, std::int32_t options,
                                        File& file);
@@ -44,13 +45,14 @@ public:
     /// Size on disk in bytes.
     [[nodiscard]] Status GetSizeOnDisk(std::uint64_t& size) const noexcept;
 
-    /// Reads up to `buffer.size()` bytes from the current place; `read` receives how many.
+    /// Reads up to `buffer.size()` bytes from the current position; `read` receives their number, 0 at the end.
     [[nodiscard]] Status Read(std::span<char> buffer, std::uint32_t& read) noexcept;
 
-    /// Writes all of `bytes`, or fails with the old file untouched. Once per created file.
+    /// Writes all of `bytes` and gives the file its name, or fails with the old file as it was. Once for each
+    /// created file. Logs what of the old file could not be kept.
     [[nodiscard]] Status Write(std::span<const char> bytes) noexcept;
 
-    /// Closes; a created file that was never written is gone.
+    /// Closes the file. A created file that was never written does not appear.
     void Close() noexcept;
 
 private:

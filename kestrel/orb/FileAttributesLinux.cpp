@@ -56,7 +56,7 @@ std::vector<std::string> AttributeNames(const std::string& path)
     return names;
 }
 
-/// The size of a value is asked first; `get` is `getxattr` or `fgetxattr` with its file and name.
+/// An attribute's value, nothing if there is none. `get` is `getxattr` or `fgetxattr` with file and name bound.
 template <class Get>
 std::optional<std::string> Value(Get get)
 {
@@ -84,14 +84,14 @@ void CopyExtendedAttributes(const std::string& oldPath, int descriptor, std::str
         const auto present = Value(
             [&](char* value, std::size_t size) { return fgetxattr(descriptor, name.c_str(), value, size); });
         if (wanted == present && wanted) {
-            continue; // such as a security label, which comes with the folder and which few may set
+            continue; // such as a security label, which the folder sets and a user may not
         }
         if (!wanted || fsetxattr(descriptor, name.c_str(), wanted->data(), wanted->size(), 0) != 0) {
             AddTo(notKept, "attribute " + name);
         }
     }
     if (!hasAccessList) {
-        (void)fremovexattr(descriptor, kAccessList); // the folder's default, which the old file did not have
+        (void)fremovexattr(descriptor, kAccessList); // from the folder's default; the old file had none
     }
 }
 
@@ -104,8 +104,8 @@ int CopyAttributes(const struct stat& old, const std::string& oldPath, int descr
     if (fstat(descriptor, &present) != 0) {
         return errno;
     }
-    // Each by itself: a person may give a file to any group of theirs, but to no other user. Whoever is not the
-    // old owner must not run under the old owner's name either.
+    // Owner and group separately: a user may set the group to one of their own, but not the owner. The
+    // set-user-ID bit is dropped with the owner, because it would now stand for another user.
     if (present.st_uid != old.st_uid && fchown(descriptor, old.st_uid, static_cast<gid_t>(-1)) != 0) {
         AddTo(notKept, "owner " + NameOfUser(old.st_uid));
         mode &= ~static_cast<mode_t>(S_ISUID);
@@ -115,7 +115,7 @@ int CopyAttributes(const struct stat& old, const std::string& oldPath, int descr
         mode &= ~static_cast<mode_t>(S_ISGID);
     }
     CopyExtendedAttributes(oldPath, descriptor, notKept);
-    // Last, because a change of the owner and of the access list changes permissions.
+    // Last, because changing the owner or the access list changes the permissions.
     return fchmod(descriptor, mode) == 0 ? 0 : errno;
 }
 

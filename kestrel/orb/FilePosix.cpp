@@ -62,19 +62,19 @@ int OpenRestarted(const char* path, int flags) noexcept
 /// Opens an ordinary file for reading. @return the descriptor, or -1 with `errno`.
 int OpenOrdinaryFile(const char* path) noexcept
 {
-    // Looked at first: opening a pipe would let its writer run into a reader that is gone at once.
+    // The type is checked first, because opening a pipe would wake its writer.
     struct stat status {};
     if (stat(path, &status) != 0) {
         return -1;
     }
     if (!S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : EACCES; // A pipe or a device has no size to read up to.
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EACCES; // A pipe or a device has no size.
         return -1;
     }
-    // Not blocking, in case a pipe has taken the name meanwhile.
+    // O_NONBLOCK, because a pipe may have taken the name in between.
     int descriptor = OpenRestarted(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0 && errno == EWOULDBLOCK) {
-        // Another process has a lease on the file, which the system ends after a time.
+        // Another process has a lease on the file. The system ends it after a time, so this waits.
         descriptor = OpenRestarted(path, O_RDONLY | O_NOCTTY);
     }
     if (descriptor >= 0 && fstat(descriptor, &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -100,7 +100,7 @@ int WriteAll(int descriptor, std::span<const char> bytes) noexcept
 
 constexpr char kLogContext[] = "ORB::File";
 
-/// Tells the log and the listener what became of a save.
+/// Reports the result of a save to the log and to the listener.
 void Report(const std::u16string& path, Status status, const ReplacementOutcome& outcome)
 {
     std::string failure;
@@ -225,7 +225,7 @@ Status File::Write(std::span<const char> bytes) noexcept
     if (mState == nullptr || !mState->replacement) {
         return kIoError;
     }
-    Status status = kIoError; // out of memory, unless the file is in its place by then
+    Status status = kIoError; // for an exception before the file is in place
     try {
         ReplacementOutcome outcome;
         outcome.error = WriteAll(mState->replacement->Descriptor(), bytes);

@@ -1,16 +1,16 @@
 /// Putting a new file in the place of an old one: one set of rules for everything that saves.
 ///
-/// - Where the path is a symbolic link, the file that it leads to is written and the link stays.
-/// - The new content goes to a temporary file, which takes the place of the old file by a rename. The name
-///   stands for the whole old content or the whole new content at any moment, also when the machine stops:
-///   the content is on the medium before the rename, the rename before `Commit` returns.
-/// - The new file gets the old one's owner, permissions and extended attributes. `Commit` lists what of it
-///   could not be kept.
-/// - A rename would separate a file from its other hard links, and it is refused where the folder is not
-///   writable, where a sticky folder holds another user's file, where a file is a mount point, and where the
-///   permissions cannot be set. There the old file is overwritten instead, after a copy of it was put on the
-///   medium. If that fails, the old content is written back; if that fails too, `Commit` names the copy.
-/// - A file that its permissions protect from writing is refused, although a rename would replace it.
+/// - A symbolic link is followed: the file that it leads to is replaced, the link stays.
+/// - The new content goes to a temporary file, which takes the place of the old file by a rename. At any
+///   moment the name has the whole old content or the whole new one, even if the machine stops: the content
+///   is synced before the rename, and the folder before `Commit` returns.
+/// - The new file gets the old one's owner, permissions and extended attributes. `Commit` lists what could
+///   not be kept.
+/// - A file is overwritten in place instead where it has several hard links, where its folder is not
+///   writable, where it belongs to another user in a sticky folder, where it is a mount point, and where its
+///   permissions cannot be given to a new file. First the old content is copied to another file and synced.
+///   If overwriting fails, the old content is written back; if that fails too, `Commit` names the copy.
+/// - A file without write permission is refused, although a rename could replace it.
 ///
 /// Paths are the system's own bytes.
 #pragma once
@@ -22,7 +22,7 @@
 
 namespace ORB {
 
-/// What stands where a file is to be written.
+/// What exists at the path that a file is to be written to.
 struct Destination {
     enum class Kind {
         New,    ///< nothing yet
@@ -33,38 +33,38 @@ struct Destination {
     std::string path; ///< with all symbolic links followed; as it was given for `Special`
 };
 
-/// Finds out where `path` leads. Opens nothing, so a pipe does not notice.
-/// @return 0, or an error number with `destination` untouched: `EISDIR` for a folder, `EACCES` for a protected
-///         file, what the system says of a path that leads nowhere. Threads: [any-thread].
+/// Finds out what `path` leads to, without opening it.
+/// @return 0, or an error number with `destination` untouched: `EISDIR` for a folder, `EACCES` for a file
+///         without write permission, or the error of looking the path up. Threads: [any-thread].
 [[nodiscard]] KESTREL_API int FindDestination(const std::string& path, Destination& destination);
 
 /// How a replacement ended.
 struct ReplacementOutcome {
     int error = 0; ///< 0, or an error number
-    /// After a failure that damaged the old file: a copy of it, otherwise empty.
+    /// The file with a copy of the old content, after a failure that damaged the old file; otherwise empty.
     std::string copyOfOldFile;
-    /// After success: what of the old file could not be kept, such as "owner alice, attribute user.note";
-    /// empty where everything was.
+    /// What of the old file could not be kept, after success: "owner alice, attribute user.note". Empty if
+    /// everything was kept.
     std::string notKept;
 };
 
-/// A file on its way to its place. Without `Commit` nothing changes. Threads: one object, one thread at a time.
+/// New content for a file. Without `Commit` nothing changes. Threads: one object, one thread at a time.
 class KESTREL_API FileReplacement {
 public:
-    /// Opens a place for the new content, and removes what killed processes left in the folder.
+    /// Opens a temporary file for the new content, after removing those of killed processes from the folder.
     /// @param destination  As found by `FindDestination`, not `Special`.
     /// @return 0, or an error number.
     [[nodiscard]] int Begin(const Destination& destination);
 
-    /// The same for content that is whole already in the file `whole`, on the same file system. Takes `whole`
-    /// over: it is gone when this object is. `Commit` then leaves it to the caller to put file and folder on
-    /// the medium, because that is faster for many files at once.
+    /// The same for content that is complete in the file `whole`, on the same file system. This object owns
+    /// `whole` from now on, and its destructor removes it. `Commit` then does not sync: syncing many files at
+    /// once is faster, and is the caller's task.
     [[nodiscard]] int BeginWith(const Destination& destination, const std::string& whole);
 
-    /// Where the new content is written and read; -1 before `Begin`.
+    /// The descriptor for writing and reading the new content; -1 before `Begin`.
     [[nodiscard]] int Descriptor() const noexcept { return mNew.Descriptor(); }
 
-    /// Gives the new content its name. Once; the descriptor is closed afterwards.
+    /// Puts the new content in place. Called once; closes the descriptor.
     [[nodiscard]] ReplacementOutcome Commit();
 
 private:
@@ -72,18 +72,18 @@ private:
 
     Destination mDestination;
     TemporaryFile mNew;
-    bool mIsElsewhere = false; ///< the folder is not writable, so the new content is in another one
+    bool mIsElsewhere = false; ///< in another folder, because the file's own is not writable
     bool mSyncs = true;
 };
 
-/// Puts on the medium that `folder` has the entries it has. @return 0, or an error number.
+/// Syncs the entries of `folder`, which a rename has changed. @return 0, or an error number.
 [[nodiscard]] KESTREL_API int SyncFolder(const std::string& folder) noexcept;
 
-/// Puts on the medium everything that was written to the file system of `folder`. @return 0, or an error
+/// Syncs everything on the file system of `folder`. @return 0, or an error
 /// number.
 [[nodiscard]] KESTREL_API int SyncFileSystem(const std::string& folder) noexcept;
 
-/// Why a file cannot be written, for a person: "the disk is full". Threads: [any-thread].
+/// An error of writing a file, in words: "the disk is full". Threads: [any-thread].
 [[nodiscard]] KESTREL_API std::string WriteFailureText(int error);
 
 /// The folder part of a path; "." where it has none.

@@ -53,28 +53,28 @@ int ResolveTarget(const std::string& path, std::string& target)
     return ELOOP;
 }
 
-/// Where a file goes whose own folder is not writable: a place that outlives a restart of the machine, where
-/// the user has not named one.
+/// The folder for temporary files and copies where a file's own folder is not writable: the one that the user
+/// has chosen, else one that is kept over a restart.
 std::string FolderElsewhere()
 {
     const char* const named = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe): nobody here sets it
     return named != nullptr && *named != '\0' ? named : "/var/tmp";
 }
 
-/// Whether a folder refuses new entries, as opposed to having no room or being broken.
+/// Whether an error means that new files are not permitted, rather than a full or broken disk.
 bool IsRefusal(int error) noexcept
 {
     return error == EACCES || error == EPERM || error == EROFS;
 }
 
-/// Whether a rename was refused for a reason that overwriting the file does not have: a sticky folder, a mount
-/// point, a folder whose permissions changed meanwhile.
+/// Whether a rename failed for a reason that does not keep the file from being overwritten: a sticky folder,
+/// a mount point, changed permissions of the folder.
 bool IsRenameRefusal(int error) noexcept
 {
     return IsRefusal(error) || error == EBUSY || error == EXDEV;
 }
 
-/// @return 0, or an error number; a file system that cannot do it on demand has done it at once.
+/// @return 0, or an error number. File systems without this operation count as synced.
 int Sync(int descriptor) noexcept
 {
     if (fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS || errno == EROFS) {
@@ -83,7 +83,7 @@ int Sync(int descriptor) noexcept
     return errno;
 }
 
-/// Writes all bytes of one file over the beginning of another, cuts the rest off, and waits for the medium.
+/// Makes the content of `to` that of `from`, and syncs it.
 int CopyContent(int from, int to) noexcept
 {
     std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): filled by reading
@@ -118,7 +118,7 @@ off_t SizeOf(int descriptor) noexcept
     return fstat(descriptor, &status) == 0 ? status.st_size : 0;
 }
 
-/// A copy of an old file on the medium, under a name that a person recognises: "clip.tessel.old-k3v9x0qa".
+/// Makes a synced copy of an old file, with a name that a person recognises: "clip.tessel.old-k3v9x0".
 /// @return 0 with `name`, or an error number.
 int KeepCopy(int old, const std::string& target, std::string& name)
 {
@@ -127,7 +127,7 @@ int KeepCopy(int old, const std::string& target, std::string& name)
     int error = 0;
     for (const std::string& folder : {FolderOf(target), FolderElsewhere()}) {
         std::string pattern = folder + '/' + stem + ".old-XXXXXX";
-        const Descriptor copy(mkstemp(pattern.data())); // readable for its owner alone
+        const Descriptor copy(mkstemp(pattern.data())); // readable only for the user
         error = copy.IsOpen() ? CopyContent(old, copy.Get()) : errno;
         if (error == 0) {
             error = SyncFolder(folder);
@@ -143,11 +143,11 @@ int KeepCopy(int old, const std::string& target, std::string& name)
     return error;
 }
 
-/// Puts the content of `whole` into the file `target` itself.
+/// Overwrites the file `target` with the content of `whole`.
 ReplacementOutcome Overwrite(int whole, const std::string& target)
 {
     ReplacementOutcome outcome;
-    // Without O_NONBLOCK, because another process's lease on the file is to be waited for.
+    // Without O_NONBLOCK, to wait for a lease that another process has on the file.
     const Descriptor file(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (!file.IsOpen()) {
         outcome.error = errno;
@@ -161,7 +161,7 @@ ReplacementOutcome Overwrite(int whole, const std::string& target)
         return outcome;
     }
     if (newSize > oldSize) {
-        // A medium without room is found out before the first byte is replaced.
+        // Fails on a full disk before the first byte is overwritten.
         outcome.error = posix_fallocate(file.Get(), oldSize, newSize - oldSize);
     }
     if (outcome.error == 0 || outcome.error == EOPNOTSUPP || outcome.error == EINVAL) {
@@ -191,7 +191,7 @@ int FindDestination(const std::string& path, Destination& destination)
         return EISDIR;
     }
     if (exists && !S_ISREG(status.st_mode)) {
-        // Its name as given: that of a shell's pipe, /dev/fd/63, leads to no other name.
+        // The path as given: that of a shell's pipe, /dev/fd/63, resolves to no real name.
         destination = {Destination::Kind::Special, path};
         return 0;
     }
@@ -211,7 +211,7 @@ int FileReplacement::Begin(const Destination& destination)
     const bool isNew = destination.kind == Destination::Kind::New;
     const std::string folder = FolderOf(destination.path);
     RemoveLeftovers(folder);
-    // Nobody but its owner reads the new content before it has the old file's permissions.
+    // Only the user may read the new content until it has the old file's permissions.
     const unsigned mode = isNew ? 0666U : 0600U;
     TemporaryFile opened;
     int error = TemporaryFile::Open(folder, mode, opened);
@@ -276,7 +276,7 @@ ReplacementOutcome FileReplacement::Commit()
 int SyncFolder(const std::string& folder) noexcept
 {
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // A folder that may be written to but not read cannot be opened, and so not be waited for.
+    // A folder without read permission cannot be opened, so it cannot be synced.
     return descriptor.IsOpen() ? Sync(descriptor.Get()) : (errno == EACCES ? 0 : errno);
 }
 

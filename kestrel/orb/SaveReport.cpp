@@ -7,7 +7,7 @@
 namespace ORB {
 namespace {
 
-/// The listener that hears what this thread saves now; null where nobody does.
+/// This thread's newest listener; null if there is none.
 thread_local ScopedSaveListener* tListener = nullptr;
 
 } // namespace

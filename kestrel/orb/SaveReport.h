@@ -1,4 +1,4 @@
-/// What became of the files that somebody saved, for a program that must know although the saver ignored it.
+/// The results of saving files, for a program whose plug-in ignores them.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -9,15 +9,15 @@
 
 namespace ORB {
 
-/// One save through `File::Create` and `File::Write`, finished or failed.
+/// The result of one save through `File::Create` and `File::Write`.
 struct SaveReport {
     std::u16string path;     ///< as it was given to `File::Create`
     std::int32_t status = 0; ///< a `Status`, negative for a failure
     std::string failure;     ///< why it failed, such as "the disk is full"; empty after success
 };
 
-/// Hears of each save that its own thread makes, from construction to destruction.
-/// Listeners nest: the newest hears a report, the older ones do not.
+/// Receives the result of each save on its own thread, from construction to destruction.
+/// Only the newest listener receives a report.
 class KESTREL_API ScopedSaveListener {
 public:
     using Handler = std::function<void(const SaveReport&)>;
@@ -33,7 +33,7 @@ private:
     ScopedSaveListener* mPrevious;
 };
 
-/// Gives a report to the calling thread's listener, if there is one. What it throws is dropped.
+/// Gives a report to the calling thread's listener, if there is one. An exception of the listener is logged.
 KESTREL_API void ReportSave(const SaveReport& report) noexcept;
 
 } // namespace ORB

@@ -1,4 +1,4 @@
-/// Files and folders that exist until the work on them is done. Paths are the system's own bytes.
+/// Temporary files and folders. Paths are the system's own bytes.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -7,10 +7,9 @@
 
 namespace ORB {
 
-/// A file under work in some folder. Where the file system can, it has no name, and the system removes it
-/// however the process ends. Elsewhere it has a hidden name and an advisory lock, by which `RemoveLeftovers`
-/// tells the file of a killed process from one that is still being written.
-/// Threads: one object, one thread at a time.
+/// A temporary file in a folder. On most file systems it has no name, so that the system removes it even if
+/// the process is killed. On others it has a hidden name and an advisory lock: `RemoveLeftovers` removes
+/// files whose lock is free, because their process has ended. Threads: one object, one thread at a time.
 class KESTREL_API TemporaryFile {
 public:
     TemporaryFile() noexcept = default;
@@ -26,7 +25,7 @@ public:
     /// @return 0, or an error number with `file` untouched.
     [[nodiscard]] static int Open(const std::string& folder, unsigned mode, TemporaryFile& file);
 
-    /// Takes over a whole file: from now on it is this object's to rename or remove.
+    /// Makes an existing file temporary: this object renames or removes it.
     /// @return 0, or an error number with `file` untouched and `name` left alone.
     [[nodiscard]] static int Adopt(const std::string& name, TemporaryFile& file);
 
@@ -45,7 +44,7 @@ private:
     std::string mName; ///< full path; empty for a file without a name
 };
 
-/// A folder under work, removed with all it holds by the destructor.
+/// A temporary folder. The destructor removes it with everything in it.
 /// Threads: one object, one thread at a time.
 class KESTREL_API TemporaryFolder {
 public:
@@ -64,9 +63,9 @@ private:
     std::string mPath;
 };
 
-/// Removes what killed processes left in `folder`: temporary files and folders of the two classes above that
-/// no process holds a lock on. Others stay, and so do all where the file system has no locks.
-/// Threads: [any-thread]. Reads the whole folder.
+/// Removes the temporary files and folders that killed processes left in `folder`: those of the two classes
+/// above whose lock is free. On a file system without locks none is removed. Threads: [any-thread]. Reads the
+/// whole folder.
 KESTREL_API void RemoveLeftovers(const std::string& folder) noexcept;
 
 } // namespace ORB

@@ -23,10 +23,10 @@ namespace {
 constexpr std::string_view kNameBegin = ".kestrel-";
 constexpr std::string_view kNameEnd = ".tmp";
 constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-constexpr std::size_t kLetterCount = 16; // 82 bits: no two processes draw the same name
+constexpr std::size_t kLetterCount = 16; // 82 bits, so that names do not collide
 constexpr int kMostAttempts = 100;
 
-/// A name that nobody else uses. It holds nothing of the target's name, which may have full length already.
+/// A new name. It does not contain the target's name, which may have the greatest length already.
 std::string NewName(const std::string& folder)
 {
     std::random_device random;
@@ -45,7 +45,7 @@ bool IsTemporaryName(std::string_view name) noexcept
            name.substr(kNameBegin.size(), kLetterCount).find_first_not_of(kLetters) == std::string_view::npos;
 }
 
-/// The path under which a file without a name can be given one.
+/// The path by which an open file without a name can be linked.
 std::string DescriptorPath(int descriptor)
 {
     return "/proc/self/fd/" + std::to_string(descriptor);
@@ -53,14 +53,14 @@ std::string DescriptorPath(int descriptor)
 
 enum class Claim { Ours, Taken };
 
-/// Locks what `descriptor` is open on, as a sign of life. A file system without locks counts as claimed:
-/// nobody else can lock there either.
+/// Locks a new file or folder to show that its process is alive. Without locks in the file system it counts
+/// as locked, because no other process can lock it either.
 Claim ClaimNew(int descriptor) noexcept
 {
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         return errno == EWOULDBLOCK ? Claim::Taken : Claim::Ours;
     }
-    // `RemoveLeftovers` of another process may have been faster with the lock and has removed the name.
+    // Another process may have locked it first, in `RemoveLeftovers`, and removed its name.
     struct stat status {};
     return fstat(descriptor, &status) == 0 && status.st_nlink == 0 ? Claim::Taken : Claim::Ours;
 }
@@ -74,7 +74,7 @@ int OpenNameless([[maybe_unused]] const std::string& folder, [[maybe_unused]] un
         return -1;
     }
     if (access(DescriptorPath(descriptor).c_str(), F_OK) == 0) {
-        (void)flock(descriptor, LOCK_EX | LOCK_NB); // for the moment in which it has a temporary name
+        (void)flock(descriptor, LOCK_EX | LOCK_NB); // for the time between linking and renaming
         return descriptor;
     }
     close(descriptor);
@@ -82,7 +82,7 @@ int OpenNameless([[maybe_unused]] const std::string& folder, [[maybe_unused]] un
     return -1;
 }
 
-/// Removes one file or folder whose lock nobody holds.
+/// Removes a file or folder if its lock is free.
 void RemoveIfAbandoned(const std::string& path)
 {
     struct stat status {};
@@ -181,8 +181,7 @@ int TemporaryFile::Adopt(const std::string& name, TemporaryFile& file)
 int TemporaryFile::MoveTo(const std::string& target)
 {
     if (mName.empty()) {
-        // A file without a name can only be linked under a new name; the rename then replaces an old file at
-        // once.
+        // A link cannot replace an old file, so the file is linked under a new name and then renamed.
         std::string name = NewName(mFolder);
         if (linkat(AT_FDCWD, DescriptorPath(mDescriptor).c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) !=
             0) {
@@ -224,7 +223,7 @@ int TemporaryFolder::Make(const std::string& parent)
             return 0;
         }
         if (mLock < 0 && errno != ENOENT) {
-            return 0; // Without a lock it is merely unprotected from others that clean up.
+            return 0; // It is usable without a lock; only `RemoveLeftovers` of another process could remove it.
         }
         if (mLock >= 0) {
             close(std::exchange(mLock, -1));
@@ -241,7 +240,7 @@ void RemoveLeftovers(const std::string& folder) noexcept
         if (entries == nullptr) {
             return;
         }
-        // Found first: removing while reading may skip entries.
+        // Collected first, because removing entries while reading a folder may skip others.
         std::vector<std::string> found;
         while (const dirent* const entry = readdir(entries.get())) {
             if (IsTemporaryName(entry->d_name)) {

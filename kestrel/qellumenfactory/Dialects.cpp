@@ -22,7 +22,7 @@ struct KeyRow {
     std::string_view lumen;
     std::string_view sable;
     ValueType type;
-    // Numbers are whole and within these, where they differ.
+    // If these differ, numbers are whole and between them.
     double least;
     double most;
 };

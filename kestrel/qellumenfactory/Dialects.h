@@ -1,4 +1,4 @@
-/// The words of both dialects: widget kinds and parameters, which go where, and what they may be.
+/// The words of both dialects: widget kinds, their parameters, and the values that these take.
 #pragma once
 
 #include "Layout.h"
@@ -27,8 +27,8 @@ enum class ValueType { Text, Number, Truth };
 [[nodiscard]] ValueType TypeOf(Key key) noexcept;
 [[nodiscard]] bool HoldsChildren(NodeKind kind) noexcept;
 
-/// What is wrong with `value` for `key`, in words ("a whole number from 0 to 15"); nothing where it is right.
-/// The type is right already.
+/// What `value` would have to be for `key`, in words ("a whole number from 0 to 15"); nothing if it is valid.
+/// The caller has checked its type.
 [[nodiscard]] std::optional<std::string> FindValueFault(Key key, const ParameterValue& value);
 
 } // namespace qellumenfactory

@@ -33,7 +33,8 @@ std::string FormatText(std::string_view text)
 
 std::string FormatNumber(double number)
 {
-    // The shortest form that reads back the same; plain digits where these are what a person would write.
+    // The shortest text that reads back as the same number; without an exponent where a person would write
+    // none.
     const double magnitude = std::abs(number);
     const bool isPlain = magnitude == 0.0 || (magnitude >= 1e-5 && magnitude < 1e15);
     // The shortest decimal form of a double has at most 24 characters, plain digits of these at most 26.
@@ -93,7 +94,7 @@ private:
     void Add(const LayoutNode& node, std::size_t level)
     {
         Comments(node.comments, level);
-        // A widget that holds none has a block in property sheets only: comments at its end move before it.
+        // A widget without children has a block only in property sheets, so comments at its end move before it.
         if (!HoldsChildren(node.kind)) {
             Comments(node.closingComments, level);
         }

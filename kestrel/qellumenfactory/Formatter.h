@@ -1,4 +1,4 @@
-/// Writes layouts as texts, in one form each.
+/// Writes layouts as texts, in one fixed form for each dialect.
 #pragma once
 
 #include "Layout.h"
@@ -9,8 +9,9 @@
 
 namespace qellumenfactory {
 
-/// The tree as text of the dialect: four spaces a level, parameters in the order of `Key`, a blank line
-/// never, comments before their widget. Parsing it gives the same tree, and formatting that the same text.
+/// The tree as text of the dialect: four spaces a level, parameters in the order of `Key`, no blank lines,
+/// comments before their widget. Parsing the text gives the same tree, and formatting that tree gives the
+/// same text.
 [[nodiscard]] KESTRELUI_API std::string FormatLayout(const LayoutNode& root, Dialect dialect);
 
 } // namespace qellumenfactory

@@ -14,7 +14,7 @@ std::string Compose(std::string_view name, Position position, std::string_view t
            ": " + std::string(text);
 }
 
-/// How messages about a difference call a widget.
+/// The name of a widget in messages about differences.
 std::string Describe(const LayoutNode& node)
 {
     const std::string identifier = node.Text(Key::Identifier);
@@ -78,7 +78,7 @@ bool LayoutNode::Truth(Key key, bool fallback) const
     return parameter == nullptr ? fallback : std::get<bool>(parameter->value);
 }
 
-// Layouts nest a few dozen levels at most, the parser sees to that.
+// This recursion is shallow: the parser limits the nesting.
 std::optional<std::string> FindDifference(const LayoutNode& a, const LayoutNode& b)
 {
     if (a.kind != b.kind) {

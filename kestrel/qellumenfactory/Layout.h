@@ -92,7 +92,7 @@ struct Layout {
     LayoutNode root;
 };
 
-/// A text that is no layout. `what()` reads "NAME:LINE:COLUMN: what was expected and what was found".
+/// A text that is not a layout. `what()` reads "NAME:LINE:COLUMN: what was expected and what was found".
 class KESTRELUI_API LayoutError : public qelcore::Exception, public std::runtime_error {
 public:
     LayoutError(std::string_view name, Position position, std::string_view text);
@@ -105,8 +105,8 @@ private:
     Position mPosition;
 };
 
-/// The first difference of two trees in words, nothing where they describe the same dialog. Positions,
-/// comments and the order of parameters do not count.
+/// The first difference of two trees, in words; nothing if they describe the same dialog. Positions, comments
+/// and the order of parameters are not compared.
 [[nodiscard]] KESTRELUI_API std::optional<std::string> FindDifference(const LayoutNode& a, const LayoutNode& b);
 
 } // namespace qellumenfactory

@@ -11,7 +11,7 @@ namespace qellumenfactory {
 
 namespace {
 
-/// What the parser has found to be a whole number in a small range.
+/// A parameter that the parser has checked to be a small whole number.
 int Whole(const LayoutNode& node, Key key, int fallback)
 {
     return static_cast<int>(node.Number(key, fallback));
@@ -70,7 +70,7 @@ std::unique_ptr<Number> MakeNumber(const LayoutNode& node)
 void AddControl(qelui::UI_Group& group, const LayoutNode& node)
 {
     switch (node.kind) {
-    case NodeKind::Dialog: // the parser lets none in
+    case NodeKind::Dialog: // the parser allows none here
         break;
     case NodeKind::Group:
         group.Add(MakeGroup<qelui::UI_Group>(node));

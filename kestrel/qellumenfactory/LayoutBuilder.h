@@ -10,8 +10,8 @@
 
 namespace qellumenfactory {
 
-/// The dialog that a parsed layout describes, every control in the layout's state. The layout is sound, as
-/// `ParseLayout` returns it.
+/// The dialog that a layout describes, with every control in the state that the layout gives it. The layout
+/// must be valid, as `ParseLayout` returns it.
 [[nodiscard]] KESTRELUI_API std::unique_ptr<qelui::UI_Dialog> BuildDialog(const LayoutNode& root);
 
 } // namespace qellumenfactory

@@ -65,7 +65,7 @@ private:
                 known += (index == 0 ? "" : ", ");
                 known += NameOf(static_cast<NodeKind>(index), mDialect);
             }
-            Fail(InQuotes(mToken.text) + " is no widget; there are: " + known);
+            Fail(InQuotes(mToken.text) + " is not a widget; the widgets are: " + known);
         }
         if ((depth == 1) != (*kind == NodeKind::Dialog)) {
             Fail(depth == 1 ? "the outermost widget is " + std::string(NameOf(NodeKind::Dialog, mDialect)) +
@@ -81,7 +81,7 @@ private:
         return *kind;
     }
 
-    /// At the node's name. The depth is limited, because this calls itself.
+    /// Begins at the node's name. Recursive, therefore the depth is limited.
     LayoutNode ParseNode(NodeKind parent, int depth, bool insideRadioGroup)
     {
         if (depth > kDeepestNesting) {
@@ -151,7 +151,7 @@ private:
     {
         while (!mToken.Is('}')) {
             NeedWord("a property's or a widget's name, or '}'");
-            // What the word is shows in the mark behind it; comments before it belong to a widget.
+            // The mark after the word tells a parameter from a widget; comments before it belong to the widget.
             if (FindKey(mToken.text, node.kind, mDialect) || !FindKind(mToken.text, mDialect)) {
                 if (!node.children.empty()) {
                     Fail("properties stand before the widgets of " + std::string(NameOf(node.kind, mDialect)));
@@ -198,7 +198,7 @@ private:
         Take();
     }
 
-    /// Leaves the value's token in place, for messages about it.
+    /// The value's token stays the current one, for messages about it.
     [[nodiscard]] ParameterValue ParseValue(Key key, const std::string& name) const
     {
         switch (TypeOf(key)) {
@@ -236,7 +236,7 @@ private:
     std::string_view mName;
     Dialect mDialect = Dialect::Lumen;
     Token mToken;
-    // The row of OK and Cancel brings these two.
+    // The row of OK and Cancel has these two.
     std::set<std::string, std::less<>> mIdentifiers{"okButton", "cancelButton"};
 };
 

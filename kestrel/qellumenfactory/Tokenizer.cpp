@@ -11,7 +11,7 @@ namespace qellumenfactory {
 
 namespace {
 
-// Not <cctype>: its answers depend on the locale.
+// Not <cctype>, which depends on the locale.
 constexpr bool IsLetter(char c) noexcept
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
@@ -65,7 +65,7 @@ void Tokenizer::Advance() noexcept
     if (passed == '\n') {
         ++mPosition.line;
         mPosition.column = 1;
-        // Only a character's first byte makes a column.
+        // Columns count characters, so only the first byte of each counts.
     } else if ((static_cast<unsigned char>(passed) & 0xC0U) != 0x80U) {
         ++mPosition.column;
     }
@@ -145,7 +145,7 @@ Token Tokenizer::ReadNumber()
     const char* const end = token.text.data() + token.text.size();
     const auto [stop, error] = std::from_chars(token.text.data(), end, token.number);
     if (error != std::errc{} || stop != end || !std::isfinite(token.number)) {
-        throw LayoutError(mName, token.position, "\"" + token.text + "\" is no number");
+        throw LayoutError(mName, token.position, "\"" + token.text + "\" is not a number");
     }
     return token;
 }

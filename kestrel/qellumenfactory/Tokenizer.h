@@ -21,16 +21,16 @@ struct Token {
     [[nodiscard]] bool Is(char mark) const noexcept { return kind == TokenKind::Mark && text.front() == mark; }
 };
 
-/// How a message calls the token: "'{'", "the word \"border\"", "the end".
+/// The token in a message: "'{'", "the word \"border\"", "the end".
 [[nodiscard]] std::string Describe(const Token& token);
 
-/// Hands out the tokens of one text; the text is borrowed and outlives this.
+/// Gives the tokens of one text, one at a time. The text is borrowed and must outlive this object.
 class Tokenizer {
 public:
-    /// @param name  What errors call the text.
+    /// @param name  The name of the text in errors.
     Tokenizer(std::string_view text, std::string_view name);
 
-    /// The next token; `End` for ever at the end. @throws LayoutError
+    /// The next token; at the end of the text, `End` at each call. @throws LayoutError
     [[nodiscard]] Token Next();
 
     /// The comments passed since the last call.

@@ -15,19 +15,19 @@
 
 namespace qellumenfactory {
 
-/// What a layout asks of its view.
+/// What a view must implement for its layout.
 class KESTRELUI_API UI_ILumenView : public qelcore::classref::UnknownBase {
 public:
     static constexpr std::string_view kTypeName = "qellumenfactory::UI_ILumenView";
-    /// Called once, when all controls exist and before anything is shown: look the controls up, register
-    /// handlers, set values. What it throws ends the view before it was shown.
+    /// Looks up the controls, registers handlers and sets values. Called once, after all controls are made
+    /// and before the dialog is shown. If it throws, the dialog is not shown.
     virtual void BindControls() = 0;
 };
 
-/// Which dialect a view reads where its layout comes in both.
+/// Which dialect a view reads if its layout exists in both.
 enum LumenVersionPreference : int { kPreferSable = 0, kPreferLumen = 1 };
 
-/// A modal view. Life: made, given its script, run, read, gone. [ui-thread]
+/// A modal view. Use: construct, give it its layout text, run it, read the results, destroy it. [ui-thread]
 class KESTRELUI_API UI_LumenViewBase : public UI_ILumenView {
 public:
     UI_LumenViewBase(const UI_LumenViewBase&) = delete;
@@ -42,9 +42,9 @@ public:
 
     /// Builds the controls that the layout in `stream` describes, has them bound, and runs the dialog;
     /// returns when it has closed.
-    /// @throws LayoutError               the text is no layout.
-    /// @throws qelui::NoToolkitError     nothing here can show it.
-    /// @throws anything                  that `BindControls` or a change handler threw.
+    /// @throws LayoutError               the text is not a valid layout.
+    /// @throws qelui::NoToolkitError     no toolkit can show the dialog.
+    /// @throws anything                  that `BindControls` or a change handler throws.
     void ParseLumenScript(std::istream& stream);
 
 protected:
@@ -55,7 +55,7 @@ protected:
 
     [[nodiscard]] const std::string& Identifier() const noexcept { return mIdentifier; }
     [[nodiscard]] const qelui::DrawSupplier& GetDrawSupplier() const noexcept { return mSupplier; }
-    /// The dialog, from `BindControls` on.
+    /// The dialog. Valid from the call of `BindControls`.
     [[nodiscard]] qelui::UI_Dialog& GetDialog() const noexcept { return *mDialog; }
 
 private:

@@ -11,7 +11,7 @@ class KESTRELUI_API UI_NodeManager {
 public:
     [[nodiscard]] static UI_NodeManager& Get();
 
-    /// What views are drawn with unless they are told otherwise: the dark theme at first. @{
+    /// The draw supplier of views that choose none; initially the dark theme. @{
     [[nodiscard]] const qelui::DrawSupplier& GetDefaultDrawSupplier() const noexcept { return mSupplier; }
     void SetDefaultDrawSupplier(const qelui::DrawSupplier& supplier) noexcept { mSupplier = supplier; }
     /// @}

@@ -1,11 +1,11 @@
-/// What a window is drawn with.
+/// How a window is drawn.
 #pragma once
 
 namespace qelui {
 
 enum class Theme { Dark, Light };
 
-/// Handed from whoever opens a window to the toolkit that draws it.
+/// Passed by the code that opens a window to the toolkit that draws it.
 struct DrawSupplier {
     Theme theme = Theme::Dark;
 };

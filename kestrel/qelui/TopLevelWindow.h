@@ -1,4 +1,4 @@
-/// A window of its own: a host's main window, or a dialog.
+/// A top-level window: a host's main window, or a dialog.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -16,8 +16,8 @@ public:
     TopLevelWindow(const TopLevelWindow&) = delete;
     TopLevelWindow& operator=(const TopLevelWindow&) = delete;
 
-    /// The toolkit's own window (a `QWidget*` for the Qt toolkit), null before it exists and without a window
-    /// system. Only the toolkit that set it looks behind it. @{
+    /// The toolkit's own window (a `QWidget*` for the Qt toolkit); null before it exists and without a window
+    /// system. Only the toolkit that set it uses it. @{
     [[nodiscard]] void* NativeWindow() const noexcept { return mNativeWindow; }
     void SetNativeWindow(void* window) noexcept { mNativeWindow = window; }
     /// @}

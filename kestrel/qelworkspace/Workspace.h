@@ -18,8 +18,8 @@ private:
     std::string mName;
 };
 
-/// Made by a program around its main window (see `SetNativeWindow`), so that plug-ins' dialogs stand over
-/// it; known to `WorkspaceUtils` from construction to destruction. [ui-thread]
+/// A program makes one for its main window and gives it that window with `SetNativeWindow`; plug-ins' dialogs
+/// then open over it. `WorkspaceUtils` finds it from construction to destruction. [ui-thread]
 class KESTRELUI_API MainWindow final : public qelui::TopLevelWindow {
 public:
     explicit MainWindow(std::string workspaceName);
@@ -33,7 +33,7 @@ private:
 };
 
 struct KESTRELUI_API WorkspaceUtils {
-    /// The main window that was made first of those that live; null where there is none. [ui-thread]
+    /// The oldest of the existing main windows; null if there is none. [ui-thread]
     [[nodiscard]] static qelui::TopLevelWindow* FindMainTopLevelWindow() noexcept;
 };
 

@@ -5,8 +5,8 @@
 
 namespace kestrelqt {
 
-/// Qt ends the process when it cannot reach a window system, or lacks its plug-in for it. So this asks first,
-/// in a process of its own where Qt has not been started yet.
+/// Qt ends the process if it cannot reach a window system or has no plug-in for it. Therefore this starts Qt
+/// in another process first. Where the process has a Qt application already, it checks that one.
 ///
 /// @return empty where a window can be opened, else why not, in one line.
 /// [ui-thread] Starts a program; costs as much as starting Qt.

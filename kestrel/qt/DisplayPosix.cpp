@@ -30,7 +30,7 @@ namespace kestrelqt {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds kPatience{20}; // a display that takes longer is of no use to a person
+constexpr std::chrono::seconds kPatience{20}; // a display that answers later cannot be used
 constexpr std::size_t kLongestAnswer = 65536;
 
 bool IsSet(const char* name)
@@ -77,14 +77,14 @@ public:
     ~Child()
     {
         close(mOutput);
-        kill(mProcess, SIGKILL); // It may hang; where it has ended, this does nothing.
+        kill(mProcess, SIGKILL); // It may hang. Without effect if it has ended.
         while (waitpid(mProcess, nullptr, 0) < 0 && errno == EINTR) {
         }
     }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    /// All that the program writes until it ends; nothing where it does not end in time.
+    /// Everything that the program writes; nothing if it does not end in time.
     [[nodiscard]] std::optional<std::string> Read() const
     {
         const auto end = Clock::now() + kPatience;
@@ -113,7 +113,7 @@ private:
     int mOutput = -1;
 };
 
-/// The reason in what Qt said, as one line; empty where windows can be opened.
+/// The reason in Qt's messages, in one line; empty if windows can be opened.
 std::string ReasonIn(const std::string& answer)
 {
     constexpr std::string_view kVerdict = "This application failed to start";

@@ -8,7 +8,7 @@ namespace kestrelqt {
 
 namespace {
 
-EventSeam* gInnermost = nullptr; // of the ui thread, the only one that shows windows
+EventSeam* gInnermost = nullptr; // used on the ui thread only
 
 } // namespace
 
@@ -39,7 +39,7 @@ void EventSeam::Keep(std::exception_ptr exception) noexcept
         }
         return;
     }
-    // The first one is the cause; others come from what it left half done.
+    // The first exception is the cause; later ones may follow from it.
     if (!gInnermost->mKept) {
         gInnermost->mKept = std::move(exception);
     }

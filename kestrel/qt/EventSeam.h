@@ -1,4 +1,4 @@
-/// Where exceptions stop before they reach Qt's event loop, which cannot pass them on.
+/// Keeps exceptions out of Qt's event loop, which cannot pass them on.
 #pragma once
 
 #include <exception>
@@ -6,8 +6,8 @@
 
 namespace kestrelqt {
 
-/// Stands around one modal run. What is thrown in an event meanwhile is kept, the run ends, and `Rethrow`
-/// throws it where C++ code waits for the run's result. Seams nest as modal windows do. [ui-thread]
+/// Exists during one modal run. An exception that an event throws during the run is kept and ends the run;
+/// `Rethrow` then throws it to the caller of the run. Nests as modal windows do. [ui-thread]
 class EventSeam {
 public:
     /// @param endRun  Ends the modal run; called at most once for each kept exception, must not throw.
@@ -16,7 +16,7 @@ public:
     EventSeam(const EventSeam&) = delete;
     EventSeam& operator=(const EventSeam&) = delete;
 
-    /// After the run: throws what was kept, if anything was.
+    /// Throws the kept exception, if there is one. Called after the run.
     void Rethrow();
 
     /// Keeps an exception in the innermost seam, the first one where there are several, and ends its run.

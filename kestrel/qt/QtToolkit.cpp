@@ -29,7 +29,7 @@ QWidget* NativeParent(const qelui::TopLevelWindow* window)
     return window == nullptr ? nullptr : static_cast<QWidget*>(window->NativeWindow());
 }
 
-/// Qt asks that exceptions of event handlers are caught here.
+/// Qt requires that exceptions of event handlers are caught in `notify`.
 class Application final : public QApplication {
 public:
     using QApplication::QApplication;
@@ -42,7 +42,7 @@ public:
     }
 };
 
-/// Shows a modal window until it is closed. @return its result; throws what was thrown in an event meanwhile.
+/// Shows a modal window until it is closed. @return its result. Throws what an event threw during that time.
 int Execute(QDialog& dialog)
 {
     EventSeam seam([&dialog] { dialog.reject(); });
@@ -58,8 +58,8 @@ void OnceOpen(QObject& window, Act act)
     QTimer::singleShot(0, &window, [act] { AtSeam(act); });
 }
 
-/// Lets a script answer: the name goes into the dialog's own field, and Open or Save is pressed. A dialog that
-/// does not take the name, for instance a file to open that is gone, is closed all the same.
+/// Lets a script answer: enters the name in the dialog's own field and presses Open or Save. If the dialog
+/// refuses the name, for instance of a file to open that does not exist, it is closed as accepted.
 void AnswerFileDialog(QFileDialog& dialog, const QString& path)
 {
     dialog.setOption(QFileDialog::DontUseNativeDialog);
@@ -82,7 +82,7 @@ QtToolkit::QtToolkit()
 {
     SendQtMessagesToLog();
     if (QCoreApplication::instance() == nullptr) {
-        // Both outlive the application, as it requires.
+        // Static, because they must outlive the application.
         static int argumentCount = 1;
         static char name[] = "tessel";
         static char* arguments[] = {name, nullptr};

@@ -9,7 +9,7 @@
 
 extern "C" [[gnu::visibility("default")]] qelui::Toolkit* KestrelGetToolkit(const char** whyNot)
 {
-    // Never destroyed: at the end of the process Qt's own statics are gone before ours would be.
+    // Never destroyed, because Qt's own statics are destroyed before ours at the end of the process.
     static kestrelqt::QtToolkit* toolkit = nullptr;
     if (toolkit != nullptr) {
         return toolkit;

@@ -6,7 +6,7 @@ namespace qelui {
 
 namespace {
 
-/// Switches off the radio buttons below `group` but `chosen`; groups of their own inside stay alone.
+/// Switches off all radio buttons below `group` except `chosen`. Radio groups inside `group` are not touched.
 void SwitchOffOthers(UI_Group& group, const UI_RadioButton& chosen)
 {
     for (const auto& child : group.Children()) {

@@ -12,7 +12,7 @@ public:
     static constexpr std::string_view kTypeName = "qelui::UI_Button";
     explicit UI_Button(std::string identifier) : UI_ControlView(ControlKind::Button, std::move(identifier)) {}
 
-    /// A person presses: the handlers run. Nothing happens on a disabled button.
+    /// A person presses the button: the handlers run. A disabled button does nothing.
     void Press();
 };
 
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] bool IsChecked() const noexcept { return mChecked; }
     void SetChecked(bool checked);
 
-    /// A person checks or unchecks it. Nothing happens on a disabled box, or where that is its state already.
+    /// A person checks or unchecks the box. Does nothing if the box is disabled or has that state already.
     void EnterChecked(bool checked);
 
 private:
@@ -44,12 +44,12 @@ public:
 
     /// 1 when chosen, else 0.
     [[nodiscard]] int GetValue() const noexcept { return mChosen ? 1 : 0; }
-    /// Touches this button alone: code may leave a group without or with several chosen buttons, so a
-    /// toolkit must not force exclusion while it follows the model.
+    /// Changes this button only. Code may choose no button or several of a group, so a toolkit must not
+    /// enforce exclusion when it shows the model.
     void SetValue(int value);
 
-    /// A person chooses it: the group's other buttons go off, then this button's handlers run, once.
-    /// Nothing happens on a disabled or already chosen button.
+    /// A person chooses the button: the group's other buttons are switched off, then this button's handlers
+    /// run. Does nothing if the button is disabled or already chosen.
     void Press();
 
 private:

@@ -1,4 +1,4 @@
-/// The base of all controls: plain models without a window system behind them.
+/// The base of all controls: models that need no window system.
 ///
 /// Two sides use a control, and each has its own verbs:
 /// - **code** (a dialog's implementation) calls `Set...`: the value is taken as it is, never rounded,
@@ -6,7 +6,7 @@
 /// - a **person**, acting through a toolkit, arrives as `Enter...`, `Choose...`, `Press...`: what is entered
 ///   is made to fit the control and then the change handlers run.
 ///
-/// Whatever changes on either side is told to the window's observer, so that a toolkit's widget follows.
+/// Every change is reported to the window's observer, so that a toolkit can update its widget.
 /// Threads: [ui-thread] for everything in this library unless a declaration says otherwise.
 #pragma once
 
@@ -63,23 +63,23 @@ public:
     void SetTooltip(std::string tooltip);
     /// @}
 
-    /// Least size of the control itself, without its label, in logical pixels; 0 leaves it to the toolkit. @{
+    /// Minimum size of the control without its label, in logical pixels; 0 lets the toolkit choose. @{
     [[nodiscard]] int MinWidth() const noexcept { return mMinWidth; }
     [[nodiscard]] int MinHeight() const noexcept { return mMinHeight; }
     void SetMinSize(int width, int height);
     /// @}
 
     void SetDisabled(bool disabled);
-    /// Whether a person can act on the control: neither it nor a group around it is disabled.
+    /// Whether a person can use the control: neither it nor a group around it is disabled.
     [[nodiscard]] bool IsEnabled() const noexcept;
 
     /// The text that a person reads in or on the control: a number at its decimals, a popup's chosen item,
     /// a static text's value, else the label.
     [[nodiscard]] virtual std::string ShownText() const;
 
-    /// Adds a handler that runs after each change that a person made, in the order of adding. What it throws
-    /// closes the dialog and is thrown by `UI_Dialog::RunModal` once the window is gone; it never passes
-    /// through the toolkit that delivered the change.
+    /// Adds a handler that runs after each change that a person makes. Handlers run in the order in which
+    /// they were added. An exception of a handler closes the dialog, and `UI_Dialog::RunModal` throws it
+    /// after the window is gone; it never passes through the toolkit.
     void NotifyWhenChanged(ChangeHandler handler);
 
     [[nodiscard]] UI_Group* Parent() const noexcept { return mParent; }
@@ -89,7 +89,7 @@ public:
 protected:
     UI_ControlView(ControlKind kind, std::string identifier);
 
-    /// Tells the window's observer that the control looks different now.
+    /// Reports to the window's observer that the control has changed.
     void ChangedLook();
     /// Runs the handlers, unless the control's dialog is closed already.
     void NotifyChanged();

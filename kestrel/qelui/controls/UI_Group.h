@@ -23,7 +23,7 @@ public:
     UI_Group(const UI_Group&) = delete;
     UI_Group& operator=(const UI_Group&) = delete;
 
-    /// Takes the control over, as the last child. @return it.
+    /// Adds the control as the last child and owns it. @return the control.
     template <class Control>
     Control& Add(std::unique_ptr<Control> control)
     {
@@ -40,11 +40,11 @@ public:
     [[nodiscard]] Orientation GetOrientation() const noexcept { return mOrientation; }
     void SetOrientation(Orientation orientation) noexcept { mOrientation = orientation; }
 
-    /// Whether the group is drawn as a frame with its header, or only arranges.
+    /// Whether the group is drawn as a frame with a header, or only arranges its children.
     [[nodiscard]] bool HasBorder() const noexcept { return mBorder; }
     void SetBorder(bool border) noexcept { mBorder = border; }
 
-    /// Logical pixels between children and around them; -1 leaves it to the toolkit. @{
+    /// Logical pixels between children and around them; -1 lets the toolkit choose. @{
     [[nodiscard]] int Spacing() const noexcept { return mSpacing; }
     [[nodiscard]] int Margin() const noexcept { return mMargin; }
     void SetSpacing(int pixels) noexcept { mSpacing = pixels; }
@@ -55,7 +55,7 @@ public:
     /// finds nothing.
     [[nodiscard]] UI_ControlView* FindControl(std::string_view identifier) noexcept;
 
-    /// The same as a control of class `Control`, which has a static `kTypeName`.
+    /// The same, as a control of class `Control`, which must have a static `kTypeName`.
     /// @throws qelcore::null_pointer_exception naming that type and the identifier where there is no such
     ///         control, or one of another class.
     template <class Control>

@@ -17,7 +17,7 @@ std::string FormatNumber(double value, int decimals)
     const auto [end, error] =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, places);
     std::string text = error == std::errc{} ? std::string(buffer.data(), end) : std::string();
-    // -0 and what rounds to it would read as "-0.00".
+    // -0 and numbers that round to it would be shown as "-0.00".
     if (text.starts_with('-') && text.find_first_of("123456789in") == std::string::npos) {
         text.erase(0, 1);
     }
@@ -52,7 +52,7 @@ double RoundToDecimals(double value, int decimals) noexcept
 {
     const double scale = std::pow(10.0, std::clamp(decimals, 0, UI_NumberView::kMostDecimals));
     const double scaled = value * scale;
-    // From 2^52 on a double has no digits after the point that could be rounded.
+    // From 2^52 on, doubles have no digits after the point.
     if (!(std::abs(scaled) < 4503599627370496.0)) {
         return value;
     }

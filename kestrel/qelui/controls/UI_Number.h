@@ -1,4 +1,4 @@
-/// Controls that hold a number: number edits, and hot-text numbers, which one drags.
+/// Controls that hold a number: number edits, and hot-text numbers, which can be dragged.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -10,19 +10,19 @@
 
 namespace qelui {
 
-/// `value` with `decimals` digits after the point, in every locale alike; zero never has a sign.
+/// `value` with `decimals` digits after the point, the same in every locale; zero never has a sign.
 [[nodiscard]] KESTRELUI_API std::string FormatNumber(double value, int decimals);
 
-/// What a person typed as a finite number: decimal digits with a point, an exponent, a sign, blanks around.
-/// Nothing where it is none.
+/// Parses a finite number that a person has typed: decimal digits, with optional point, exponent, sign and
+/// surrounding blanks. Nothing if the text is not such a number.
 [[nodiscard]] KESTRELUI_API std::optional<double> ParseNumber(std::string_view text) noexcept;
 
 /// `value` rounded to `decimals` digits after the point, halves away from zero.
 [[nodiscard]] KESTRELUI_API double RoundToDecimals(double value, int decimals) noexcept;
 
-/// What both number controls share. The model holds more than it shows: a toolkit shows `ShownText()` and
-/// must call `EnterValue` only after a person has really edited the text or dragged the number, or merely
-/// passing through a field would round the value.
+/// What both number controls share. The value may have more digits than are shown. A toolkit shows
+/// `ShownText()` and calls `EnterValue` only after a person has edited the text or dragged the number:
+/// otherwise moving the focus through a field would round its value.
 class KESTRELUI_API UI_NumberView : public UI_ControlView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_NumberView";
@@ -40,12 +40,12 @@ public:
     void SetDecimalPlaces(int places);
     /// @}
 
-    /// Whether an entered 0 is taken although it lies outside the limits. @{
+    /// Whether 0 can be entered although it is outside the limits. @{
     [[nodiscard]] bool IsZeroAllowed() const noexcept { return mZeroAllowed; }
     void SetZeroAllowed(bool allowed) noexcept { mZeroAllowed = allowed; }
     /// @}
 
-    /// One step by arrow key or drag; 1 at first. @{
+    /// The step of an arrow key or a drag; initially 1. @{
     [[nodiscard]] double Step() const noexcept { return mStep; }
     void SetStep(double step) noexcept { mStep = step; }
     /// @}
@@ -55,11 +55,11 @@ public:
     void SetPostLabel(std::string postLabel);
     /// @}
 
-    /// What becomes of an entered number: rounded to the decimals, then kept within the limits.
+    /// An entered number, rounded to the decimals and then kept within the limits.
     [[nodiscard]] double Constrain(double entered) const noexcept;
 
-    /// A person entered a number: constrained, stored, handlers run (also where the number is the old one).
-    /// Nothing happens on a disabled control or for what is no finite number.
+    /// A person enters a number: it is constrained and stored, and the handlers run, also if the number is
+    /// the same as before. Does nothing if the control is disabled or the number is not finite.
     void EnterValue(double value);
 
     [[nodiscard]] std::string ShownText() const override;
@@ -77,7 +77,7 @@ private:
     std::string mPostLabel;
 };
 
-/// A field that one types into.
+/// A field to type a number into.
 class KESTRELUI_API UI_NumberEdit final : public UI_NumberView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_NumberEdit";
@@ -87,8 +87,8 @@ public:
     }
 };
 
-/// A number in running text: dragged sideways, or clicked and typed. A drag shows its number while it lasts
-/// and is entered once, on release.
+/// A number in running text, which a person drags sideways or types. During a drag only the shown number
+/// changes; it is entered once, on release.
 class KESTRELUI_API UI_HotTextNumber final : public UI_NumberView {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_HotTextNumber";

@@ -77,15 +77,14 @@ std::optional<std::string> UI_Dialog::DocumentNow() const noexcept
     try {
         return mDocument ? std::optional(mDocument()) : std::nullopt;
     } catch (...) {
-        qelcore::logging::LogCurrentException(
-            "qelui::UI_Dialog"); // The dialog's own result counts all the same.
+        qelcore::logging::LogCurrentException("qelui::UI_Dialog"); // The dialog's result is valid without it.
         return std::nullopt;
     }
 }
 
 void UI_Dialog::KeepException(std::exception_ptr exception) noexcept
 {
-    // The first one is the cause; others come from what it left half done.
+    // The first exception is the cause; later ones may follow from it.
     if (!mKeptException) {
         mKeptException = std::move(exception);
     }

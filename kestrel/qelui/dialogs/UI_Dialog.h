@@ -1,4 +1,4 @@
-/// A modal dialog: the root of a tree of controls, and the window they are in.
+/// A modal dialog: the root of a tree of controls, and their window.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -17,23 +17,23 @@ namespace script {
 class ScriptRunner;
 }
 
-/// What a toolkit hears from a dialog that it shows. Called on the ui thread, also from within change
-/// handlers; must not throw.
+/// Reports of a dialog to the toolkit that shows it. Called on the ui thread, also from within change
+/// handlers. Must not throw.
 class KESTRELUI_API WindowObserver {
 public:
     WindowObserver() = default;
     virtual ~WindowObserver();
     WindowObserver(const WindowObserver&) = delete;
     WindowObserver& operator=(const WindowObserver&) = delete;
-    /// Bring the widget in line with its model: label, value, items, enabled state, tooltip. Code or a person
-    /// changed it; a widget that a person just used hears of its own change, too. Signals that the widget
-    /// sends while it is brought in line must not be entered again.
+    /// The control has changed, by code or by a person: update label, value, items, enabled state and tooltip
+    /// of its widget. This is also called for the widget that the person has just used. Signals that a widget
+    /// sends during the update must not be entered into the model.
     virtual void OnControlChanged(UI_ControlView& control) = 0;
-    /// The dialog is over: end the modal run.
+    /// The dialog is closed: end the modal run.
     virtual void OnDialogClosed() = 0;
 };
 
-/// Life: built, handed to `RunModal` once, read, destroyed.
+/// Use: construct, call `RunModal` once, read the results, destroy.
 class KESTRELUI_API UI_Dialog final : public UI_Group, public TopLevelWindow {
 public:
     static constexpr std::string_view kTypeName = "qelui::UI_Dialog";
@@ -55,18 +55,18 @@ public:
     /// Shows the dialog until it is closed.
     ///
     /// Chooses the toolkit, loads the script where one is named, and gives both to `Toolkit::RunModal`. A
-    /// dialog that is still open when the toolkit returns is cancelled. `UserInterface::LastDocument` gives the
-    /// document that the controls describe at the end. What a change handler threw is thrown from here, once
-    /// the window is gone.
-    /// @throws NoToolkitError  no toolkit can be had; nothing was shown.
+    /// dialog that is still open when the toolkit returns is cancelled. `UserInterface::LastDocument` gives
+    /// the document that the controls describe at the end. An exception of a change handler is thrown from
+    /// here, after the window is gone.
+    /// @throws NoToolkitError  there is no toolkit; nothing was shown.
     void RunModal();
 
-    /// Closes the window, neither OK nor Cancel. Safe inside change handlers, and more than once.
+    /// Closes the window without OK or Cancel. May be called in change handlers, and more than once.
     void Close();
     [[nodiscard]] bool IsClosed() const noexcept { return mClosed; }
 
-    /// What closing the window, Escape and a failed script do: a press on `cancelButton`, where that is
-    /// present; the dialog is closed afterwards in every case.
+    /// Presses `cancelButton` if there is one, then closes the dialog if it is still open. For closing the
+    /// window, Escape and failed scripts.
     void RequestCancel();
 
     /// Set by the toolkit while it shows the dialog, null otherwise.
@@ -75,9 +75,9 @@ public:
     /// The script that plays on this dialog, null for none. Valid during `RunModal`.
     [[nodiscard]] script::ScriptRunner* Script() const noexcept { return mScript; }
 
-    /// Optional: makes the document that the controls describe now. A toolkit shows a picture of it beside the
-    /// controls (`UserInterface::GetPreviewRenderer`), and a program can keep it where the plug-in could not
-    /// save it. Empty where the dialog has none. May throw, like a change handler. @{
+    /// Optional: a function that makes the document which the controls describe now. A toolkit shows a
+    /// picture of it beside the controls (`UserInterface::GetPreviewRenderer`), and a program can keep the
+    /// document if the plug-in could not save it. Like a change handler, the function may throw. @{
     using Document = std::function<std::string()>;
     [[nodiscard]] const Document& GetDocument() const noexcept { return mDocument; }
     void SetDocument(Document document) { mDocument = std::move(document); }

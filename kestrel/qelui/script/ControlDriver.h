@@ -1,4 +1,4 @@
-/// The hands and eyes of a script on one toolkit.
+/// How a script uses the controls of one toolkit.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -25,8 +25,8 @@ struct SeenItem {
     bool enabled = true;
 };
 
-/// What a person sees of one control. A driver reads it from the widget, so that a script also tests that
-/// widgets follow their models.
+/// What a person sees of one control. A driver reads it from the widget, so that scripts also test whether
+/// widgets show their models.
 struct SeenState {
     /// Number: the shown number as text. Popup: the chosen index, -1 for none. Check box and radio button:
     /// "true" or "false". Empty for the others.
@@ -38,9 +38,9 @@ struct SeenState {
     std::vector<SeenItem> items; ///< popups only
 };
 
-/// Acts as a person would. The runner calls an act only where `See` says that the control is enabled.
-/// An act returns when all that it causes has happened, nested dialogs included; it never throws but
-/// `std::bad_alloc`. The dialog may be closed afterwards, and its widgets gone.
+/// Does what a person would do. The runner calls an act only if `See` reports the control as enabled. An act
+/// returns after everything that it causes has happened, including nested dialogs. It throws only
+/// `std::bad_alloc`. Afterwards the dialog may be closed and its widgets destroyed.
 class KESTRELUI_API ControlDriver {
 public:
     ControlDriver() = default;
@@ -52,11 +52,11 @@ public:
 
     virtual void Press(UI_Button& button) = 0;
     virtual void Press(UI_RadioButton& button) = 0;
-    /// The box does not have that state yet.
+    /// The box has the other state before.
     virtual void Check(UI_CheckBox& box, bool checked) = 0;
-    /// The item is there and enabled; it may be the chosen one.
+    /// The item exists and is enabled; it may be the chosen one already.
     virtual void Choose(UI_Popup& popup, int index) = 0;
-    /// Types `text`, which is a number, in place of what stands there and confirms it.
+    /// Replaces the control's text by `text`, which is a number, and confirms it.
     virtual void Type(UI_NumberView& number, std::string_view text) = 0;
 
     /// Saves a picture of the whole window. @return false where there is none to save or it cannot be
@@ -64,7 +64,7 @@ public:
     [[nodiscard]] virtual bool SaveScreenshot(const std::filesystem::path& file, std::string& whyNot) = 0;
 };
 
-/// What the model shows, which is what a toolkit without widgets sees.
+/// The state that the model shows, for a toolkit without widgets.
 [[nodiscard]] KESTRELUI_API SeenState SeeModel(UI_ControlView& control);
 
 } // namespace qelui::script

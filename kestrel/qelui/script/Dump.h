@@ -9,9 +9,9 @@
 namespace qelui::script {
 
 /// An array with one object for each control in reading order: "id", "kind", "label", "text" and "enabled",
-/// and where the control has them "value" (a number, an index, a boolean), "items" (texts with their
-/// enabled state), "minimum", "maximum", "decimals". Texts, items and enabled states are what `driver` sees;
-/// the rest is the model's.
+/// and where the control has them "value" (a number, an index, a boolean), "items" (texts with their enabled
+/// state), "minimum", "maximum", "decimals". Texts, items and enabled states are read through `driver`, the
+/// rest from the model.
 [[nodiscard]] std::string DumpDialog(UI_Dialog& dialog, ControlDriver& driver);
 
 } // namespace qelui::script

@@ -72,7 +72,7 @@ std::vector<Word> SplitLine(std::string_view line)
     return words;
 }
 
-/// The words of one line after its command, taken from the left. @throws LineError by all functions.
+/// The words of one line after its command, read from left to right. All functions throw `LineError`.
 class Arguments {
 public:
     Arguments(std::vector<Word> words, std::string usage) : mWords(std::move(words)), mUsage(std::move(usage))
@@ -234,7 +234,7 @@ Action ParseWords(std::vector<Word> words)
     for (const CommandForm& form : kForms) {
         known += (known.empty() ? "" : ", ") + std::string(form.name);
     }
-    throw LineError{'"' + command.text + "\" is no command; there are: " + known};
+    throw LineError{'"' + command.text + "\" is not a command; the commands are: " + known};
 }
 
 } // namespace

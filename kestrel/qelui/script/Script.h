@@ -67,14 +67,14 @@ struct Command {
         action;
 };
 
-/// Where and why a text is no script.
+/// Where and why a text is not a script.
 struct ScriptError {
     int line = 0; ///< counted from 1
     std::string text;
 };
 
-/// Parses UTF-8 text up to its first error. Whole scripts are parsed before anything is done, so that a
-/// misspelt last line does not leave half an edit. Threads: [any-thread]. Throws only `std::bad_alloc`.
+/// Parses UTF-8 text up to its first error. A script is parsed completely before it is played, so that an
+/// error in its last line does not leave half an edit. Threads: [any-thread]. Throws only `std::bad_alloc`.
 /// @return the commands, or the first error.
 [[nodiscard]] KESTRELUI_API std::variant<std::vector<Command>, ScriptError> ParseScript(std::string_view text);
 

@@ -19,7 +19,7 @@ namespace qelui::script {
 
 namespace {
 
-/// Why a command cannot be done; becomes the run's failure at the command's line.
+/// Why a command failed. Becomes the run's failure, with the command's line.
 struct CommandError {
     std::string text;
 };
@@ -87,12 +87,12 @@ void WriteFile(const std::string& name, const std::string& text)
 
 } // namespace
 
-/// Carries out one command. Every function throws `CommandError` where it cannot.
+/// Executes one command. Every function throws `CommandError` if it fails.
 struct ScriptRunner::Visitor {
     ScriptRunner& runner;
     ControlDriver& driver;
 
-    /// The control, which a person must be able to act on now.
+    /// The control, which must be enabled.
     [[nodiscard]] UI_ControlView& FindEnabled(const std::string& identifier) const
     {
         UI_ControlView& control = Find(runner.mDialog, identifier);
@@ -138,7 +138,7 @@ struct ScriptRunner::Visitor {
     {
         auto* const popup = dynamic_cast<UI_Popup*>(&FindEnabled(command.identifier));
         if (popup == nullptr) {
-            throw CommandError{command.identifier + " is no popup"};
+            throw CommandError{command.identifier + " is not a popup"};
         }
         const SeenState seen = driver.See(*popup);
         for (std::size_t index = 0; index < seen.items.size(); ++index) {
@@ -155,8 +155,8 @@ struct ScriptRunner::Visitor {
         UI_ControlView& control = FindEnabled(command.identifier);
         if (auto* const button = dynamic_cast<UI_Button*>(&control)) {
             const auto* const row = dynamic_cast<const UI_OkCancelRow*>(button->Parent());
-            // Looked at before the press, because what OK does cannot be undone. Nothing that OK or Cancel
-            // do asks further questions.
+            // Checked before the press, because the effects of OK cannot be undone. OK and Cancel open no
+            // further dialogs, so no answer can be used later.
             if (row != nullptr && !runner.AreAnswersUsedUp()) {
                 return;
             }
@@ -215,7 +215,7 @@ struct ScriptRunner::Visitor {
     {
         UI_ControlView& control = Find(runner.mDialog, command.identifier);
         if (dynamic_cast<const UI_Popup*>(&control) == nullptr) {
-            throw CommandError{command.identifier + " is no popup"};
+            throw CommandError{command.identifier + " is not a popup"};
         }
         const SeenState seen = driver.See(control);
         const auto index = static_cast<std::size_t>(command.index);

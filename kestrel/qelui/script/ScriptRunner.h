@@ -16,23 +16,22 @@
 
 namespace qelui::script {
 
-/// Made by `UI_Dialog::RunModal`. The first failure cancels the dialog and is kept; later ones are not
-/// looked for.
+/// Made by `UI_Dialog::RunModal`. The first failure cancels the dialog and ends the script.
 class KESTRELUI_API ScriptRunner {
 public:
     /// Reads and parses the file. A file that cannot be read or parsed is a failure like any other: `Play`
     /// then only cancels.
     ScriptRunner(std::filesystem::path file, UI_Dialog& dialog);
 
-    /// The same with commands that are parsed already; `file` is what failures call them.
+    /// The same with parsed commands; `file` is their name in failures.
     ScriptRunner(std::filesystem::path file, std::vector<Command> commands, UI_Dialog& dialog);
 
-    /// Acts line by line and returns with the dialog closed: by a press on OK or Cancel, or by cancelling it
-    /// when the script ends or fails. Called once by the toolkit, see <qelui/toolkit/Toolkit.h>.
+    /// Executes the commands in order. When it returns, the dialog is closed: by the script's press on OK or
+    /// Cancel, else cancelled. Called once by the toolkit, see <kestrel/qelui/toolkit/Toolkit.h>.
     void Play(ControlDriver& driver);
 
-    /// The queued answer for a dialog that opens now, while `Play` runs. Each call uses one answer up.
-    /// Nothing, or false, where the script cancels or says no, or has no answer, which is a failure. @{
+    /// The next queued answer, for a nested dialog that opens while `Play` runs. Nothing, or false, if the
+    /// script cancels or answers no. No answer in the queue is a failure and counts as cancel. @{
     [[nodiscard]] std::optional<std::u16string> TakeFileAnswer(); ///< an absolute path
     [[nodiscard]] std::optional<sharedui::PickerColor> TakeColorAnswer();
     [[nodiscard]] bool TakeBoxAnswer();

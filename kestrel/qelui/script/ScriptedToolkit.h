@@ -6,7 +6,7 @@
 
 namespace qelui::script {
 
-/// Acts on models by their own verbs.
+/// Calls the models' own functions.
 class ModelDriver final : public ControlDriver {
 public:
     [[nodiscard]] SeenState See(UI_ControlView& control) override { return SeeModel(control); }
@@ -18,7 +18,7 @@ public:
     [[nodiscard]] bool SaveScreenshot(const std::filesystem::path& file, std::string& whyNot) override;
 };
 
-/// A dialog without a script is cancelled at once, and so is every nested one.
+/// A dialog without a script, and every nested dialog of it, is cancelled at once.
 class ScriptedToolkit final : public Toolkit {
 public:
     void RunModal(UI_Dialog& dialog) override;

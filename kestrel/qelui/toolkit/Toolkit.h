@@ -1,12 +1,12 @@
-/// The seam between the models of this library and whatever shows them.
+/// The interface between the models of this library and the toolkits that show them.
 ///
 /// ## How a toolkit shows a dialog
 /// `UI_Dialog::RunModal` calls `Toolkit::RunModal(dialog)`. The toolkit
 /// 1. builds a widget for every control of the tree (`dialog.Children()`, recursively, in reading order),
-///    each in its model's present state, and registers a `WindowObserver` with `dialog.SetObserver`;
+///    in its model's present state, and registers a `WindowObserver` with `dialog.SetObserver`;
 /// 2. shows the window over `dialog.ParentWindow()` (through `NativeWindow()`, null allowed), sets
 ///    `dialog.SetNativeWindow` for nested dialogs, and runs its event loop;
-/// 3. for every act of a person calls the model's verb: `UI_Button::Press`, `UI_CheckBox::EnterChecked`,
+/// 3. for every act of a person calls the model's function: `UI_Button::Press`, `UI_CheckBox::EnterChecked`,
 ///    `UI_RadioButton::Press`, `UI_Popup::Choose`, `UI_NumberView::EnterValue`. The verb limits, stores and
 ///    runs the handlers. Handlers change other controls, which arrive as `OnControlChanged`; they open nested
 ///    dialogs, which arrive as the other functions of `Toolkit` before the verb returns; they close the
@@ -16,7 +16,8 @@
 /// 5. returns once `OnDialogClosed` was heard and the window is gone, with observer and native window set
 ///    back to null.
 ///
-/// No verb throws what a handler threw: the dialog keeps it, closes, and throws it after step 5.
+/// These functions do not throw the exceptions of handlers: the dialog keeps the exception, closes, and throws
+/// it after step 5. Exceptions from the toolkit's own event handling must be treated in the same way.
 ///
 /// ## How a script plays
 /// Where `dialog.Script()` is not null, the toolkit calls `dialog.Script()->Play(driver)` once, as soon as the
@@ -24,7 +25,7 @@
 /// toolkit's own `script::ControlDriver` and always leaves the dialog closed. Nested dialogs open during
 /// `Play`, from inside a driver call; for them the request's `script` is not null, and the toolkit first takes
 /// the answer from it and then makes its own dialog give exactly this answer, by acting on the real widgets
-/// where it can. An answer that is missing reads as a cancel (the runner notes the failure).
+/// where it can. A missing answer counts as a cancel; the runner records the failure.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -92,9 +93,9 @@ public:
     RunColorPicker(const ColorPickerRequest& request) = 0;
 };
 
-/// The one entry of a toolkit library (`extern "C"`, this name): makes the library's toolkit, at the first
-/// call, and returns it; it lives as long as the process. Returns null where the window system cannot be
-/// reached, with one line in `*whyNot` (static text). Never throws. [ui-thread]
+/// The entry function of a toolkit library, `extern "C"`. The first call makes the toolkit, which exists
+/// until the process ends. Returns null if no window can be opened, with one line in `*whyNot`, which stays
+/// valid until the next call. Never throws and never ends the process. [ui-thread]
 inline constexpr char kToolkitEntryName[] = "KestrelGetToolkit";
 using ToolkitEntry = Toolkit* (*)(const char** whyNot);
 

@@ -1,4 +1,4 @@
-/// What the choice of a toolkit asks the platform.
+/// What choosing a toolkit needs from the platform.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@ namespace qelui {
 
 class Toolkit;
 
-/// Whether windows can be shown here, as far as it can be told without trying.
+/// Whether the environment names a display.
 [[nodiscard]] bool IsDisplayPresent();
 
-/// Loads the Qt toolkit's library, which stands beside this one, and gets its toolkit.
+/// Loads the Qt toolkit's library from the folder of this one and gets its toolkit.
 /// @return null where that fails, with one line in `whyNot`.
 [[nodiscard]] Toolkit* LoadQtToolkit(std::string& whyNot);
 

@@ -21,7 +21,7 @@ bool IsSet(const char* variable)
     return value != nullptr && *value != '\0';
 }
 
-/// Beside this library, else wherever the dynamic loader looks.
+/// In the folder of this library, else found by the dynamic loader.
 std::filesystem::path FindLibrary()
 {
     Dl_info info{};

@@ -14,7 +14,7 @@ namespace {
 
 std::string Variable(const char* name)
 {
-    // Dialogs are opened on the ui thread, which is also the one that would change the environment.
+    // Called on the ui thread. Only that thread may change the environment.
     const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
     return value == nullptr ? std::string() : std::string(value);
 }

@@ -13,7 +13,7 @@ namespace qelui {
 
 class Toolkit;
 
-/// No toolkit can be had. `what()` is one line that says why and what would help.
+/// There is no toolkit. `what()` is one line with the reason and a remedy.
 class KESTRELUI_API NoToolkitError : public qelcore::Exception, public std::runtime_error {
 public:
     explicit NoToolkitError(const std::string& line);
@@ -32,38 +32,38 @@ struct KESTRELUI_API ScriptFailure {
     [[nodiscard]] std::string Describe() const;
 };
 
-/// The process's choices. Environment variables are read at each question:
-/// - `KESTREL_UI`: `qt` or `scripted`; unset, it is `qt` where a display is there and the Qt toolkit can be
-///   loaded, else `scripted` where a script is named, else there is none;
+/// The process's choices. Environment variables are read at each call:
+/// - `KESTREL_UI`: `qt` or `scripted`. If it is not set: `qt` if there is a display and Qt can open windows
+///   on it, else `scripted` if a script is named, else there is no toolkit;
 /// - `KESTREL_UI_SCRIPT`: the script's file.
 class KESTRELUI_API UserInterface {
 public:
     [[nodiscard]] static UserInterface& Get();
 
-    /// The toolkit to use now. Loads the Qt toolkit's library at the first need; it stays loaded.
+    /// The toolkit to use. Loads the Qt toolkit's library when it is first needed; the library stays loaded.
     /// @throws NoToolkitError
     [[nodiscard]] Toolkit& GetToolkit();
 
-    /// Makes every dialog from now on use `toolkit`, which is borrowed; null ends that.
+    /// Makes all dialogs use `toolkit`, which is borrowed; null undoes this.
     void SetToolkit(Toolkit* toolkit) noexcept { mToolkit = toolkit; }
 
-    /// Names the script in place of the environment; an empty path ends that.
+    /// Names the script, in place of the environment variable; an empty path undoes this.
     void SetScript(std::filesystem::path file) { mScript = std::move(file); }
     /// The script named by `SetScript`, else by the environment; empty for none.
     [[nodiscard]] std::filesystem::path Script() const;
 
-    /// How the last script that played failed, nothing where it did not. The same line goes to the log.
+    /// Why the last script failed; nothing if it did not. The failure is also logged.
     [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
     void SetScriptFailure(std::optional<ScriptFailure> failure);
 
-    /// The document that the last dialog's controls described when it closed, however it was closed; nothing
-    /// where the dialog offers none. @{
+    /// The document that the last dialog's controls described when it closed, also after Cancel; nothing if
+    /// the dialog offers none. @{
     [[nodiscard]] const std::optional<std::string>& LastDocument() const noexcept { return mLastDocument; }
     void SetLastDocument(std::optional<std::string> document) { mLastDocument = std::move(document); }
     /// @}
 
-    /// How this program makes pictures of documents, for a toolkit that shows one beside a dialog's controls;
-    /// empty where it makes none. @{
+    /// The program's function that renders a document, for a toolkit that shows its picture beside a dialog's
+    /// controls; empty if the program has none. @{
     [[nodiscard]] const PreviewRenderer& GetPreviewRenderer() const noexcept { return mPreviewRenderer; }
     void SetPreviewRenderer(PreviewRenderer renderer) { mPreviewRenderer = std::move(renderer); }
     /// @}

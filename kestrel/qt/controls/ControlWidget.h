@@ -11,8 +11,8 @@ class QWidget;
 
 namespace kestrelqt {
 
-/// Binds a model to a widget: follows the model, and enters into it what a person does. The widget belongs to
-/// its Qt parent, the binding to the window; both end together. [ui-thread]
+/// Binds a model to a widget: shows the model, and enters what a person does. The widget is owned by its Qt
+/// parent, the binding by the window; both exist equally long. [ui-thread]
 class ControlWidget {
 public:
     ControlWidget() = default;
@@ -20,24 +20,24 @@ public:
     ControlWidget(const ControlWidget&) = delete;
     ControlWidget& operator=(const ControlWidget&) = delete;
 
-    /// What a person acts on, and what has the focus.
+    /// The widget that a person uses and that has the focus.
     [[nodiscard]] virtual QWidget* Widget() const = 0;
-    /// Brings the widget in line with the model, without entering anything.
+    /// Updates the widget from the model, without entering anything.
     virtual void Follow() = 0;
-    /// What a person sees, read from the widget.
+    /// The state that the widget shows.
     [[nodiscard]] virtual qelui::script::SeenState See() const = 0;
 };
 
-/// The widget of a control that is no group. @return null for a kind that has no widget.
+/// Makes the widget of a control. @return null for groups, which have none.
 [[nodiscard]] std::unique_ptr<ControlWidget> MakeControlWidget(qelui::UI_ControlView& control, QWidget* parent);
 
 /// A label as a name for assistive tools: without its colon and dots.
 [[nodiscard]] QString AccessibleNameOf(const std::string& label);
 
-/// Tooltip and name, which all kinds take from their model alike.
+/// Sets what all kinds have: name, tooltip, texts for assistive tools.
 void DressWidget(QWidget& widget, const qelui::UI_ControlView& control);
 
-/// Gives the widget its model's least size, where that has one, but no less height than the widget needs.
+/// Gives the widget its model's minimum size, if that has one, but at least the height that it needs.
 void KeepLeastSize(QWidget& widget, const qelui::UI_ControlView& control);
 
 } // namespace kestrelqt

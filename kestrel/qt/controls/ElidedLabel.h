@@ -5,7 +5,7 @@
 
 namespace kestrelqt {
 
-/// Shows its whole text where it fits, else with an ellipsis; the whole then stands in the tooltip.
+/// Shows its whole text if that fits, else with an ellipsis. The tooltip has the whole text.
 class ElidedLabel final : public QLabel {
 public:
     explicit ElidedLabel(QWidget* parent = nullptr);

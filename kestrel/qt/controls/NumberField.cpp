@@ -59,7 +59,7 @@ void NumberField::keyPressEvent(QKeyEvent* event)
         if (mEdited) {
             CommitEdit();
             selectAll();
-            return; // a second Return is the dialog's
+            return; // the next Return presses the dialog's default button
         }
         break;
     case Qt::Key_Escape:

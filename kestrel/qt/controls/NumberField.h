@@ -7,18 +7,18 @@
 
 namespace kestrelqt {
 
-/// Shows a number model and enters what is typed into it: on Return, or when the field loses the focus after
-/// an edit. Up and Down step, Page Up and Page Down take ten steps, Escape takes an edit back. Text that is
-/// no number is taken back.
+/// Shows a number model. Typed text is entered on Return, or when the field loses the focus after an edit. Up
+/// and Down change the number by a step, Page Up and Page Down by ten; Escape undoes an edit. Text that is
+/// not a number is discarded.
 class NumberField : public QLineEdit {
 public:
     /// `number` outlives the field.
     explicit NumberField(qelui::UI_NumberView& number, QWidget* parent = nullptr);
 
-    /// Brings text and enabled state in line with the model; drops an edit that is under way.
+    /// Updates text and enabled state from the model; discards an unfinished edit.
     void Follow();
 
-    /// Whether a person has changed the text since it was last in line with the model.
+    /// Whether a person has changed the text since the last update from the model.
     [[nodiscard]] bool IsEdited() const noexcept { return mEdited; }
 
 protected:

@@ -10,7 +10,7 @@ namespace kestrelqt {
 
 namespace {
 
-/// An ampersand in a caption is itself, not a mnemonic.
+/// Escapes ampersands, which Qt would take for mnemonics.
 QString Caption(const std::string& label)
 {
     return QString::fromStdString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
@@ -97,7 +97,7 @@ RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* par
     QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
         AtSeam([this] {
             mModel.Press();
-            Follow(); // a click on the chosen button took Qt's mark away
+            Follow(); // because Qt unchecks a chosen button that is clicked
         });
     });
     Follow();

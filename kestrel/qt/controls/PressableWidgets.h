@@ -35,7 +35,7 @@ private:
     QCheckBox* mWidget;
 };
 
-/// Exclusion is the model's: code may leave a group with none or several chosen.
+/// The model does the exclusion: code may choose none or several buttons of a group.
 class RadioButtonWidget final : public ControlWidget {
 public:
     RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* parent);

@@ -66,7 +66,7 @@ void ScrubField::keyPressEvent(QKeyEvent* event)
         return;
     }
     if (mMode == Mode::Resting && IsPartOfNumber(event->text())) {
-        BeginTyping(); // the digit then takes the place of the whole number
+        BeginTyping(); // the digit then replaces the whole number
     }
     if (mMode == Mode::Typing && (isReturn || event->key() == Qt::Key_Escape)) {
         if (isReturn) {
@@ -115,7 +115,7 @@ void ScrubField::mouseMoveEvent(QMouseEvent* event)
     }
     if (mMode == Mode::Dragging) {
         mDragged += (x - mLastX) / kPixelsPerStep * Number().Step() * Speed(event->modifiers());
-        // Kept within the limits on the way, so that a drag that turns round takes effect at once.
+        // Kept within the limits during the drag, so that a drag in the other direction takes effect at once.
         mDragged = std::max(mDragged, Number().Minimum().value_or(mDragged));
         mDragged = std::min(mDragged, Number().Maximum().value_or(mDragged));
         mLastX = x;

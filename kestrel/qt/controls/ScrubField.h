@@ -1,13 +1,13 @@
-/// Hot text: a number that one drags sideways.
+/// Hot text: a number that a person drags sideways.
 #pragma once
 
 #include "NumberField.h"
 
 namespace kestrelqt {
 
-/// Looks like underlined text. A drag moves the number by one step every two pixels, with Shift by ten times
-/// that, with Control by a tenth; it shows the number while it lasts and enters it once, on release; Escape
-/// takes it back. A double click, Return or the first digit makes it a field to type into.
+/// Looks like underlined text. A drag changes the number by one step every two pixels, with Shift by ten
+/// steps, with Control by a tenth. The number is shown during the drag and entered once, on release; Escape
+/// undoes the drag. A double click, Return or a digit turns the text into a field to type into.
 class ScrubField final : public NumberField {
 public:
     explicit ScrubField(qelui::UI_NumberView& number, QWidget* parent = nullptr);

@@ -16,9 +16,9 @@ namespace kestrelqt {
 
 namespace {
 
-/// A combo box as wide as its longest item, and at least as large as its model says. A wheel turned over the
-/// dialog does not change it in passing, and a click on an item that cannot be chosen does nothing: Qt would
-/// choose the present item once more.
+/// A combo box as wide as its longest item, and at least as large as its model says. Scrolling the dialog
+/// with the wheel does not change it. A click on a disabled item does nothing, whereas Qt would choose the
+/// current item again.
 class ChoiceBox final : public QComboBox {
 public:
     ChoiceBox(const qelui::UI_Popup& popup, QWidget* parent)

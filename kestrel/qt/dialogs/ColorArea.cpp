@@ -21,13 +21,13 @@ float Fraction(int at, int from, int length)
     return std::clamp(static_cast<float>(at - from) / static_cast<float>(std::max(length - 1, 1)), 0.0F, 1.0F);
 }
 
-/// The way back: a pixel of `length` from `from` on.
+/// The inverse: the pixel for a fraction of `length` pixels that begin at `from`.
 qreal Pixel(float fraction, int from, int length)
 {
     return from + static_cast<qreal>(fraction) * (length - 1);
 }
 
-/// A ring that shows on every colour.
+/// Draws a ring that is visible on every colour.
 void DrawRing(QPainter& painter, const QPointF& center)
 {
     painter.setBrush(Qt::NoBrush);

@@ -1,4 +1,4 @@
-/// A square in which one picks saturation and brightness, with a strip for the hue.
+/// A square for choosing saturation and brightness, with a strip for the hue.
 #pragma once
 
 #include <QColor>
@@ -7,7 +7,7 @@
 
 namespace kestrelqt {
 
-/// Hue, saturation and brightness, 0..1 each, of the colour nearest to what can be shown.
+/// Hue, saturation and brightness, 0..1 each, of the nearest colour that a screen can show.
 struct Hsv {
     float hue = 0.0F;
     float saturation = 0.0F;
@@ -21,7 +21,7 @@ public:
     explicit ColorArea(QWidget* parent = nullptr);
 
     void SetHsv(const Hsv& hsv);
-    /// Called with what a person picked.
+    /// Sets the function that is called with each colour that a person picks.
     void OnPicked(std::function<void(const Hsv&)> handler) { mPicked = std::move(handler); }
 
 protected:

@@ -26,7 +26,7 @@ using qelui::sharedui::PickerColor;
 constexpr float PickerColor::*kMembers[ColorPickerWindow::kChannels] = {
     &PickerColor::red, &PickerColor::green, &PickerColor::blue, &PickerColor::alpha};
 
-/// What a screen can show of a colour; not a number shows as 0.
+/// The nearest colour that a screen can show; not-a-number becomes 0.
 QColor Shown(const PickerColor& color)
 {
     const auto inRange = [](float channel) { return channel > 0.0F ? std::min(channel, 1.0F) : 0.0F; };
@@ -93,7 +93,7 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
         mColor.red = red;
         mColor.green = green;
         mColor.blue = blue;
-        ShowFields(); // the area keeps its hue, which greys do not have
+        ShowFields(); // not the area, which would lose its hue for greys
     });
     grid->addWidget(mArea, 0, 0, static_cast<int>(kChannels) + 1, 1);
     const char* const names[kChannels] = {"Red", "Green", "Blue", "Alpha"};
@@ -134,16 +134,16 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
     mFields[0]->selectAll();
 }
 
-/// Text that is no number, or too large a one, leaves the channel as it was before; it is taken back when
-/// the field is left.
 ColorPickerWindow::~ColorPickerWindow()
 {
-    // A field that loses the focus while Qt's base class takes it down must find nobody to tell.
+    // Fields lose the focus while Qt's base class destroys them, and must not call this object then.
     for (QLineEdit* const field : mFields) {
         field->disconnect(this);
     }
 }
 
+/// Text that is not a number, or too large a number, restores the channel; the field shows it again when it is
+/// left.
 void ColorPickerWindow::TakeField(std::size_t channel)
 {
     constexpr double kLargest = std::numeric_limits<float>::max();

@@ -13,9 +13,9 @@ namespace kestrelqt {
 
 class ColorArea;
 
-/// Four fields hold the channels, with as many digits as they need and any value, above 1 and below 0 too; an
-/// area picks what a screen can show, and two patches compare the new colour with the old one. Channels that
-/// nobody touched come back bit for bit. [ui-thread]
+/// Four fields hold the channels, with all their digits and any value, also above 1 and below 0. An area
+/// picks colours that a screen can show, and two patches compare the new colour with the old one. Channels
+/// that a person does not change keep every bit. [ui-thread]
 class ColorPickerWindow final : public QDialog {
 public:
     ColorPickerWindow(const qelui::sharedui::PickerColor& color, QWidget* parent);
@@ -40,7 +40,7 @@ private:
 
     qelui::sharedui::PickerColor mColor;
     qelui::sharedui::PickerColor mOldColor;
-    qelui::sharedui::PickerColor mBeforeEdit; ///< what the fields showed before they were typed into
+    qelui::sharedui::PickerColor mBeforeEdit; ///< the colour before the current edit of a field
     std::array<QLineEdit*, kChannels> mFields{};
     ColorArea* mArea = nullptr;
     QWidget* mPatches = nullptr;

@@ -21,7 +21,7 @@ using qelui::ControlKind;
 
 constexpr int kSpacing = 8;
 constexpr int kCardMargin = 12;
-constexpr int kIndent = 26; // as far as the text of a radio button stands from its left edge
+constexpr int kIndent = 26; // logical pixels from the left edge of a radio button to its text
 
 /// A group's surface.
 class Card final : public QFrame {
@@ -102,7 +102,7 @@ QWidget* WithUnit(qelui::UI_ControlView& control, QWidget* widget, QWidget* pare
     return box;
 }
 
-/// Whether a group has the dialog's whole width to itself: nothing stands beside it.
+/// Whether a group has the whole width of the dialog, with nothing beside it.
 bool IsWide(const qelui::UI_Group& group)
 {
     for (const qelui::UI_Group* around = &group; around != nullptr; around = around->Parent()) {
@@ -113,8 +113,8 @@ bool IsWide(const qelui::UI_Group& group)
     return true;
 }
 
-/// Columns of a form. In a wide group controls keep their natural width and what is left over stays to their
-/// right, or a popup would be as wide as the window; other groups have no spare column.
+/// Columns of a form. In a wide group a spare column takes the remaining width, because a popup would be as
+/// wide as the window otherwise. Other groups have no spare column.
 enum FormColumn { kLabelColumn = 0, kControlColumn = 1, kSpareColumn = 2 };
 
 /// Adds one child to a form.
@@ -130,7 +130,7 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
     }
     QWidget* const widget = BuildControl(control, parent, widgets);
     if (!HasLabelBefore(control.Kind())) {
-        // A button without a frame around its group heads a column, and is as wide as that.
+        // A button in a group without a frame is the heading of a column and has its width.
         const bool fills = control.Kind() == ControlKind::Button && !control.Parent()->HasBorder();
         form.addWidget(widget, row, kLabelColumn, 1, columns,
                        fills ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
@@ -139,16 +139,16 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
     QLabel* const label = MakeLabel(QString::fromStdString(control.Label()), parent);
     label->setBuddy(widget);
     if (control.Parent()->Kind() == ControlKind::RadioGroup) {
-        label->setContentsMargins(kIndent, 0, 0, 0); // what a radio button governs stands below it, indented
+        label->setContentsMargins(kIndent, 0, 0, 0); // below the text of its radio button
     }
     widgets.labels.emplace(&control, label);
     form.addWidget(label, row, kLabelColumn, Qt::AlignRight | Qt::AlignVCenter);
-    const bool isPath = control.Kind() == ControlKind::StaticText; // takes what room there is
+    const bool isPath = control.Kind() == ControlKind::StaticText; // takes the remaining width
     const int span = isPath ? columns - kControlColumn : 1;
     form.addWidget(WithUnit(control, widget, parent), row, kControlColumn, 1, span);
 }
 
-/// Gives the columns of rows that stand below one another the same least width, so that their edges line up.
+/// Gives the columns of rows below one another the same minimum width, so that their edges line up.
 void AlignRows(const qelui::UI_Group& group, const DialogWidgets& widgets)
 {
     std::map<std::pair<std::size_t, std::size_t>, int> widest; // by number of columns, and column
@@ -177,7 +177,7 @@ QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widge
             AddToForm(*child, *form, row++, parent, widgets);
         }
     }
-    form->setRowStretch(row, 1); // what is left over stays below
+    form->setRowStretch(row, 1); // the remaining height is below
     AlignRows(group, widgets);
     return form;
 }
@@ -198,7 +198,7 @@ QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widget
     return row;
 }
 
-/// OK and Cancel at the right; OK is what Return presses in a field.
+/// OK and Cancel at the right. Return in a field presses OK.
 QLayout* ArrangeOkCancel(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     auto* const row = new QHBoxLayout;

@@ -37,7 +37,7 @@ DialogWindow::DialogWindow(qelui::UI_Dialog& dialog) : QDialog(ParentOf(dialog))
     setWindowTitle(QString::fromStdString(dialog.Title()));
     setModal(true);
 
-    // OK and Cancel stay in sight; the rest scrolls where the screen is too small.
+    // OK and Cancel are always visible; the rest scrolls if the screen is too small.
     auto* const scroll = new QScrollArea(this);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
@@ -87,7 +87,7 @@ void DialogWindow::FitToScreen(QWidget& content)
     const int side = mPreview == nullptr ? 0 : mPreview->width() + qMax(mDialog.Margin(), 0);
     const int below = mButtons == nullptr ? 0 : mButtons->sizeHint().height();
     QSize wanted = content.sizeHint() + QSize(side, below);
-    // A script's pictures show the whole dialog, whatever the screen of the machine that takes them.
+    // With a script the window is not limited to the screen, so that screenshots show the whole dialog.
     if (mDialog.Script() == nullptr) {
         const QSize available = screen()->availableSize() - QSize(kScreenMargin, kScreenMargin);
         if (wanted.height() > available.height()) {
@@ -147,7 +147,7 @@ void DialogWindow::reject()
 
 void DialogWindow::closeEvent(QCloseEvent* event)
 {
-    event->ignore(); // the dialog closes the window, not the other way round
+    event->ignore(); // the dialog closes the window itself
     AtSeam([this] { mDialog.RequestCancel(); });
 }
 
@@ -164,7 +164,7 @@ void DialogWindow::Follow(qelui::UI_ControlView& control)
     if (ControlWidget* const binding = BindingOf(control)) {
         binding->Follow();
     } else {
-        // A group: what it holds may have become enabled or disabled with it.
+        // A group: its controls may be enabled or disabled with it.
         for (const auto& [model, widget] : mWidgets.controls) {
             widget->Follow();
         }

@@ -13,7 +13,7 @@ namespace kestrelqt {
 
 class PreviewPane;
 
-/// Builds the widgets, follows the models, and runs until the dialog is closed. [ui-thread]
+/// Builds the widgets, shows the models in them, and runs until the dialog is closed. [ui-thread]
 class DialogWindow final : public QDialog, private qelui::WindowObserver {
 public:
     explicit DialogWindow(qelui::UI_Dialog& dialog);
@@ -21,7 +21,7 @@ public:
     DialogWindow& operator=(const DialogWindow&) = delete;
     ~DialogWindow() override;
 
-    /// Shows the window and returns once the dialog is closed; plays its script where it has one.
+    /// Shows the window and returns after the dialog is closed. Plays the dialog's script if it has one.
     void Run();
 
     /// The binding of a control of the dialog, null for groups.

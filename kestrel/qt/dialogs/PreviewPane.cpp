@@ -28,8 +28,8 @@ QImage ToImage(const qelui::PreviewPicture& picture)
     return image;
 }
 
-/// None where the document cannot be made, for instance for lack of memory: a preview is no reason to close
-/// the dialog, and an exception must not reach Qt's event loop.
+/// No picture if the document cannot be made, for instance for lack of memory: the dialog can be used without
+/// one, and an exception must not reach Qt's event loop.
 QImage PictureOf(const qelui::UI_Dialog& dialog) noexcept
 {
     try {

@@ -1,4 +1,4 @@
-/// A picture of what the settings make, beside the settings.
+/// A picture of the clip beside its settings.
 #pragma once
 
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
@@ -9,15 +9,15 @@
 
 namespace kestrelqt {
 
-/// Renders the dialog's document a moment after the last change, and shows it at its own aspect;
-/// transparent parts over a checkerboard.
+/// Renders the dialog's document a moment after the last change, and shows the picture in its own aspect
+/// ratio, transparent parts over a checkerboard.
 class PreviewPane final : public QWidget {
 public:
     explicit PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent = nullptr);
 
     /// Something changed: refresh soon.
     void RefreshSoon();
-    /// Refreshes now where a refresh is due, for a screenshot.
+    /// Refreshes now if a refresh is due; for screenshots.
     void RefreshIfDue();
 
 protected:

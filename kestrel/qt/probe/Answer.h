@@ -1,12 +1,12 @@
-/// What the probe and the toolkit agree on.
+/// What the probe and the toolkit share.
 #pragma once
 
 namespace kestrelqt {
 
-/// The probe's last line where windows can be opened.
+/// The probe's last line if windows can be opened.
 inline constexpr char kProbeSuccess[] = "ok";
 
-/// Where the probe stands, seen from the folder of the toolkit's library.
+/// The probe's path, relative to the folder of the toolkit's library.
 inline constexpr char kProbeFile[] = "kestrel/qt-probe";
 
 } // namespace kestrelqt

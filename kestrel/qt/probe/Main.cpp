@@ -1,7 +1,7 @@
-/// The program that finds out whether Qt can open windows here. Qt ends the process where it cannot, so a host
-/// must not try it in its own.
+/// Finds out whether Qt can open windows here. Qt ends the process if it cannot, so a host must not try it in
+/// its own process.
 ///
-/// Writes Qt's complaints to standard output, one a line, and at the end "ok" where windows can be opened.
+/// Writes Qt's warnings to standard output, one a line, and at the end "ok" if windows can be opened.
 
 #include "Answer.h"
 
@@ -21,7 +21,7 @@ void WriteLine(const QString& text)
 [[noreturn]] void End()
 {
     (void)std::fflush(stdout);
-    // Not through Qt's destructors: what matters is known, and a window system may hang in them.
+    // Without Qt's destructors, which may hang in the window system.
     std::_Exit(EXIT_SUCCESS);
 }
 

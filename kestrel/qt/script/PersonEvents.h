@@ -1,4 +1,4 @@
-/// What a person's hands send to a widget.
+/// Mouse and keyboard events as a person's input sends them.
 #pragma once
 
 #include <QString>

@@ -24,7 +24,7 @@ Widget& WidgetOf(const DialogWindow& window, const qelui::UI_ControlView& contro
     return *static_cast<Widget*>(window.BindingOf(control)->Widget());
 }
 
-/// Check boxes and radio buttons are hit on their indicator.
+/// Clicks a check box or radio button on its indicator.
 void ClickIndicator(QWidget& widget)
 {
     Focus(widget);

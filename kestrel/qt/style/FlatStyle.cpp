@@ -10,7 +10,7 @@ namespace {
 constexpr qreal kRadius = 3.0;
 constexpr int kFieldHeight = 26;
 
-/// The outline is twice as thick around what has the focus.
+/// The outline is twice as thick around a control with the focus.
 QPen OutlineOf(const QStyleOption& option)
 {
     const bool focused = option.state.testFlag(QStyle::State_HasFocus);
@@ -121,7 +121,7 @@ void FlatStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
             return;
         }
         break;
-    case PE_Frame: // of lists, popups' lists among them
+    case PE_Frame: // of lists, including those of popups
         painter->save();
         painter->setPen(option->palette.color(QPalette::Mid));
         painter->setBrush(Qt::NoBrush);

@@ -5,7 +5,8 @@
 
 namespace kestrelqt {
 
-/// Fusion underneath, for metrics and for everything not drawn here. Colours come from the palette alone.
+/// Based on the Fusion style, which gives the metrics and draws everything else. All colours come from the
+/// palette.
 class FlatStyle final : public QProxyStyle {
 public:
     FlatStyle();

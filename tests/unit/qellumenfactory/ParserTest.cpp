@@ -95,8 +95,8 @@ TEST(Parser, SaysLineColumnAndWhatWasExpected)
         {"// \xFF\nqel_dialog()", "1:1: this comment is not UTF-8"},
         // Characters count, not bytes.
         {"qel_dialog(title: \"\xC3\xBC\" ?", "1:23: this character has no meaning here"},
-        {"qel_dialog(margin: 1e999)", "1:20: \"1e999\" is no number"},
-        {"qel_dialog(margin: 1x)", "1:20: \"1x\" is no number"},
+        {"qel_dialog(margin: 1e999)", "1:20: \"1e999\" is not a number"},
+        {"qel_dialog(margin: 1x)", "1:20: \"1x\" is not a number"},
         {"dialog { margin 1 }", "1:17: expected '=' after margin, found the number 1"},
         {"dialog { button { } margin = 1 }", "1:21: properties stand before the widgets of dialog"},
         {"dialog { button { button { } } }", "1:19: button holds no widgets"},
@@ -111,7 +111,8 @@ TEST(Parser, AnUnknownWidgetOrParameterListsTheKnownOnes)
 {
     EXPECT_EQ(
         Fault("qel_dialog() { qel_list() }"),
-        "1:16: \"qel_list\" is no widget; there are: qel_dialog, qel_groupbox, qel_radio_button_group, "
+        "1:16: \"qel_list\" is not a widget; the widgets are: qel_dialog, qel_groupbox, "
+        "qel_radio_button_group, "
         "qel_ok_cancel_row, qel_popup, qel_number_edit, qel_hot_text_number, qel_button, qel_static_text, "
         "qel_checkbox, qel_radio_button");
     EXPECT_EQ(

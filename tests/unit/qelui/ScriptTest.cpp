@@ -186,11 +186,11 @@ TEST_F(Playing, EveryFailureCancelsAndNamesItsLine)
         {"set box on\n", "1: box takes true or false, not \"on\""},
         {"set button 1\n", "1: button is a button and cannot be set"},
         {"press number\n", "1: number is a number edit and cannot be pressed"},
-        {"choose number \"x\"\n", "1: number is no popup"},
+        {"choose number \"x\"\n", "1: number is not a popup"},
         {"expect button 1\n", "1: button is a button without a value; use expect-text"},
         {"expect-item popup 2 \"x\" true\n", "1: popup has no item 2; it has 2"},
         {"expect-item popup 0 \"x\" true\n", "1: popup's item 0 is \"one\", not \"x\""},
-        {"expect-item number 0 \"x\" true\n", "1: number is no popup"},
+        {"expect-item number 0 \"x\" true\n", "1: number is not a popup"},
         {"dump \"/nonexistent/folder/dump.json\"\n", "1: cannot write \"/nonexistent/folder/dump.json\""},
         {"press okButton\npress button\n", "2: the dialog is closed already"},
     };
