@@ -9,7 +9,7 @@
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
-#include <kestrel/qelcore/text/Unicode.h>
+#include <kestrel/qelcore/text/PathText.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -64,17 +64,6 @@ std::string ReadFailure(const std::filesystem::path& file)
         return {};
     }
     return ": " + std::generic_category().message(errno != 0 ? errno : EIO);
-}
-
-/// The name as plug-ins take it: absolute where that can be said in UTF-16.
-std::u16string PluginPath(const std::filesystem::path& file)
-{
-    std::error_code ignored;
-    const std::filesystem::path absolute = std::filesystem::absolute(file, ignored);
-    if (auto path = qelcore::text::ToUTF16Strict(UTF8Text(absolute)); path && !path->empty()) {
-        return *std::move(path);
-    }
-    return qelcore::text::ToUTF16(UTF8Text(file));
 }
 
 /// Collects what the plug-in logs.
@@ -169,7 +158,7 @@ void DescribeColor(const Importer& importer, const std::filesystem::path& file, 
 
 const FileType& FileTypeOf(const Importer& importer, const std::filesystem::path& file)
 {
-    const std::string extension = LowerASCII(UTF8Text(file.extension()));
+    const std::string extension = LowerASCII(qelcore::text::UTF8Text(file.extension()));
     std::string known;
     for (const FileType& type : importer.FileTypes()) {
         for (const std::string& own : type.extensions) {
@@ -193,7 +182,7 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
 
     auto state = std::make_unique<State>(std::move(importer), file, filling);
     const Importer& plugin = *state->importer;
-    const std::u16string path = PluginPath(file);
+    const std::u16string path = UTF16Path(file);
     const MessageCollector collector(state->messages);
 
     ksOpenRec open{};
@@ -223,7 +212,7 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
 std::optional<std::string> Clip::AskSettingsText() const
 {
     const Importer& importer = *mState->importer;
-    const std::u16string path = PluginPath(mState->file);
+    const std::u16string path = UTF16Path(mState->file);
     ksFileAccessRec access{};
     access.path = path.c_str();
     const auto ask = [&](ksSettingsExchangeRec& exchange) {

@@ -27,7 +27,7 @@ private:
     void* mHandle = nullptr;
 };
 
-/// The file name of a plug-in called `stem` here: "ImporterTessel.so".
+/// The file name of a plug-in called `stem` here: "Stem.so".
 [[nodiscard]] std::filesystem::path LibraryFileName(const char* stem);
 
 /// The folder of the library that holds this host, or the program's where it is linked in.

@@ -2,9 +2,15 @@
 
 #include "HostError.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
+#include <system_error>
+#include <utility>
+
 namespace importhost {
+
+using qelcore::text::UTF8Text;
 
 std::string OneLine(std::string_view text)
 {
@@ -27,20 +33,19 @@ std::string OneLine(std::string_view text)
     return line;
 }
 
-std::string UTF8Text(const std::filesystem::path& file)
-{
-    const std::u8string text = file.u8string();
-    return {reinterpret_cast<const char*>(text.data()), text.size()};
-}
-
-std::filesystem::path PathOf(std::string_view utf8)
-{
-    return std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size());
-}
-
 std::string DisplayName(const std::filesystem::path& file)
 {
     return OneLine(UTF8Text(file));
+}
+
+std::u16string UTF16Path(const std::filesystem::path& file)
+{
+    std::error_code ignored;
+    const std::filesystem::path absolute = std::filesystem::absolute(file, ignored);
+    if (auto path = qelcore::text::ToUTF16Strict(UTF8Text(absolute)); path && !path->empty()) {
+        return *std::move(path);
+    }
+    return qelcore::text::ToUTF16(UTF8Text(file));
 }
 
 void RequireUTF8Name(const std::filesystem::path& file)

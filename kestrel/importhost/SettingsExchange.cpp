@@ -8,6 +8,7 @@
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
 #include <memory>
@@ -21,31 +22,17 @@ struct FreeBlock {
     void operator()(ksUTF16* block) const noexcept { FreeHostBlock(block); }
 };
 
-/// The exception's own words in a report of the plug-in's barrier; the whole report where it has none.
-std::string_view ReasonIn(std::string_view report) noexcept
-{
-    constexpr std::string_view kBefore = "what() returned ";
-    constexpr std::string_view kAfter = " [assertion";
-    if (const auto begin = report.find(kBefore); begin != std::string_view::npos) {
-        report.remove_prefix(begin + kBefore.size());
-    }
-    return report.substr(0, report.rfind(kAfter));
-}
-
 [[noreturn]] void Fail(const std::string& subject, std::int32_t result, std::string_view lastMessage)
 {
     if (result == ksResultFileUnreadable) {
         throw HostError(subject + ": the plug-in cannot read this file");
     }
-    std::string text = subject + ": the settings dialog failed (result " + std::to_string(result) + ')';
-    if (!lastMessage.empty()) {
-        text += ": " + OneLine(ReasonIn(lastMessage));
-    }
-    throw HostError(text);
+    throw PluginFailure(subject + ": the settings dialog failed (result " + std::to_string(result) + ')',
+                        OneLine(lastMessage));
 }
 
 EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSettingsExchangeRec& exchange,
-                        const std::string& subject)
+                        const std::string& subject, const MessageHandler& onMessage)
 {
     if (importer.Request(ksSelectorSettingsExchange, &access, &exchange) != ksResultServed) {
         Fail(subject, ksResultFailed, "it did not say how large its settings are");
@@ -59,10 +46,7 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
     std::string lastMessage;
     const qelcore::logging::ScopedListener listener([&](const qelcore::logging::Message& message) {
         lastMessage = message.text;
-        if (!edited.warnings.empty()) {
-            edited.warnings += '\n';
-        }
-        edited.warnings += OneLine(message.text);
+        onMessage(message);
     });
     const std::int32_t result = importer.Request(ksSelectorSettingsExchange, &access, &exchange);
     const std::unique_ptr<ksUTF16, FreeBlock> newPath(access.newPath);
@@ -78,7 +62,7 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
             Fail(subject, result, "it named no file");
         }
         edited.decision = SettingsDecision::UseFile;
-        edited.newFile = PathOf(qelcore::text::ToUTF8(newPath.get()));
+        edited.newFile = qelcore::text::PathOf(qelcore::text::ToUTF8(newPath.get()));
         break;
     default:
         Fail(subject, result, lastMessage);
@@ -91,17 +75,19 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
 
 } // namespace
 
-EditedSettings EditClipSettings(const Importer& importer, const std::filesystem::path& file)
+EditedSettings EditClipSettings(const Importer& importer, const std::filesystem::path& file,
+                                const MessageHandler& onMessage)
 {
     RequireUTF8Name(file);
-    const std::u16string path = qelcore::text::ToUTF16(UTF8Text(std::filesystem::absolute(file)));
+    const std::u16string path = UTF16Path(file);
     ksFileAccessRec access{};
     access.path = path.c_str();
     ksSettingsExchangeRec exchange{};
-    return Exchange(importer, access, exchange, DisplayName(file));
+    return Exchange(importer, access, exchange, DisplayName(file), onMessage);
 }
 
-EditedSettings EditNewClipSettings(const Importer& importer, const SequenceValues& sequence)
+EditedSettings EditNewClipSettings(const Importer& importer, const SequenceValues& sequence,
+                                   const MessageHandler& onMessage)
 {
     ksFileAccessRec access{};
     ksSettingsExchangeRec exchange{};
@@ -112,7 +98,7 @@ EditedSettings EditNewClipSettings(const Importer& importer, const SequenceValue
     exchange.parDenominator = sequence.parDenominator;
     exchange.timeScale = sequence.timeScale;
     exchange.sampleSize = sequence.sampleSize;
-    return Exchange(importer, access, exchange, "new clip");
+    return Exchange(importer, access, exchange, "new clip", onMessage);
 }
 
 } // namespace importhost

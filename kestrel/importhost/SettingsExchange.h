@@ -3,9 +3,11 @@
 
 #include <kestrel/Export.h>
 #include <kestrel/importhost/Importer.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -34,18 +36,23 @@ struct EditedSettings {
     /// host's buffer.
     std::optional<std::string> text;
     std::filesystem::path newFile; ///< for `UseFile`
-    /// What the plug-in logged meanwhile, a line each.
-    std::string warnings;
 };
 
+/// Hears what the plug-in logs, at once.
+using MessageHandler = std::function<void(const qelcore::logging::Message&)>;
+
 /// Shows the dialog and returns when it has closed. [ui-thread]
-/// @param file  A data file.
-/// @throws HostError  the file cannot be read, or the plug-in failed; says why as far as it told.
+/// @param file       A data file.
+/// @param onMessage  Called while the dialog is open, on this thread.
+/// @throws HostError  the file cannot be read
+/// @throws PluginFailure  the plug-in failed
 [[nodiscard]] KESTRELHOST_API EditedSettings EditClipSettings(const Importer& importer,
-                                                              const std::filesystem::path& file);
+                                                              const std::filesystem::path& file,
+                                                              const MessageHandler& onMessage);
 
 /// The same for a clip that does not exist yet.
 [[nodiscard]] KESTRELHOST_API EditedSettings EditNewClipSettings(const Importer& importer,
-                                                                 const SequenceValues& sequence);
+                                                                 const SequenceValues& sequence,
+                                                                 const MessageHandler& onMessage);
 
 } // namespace importhost

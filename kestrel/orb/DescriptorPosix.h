@@ -8,6 +8,7 @@ namespace ORB {
 /// Closes a file descriptor at the end of its scope.
 class Descriptor {
 public:
+    Descriptor() noexcept = default;
     explicit Descriptor(int descriptor) noexcept : mDescriptor(descriptor) {}
     ~Descriptor()
     {
@@ -18,11 +19,14 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
+    /// Takes a descriptor, or -1; only where it has none.
+    void Take(int descriptor) noexcept { mDescriptor = descriptor; }
+
     [[nodiscard]] bool IsOpen() const noexcept { return mDescriptor >= 0; }
     [[nodiscard]] int Get() const noexcept { return mDescriptor; }
 
 private:
-    int mDescriptor;
+    int mDescriptor = -1;
 };
 
 } // namespace ORB

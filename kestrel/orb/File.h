@@ -60,8 +60,24 @@ private:
     std::unique_ptr<State> mState;
 };
 
+/// While one lives, a file that its own thread opens for reading several times by one path is opened once: the
+/// later ones read the first one's file from its beginning, even where another file has taken the name since.
+/// What is read in several steps so belongs together. An inner scope changes nothing. [any-thread]
+class KESTREL_API ScopedReading {
+public:
+    ScopedReading();
+    ~ScopedReading();
+    ScopedReading(const ScopedReading&) = delete;
+    ScopedReading& operator=(const ScopedReading&) = delete;
+
+    struct State;
+
+private:
+    std::unique_ptr<State> mState; ///< null for an inner scope
+};
+
 struct KESTREL_API PathUtils {
-    /// The part after the last separator: "b.tessel" of "a/b.tessel"; the whole text where there is none.
+    /// The part after the last separator: "b.txt" of "a/b.txt"; the whole text where there is none.
     [[nodiscard]] static std::u16string GetFilePart(std::u16string_view path);
 };
 

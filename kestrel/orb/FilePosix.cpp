@@ -14,6 +14,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <limits>
+#include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -119,18 +121,36 @@ void Report(const std::u16string& path, Status status, const ReplacementOutcome&
 
 } // namespace
 
-struct File::State {
-    State() = default;
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
-    ~State()
-    {
-        if (descriptor >= 0) {
-            close(descriptor);
-        }
-    }
+/// The files that are open in a scope. A descriptor closes with the last file that reads through it.
+struct ScopedReading::State {
+    std::map<std::string, std::shared_ptr<const Descriptor>, std::less<>> opened;
+};
 
-    int descriptor = -1;                        ///< of a file that is read
+namespace {
+
+/// The outermost scope of this thread; null where there is none.
+thread_local ScopedReading::State* tReading = nullptr;
+
+} // namespace
+
+ScopedReading::ScopedReading()
+{
+    if (tReading == nullptr) {
+        mState = std::make_unique<State>();
+        tReading = mState.get();
+    }
+}
+
+ScopedReading::~ScopedReading()
+{
+    if (mState != nullptr) {
+        tReading = nullptr;
+    }
+}
+
+struct File::State {
+    std::shared_ptr<const Descriptor> reading;  ///< of a file that is read
+    off_t place = 0;                            ///< where the next read begins
     std::optional<FileReplacement> replacement; ///< of a created file, until it has been written
     std::u16string path;                        ///< a created file's, as it was given
 };
@@ -147,9 +167,19 @@ Status File::OpenForReading(std::u16string_view path, File& file)
         return kInvalidPath;
     }
     auto state = std::make_unique<State>();
-    state->descriptor = OpenOrdinaryFile(systemPath->c_str());
-    if (state->descriptor < 0) {
-        return StatusOfErrno(errno);
+    std::shared_ptr<const Descriptor>* kept = tReading != nullptr ? &tReading->opened[*systemPath] : nullptr;
+    if (kept != nullptr && *kept != nullptr) {
+        state->reading = *kept;
+    } else {
+        const auto opened = std::make_shared<Descriptor>();
+        opened->Take(OpenOrdinaryFile(systemPath->c_str()));
+        if (!opened->IsOpen()) {
+            return StatusOfErrno(errno);
+        }
+        state->reading = opened;
+        if (kept != nullptr) {
+            *kept = opened;
+        }
     }
     file.mState = std::move(state);
     return kDone;
@@ -190,7 +220,7 @@ Status File::GetSizeOnDisk(std::uint64_t& size) const noexcept
         return kIoError;
     }
     struct stat status {};
-    const int descriptor = mState->replacement ? mState->replacement->Descriptor() : mState->descriptor;
+    const int descriptor = mState->replacement ? mState->replacement->Descriptor() : mState->reading->Get();
     if (fstat(descriptor, &status) != 0) {
         return StatusOfErrno(errno);
     }
@@ -200,18 +230,19 @@ Status File::GetSizeOnDisk(std::uint64_t& size) const noexcept
 
 Status File::Read(std::span<char> buffer, std::uint32_t& read) noexcept
 {
-    if (mState == nullptr || mState->descriptor < 0) {
+    if (mState == nullptr || mState->reading == nullptr) {
         return kIoError;
     }
     const std::size_t wanted = std::min<std::size_t>(buffer.size(), std::numeric_limits<std::uint32_t>::max());
     std::size_t got = 0;
     while (got < wanted) {
-        const ssize_t count = ::read(mState->descriptor, buffer.data() + got, wanted - got);
+        const ssize_t count = ::pread(mState->reading->Get(), buffer.data() + got, wanted - got, mState->place);
         if (count == 0) {
             break;
         }
         if (count > 0) {
             got += static_cast<std::size_t>(count);
+            mState->place += count;
         } else if (errno != EINTR) {
             return StatusOfErrno(errno);
         }

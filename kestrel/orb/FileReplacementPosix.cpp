@@ -118,7 +118,7 @@ off_t SizeOf(int descriptor) noexcept
     return fstat(descriptor, &status) == 0 ? status.st_size : 0;
 }
 
-/// Makes a synced copy of an old file, with a name that a person recognises: "clip.tessel.old-k3v9x0".
+/// Makes a synced copy of an old file, with a name that a person recognises: "notes.txt.old-k3v9x0qa".
 /// @return 0 with `name`, or an error number.
 int KeepCopy(int old, const std::string& target, std::string& name)
 {

@@ -5,8 +5,8 @@
 
 namespace qelcore {
 
-/// The integer whose big-endian reading is the four characters: file types and property keys, "TSSL" is
-/// 0x5453534C.
+/// The integer whose big-endian reading is the four characters: file types and property keys, "IMPT" is
+/// 0x494D5054.
 [[nodiscard]] constexpr std::uint32_t FourCharacterCode(const char (&characters)[5]) noexcept
 {
     std::uint32_t code = 0;

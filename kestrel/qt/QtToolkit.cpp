@@ -84,7 +84,7 @@ QtToolkit::QtToolkit()
     if (QCoreApplication::instance() == nullptr) {
         // Static, because they must outlive the application.
         static int argumentCount = 1;
-        static char name[] = "tessel";
+        static char name[] = "kestrel";
         static char* arguments[] = {name, nullptr};
         mApplication = std::make_unique<Application>(argumentCount, arguments);
         QApplication::setQuitOnLastWindowClosed(false);

@@ -9,6 +9,7 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/text/PathText.h>
 
 #include <fmt/format.h>
 
@@ -145,7 +146,7 @@ std::string AsJson(const Clip& clip, const VideoSpeed& video, const AudioSpeed& 
     AddToObject(machine, "streamingBytesPerSecond", Value(video.streamingBytesPerSecond));
     AddToObject(machine, "hasStreamingStores", Value(HasStreamingStores()));
     Object report;
-    AddToObject(report, "file", Value(importhost::UTF8Text(clip.File())));
+    AddToObject(report, "file", Value(qelcore::text::UTF8Text(clip.File())));
     AddToObject(report, "video", Value(std::move(videoObject)));
     AddToObject(report, "audio", Value(std::move(audioObject)));
     AddToObject(report, "machine", Value(std::move(machine)));

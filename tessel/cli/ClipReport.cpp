@@ -5,6 +5,7 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
+#include <kestrel/qelcore/text/PathText.h>
 
 #include <fmt/format.h>
 
@@ -217,7 +218,7 @@ Value ReportAsDocument(const OpenedClip& opened)
     AddToObject(audio, "layout", Text(ChannelTypeName(description.channelType)));
 
     Object report;
-    AddToObject(report, "file", Text(importhost::UTF8Text(opened.clip.File())));
+    AddToObject(report, "file", Text(qelcore::text::UTF8Text(opened.clip.File())));
     AddToObject(report, "video", Value(std::move(video)));
     AddToObject(report, "audio", Value(std::move(audio)));
     AddToObject(report, "warning", Text(opened.warning));

@@ -9,19 +9,20 @@
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/importhost/SettingsExchange.h>
 #include <kestrel/importhost/SettingsPreview.h>
+#include <kestrel/orb/File.h>
 #include <kestrel/orb/SaveReport.h>
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
+#include <tessel/document/DocumentFacts.h>
 #include <tessel/document/DocumentPreview.h>
 #include <tessel/document/DroppedKeys.h>
+#include <tessel/document/FailureText.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -61,7 +62,7 @@ void KeepDecision(const EditedSettings& edited, const ORB::SaveReport& lastSave,
                             ": the file that the clip is to use could not be saved: " + why + "; " +
                             KeepUnsaved(target, document));
         }
-        WriteOut(edited.newFile.string() + '\n');
+        WriteOut(qelcore::text::UTF8Text(edited.newFile) + '\n');
         return;
     case SettingsDecision::Accepted:
         break;
@@ -84,23 +85,22 @@ EditedSettings ShowDialog(const importhost::Importer& importer, const EditOption
                           const importhost::SequenceValues& sequence, ORB::SaveReport& lastSave)
 {
     const ORB::ScopedSaveListener listener([&lastSave](const ORB::SaveReport& report) { lastSave = report; });
-    try {
-        return options.clip.empty() ? importhost::EditNewClipSettings(importer, sequence)
-                                    : importhost::EditClipSettings(importer, options.clip);
-    } catch (const HostError& error) {
-        const std::optional<std::string>& document = qelui::UserInterface::Get().LastDocument();
-        if (!document) {
-            throw;
+    // At once, because a person may look at the dialog for long.
+    const auto warn = [](const qelcore::logging::Message& message) {
+        // A script's failure is the error that ends the command.
+        if (!document::IsFailureReport(message) && message.context != "qelui.script") {
+            WriteError("warning: " + message.text);
         }
+    };
+    try {
+        return options.clip.empty() ? importhost::EditNewClipSettings(importer, sequence, warn)
+                                    : importhost::EditClipSettings(importer, options.clip, warn);
+    } catch (const importhost::PluginFailure& failure) {
+        const std::optional<std::string>& held = qelui::UserInterface::Get().LastDocument();
         const std::filesystem::path& target = options.out.empty() ? options.clip : options.out;
-        throw HostError(std::string(error.what()) + "; " + KeepUnsaved(target, document));
+        throw HostError(document::FailureText(failure) +
+                        (held ? "; " + KeepUnsaved(target, held) : std::string()));
     }
-}
-
-std::string ContentOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 /// Names the keys of the edited document that are no settings: the dialog does not know them, so they are not
@@ -146,6 +146,7 @@ void Edit(Context& context, const EditOptions& options)
         importhost::RequireUTF8Name(options.out);
     }
     auto& userInterface = qelui::UserInterface::Get();
+    userInterface.SetScriptOption("--script FILE");
     if (!options.script.empty()) {
         userInterface.SetScript(options.script);
     }
@@ -153,9 +154,12 @@ void Edit(Context& context, const EditOptions& options)
         {options.theme == "light" ? qelui::Theme::Light : qelui::Theme::Dark});
     // Whether a dialog can be shown at all is known before anything is loaded.
     static_cast<void>(userInterface.GetToolkit());
+    std::string before;
     if (!isNew) {
+        const ORB::ScopedReading once;
         // A document that cannot be read would open as the default clip and be lost on OK.
         static_cast<void>(context.OpenClip(options.clip, {.allowDefault = options.allowDefault}));
+        before = document::DocumentText(options.clip);
     }
 
     const auto importer = context.LoadImporter();
@@ -165,15 +169,10 @@ void Edit(Context& context, const EditOptions& options)
     userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
         return importhost::RenderSettingsPreview(*importer, document::InPreviewFormat(settingsText));
     });
-    const std::string before = isNew ? std::string() : ContentOf(options.clip);
     ORB::SaveReport lastSave;
     const EditedSettings edited = ShowDialog(*importer, options, sequence, lastSave);
     if (const auto& failure = userInterface.LastScriptFailure()) {
         throw HostError(importhost::OneLine(failure->Describe()));
-    }
-    std::istringstream warnings(edited.warnings);
-    for (std::string line; std::getline(warnings, line);) {
-        WriteError("warning: " + line);
     }
     if (lastSave.status < 0 && edited.decision != SettingsDecision::UseFile) {
         // The dialog itself is silent about saves by its Save File and OK buttons.

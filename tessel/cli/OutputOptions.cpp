@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -65,7 +66,7 @@ const Container& ContainerFor(const OutputOptions& options, const std::string& o
         throw UsageError(
             fmt::format("writing to standard output needs --format: one of {}", exporting::ContainerNames()));
     }
-    std::string extension = std::filesystem::path(output).extension().string();
+    std::string extension = qelcore::text::UTF8Text(std::filesystem::path(output).extension());
     if (!extension.empty()) {
         extension.erase(0, 1);
     }

@@ -4,6 +4,7 @@
 #include "Commands.h"
 
 #include <kestrel/importhost/Clip.h>
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/files/Interrupt.h>
@@ -30,6 +31,7 @@ namespace {
 namespace fs = std::filesystem;
 using exporting::Container;
 using exporting::ExportError;
+using qelcore::text::UTF8Text;
 
 /// The command line as typed.
 struct Options {
@@ -76,7 +78,7 @@ const Container& ContainerOf(const Options& options)
         throw UsageError(
             fmt::format("writing to standard output needs --format: one of {}", exporting::ContainerNames()));
     }
-    std::string extension = fs::path(options.output).extension().string();
+    std::string extension = UTF8Text(fs::path(options.output).extension());
     if (!extension.empty()) {
         extension.erase(0, 1);
     }
@@ -101,7 +103,7 @@ bool NamesFolder(const Options& options)
 fs::path FileInFolder(const fs::path& folder, const fs::path& clip, const Container& container)
 {
     std::string name;
-    for (const char letter : clip.stem().string()) {
+    for (const char letter : UTF8Text(clip.stem())) {
         // In the name of a sequence a lone percent sign would be a number's place.
         name += letter == '%' && container.kind == exporting::ContainerKind::Sequence ? "%%"
                                                                                       : std::string(1, letter);
@@ -115,21 +117,21 @@ void RequireFolderName(const Options& options)
 {
     std::error_code ignored;
     const fs::path path = options.output;
-    const bool isNumbered = path.filename().string().find('%') != std::string::npos;
+    const bool isNumbered = UTF8Text(path.filename()).find('%') != std::string::npos;
     if ((!path.has_extension() && !isNumbered) || fs::is_directory(path, ignored)) {
         return;
     }
-    const std::string extension = path.has_extension() ? path.extension().string().substr(1) : "";
+    const std::string extension = path.has_extension() ? UTF8Text(path.extension()).substr(1) : "";
     const fs::path folder = path.parent_path() / (isNumbered ? fs::path("out") : path.stem());
     throw UsageError(fmt::format(
-        "several clips cannot all become '{}'; name a folder, as in -o {}/{}", options.output, folder.string(),
+        "several clips cannot all become '{}'; name a folder, as in -o {}/{}", options.output, UTF8Text(folder),
         exporting::ContainerNamed(extension) != nullptr ? " --format " + extension : ""));
 }
 
 void RequireSequenceName(const fs::path& file)
 {
     try {
-        static_cast<void>(exporting::NumberedName::Parse(file.filename().string()));
+        static_cast<void>(exporting::NumberedName::Parse(UTF8Text(file.filename())));
     } catch (const ExportError& error) {
         throw UsageError(error.what());
     }
@@ -155,7 +157,7 @@ std::vector<Target> TargetsOf(const Options& options)
         targets.push_back({clip, FileInFolder(options.output, clip, container), &container});
         if (!names.insert(targets.back().output).second) {
             throw UsageError(fmt::format("two clips would become '{}'; render them one by one",
-                                         targets.back().output.string()));
+                                         UTF8Text(targets.back().output)));
         }
     }
     return targets;
@@ -202,7 +204,7 @@ void RenderOne(const Options& options, const Target& target, const exporting::Ou
 {
     std::error_code ignored;
     if (target.output != "-" && fs::equivalent(target.clip, target.output, ignored)) {
-        throw ExportError(fmt::format("'{}' is the clip itself; give another name", target.output.string()));
+        throw ExportError(fmt::format("'{}' is the clip itself; give another name", UTF8Text(target.output)));
     }
     document::OpenOptions open;
     open.allowDefault = options.allowDefault;
@@ -216,7 +218,7 @@ void RenderOne(const Options& options, const Target& target, const exporting::Ou
                                           : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     std::optional<exporting::ProgressBar> bar;
     if (!options.noProgress && exporting::StandardErrorIsTerminal()) {
-        bar.emplace(target.output.filename().string());
+        bar.emplace(UTF8Text(target.output.filename()));
         job.progress = &*bar;
     }
     try {
@@ -224,9 +226,9 @@ void RenderOne(const Options& options, const Target& target, const exporting::Ou
         exporting::Render(source, job);
     } catch (const ExportError& error) {
         const std::string line = error.what();
-        const bool namesFile = line.find(target.output.string()) != std::string::npos;
+        const bool namesFile = line.find(UTF8Text(target.output)) != std::string::npos;
         throw ExportError(
-            namesFile || target.output == "-" ? line : fmt::format("{}: {}", target.clip.string(), line));
+            namesFile || target.output == "-" ? line : fmt::format("{}: {}", UTF8Text(target.clip), line));
     }
 }
 

@@ -1,9 +1,11 @@
 #include "DocumentFacts.h"
 
+#include <kestrel/importhost/PathText.h>
+#include <kestrel/orb/File.h>
 #include <kestrel/qelcore/serialization/Json.h>
 
-#include <fstream>
-#include <iterator>
+#include <algorithm>
+#include <limits>
 
 namespace tessel::document {
 namespace {
@@ -50,12 +52,6 @@ SwatchBand Band(const Value& coordinates, const Value& colors, const char* name)
     return band;
 }
 
-std::string Contents(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
 Value Unwrapped(const Value& root)
 {
     return qelcore::serialization::ObjectHasProperty(root, kWrapper) ? GetVariantInObject(root, kWrapper)
@@ -63,6 +59,22 @@ Value Unwrapped(const Value& root)
 }
 
 } // namespace
+
+std::string DocumentText(const std::filesystem::path& file)
+{
+    ORB::File opened;
+    std::uint64_t size = 0;
+    if (ORB::File::OpenForReading(importhost::UTF16Path(file), opened) < 0 || opened.GetSizeOnDisk(size) < 0) {
+        return {};
+    }
+    std::string text(std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max()), '\0');
+    std::uint32_t read = 0;
+    if (opened.Read(text, read) < 0) {
+        return {};
+    }
+    text.resize(read);
+    return text;
+}
 
 std::optional<DocumentFacts> ReadFacts(std::string_view settingsText)
 {
@@ -87,12 +99,12 @@ std::optional<DocumentFacts> ReadFacts(std::string_view settingsText)
 
 std::optional<DocumentFacts> ReadFactsFromFile(const std::filesystem::path& file)
 {
-    return ReadFacts(Contents(file));
+    return ReadFacts(DocumentText(file));
 }
 
 std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
 {
-    const std::string text = Contents(file);
+    const std::string text = DocumentText(file);
     if (text.empty()) {
         return "is empty, a JSON document with a clip's settings was expected";
     }

@@ -48,6 +48,9 @@ inline constexpr std::array<const char*, 3> kBandNames = {"colorSwatches", "lega
 /// The same from a document. Opens and parses the file.
 [[nodiscard]] std::optional<DocumentFacts> ReadFactsFromFile(const std::filesystem::path& file);
 
+/// A document's bytes; none where it cannot be read.
+[[nodiscard]] std::string DocumentText(const std::filesystem::path& file);
+
 /// Why a document is not well-formed, in one line with its place, or that it (or what it wraps) is no JSON
 /// object; nothing where it is one. Opens and parses the file.
 [[nodiscard]] std::optional<std::string> DocumentProblem(const std::filesystem::path& file);

@@ -4,6 +4,8 @@
 
 #include <kestrel/importabi/ResultCodes.h>
 
+#include <string_view>
+
 namespace tessel::document {
 
 using importhost::FailureCause;
@@ -30,6 +32,26 @@ std::optional<std::string> FailureText(const importhost::ClipFailure& failure,
         return BrokenSwatchRule(description, facts);
     }
     return std::nullopt;
+}
+
+bool IsFailureReport(const qelcore::logging::Message& message) noexcept
+{
+    return message.context == "plugin.KsImportModule";
+}
+
+std::string FailureText(const importhost::PluginFailure& failure)
+{
+    // "plugin.KsImportModule  importmod:0x0 Threw an EXCEPTION during  selector:38. what() returned REASON
+    // [assertion "false", FILE, line 1329]"
+    constexpr std::string_view kBefore = "what() returned ";
+    constexpr std::string_view kAfter = " [assertion";
+    const std::string_view report = failure.Report();
+    const std::size_t before = report.find(kBefore);
+    if (before == std::string_view::npos) {
+        return failure.what();
+    }
+    const std::size_t begin = before + kBefore.size();
+    return failure.Failure() + ": " + std::string(report.substr(begin, report.rfind(kAfter) - begin));
 }
 
 } // namespace tessel::document

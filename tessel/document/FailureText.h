@@ -4,6 +4,8 @@
 #include "DocumentFacts.h"
 
 #include <kestrel/importhost/Clip.h>
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/qelcore/logging/Log.h>
 
 #include <optional>
 #include <string>
@@ -15,5 +17,11 @@ namespace tessel::document {
 [[nodiscard]] std::optional<std::string> FailureText(const importhost::ClipFailure& failure,
                                                      const importhost::ClipDescription& description,
                                                      const DocumentFacts& facts);
+
+/// Whether a message of the plug-in's is its report of a request that failed; any other is a warning.
+[[nodiscard]] bool IsFailureReport(const qelcore::logging::Message& message) noexcept;
+
+/// The failure with the reason alone that the plug-in's report of it gives, where it gives one.
+[[nodiscard]] std::string FailureText(const importhost::PluginFailure& failure);
 
 } // namespace tessel::document

@@ -6,6 +6,7 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/orb/File.h>
 
 #include <optional>
 #include <utility>
@@ -78,6 +79,8 @@ bool IsTesselDocument(const importhost::FileType& type) noexcept
 OpenedClip OpenClip(std::shared_ptr<const importhost::Importer> importer, const std::filesystem::path& file,
                     const OpenOptions& options)
 {
+    // The plug-in reads the file once for the clip and once for its settings text: the same file, opened once.
+    const ORB::ScopedReading once;
     const auto plugin = importer;
     OpenedClip opened{importhost::Clip::Open(std::move(importer), file, options.filling), {}, {}, false};
     importhost::Clip& clip = opened.clip;

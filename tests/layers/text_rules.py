@@ -29,10 +29,21 @@ class Rule:
 
 RULES = [
     # What `path::string` gives is in the platform's own encoding, which is UTF-8 on some platforms only.
-    Rule("a path becomes text through UTF8Text", SOURCES, r"\.(?:generic_)?string\(\)", exempt=r"^(?:tessel/cli|kestrel/importhost)/"),
+    Rule("a path becomes text through UTF8Text", SOURCES, r"\.(?:generic_)?string\(\)"),
     # What a path is made of is bytes on some platforms only.
     Rule("a path's own units are for platform files", SOURCES, r"\.native\(\)",
-         exempt=r"(?:Linux|Posix)\.(?:cpp|h)$|^tessel/cli/|^kestrel/importhost/"),
+         exempt=r"(?:Linux|Posix)\.(?:cpp|h)$"),
+    # The host serves any plug-in. A document's key, a file type or an option in its code is knowledge of one.
+    Rule("the host names no plug-in and no program", r"kestrel/.*\.(?:h|cpp|c)$",
+         r"(?i:tessel)|\bTSSL\b|\bLSST\b|\bZOKE\b", in_comments=True),
+    Rule("the host knows no key of a document", r"kestrel/.*\.(?:h|cpp|c)$",
+         r"\bm(?:PixelFormat|Frame(?:Width|Height|PAR)|FieldType|RenderFormat|(?:Upper|Lower)FieldColor|"
+         r"(?:Top|Bottom)GradiantColor\w*|Video(?:Duration|FrameRate)|Swatch\w+|DrawFrameFieldNumber|"
+         r"KsAudioChannelType|NumChannels|ToneFormat|SteadyTone\w+|IdentifierFormat|PredefinedColorSpace|"
+         r"(?:Alpha|Red|Green|Blue)Part)\b|\"m(?:ColorSpace|Version|SampleRate)\"|ticksperframe|SerializerWrapped|"
+         r"\b(?:colorSwatches|legalRangeGradient|fullRangeGradient|[xy]Coordinates)\b", in_comments=True),
+    Rule("the host names no option of a program", r"kestrel/.*\.(?:h|cpp|c)$",
+         r'"(?:[^"\\\n]|\\.)*(?<![\w-])--[a-z]{2}'),
     Rule("nothing names a place on somebody's machine", r".*", r"(?<![\w.$}~-])/(?:Users|home|root|work|workspace)/\w+",
          exempt=r"\.(?:png)$|^tests/fuzz/[^/]+/corpus/|^tests/layers/test_text\.py$", in_comments=True),
 ]

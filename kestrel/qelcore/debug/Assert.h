@@ -7,8 +7,10 @@
 
 namespace qelcore::debug {
 
-/// Reports a failed assertion to the host's log (category and text as the message brings them).
+/// Reports a failed assertion to the host's log.
 ///
+/// @param message   The text. Where it begins with a category, as in "plugin.Module  it broke" or
+///                  "<plugin.Module> it broke", the report is filed under that; else under `function`.
 /// @return true when the person asks to break into the debugger. Here nobody is asked: true exactly when
 ///         the environment variable `KESTREL_BREAK_ON_ASSERT` is "true".
 /// Threads: [thread-safe]. Never throws.

@@ -46,7 +46,7 @@ public:
 };
 
 /// An object lacks a required key. `what()` names the key with those that lead to it, parted by points, and the
-/// record type: "mUpperFieldColor.mRedPart": missing key of FloatColor. `Key()` is the last of them alone.
+/// record type: "color.red": missing key of Color. `Key()` is the last of them alone.
 class KESTREL_API missing_key_exception : public parse_exception {
 public:
     missing_key_exception(std::string_view path, std::string_view recordType);
@@ -61,7 +61,7 @@ private:
 };
 
 /// A value has another type than its reader needs. `what()` names the key, with those that lead to it as above,
-/// and the expected type: "mFrameWidth": expected an integer. `Key()` is the last of them alone.
+/// and the expected type: "width": expected an integer. `Key()` is the last of them alone.
 class KESTREL_API type_exception : public std::bad_any_cast {
 public:
     type_exception(std::string_view path, std::string_view expectedType);

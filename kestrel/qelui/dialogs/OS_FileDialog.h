@@ -11,7 +11,7 @@
 namespace qelui::dialogs {
 
 struct FileFilter {
-    std::string description; ///< "Tessel Data"
+    std::string description; ///< "Text Files"
     std::string extension;   ///< without the point
 };
 

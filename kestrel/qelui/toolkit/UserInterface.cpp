@@ -53,8 +53,7 @@ Toolkit& UserInterface::GetToolkit()
         if (haveScript) {
             return TheScriptedToolkit();
         }
-        throw NoToolkitError("KESTREL_UI is scripted, but no script is named: give one with --script FILE or "
-                             "KESTREL_UI_SCRIPT");
+        throw NoToolkitError("KESTREL_UI is scripted, but no script is named: name one with " + ScriptNames());
     }
     if (!wanted.empty() && wanted != "qt") {
         throw NoToolkitError("KESTREL_UI is \"" + wanted + "\"; it may be qt or scripted");
@@ -68,7 +67,12 @@ Toolkit& UserInterface::GetToolkit()
         return TheScriptedToolkit();
     }
     throw NoToolkitError("the dialog cannot be shown: " + whyNot +
-                         "; a script can work it without a display (--script FILE or KESTREL_UI_SCRIPT)");
+                         "; a script can work it without a display (" + ScriptNames() + ")");
+}
+
+std::string UserInterface::ScriptNames() const
+{
+    return (mScriptOption.empty() ? "" : mScriptOption + " or ") + "KESTREL_UI_SCRIPT";
 }
 
 std::filesystem::path UserInterface::Script() const

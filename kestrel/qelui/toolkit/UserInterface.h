@@ -52,6 +52,9 @@ public:
     /// The script named by `SetScript`, else by the environment; empty for none.
     [[nodiscard]] std::filesystem::path Script() const;
 
+    /// How this program names a script, such as an option, for messages; empty where it has no way.
+    void SetScriptOption(std::string option) { mScriptOption = std::move(option); }
+
     /// Why the last script failed; nothing if it did not. The failure is also logged.
     [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
     void SetScriptFailure(std::optional<ScriptFailure> failure);
@@ -73,9 +76,12 @@ public:
 
 private:
     UserInterface() = default;
+    [[nodiscard]] std::string ScriptNames() const;
+
     ~UserInterface() = default;
     Toolkit* mToolkit = nullptr;
     std::filesystem::path mScript;
+    std::string mScriptOption;
     std::optional<ScriptFailure> mFailure;
     std::optional<std::string> mLastDocument;
     PreviewRenderer mPreviewRenderer;

@@ -4,6 +4,7 @@
 #include <support/TemporaryFolder.h>
 
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -60,6 +61,85 @@ TEST(FileRead, PathsMayHoldAnyCharacter)
     ASSERT_EQ(file.Write(std::string_view("x")), kDone);
     ASSERT_EQ(File::OpenForReading(path, file), kDone);
     EXPECT_EQ(PathUtils::GetFilePart(path), name);
+}
+
+std::string ContentsOf(const std::filesystem::path& path)
+{
+    File file;
+    EXPECT_EQ(File::OpenForReading(path.u16string(), file), kDone);
+    std::string buffer(100, ' ');
+    std::uint32_t read = 0;
+    EXPECT_EQ(file.Read(buffer, read), kDone);
+    return buffer.substr(0, read);
+}
+
+TEST(ScopedReading, LaterReadsSeeTheFileThatTheFirstOneOpened)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "in";
+    const auto replace = [&](const char* bytes) {
+        WriteFile(folder / "new", bytes);
+        std::filesystem::rename(folder / "new", path);
+    };
+    WriteFile(path, "first");
+    {
+        const ScopedReading scope;
+        EXPECT_EQ(ContentsOf(path), "first");
+        replace("second");
+        EXPECT_EQ(ContentsOf(path), "first");
+        {
+            const ScopedReading inner;
+            EXPECT_EQ(ContentsOf(path), "first");
+        }
+        EXPECT_EQ(ContentsOf(path), "first") << "an inner scope changes nothing";
+        std::string elsewhere;
+        std::thread([&] { elsewhere = ContentsOf(path); }).join();
+        EXPECT_EQ(elsewhere, "second") << "other threads read what is there";
+    }
+    EXPECT_EQ(ContentsOf(path), "second");
+}
+
+TEST(ScopedReading, FilesThatAreReadAtOnceHaveAPlaceEach)
+{
+    const TemporaryFolder folder;
+    WriteFile(folder / "in", "abcd");
+    const ScopedReading scope;
+    File first;
+    File second;
+    ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), first), kDone);
+    ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), second), kDone);
+    std::string buffer(2, ' ');
+    std::uint32_t read = 0;
+    ASSERT_EQ(first.Read(buffer, read), kDone);
+    ASSERT_EQ(second.Read(buffer, read), kDone);
+    EXPECT_EQ(buffer, "ab");
+    ASSERT_EQ(first.Read(buffer, read), kDone);
+    EXPECT_EQ(buffer, "cd");
+}
+
+TEST(ScopedReading, AFileOutlivesItsScope)
+{
+    const TemporaryFolder folder;
+    WriteFile(folder / "in", "abcd");
+    File file;
+    {
+        const ScopedReading scope;
+        ASSERT_EQ(File::OpenForReading((folder / "in").u16string(), file), kDone);
+    }
+    std::string buffer(4, ' ');
+    std::uint32_t read = 0;
+    ASSERT_EQ(file.Read(buffer, read), kDone);
+    EXPECT_EQ(buffer, "abcd");
+}
+
+TEST(ScopedReading, AFileThatWasNotThereIsLookedForAgain)
+{
+    const TemporaryFolder folder;
+    const ScopedReading scope;
+    File file;
+    EXPECT_EQ(File::OpenForReading((folder / "in").u16string(), file), kNotFound);
+    WriteFile(folder / "in", "x");
+    EXPECT_EQ(ContentsOf(folder / "in"), "x");
 }
 
 TEST(FileRead, RefusesWhatIsNoFile)

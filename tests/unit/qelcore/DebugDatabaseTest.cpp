@@ -177,4 +177,32 @@ TEST(SimpleAssert, LogsTheMessageAndAsksForABreakOnlyWhenTold)
     EXPECT_EQ(messages[0].text, "It broke [assertion \"false\", Folder\\File, line 315]");
 }
 
+TEST(SimpleAssert, FilesAReportUnderTheCategoryThatItsMessageBeginsWith)
+{
+    const struct {
+        const char* message;
+        const char* context;
+    } kRows[] = {{"plugin.Module  it broke", "plugin.Module"},
+                 {"<plugin.Module> it broke", "plugin.Module"},
+                 {"a.b.c2 x", "a.b.c2"},
+                 {"It broke", "Class::Function"},
+                 {"plugin.Module", "Class::Function"},
+                 {"Broken. Sorry", "Class::Function"},
+                 {"...  x", "Class::Function"},
+                 {"<plugin.Module it broke", "Class::Function"},
+                 {"a/b.c x", "Class::Function"},
+                 {" plugin.Module x", "Class::Function"},
+                 {"<> x", "Class::Function"},
+                 {"", "Class::Function"}};
+    for (const auto& row : kRows) {
+        std::vector<logging::Message> messages;
+        const logging::ScopedListener listener(
+            [&](const logging::Message& message) { messages.push_back(message); });
+        static_cast<void>(debug::DoSimpleAssert("File", 1, "Class::Function", "false", row.message));
+        ASSERT_EQ(messages.size(), 1U);
+        EXPECT_EQ(messages[0].context, row.context) << row.message;
+        EXPECT_EQ(messages[0].text.find(row.message), 0U) << "the message stays whole";
+    }
+}
+
 } // namespace
