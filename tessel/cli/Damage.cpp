@@ -54,7 +54,7 @@ void RunDamage(const DamageOptions& options, Context& context)
     if (options.clip.empty() || options.output.empty() || options.faults.empty()) {
         throw UsageError("damage needs a CLIP, at least one --fault and -o OUT, or --list");
     }
-    const exporting::Container& container = ContainerFor(options.out, options.output);
+    const exporting::Container& container = ContainerFor(options.out.format, options.output);
     const document::OpenedClip opened = context.OpenClip(options.clip);
     const exporting::ClipSource source(opened);
     try {

@@ -18,6 +18,15 @@ namespace {
     throw importhost::HostError("cannot write to standard output: " + std::generic_category().message(error));
 }
 
+void WriteLine(const char* prefix, std::string_view line) noexcept
+{
+    try {
+        std::fprintf(stderr, "%s%s\n", prefix, importhost::OneLine(line).c_str());
+    } catch (const std::exception&) {
+        std::fputs("tessel: out of memory\n", stderr);
+    }
+}
+
 } // namespace
 
 void WriteOut(std::string_view text)
@@ -38,11 +47,12 @@ void FlushOut()
 
 void WriteError(std::string_view line) noexcept
 {
-    try {
-        std::fprintf(stderr, "tessel: %s\n", importhost::OneLine(line).c_str());
-    } catch (const std::exception&) {
-        std::fputs("tessel: out of memory\n", stderr);
-    }
+    WriteLine("tessel: ", line);
+}
+
+void WriteNote(std::string_view line) noexcept
+{
+    WriteLine("", line);
 }
 
 } // namespace tessel::cli

@@ -24,6 +24,11 @@ void AddOutputOptions(const Command& command, OutputOptions& options)
                       "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
     command.AddOption("--audio-codec", options.audioCodec,
                       "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command
+        .AddNumber("--quality", options.quality, 0,
+                   "On the codec's own scale, 0 or 1 being the best: CRF of h264, hevc (16), av1 and vp9 (20), "
+                   "quantiser of mpeg2 and mjpeg (2)")
+        .ValueName("NUMBER");
     command.AddNumber("--from", options.from, 0, "First frame, counted from 0").ValueName("FRAME");
     command.AddNumber("--to", options.to, 0, "Last frame, included").ValueName("FRAME");
     command.AddNumber("--frames", options.frames, 1, "Number of frames").ValueName("COUNT");
@@ -57,10 +62,10 @@ const Container& FormatNamed(const std::string& name)
     return *container;
 }
 
-const Container& ContainerFor(const OutputOptions& options, const std::string& output)
+const Container& ContainerFor(const std::string& format, const std::string& output)
 {
-    if (!options.format.empty()) {
-        return FormatNamed(options.format);
+    if (!format.empty()) {
+        return FormatNamed(format);
     }
     if (output == "-") {
         throw UsageError(
@@ -101,6 +106,10 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
             throw UsageError(fmt::format("--audio-codec {} is not known; there are {}", options.audioCodec,
                                          exporting::AudioCodecNames()));
         }
+    }
+    if (options.quality) {
+        request.quality =
+            static_cast<int>(std::min<std::int64_t>(*options.quality, 1000)); // no scale is longer
     }
     request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
     try {

@@ -21,6 +21,7 @@ struct OutputOptions {
     std::optional<std::int64_t> from;
     std::optional<std::int64_t> to;
     std::optional<std::int64_t> frames;
+    std::optional<std::int64_t> quality;
     bool audioOnly = false;
     bool videoOnly = false;
     bool dither = false;
@@ -33,9 +34,10 @@ void AddOutputOptions(const Command& command, OutputOptions& options);
 /// @throws UsageError  where options exclude each other
 void CheckOutputOptions(const OutputOptions& options);
 
-/// The container that `--format` or else the extension of `output` names; `-` is standard output.
+/// The container that `format` or, where that is empty, the extension of `output` names; `-` is standard
+/// output.
 /// @throws UsageError
-[[nodiscard]] const exporting::Container& ContainerFor(const OutputOptions& options, const std::string& output);
+[[nodiscard]] const exporting::Container& ContainerFor(const std::string& format, const std::string& output);
 
 /// The container of that name. @throws UsageError
 [[nodiscard]] const exporting::Container& FormatNamed(const std::string& name);

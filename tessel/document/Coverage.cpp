@@ -18,4 +18,9 @@ bool PaintsWholeFrame(const importhost::ClipDescription& description, const Docu
     }
 }
 
+bool IsStill(const DocumentFacts& facts) noexcept
+{
+    return !facts.drawsNumber && facts.renderFormat != kRenderGradient;
+}
+
 } // namespace tessel::document

@@ -1,4 +1,4 @@
-/// Which documents have every pixel of their frames painted.
+/// What documents say of all their frames at once.
 #pragma once
 
 #include "DocumentFacts.h"
@@ -17,5 +17,9 @@ namespace tessel::document {
 ///   share their borders, from the first row and column to the last;
 /// - any other render format paints nothing but the frame number.
 [[nodiscard]] bool PaintsWholeFrame(const importhost::ClipDescription& description, const DocumentFacts& facts);
+
+/// Whether every frame of such a clip shows the same picture: no number is printed and nothing moves. Of the
+/// render formats the gradient alone moves; those that the plug-in does not know paint nothing.
+[[nodiscard]] bool IsStill(const DocumentFacts& facts) noexcept;
 
 } // namespace tessel::document

@@ -5,6 +5,7 @@
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <algorithm>
+#include <any>
 #include <limits>
 
 namespace tessel::document {
@@ -58,6 +59,18 @@ Value Unwrapped(const Value& root)
                                                                      : root;
 }
 
+/// Leaves `flag` as it is where the key is absent or holds no boolean.
+void ReadFlag(const Value& root, const char* key, bool& flag)
+{
+    if (!qelcore::serialization::ObjectHasProperty(root, key)) {
+        return;
+    }
+    try {
+        flag = qelcore::serialization::AsBoolean(GetVariantInObject(root, key), key);
+    } catch (const std::bad_any_cast&) { // of another type: the plug-in refuses the document
+    }
+}
+
 } // namespace
 
 std::string DocumentText(const std::filesystem::path& file)
@@ -89,6 +102,7 @@ std::optional<DocumentFacts> ReadFacts(std::string_view settingsText)
     ReadInteger(root, "mKsAudioChannelType", facts.channelType);
     ReadInteger(root, "mFieldType", facts.fieldType);
     ReadInteger(root, "mRenderFormat", facts.renderFormat);
+    ReadFlag(root, "mDrawFrameFieldNumber", facts.drawsNumber);
     const Value coordinates = GetVariantInObject(root, "mSwatchCoordinates");
     const Value colors = GetVariantInObject(root, "mSwatchColors");
     for (std::size_t i = 0; i < facts.swatchBands.size(); ++i) {

@@ -33,6 +33,7 @@ struct DocumentFacts {
     std::int32_t channelType = 2;            ///< "mKsAudioChannelType": 2 stereo, 3 5.1
     std::int32_t fieldType = 0;              ///< "mFieldType", all 32 bits of it
     std::int32_t renderFormat = 1;           ///< "mRenderFormat"
+    bool drawsNumber = true;                 ///< "mDrawFrameFieldNumber"
     std::array<SwatchBand, 3> swatchBands{}; ///< color swatches, legal range, full range
 };
 

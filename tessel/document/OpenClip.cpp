@@ -102,6 +102,7 @@ OpenedClip OpenClip(std::shared_ptr<const importhost::Importer> importer, const 
                     return FailureText(failure, description, document);
                 }});
     opened.facts.rate = clip.Rate();
+    opened.facts.isStill = IsStill(document);
     opened.facts.channelType = document.channelType;
     opened.facts.pixelFormatCode = document.pixelFormatCode;
     opened.facts.pixelFormat = BR::SDKToBEPixelFormat(document.pixelFormatCode);

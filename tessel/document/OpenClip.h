@@ -28,6 +28,8 @@ struct ClipFacts : importhost::ClipDescription {
     /// The frames of a planar or DV clip come in another format.
     std::uint32_t pixelFormatCode = 0;
     BR::PixelFormat pixelFormat = BR::PixelFormat::Unknown; ///< the same; `Unknown` where the code is none
+    /// Every frame shows the same picture, says the document.
+    bool isStill = false;
     /// The format in which frames come, once somebody has asked a frame for it.
     BR::PixelFormat frameFormat = BR::PixelFormat::Unknown;
 };

@@ -31,8 +31,12 @@ void ProgressBar::Report(std::int64_t done, std::int64_t total, const char* unit
     const auto filled = static_cast<std::size_t>(done * kCells / total);
     const std::string bar =
         std::string(filled, '#') + std::string(static_cast<std::size_t>(kCells) - filled, '.');
-    const std::string line = fmt::format("\r\x1b[K{} [{}] {:3} % {}/{} {}, {:.0f} a second", mName, bar,
-                                         done * 100 / total, done, total, unit, rate);
+    std::string line = fmt::format("\r\x1b[K{} [{}] {:3} % {}/{} {}, {:.0f} a second", mName, bar,
+                                   done * 100 / total, done, total, unit, rate);
+    if (rate > 0.0) {
+        const auto left = static_cast<std::int64_t>(static_cast<double>(total - done) / rate + 0.5);
+        line += fmt::format(", {}:{:02}:{:02} left", left / 3600, left / 60 % 60, left % 60);
+    }
     std::fputs(line.c_str(), stderr);
     std::fflush(stderr);
 }

@@ -77,11 +77,13 @@ std::int64_t QueueLength(int threadCount) noexcept
 
 /// One maker per thread; each owns a converter.
 template <class Result, class MakeOne>
-std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job, const MakeOne& makeOne)
+std::vector<std::function<Result(std::int64_t)>> MakersFor(const SignalSource& source, const RenderJob& job,
+                                                           const MakeOne& makeOne)
 {
     std::vector<std::function<Result(std::int64_t)>> makers;
-    // More threads than frames would have nothing to do.
-    const auto count = static_cast<std::size_t>(std::min<std::int64_t>(job.threadCount, job.frames.count));
+    // More threads than pictures would have nothing to do.
+    const std::int64_t pictures = source.Description().isStill ? 1 : job.frames.count;
+    const auto count = static_cast<std::size_t>(std::min<std::int64_t>(job.threadCount, pictures));
     makers.reserve(count);
     while (makers.size() < count) {
         makers.push_back(makeOne());
@@ -89,14 +91,49 @@ std::vector<std::function<Result(std::int64_t)>> MakersFor(const RenderJob& job,
     return makers;
 }
 
+/// Converts a source's frames. Of a clip that stands still it asks for one frame, and of a frame that equals
+/// the last one it gives the same picture again. Threads: one object, one thread at a time.
+class FrameReader {
+public:
+    FrameReader(const SignalSource& source, const Conversion& conversion)
+        : mSource(source), mConverter(conversion)
+    {
+    }
+
+    [[nodiscard]] Picture Read(std::int64_t frame)
+    {
+        if (mPicture && mSource.Description().isStill) {
+            return *mPicture;
+        }
+        FrameView view = mSource.RenderFrame(frame);
+        if (!mPicture || !IsSameFrame(mFrame, view)) {
+            mPicture = mConverter.Convert(view);
+            mFrame = std::move(view);
+        }
+        return *mPicture;
+    }
+
+private:
+    const SignalSource& mSource;
+    FrameConverter mConverter;
+    FrameView mFrame; ///< the last one that was converted
+    std::optional<Picture> mPicture;
+};
+
 /// Makes the pictures of a file, one after the other; owns a converter. Threads: [any-thread].
 class PictureMaker {
 public:
     PictureMaker(const SignalSource& source, const RenderJob& job, const OutputPlan& plan, const Detour& detour)
-        : mFirst(job.frames.first), mDetour(detour),
-          mClean([&source, converter = std::make_shared<FrameConverter>(plan.video->conversion)](
-                     std::int64_t frame) { return converter->Convert(source.RenderFrame(frame)); })
+        : mFirst(job.frames.first), mDetour(detour)
     {
+        if (detour.picture) {
+            // A detour may write into its pictures: each is a new one.
+            mClean = [&source, converter = std::make_shared<FrameConverter>(plan.video->conversion)](
+                         std::int64_t frame) { return converter->Convert(source.RenderFrame(frame)); };
+        } else {
+            mClean = [reader = std::make_shared<FrameReader>(source, plan.video->conversion)](
+                         std::int64_t frame) { return reader->Read(frame); };
+        }
     }
 
     [[nodiscard]] Picture operator()(std::int64_t index) const
@@ -110,9 +147,11 @@ private:
     Detour::CleanPicture mClean;
 };
 
-OutputFile OpenTarget(const std::filesystem::path& target)
+/// A container that writes nothing needs no file either.
+OutputFile OpenTarget(const std::filesystem::path& target, const Container& container)
 {
-    return target == "-" ? OutputFile(OutputFile::StandardOutput{}) : OutputFile(target);
+    return target == "-" || container.takesEveryCodec ? OutputFile(OutputFile::StandardOutput{})
+                                                      : OutputFile(target);
 }
 
 /// The span's end in samples: the start of frame `frame`.
@@ -121,14 +160,14 @@ std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& 
     return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
 }
 
-void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
-                     const Detour& detour)
+std::int64_t RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                             const Detour& detour)
 {
     const importhost::ClipDescription& clip = source.Description();
     const std::int64_t start = StartSample(job.frames.first, clip, *plan.audio);
     const std::int64_t end =
         StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
-    MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
+    MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount, {0, end - start});
     SoundTrack sound(source, *plan.audio);
     sound.StartAt(start);
     const std::int64_t second = plan.audio->sampleRate;
@@ -137,22 +176,26 @@ void RenderSoundOnly(const SignalSource& source, const RenderJob& job, const Out
         Report(job, (position - start) / second, (end - start + second - 1) / second, "seconds");
     }
     StopIfInterrupted();
-    writer.Finish();
+    return writer.Finish();
 }
 
-void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan, const Detour& detour)
+std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                         const Detour& detour)
 {
     const importhost::ClipDescription& clip = source.Description();
-    MovieWriter writer(plan, OpenTarget(job.target), job.threadCount);
     std::optional<SoundTrack> sound;
+    std::int64_t soundStart = 0;
     std::int64_t soundEnd = 0;
     if (plan.audio) {
         sound.emplace(source, *plan.audio);
-        sound->StartAt(StartSample(job.frames.first, clip, *plan.audio));
+        soundStart = StartSample(job.frames.first, clip, *plan.audio);
+        sound->StartAt(soundStart);
         soundEnd =
             StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
     }
-    auto makers = MakersFor<Picture>(job, [&] { return PictureMaker(source, job, plan, detour); });
+    MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount,
+                       {job.frames.count, soundEnd - soundStart});
+    auto makers = MakersFor<Picture>(source, job, [&] { return PictureMaker(source, job, plan, detour); });
     OrderedPipeline<Picture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
     for (std::int64_t index = 0; const std::optional<Picture> picture = pictures.Take(); ++index) {
         const std::int64_t time = detour.pictureTime ? detour.pictureTime(index) : index;
@@ -167,34 +210,49 @@ void RenderMovie(const SignalSource& source, const RenderJob& job, const OutputP
         sound->WriteTo(soundEnd, writer);
     }
     StopIfInterrupted();
-    writer.Finish();
+    return writer.Finish();
 }
 
 using Bytes = std::vector<std::byte>;
+using File = std::shared_ptr<const Bytes>;
+
+/// A picture and the file that it became. Pictures that stand still are encoded once by each thread.
+struct EncodedPicture {
+    Picture picture;
+    File file;
+};
 
 /// Picture files are independent of each other, so threads encode them, too.
-void RenderSequence(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
-                    const Detour& detour)
+std::int64_t RenderSequence(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                            const Detour& detour)
 {
     SequenceWriter writer(job.target, job.frames.count);
-    auto makers = MakersFor<Bytes>(job, [&] {
+    auto makers = MakersFor<File>(source, job, [&] {
         std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, /*threadCount=*/1);
-        return [maker = PictureMaker(source, job, plan, detour), encoder](std::int64_t index) {
-            Bytes file;
-            encoder->Encode(maker(index), index, [&file](const AVPacket& packet) {
-                const auto* bytes = reinterpret_cast<const std::byte*>(packet.data);
-                file.insert(file.end(), bytes, bytes + packet.size);
-            });
-            return file;
+        const auto last = std::make_shared<EncodedPicture>();
+        return [maker = PictureMaker(source, job, plan, detour), encoder, last](std::int64_t index) {
+            Picture picture = maker(index);
+            if (!last->file || !IsSamePicture(last->picture, picture)) {
+                auto file = std::make_shared<Bytes>();
+                encoder->Encode(picture, index, [&file](const AVPacket& packet) {
+                    const auto* bytes = reinterpret_cast<const std::byte*>(packet.data);
+                    file->insert(file->end(), bytes, bytes + packet.size);
+                });
+                *last = {std::move(picture), std::move(file)};
+            }
+            return last->file;
         };
     });
-    OrderedPipeline<Bytes> files(job.frames.count, std::move(makers), QueueLength(job.threadCount));
-    for (std::int64_t index = 0; const std::optional<Bytes> file = files.Take(); ++index) {
-        writer.Write(*file, job.frames.first + index);
+    std::int64_t size = 0;
+    OrderedPipeline<File> files(job.frames.count, std::move(makers), QueueLength(job.threadCount));
+    for (std::int64_t index = 0; const std::optional<File> file = files.Take(); ++index) {
+        writer.Write(**file, job.frames.first + index);
+        size += static_cast<std::int64_t>((*file)->size());
         Report(job, index + 1, job.frames.count, "frames");
     }
     StopIfInterrupted();
     writer.Finish();
+    return size;
 }
 
 } // namespace
@@ -227,28 +285,37 @@ FrameRange ChooseFrames(const importhost::ClipDescription& clip, std::optional<s
     return range;
 }
 
-void Render(const SignalSource& source, const RenderJob& job)
+PlannedRender::PlannedRender(const SignalSource& source, const RenderJob& job) : mSource(&source), mJob(job)
 {
     CheckRequest(job.output);
-    if (!WantsPicture(job.output)) {
-        RenderPlanned(source, job, PlanOutput(source.Description(), job.output));
-        return;
+    if (WantsPicture(job.output)) {
+        RequirePicture(source.Description());
+        mAsked = std::make_unique<AskedSource>(source, job.frames.first);
+        mSource = mAsked.get();
     }
-    RequirePicture(source.Description());
-    const AskedSource asked(source, job.frames.first);
-    RenderPlanned(asked, job, PlanOutput(asked.Description(), job.output));
+    mPlan = PlanOutput(mSource->Description(), job.output);
 }
 
-void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
-                   const Detour& detour)
+std::int64_t PlannedRender::Run() const
+{
+    return RenderPlanned(*mSource, mJob, mPlan);
+}
+
+std::int64_t Render(const SignalSource& source, const RenderJob& job)
+{
+    return PlannedRender(source, job).Run();
+}
+
+std::int64_t RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                           const Detour& detour)
 {
     if (!plan.video) {
-        RenderSoundOnly(source, job, plan, detour);
-    } else if (plan.container->kind == ContainerKind::Sequence) {
-        RenderSequence(source, job, plan, detour);
-    } else {
-        RenderMovie(source, job, plan, detour);
+        return RenderSoundOnly(source, job, plan, detour);
     }
+    if (plan.container->kind == ContainerKind::Sequence) {
+        return RenderSequence(source, job, plan, detour);
+    }
+    return RenderMovie(source, job, plan, detour);
 }
 
 } // namespace tessel::exporting

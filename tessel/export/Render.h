@@ -1,6 +1,7 @@
 /// From a clip to finished files.
 #pragma once
 
+#include "AskedSource.h"
 #include "Progress.h"
 #include "SignalSource.h"
 
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace tessel::exporting {
@@ -37,10 +39,29 @@ struct RenderJob {
     ProgressListener* progress = nullptr; ///< may be null
 };
 
+/// A render whose plan is made, and can be looked at before it runs. Borrows the source.
+class PlannedRender {
+public:
+    /// Asks the source for the first frame, to learn its format. @throws as `Render`
+    PlannedRender(const SignalSource& source, const RenderJob& job);
+
+    [[nodiscard]] const OutputPlan& Plan() const noexcept { return mPlan; }
+
+    /// As `Render`.
+    std::int64_t Run() const;
+
+private:
+    const SignalSource* mSource; ///< the caller's, or `mAsked`
+    std::unique_ptr<AskedSource> mAsked;
+    RenderJob mJob;
+    OutputPlan mPlan;
+};
+
 /// Renders `job.frames` of `source`, picture and sound of the same span, into `job.target`. The file appears
 /// under its name when it is whole; on any failure nothing is left.
+/// @return bytes written
 /// @throws ExportError, importhost::HostError, Interrupted (while an `InterruptGuard` lives), std::bad_alloc
-void Render(const SignalSource& source, const RenderJob& job);
+std::int64_t Render(const SignalSource& source, const RenderJob& job);
 
 /// What is changed on the way into a file; nothing by default.
 struct Detour {
@@ -57,7 +78,7 @@ struct Detour {
 
 /// The same with a plan made by `PlanOutput`, perhaps changed since, instead of `job.output`. A plan with a
 /// picture needs the format of the frames: `AskedSource` knows it.
-void RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
-                   const Detour& detour = {});
+std::int64_t RenderPlanned(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
+                           const Detour& detour = {});
 
 } // namespace tessel::exporting

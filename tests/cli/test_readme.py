@@ -32,7 +32,7 @@ class Readme(ProgramTest):
                 if command[1] == "edit":
                     continue  # opens a window, and saves into the sample
                 # What would take long is shortened; nothing else is changed.
-                shorter = {"render": ["--frames", "2"], "damage": ["--frames", "20"],
+                shorter = {"render": ["--frames", "2", "--quiet"], "damage": ["--frames", "20"],
                            "bench": ["--seconds", "0.02"]}.get(command[1], [])
                 answer = self.run_program(*command[1:], *shorter)
                 self.assert_done(answer)

@@ -44,12 +44,6 @@ bool NeedsMatrix(const SourceInfo& source, const LayoutInfo& target, const YCbCr
 
 } // namespace
 
-FrameView ViewOf(const importhost::Frame& frame)
-{
-    auto owner = std::make_shared<importhost::Frame>(frame);
-    return {frame.Format(), frame.Width(), frame.Height(), frame.Row(0), frame.RowBytes(), std::move(owner)};
-}
-
 class FrameConverter::Way {
 public:
     Way() = default;

@@ -20,6 +20,10 @@ struct FrameView {
     std::shared_ptr<const void> owner; ///< keeps the pixels alive in pictures that share them
 };
 
+/// Whether two frames have the same format, size and pixels. Fast for frames that differ near the top.
+/// @throws ExportError  for a format that has no pixels
+[[nodiscard]] bool IsSameFrame(const FrameView& left, const FrameView& right);
+
 [[nodiscard]] FrameView ViewOf(const importhost::Frame& frame);
 
 } // namespace tessel::exporting

@@ -2,6 +2,8 @@
 
 #include "AlignedBuffer.h"
 
+#include <cstring>
+
 namespace tessel::exporting {
 namespace {
 
@@ -49,35 +51,35 @@ constexpr Places kYuv16 = Planar(0, 1, 2, false, 2);
 constexpr Places kYuva16 = Planar(0, 1, 2, true, 2);
 
 constexpr std::array<LayoutInfo, 29> kLayouts{{
-    {PictureLayout::Bgra, Rgb, U8, 8, 1, 0, 0, Interleaved(2, 1, 0, 3, 1), kNone},
-    {PictureLayout::Argb, Rgb, U8, 8, 1, 0, 0, Interleaved(1, 2, 3, 0, 1), kNone},
-    {PictureLayout::Bgr0, Rgb, U8, 8, 1, 0, 0, WithoutAlpha(Interleaved(2, 1, 0, 3, 1)), {0, 3, 4}},
-    {PictureLayout::Zrgb, Rgb, U8, 8, 1, 0, 0, WithoutAlpha(Interleaved(1, 2, 3, 0, 1)), {0, 0, 4}},
-    {PictureLayout::Rgba, Rgb, U8, 8, 1, 0, 0, Interleaved(0, 1, 2, 3, 1), kNone},
-    {PictureLayout::Rgb24, Rgb, U8, 8, 1, 0, 0, Rgb3(1), kNone},
-    {PictureLayout::Rgba64, Rgb, U16, 16, 1, 0, 0, Interleaved(0, 1, 2, 3, 2), kNone},
-    {PictureLayout::Rgb48, Rgb, U16, 16, 1, 0, 0, Rgb3(2), kNone},
-    {PictureLayout::Rgba64be, Rgb, U16be, 16, 1, 0, 0, Interleaved(0, 1, 2, 3, 2), kNone},
-    {PictureLayout::Rgb48be, Rgb, U16be, 16, 1, 0, 0, Rgb3(2), kNone},
-    {PictureLayout::Gbrp10, Rgb, U16, 10, 3, 0, 0, Planar(2, 0, 1, false, 2), kNone},
-    {PictureLayout::Gbrp16, Rgb, U16, 16, 3, 0, 0, Planar(2, 0, 1, false, 2), kNone},
-    {PictureLayout::Gbrap16, Rgb, U16, 16, 4, 0, 0, Planar(2, 0, 1, true, 2), kNone},
-    {PictureLayout::Gbrpf32, Rgb, F32, 32, 3, 0, 0, Planar(2, 0, 1, false, 4), kNone},
-    {PictureLayout::Gbrapf32, Rgb, F32, 32, 4, 0, 0, Planar(2, 0, 1, true, 4), kNone},
-    {PictureLayout::Yuv444p, YCbCr, U8, 8, 3, 0, 0, kYuv8, kNone},
-    {PictureLayout::Yuva444p, YCbCr, U8, 8, 4, 0, 0, kYuva8, kNone},
-    {PictureLayout::Yuv444p10, YCbCr, U16, 10, 3, 0, 0, kYuv16, kNone},
-    {PictureLayout::Yuva444p10, YCbCr, U16, 10, 4, 0, 0, kYuva16, kNone},
-    {PictureLayout::Yuv444p16, YCbCr, U16, 16, 3, 0, 0, kYuv16, kNone},
-    {PictureLayout::Yuva444p16, YCbCr, U16, 16, 4, 0, 0, kYuva16, kNone},
-    {PictureLayout::Yuv422p, YCbCr, U8, 8, 3, 1, 0, kYuv8, kNone},
-    {PictureLayout::Yuv422p10, YCbCr, U16, 10, 3, 1, 0, kYuv16, kNone},
-    {PictureLayout::Yuv420p, YCbCr, U8, 8, 3, 1, 1, kYuv8, kNone},
-    {PictureLayout::Yuv420p10, YCbCr, U16, 10, 3, 1, 1, kYuv16, kNone},
-    {PictureLayout::Yuv411p, YCbCr, U8, 8, 3, 2, 0, kYuv8, kNone},
-    {PictureLayout::Uyvy, YCbCr, U8, 8, 1, 1, 0, {{{0, 1, 2}, {0, 0, 4}, {0, 2, 4}, kNone}}, kNone},
-    {PictureLayout::Yuyv, YCbCr, U8, 8, 1, 1, 0, {{{0, 0, 2}, {0, 1, 4}, {0, 3, 4}, kNone}}, kNone},
-    {PictureLayout::V210, YCbCr, U16, 10, 1, 1, 0, {{kNone, kNone, kNone, kNone}}, kNone},
+    {PictureLayout::Bgra, "bgra", Rgb, U8, 8, 1, 0, 0, Interleaved(2, 1, 0, 3, 1), kNone},
+    {PictureLayout::Argb, "argb", Rgb, U8, 8, 1, 0, 0, Interleaved(1, 2, 3, 0, 1), kNone},
+    {PictureLayout::Bgr0, "bgr0", Rgb, U8, 8, 1, 0, 0, WithoutAlpha(Interleaved(2, 1, 0, 3, 1)), {0, 3, 4}},
+    {PictureLayout::Zrgb, "0rgb", Rgb, U8, 8, 1, 0, 0, WithoutAlpha(Interleaved(1, 2, 3, 0, 1)), {0, 0, 4}},
+    {PictureLayout::Rgba, "rgba", Rgb, U8, 8, 1, 0, 0, Interleaved(0, 1, 2, 3, 1), kNone},
+    {PictureLayout::Rgb24, "rgb24", Rgb, U8, 8, 1, 0, 0, Rgb3(1), kNone},
+    {PictureLayout::Rgba64, "rgba64le", Rgb, U16, 16, 1, 0, 0, Interleaved(0, 1, 2, 3, 2), kNone},
+    {PictureLayout::Rgb48, "rgb48le", Rgb, U16, 16, 1, 0, 0, Rgb3(2), kNone},
+    {PictureLayout::Rgba64be, "rgba64be", Rgb, U16be, 16, 1, 0, 0, Interleaved(0, 1, 2, 3, 2), kNone},
+    {PictureLayout::Rgb48be, "rgb48be", Rgb, U16be, 16, 1, 0, 0, Rgb3(2), kNone},
+    {PictureLayout::Gbrp10, "gbrp10le", Rgb, U16, 10, 3, 0, 0, Planar(2, 0, 1, false, 2), kNone},
+    {PictureLayout::Gbrp16, "gbrp16le", Rgb, U16, 16, 3, 0, 0, Planar(2, 0, 1, false, 2), kNone},
+    {PictureLayout::Gbrap16, "gbrap16le", Rgb, U16, 16, 4, 0, 0, Planar(2, 0, 1, true, 2), kNone},
+    {PictureLayout::Gbrpf32, "gbrpf32le", Rgb, F32, 32, 3, 0, 0, Planar(2, 0, 1, false, 4), kNone},
+    {PictureLayout::Gbrapf32, "gbrapf32le", Rgb, F32, 32, 4, 0, 0, Planar(2, 0, 1, true, 4), kNone},
+    {PictureLayout::Yuv444p, "yuv444p", YCbCr, U8, 8, 3, 0, 0, kYuv8, kNone},
+    {PictureLayout::Yuva444p, "yuva444p", YCbCr, U8, 8, 4, 0, 0, kYuva8, kNone},
+    {PictureLayout::Yuv444p10, "yuv444p10le", YCbCr, U16, 10, 3, 0, 0, kYuv16, kNone},
+    {PictureLayout::Yuva444p10, "yuva444p10le", YCbCr, U16, 10, 4, 0, 0, kYuva16, kNone},
+    {PictureLayout::Yuv444p16, "yuv444p16le", YCbCr, U16, 16, 3, 0, 0, kYuv16, kNone},
+    {PictureLayout::Yuva444p16, "yuva444p16le", YCbCr, U16, 16, 4, 0, 0, kYuva16, kNone},
+    {PictureLayout::Yuv422p, "yuv422p", YCbCr, U8, 8, 3, 1, 0, kYuv8, kNone},
+    {PictureLayout::Yuv422p10, "yuv422p10le", YCbCr, U16, 10, 3, 1, 0, kYuv16, kNone},
+    {PictureLayout::Yuv420p, "yuv420p", YCbCr, U8, 8, 3, 1, 1, kYuv8, kNone},
+    {PictureLayout::Yuv420p10, "yuv420p10le", YCbCr, U16, 10, 3, 1, 1, kYuv16, kNone},
+    {PictureLayout::Yuv411p, "yuv411p", YCbCr, U8, 8, 3, 2, 0, kYuv8, kNone},
+    {PictureLayout::Uyvy, "uyvy422", YCbCr, U8, 8, 1, 1, 0, {{{0, 1, 2}, {0, 0, 4}, {0, 2, 4}, kNone}}, kNone},
+    {PictureLayout::Yuyv, "yuyv422", YCbCr, U8, 8, 1, 1, 0, {{{0, 0, 2}, {0, 1, 4}, {0, 3, 4}, kNone}}, kNone},
+    {PictureLayout::V210, "v210", YCbCr, U16, 10, 1, 1, 0, {{kNone, kNone, kNone, kNone}}, kNone},
 }};
 
 constexpr bool TableFollowsTheEnumeration()
@@ -154,6 +156,29 @@ Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t h
     }
     picture.owner = std::move(buffer);
     return picture;
+}
+
+bool IsSamePicture(const Picture& left, const Picture& right) noexcept
+{
+    if (left.layout != right.layout || left.width != right.width || left.height != right.height) {
+        return false;
+    }
+    const LayoutInfo& info = InfoOf(left.layout);
+    for (int plane = 0; plane < info.planes; ++plane) {
+        const auto index = static_cast<std::size_t>(plane);
+        if (left.planes[index] == right.planes[index] && left.rowBytes[index] == right.rowBytes[index]) {
+            continue;
+        }
+        const PlaneSize size = SizeOfPlane(info, plane, left.width, left.height);
+        const auto bytes = static_cast<std::size_t>(BytesOfRow(info, plane, size.width));
+        for (std::int32_t y = 0; y < size.height; ++y) {
+            if (std::memcmp(left.planes[index] + y * left.rowBytes[index],
+                            right.planes[index] + y * right.rowBytes[index], bytes) != 0) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 } // namespace tessel::exporting

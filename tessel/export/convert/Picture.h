@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace tessel::exporting {
 
@@ -55,6 +56,7 @@ enum class SampleType : std::uint8_t { U8, U16, U16be, F32 };
 
 struct LayoutInfo {
     PictureLayout layout;
+    std::string_view name; ///< FFmpeg's; v210 is a codec there
     ColorFamily family;
     SampleType type;
     std::uint8_t bits;         ///< significant bits of an integer sample
@@ -91,6 +93,10 @@ struct PlaneSize {
 /// A picture with memory of its own: rows start on multiples of 64 bytes (v210: 128, as files have them),
 /// contents undefined.
 [[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height);
+
+/// Whether two pictures have the same layout, size and samples. Fast for pictures that share their memory, and
+/// for those that differ near the top.
+[[nodiscard]] bool IsSamePicture(const Picture& left, const Picture& right) noexcept;
 
 /// Bytes of a v210 row in a file: whole groups of 48 pixels in 128 bytes.
 [[nodiscard]] constexpr std::int64_t V210RowBytes(std::int32_t width) noexcept

@@ -108,6 +108,12 @@ void AudioEncoder::DescribeStream(AVStream& stream) const
     stream.time_base = mContext->time_base;
 }
 
+std::int64_t AudioEncoder::SamplesPerPacket() const noexcept
+{
+    // Sound comes in blocks of 0.1 s or more.
+    return mContext->frame_size > 0 ? mContext->frame_size : std::max(mPlan.sampleRate / 10, 1);
+}
+
 void AudioEncoder::Encode(const std::vector<const float*>& channels, std::int64_t count,
                           std::int64_t clipPosition, const Sink& sink)
 {

@@ -22,6 +22,10 @@ public:
 
     void DescribeStream(AVStream& stream) const;
 
+    /// Samples in all packets but the last, or where the codec takes any number, in the fewest that come at
+    /// once.
+    [[nodiscard]] std::int64_t SamplesPerPacket() const noexcept;
+
     /// @param channels       in the file's order, `count` samples each
     /// @param clipPosition   of the first one, in samples from the clip's start
     void Encode(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition,

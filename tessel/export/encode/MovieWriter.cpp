@@ -2,6 +2,7 @@
 
 #include "AudioEncoder.h"
 #include "LibavOutput.h"
+#include "RepeatingEncoder.h"
 #include "VideoEncoder.h"
 
 #include <tessel/export/ExportError.h>
@@ -13,6 +14,7 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -71,9 +73,23 @@ AVStream& AddStream(AVFormatContext& format)
     return *stream;
 }
 
+/// Room for the index of a QuickTime file before its pictures, so that players need not look for it at the end.
+/// An index has at most so many bytes for a packet: its place (8), size (4), time (8), the difference between
+/// decoding and showing it (8), whether it is a key (4), and the chunk that it is in (12).
+std::int64_t IndexBytes(const MovieExtent& extent, std::int64_t samplesPerPacket) noexcept
+{
+    constexpr std::int64_t kPerPacket = 8 + 4 + 8 + 8 + 4 + 12;
+    constexpr std::int64_t kHeaders = 32'768;
+    // Sound is also cut where a picture comes between.
+    const std::int64_t soundPackets =
+        extent.samples == 0 ? 0
+                            : extent.samples / std::max<std::int64_t>(samplesPerPacket, 1) + extent.pictures;
+    return kHeaders + kPerPacket * (extent.pictures + soundPackets + 64);
+}
+
 } // namespace
 
-MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount)
+MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount, const MovieExtent& extent)
     : mState(std::make_unique<State>(std::move(file)))
 {
     libav::TakeOverLogging();
@@ -98,9 +114,15 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
 
     if (plan.video) {
         state.video = VideoEncoder::Make(*plan.video, threadCount);
+        if (plan.video->codec->repeats) {
+            state.video = EncodeRepeatsOnce(std::move(state.video));
+        }
         state.videoStream = &AddStream(*format);
         state.video->DescribeStream(*state.videoStream);
         state.videoUnit = state.videoStream->time_base;
+        if (plan.timecode) {
+            av_dict_set(&state.videoStream->metadata, "timecode", plan.timecode->After(0).c_str(), 0);
+        }
     }
     if (plan.audio) {
         state.audio.emplace(*plan.audio);
@@ -111,6 +133,11 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
     AVDictionary* options = nullptr;
     const std::string text(state.file.CanSeek() ? container.muxerOptions : container.pipeOptions);
     libav::Check(av_dict_parse_string(&options, text.c_str(), "=", ":", 0), "cannot set up the muxer");
+    constexpr std::int64_t kMostIndexBytes = std::int64_t{1} << 30;
+    const std::int64_t indexBytes = IndexBytes(extent, state.audio ? state.audio->SamplesPerPacket() : 1);
+    if (container.isQuickTime && state.file.CanSeek() && indexBytes <= kMostIndexBytes) {
+        av_dict_set_int(&options, "moov_size", indexBytes, 0);
+    }
     const int result = avformat_write_header(format, &options);
     av_dict_free(&options);
     state.Check(result, fmt::format("cannot write this clip into a {} file", container.name));
@@ -129,7 +156,7 @@ void MovieWriter::WriteSamples(const std::vector<const float*>& channels, std::i
     mState->audio->Encode(channels, count, clipPosition, mState->AudioSink());
 }
 
-void MovieWriter::Finish()
+std::int64_t MovieWriter::Finish()
 {
     State& state = *mState;
     if (state.video) {
@@ -142,6 +169,7 @@ void MovieWriter::Finish()
                 fmt::format("cannot finish the {} file", state.container));
     state.io.Flush();
     state.file.Commit();
+    return state.file.Size();
 }
 
 } // namespace tessel::exporting

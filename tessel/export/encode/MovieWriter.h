@@ -11,6 +11,12 @@
 
 namespace tessel::exporting {
 
+/// How much will be written, at most: the room for an index at the file's beginning depends on it.
+struct MovieExtent {
+    std::int64_t pictures = 0;
+    std::int64_t samples = 0;
+};
+
 /// Writes pictures and samples into one file of any container but sequences. Threads: one object, one thread
 /// at a time.
 class MovieWriter {
@@ -19,7 +25,7 @@ public:
     /// @param file         where to; committed by the caller
     /// @param threadCount  for codecs
     /// @throws ExportError
-    MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount);
+    MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount, const MovieExtent& extent);
     ~MovieWriter();
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
@@ -29,7 +35,8 @@ public:
     /// As `AudioEncoder::Encode`.
     void WriteSamples(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition);
     /// Writes what is left and gives the file its name.
-    void Finish();
+    /// @return the file's size in bytes
+    std::int64_t Finish();
 
 private:
     struct State;

@@ -15,7 +15,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <span>
 #include <string>
@@ -179,18 +178,11 @@ private:
 
 } // namespace
 
-AVPixelFormat LibavFormat(PictureLayout layout) noexcept
+AVPixelFormat LibavFormat(PictureLayout layout)
 {
-    static constexpr std::array<AVPixelFormat, 29> kFormats{
-        AV_PIX_FMT_BGRA,         AV_PIX_FMT_ARGB,        AV_PIX_FMT_BGR0,         AV_PIX_FMT_0RGB,
-        AV_PIX_FMT_RGBA,         AV_PIX_FMT_RGB24,       AV_PIX_FMT_RGBA64LE,     AV_PIX_FMT_RGB48LE,
-        AV_PIX_FMT_RGBA64BE,     AV_PIX_FMT_RGB48BE,     AV_PIX_FMT_GBRP10LE,     AV_PIX_FMT_GBRP16LE,
-        AV_PIX_FMT_GBRAP16LE,    AV_PIX_FMT_GBRPF32LE,   AV_PIX_FMT_GBRAPF32LE,   AV_PIX_FMT_YUV444P,
-        AV_PIX_FMT_YUVA444P,     AV_PIX_FMT_YUV444P10LE, AV_PIX_FMT_YUVA444P10LE, AV_PIX_FMT_YUV444P16LE,
-        AV_PIX_FMT_YUVA444P16LE, AV_PIX_FMT_YUV422P,     AV_PIX_FMT_YUV422P10LE,  AV_PIX_FMT_YUV420P,
-        AV_PIX_FMT_YUV420P10LE,  AV_PIX_FMT_YUV411P,     AV_PIX_FMT_UYVY422,      AV_PIX_FMT_YUYV422,
-        AV_PIX_FMT_YUV422P10LE};
-    return kFormats[static_cast<std::size_t>(layout)];
+    // FFmpeg knows the packing of v210 as a codec of these.
+    const std::string name(InfoOf(layout == PictureLayout::V210 ? PictureLayout::Yuv422p10 : layout).name);
+    return av_get_pix_fmt(name.c_str());
 }
 
 std::unique_ptr<VideoEncoder> VideoEncoder::Make(const VideoPlan& plan, int threadCount)

@@ -12,7 +12,7 @@
 namespace tessel::exporting {
 
 /// FFmpeg's name for a layout; `AV_PIX_FMT_YUV422P10` for v210, whose packing is a codec there.
-[[nodiscard]] AVPixelFormat LibavFormat(PictureLayout layout) noexcept;
+[[nodiscard]] AVPixelFormat LibavFormat(PictureLayout layout);
 
 /// Threads: one object, one thread at a time.
 class VideoEncoder {

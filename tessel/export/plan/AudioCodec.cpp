@@ -39,7 +39,7 @@ constexpr std::array<AudioCodec, 7> kCodecs{{
 
 bool AudioCodec::GoesInto(const Container& container) const noexcept
 {
-    return HasWord(containers, container.name);
+    return container.takesEveryCodec || HasWord(containers, container.name);
 }
 
 std::span<const AudioCodec> AllAudioCodecs() noexcept

@@ -70,7 +70,7 @@ constexpr Container Sequence(std::string_view name, std::string_view otherExtens
             .keeps = keeps};
 }
 
-constexpr std::array<Container, 12> kContainers{{
+constexpr std::array<Container, 13> kContainers{{
     {.name = "mkv",
      .kind = ContainerKind::Movie,
      .muxer = "matroska",
@@ -78,7 +78,7 @@ constexpr std::array<Container, 12> kContainers{{
      .videoCodecs = kLossless,
      .audioCodec = "flac",
      .rawLayouts = kAnyRaw,
-     .keeps = kShape | Keeps::Colors | Keeps::Range},
+     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::Timecode},
     {.name = "mov",
      .otherExtension = "qt",
      .kind = ContainerKind::Movie,
@@ -91,7 +91,7 @@ constexpr std::array<Container, 12> kContainers{{
      .audioCodec = "pcm24",
      .rawLayouts = kFewRaw,
      .rawTags = kQuickTimeTags,
-     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout},
+     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode},
     {.name = "mp4",
      .otherExtension = "m4v",
      .kind = ContainerKind::Movie,
@@ -109,7 +109,7 @@ constexpr std::array<Container, 12> kContainers{{
      .needsToSeek = true,
      .videoCodecs = AlwaysBut("mpeg2", /*dv=*/"dv"),
      .audioCodec = "pcm24",
-     .keeps = Keeps::Colors | Keeps::Range},
+     .keeps = Keeps::Colors | Keeps::Range | Keeps::Timecode},
     {.name = "avi",
      .kind = ContainerKind::Movie,
      .muxer = "avi",
@@ -145,6 +145,13 @@ constexpr std::array<Container, 12> kContainers{{
     Sequence("tiff", "tif", Keeps::PixelAspect),
     Sequence("dpx", {}, Keeps::PixelAspect | Keeps::Colors),
     Sequence("exr", {}, Keeps::PixelAspect | Keeps::Colors),
+    {.name = "null",
+     .muxer = "null",
+     .takesEveryCodec = true,
+     .videoCodecs = kUnpacked,
+     .audioCodec = "pcm24",
+     .rawLayouts = kAnyRaw,
+     .keeps = Keeps::Everything},
 }};
 
 } // namespace

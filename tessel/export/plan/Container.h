@@ -50,6 +50,7 @@ struct Container {
     std::string_view muxer{};        ///< FFmpeg's name; empty for sequences
     std::string_view muxerOptions{}; ///< "key=value:key=value"
     std::string_view pipeOptions{};  ///< instead of `muxerOptions` where the output cannot seek
+    bool takesEveryCodec = false;    ///< writes nothing, so nothing is too strange for it
     bool needsToSeek = false;        ///< its files cannot be written to a pipe
     bool isQuickTime = false;        ///< of QuickTime's family, with its four-character codes
     bool headersOutOfBand = false;   ///< headers of codecs go into the container's, not into their packets

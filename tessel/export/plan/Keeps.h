@@ -13,11 +13,18 @@ enum class Keeps : std::uint16_t {
     Colors = 1U << 2U, ///< primaries, transfer, matrix
     Range = 1U << 3U,  ///< of the codes: readers heed it
     ChannelLayout = 1U << 4U,
+    Timecode = 1U << 5U,
+    Everything = 0xFFFF,
 };
 
 [[nodiscard]] constexpr Keeps operator|(Keeps left, Keeps right) noexcept
 {
     return static_cast<Keeps>(static_cast<std::uint16_t>(left) | static_cast<std::uint16_t>(right));
+}
+
+[[nodiscard]] constexpr Keeps Without(Keeps facts, Keeps others) noexcept
+{
+    return static_cast<Keeps>(static_cast<std::uint16_t>(facts) & ~static_cast<std::uint16_t>(others));
 }
 
 /// Whether `facts` holds `fact`.

@@ -39,6 +39,13 @@ void CheckRequest(const OutputRequest& request)
     if (request.quality && !WantsPicture(request)) {
         throw ExportError("there is no picture: remove --quality");
     }
+    if (!request.timecode.empty() && !WantsPicture(request)) {
+        throw ExportError("there is no picture: remove --timecode");
+    }
+    if (!request.timecode.empty() && !Holds(container.keeps, Keeps::Timecode)) {
+        throw ExportError(fmt::format("{} files hold no timecode: remove --timecode, or write mov, mxf or mkv",
+                                      container.name));
+    }
     if (request.quality && request.videoCodec != nullptr) {
         CheckQuality(*request.videoCodec, *request.quality);
     }
@@ -52,6 +59,10 @@ OutputPlan PlanOutput(const document::ClipFacts& clip, const OutputRequest& requ
     plan.container = &container;
     if (WantsPicture(request)) {
         plan.video = PlanVideo(clip, container, request.videoCodec, request.quality);
+    }
+    if (!request.timecode.empty()) {
+        plan.timecode = Timecode::Parse(request.timecode, plan.video->geometry.rateNumerator,
+                                        plan.video->geometry.rateDenominator);
     }
     if (container.TakesAudio() && request.streams != Streams::VideoOnly && clip.channelCount > 0) {
         plan.audio = PlanAudio(clip, container, request.audioCodec, request.dither);

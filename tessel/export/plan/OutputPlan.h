@@ -3,12 +3,14 @@
 
 #include "AudioPlan.h"
 #include "Container.h"
+#include "Timecode.h"
 #include "VideoPlan.h"
 
 #include <tessel/document/OpenClip.h>
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace tessel::exporting {
 
@@ -22,6 +24,7 @@ struct OutputRequest {
     const AudioCodec* audioCodec = nullptr; ///< null: the container's usual one
     std::optional<int> quality{};           ///< of the pictures, on their codec's scale
     Dither dither = Dither::None;
+    std::string timecode{}; ///< of the file's first picture, as `Timecode::Parse` takes it; empty: none
 };
 
 /// @throws ExportError  where container, streams and codecs do not go together whatever the clip is; says what
@@ -35,6 +38,7 @@ struct OutputPlan {
     const Container* container = nullptr;
     std::optional<VideoPlan> video;
     std::optional<AudioPlan> audio;
+    std::optional<Timecode> timecode; ///< of the file's first picture
 };
 
 /// @param clip  with the format of its frames, where it becomes a picture

@@ -55,9 +55,13 @@ struct VideoCodec {
     std::string_view
         opaqueEncoder{}; ///< for layouts without alpha, where that is another one; even widths only
     void (*setOptions)(const VideoPlan& plan, EncoderOptions& options) = nullptr;
+    Keeps streamDecides = Keeps::Nothing;  ///< what readers take from the stream alone, also where it is silent
+    Keeps notInQuickTime = Keeps::Nothing; ///< what QuickTime's family does not say beside it
+    bool saysDisplayAspect = false;        ///< its stream has codes for 4:3 and 16:9, and for no other shape
     QualityScale quality{};
     std::string_view quickTimeTag{}; ///< by which QuickTime's family knows it, where the muxer has another one
     bool codesFields = true;         ///< the encoder hears that pictures are interlaced
+    bool repeats = false;            ///< the same picture gives the same packet wherever it stands
     bool isFullRange = false;        ///< Y'CbCr made from R'G'B' is BT.601 full range, as readers expect of it
     PacketRepair repair = PacketRepair::None;
 

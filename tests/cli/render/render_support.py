@@ -110,7 +110,7 @@ class RenderTest(unittest.TestCase):
 
     def render(self, root, output, *arguments):
         """Renders a document, which must succeed silently; gives the output's path."""
-        done = self.run_tessel("render", self.save(root), "-o", self.path(output), *arguments)
+        done = self.run_tessel("render", self.save(root), "-o", self.path(output), "--quiet", *arguments)
         self.assertEqual((done.returncode, done.stderr, done.stdout), (0, b"", b""), f"{root} {output} {arguments}")
         return self.path(output)
 

@@ -138,7 +138,7 @@ class Failures(RenderTest):
     def test_pipes_carry_whole_files(self):
         clip = self.clip(frames=4)
         for name, frames in (("nut", 4), ("mkv", 4), ("mov", 4), ("mp4", 4), ("y4m", 4), ("png", 4)):
-            done = self.run_tessel("render", clip, "-o", "-", "--format", name)
+            done = self.run_tessel("render", "--quiet", clip, "-o", "-", "--format", name)
             self.assertEqual((done.returncode, done.stderr), (0, b""), name)
             with open(self.path("piped." + name), "wb") as file:
                 file.write(done.stdout)
@@ -294,7 +294,7 @@ class Failures(RenderTest):
         for name in ("x_%d_%d.png", "x_%s.png", "x_%6d.png", "x_%.png"):
             self.refuse("render", clip, "-o", name, code=2, says=("%06d",))
         self.left_over("clip.tessel")
-        done = self.run_tessel("render", clip, "-o", "100%%_%03d.png", "--from", "1")
+        done = self.run_tessel("render", "--quiet", clip, "-o", "100%%_%03d.png", "--from", "1")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.left_over("100%_001.png", "100%_002.png", "clip.tessel")
 
@@ -307,7 +307,7 @@ class Failures(RenderTest):
         self.left_over("a.tessel", "b.tessel")
         os.mkdir(self.path("there.mov"))
         for name in ("there.mov", "new.mov/"):
-            done = self.run_tessel("render", "a.tessel", "b.tessel", "-o", name)
+            done = self.run_tessel("render", "--quiet", "a.tessel", "b.tessel", "-o", name)
             self.assertEqual((done.returncode, done.stderr), (0, b""))
             self.assertEqual(sorted(os.listdir(self.path(name))), ["a.mkv", "b.mkv"])
 
@@ -346,13 +346,13 @@ class Failures(RenderTest):
         for form, names in (((), ["a.mkv", "b.mkv"]), (("--format", "mov"), ["a.mov", "b.mov"]),
                             (("--format", "png"), ["a_000000.png", "a_000001.png", "b_000000.png", "b_000001.png"])):
             folder = "out" + "".join(form)
-            done = self.run_tessel("render", "a.tessel", "b.tessel", "-o", folder, *form)
+            done = self.run_tessel("render", "--quiet", "a.tessel", "b.tessel", "-o", folder, *form)
             self.assertEqual((done.returncode, done.stderr), (0, b""))
             self.assertEqual(sorted(os.listdir(self.path(folder))), names)
 
     def test_a_percent_sign_in_a_clips_name_is_no_numbers_place(self):
         self.save(document(frames=1), "50%d.tessel")
-        done = self.run_tessel("render", "50%d.tessel", "-o", "out/", "--format", "png")
+        done = self.run_tessel("render", "--quiet", "50%d.tessel", "-o", "out/", "--format", "png")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.assertEqual(os.listdir(self.path("out")), ["50%d_000000.png"])
 
@@ -367,7 +367,7 @@ class Failures(RenderTest):
     def test_odd_file_names_are_files_like_any_other(self):
         for name in ("with space.mkv", "-dash.mkv", "new\nline.mkv", "umläut.mkv", "file:x.mkv", "pipe:1.mkv",
                      "'quoted'.mkv", "%.mkv"):
-            done = self.run_tessel("render", self.clip(frames=1), "--output=" + name)
+            done = self.run_tessel("render", "--quiet", self.clip(frames=1), "--output=" + name)
             self.assertEqual((done.returncode, done.stderr), (0, b""), name)
             self.assertIn(name, os.listdir(self.folder))
 

@@ -1,0 +1,127 @@
+#include "PlanText.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <utility>
+
+namespace tessel::exporting {
+namespace {
+
+using importhost::FieldOrder;
+
+std::string_view OrderText(FieldOrder order) noexcept
+{
+    switch (order) {
+    case FieldOrder::UpperFirst:
+        return "upper field first";
+    case FieldOrder::LowerFirst:
+        return "lower field first";
+    case FieldOrder::Progressive:
+        break;
+    }
+    return "progressive";
+}
+
+std::string RateText(const PictureGeometry& geometry)
+{
+    return geometry.rateDenominator == 1
+               ? fmt::format("{} fps", geometry.rateNumerator)
+               : fmt::format("{}/{} fps", geometry.rateNumerator, geometry.rateDenominator);
+}
+
+std::string AspectText(const PictureGeometry& geometry)
+{
+    return fmt::format("pixel aspect {}:{}", geometry.aspectNumerator, geometry.aspectDenominator);
+}
+
+std::string ColorText(const ColorTags& tags)
+{
+    return fmt::format("primaries {}, transfer {}, matrix {}", tags.primaries, tags.transfer, tags.matrix);
+}
+
+/// What a file of the codec in the container tells its readers.
+Keeps KeptOf(const VideoCodec& codec, const Container& container) noexcept
+{
+    const Keeps notByContainer =
+        codec.streamDecides | (container.isQuickTime ? codec.notInQuickTime : Keeps::Nothing);
+    return Without(container.keeps, notByContainer) | codec.keeps;
+}
+
+/// Whether the picture's shape is one that streams have a code for.
+bool HasCommonShape(const PictureGeometry& geometry) noexcept
+{
+    const std::int64_t width = std::int64_t{geometry.width} * geometry.aspectNumerator;
+    const std::int64_t height = std::int64_t{geometry.height} * geometry.aspectDenominator;
+    constexpr std::array<std::pair<int, int>, 2> kShapes{{{4, 3}, {16, 9}}};
+    for (const auto& [across, down] : kShapes) {
+        if (width * down == height * across) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void AddLosses(const VideoPlan& video, const Container& container, std::vector<std::string>& losses)
+{
+    const Keeps kept = KeptOf(*video.codec, container);
+    const PictureGeometry& geometry = video.geometry;
+    const bool isSquare = geometry.aspectNumerator == geometry.aspectDenominator;
+    const bool saysShape = video.codec->saysDisplayAspect && HasCommonShape(geometry);
+    if (geometry.aspectNumerator != 0 && !isSquare && !saysShape && !Holds(kept, Keeps::PixelAspect)) {
+        losses.push_back(AspectText(geometry));
+    }
+    if (geometry.order != FieldOrder::Progressive && !Holds(kept, Keeps::FieldOrder)) {
+        losses.push_back(fmt::format("field order ({})", OrderText(geometry.order)));
+    }
+    const ColorTags& tags = video.tags;
+    const bool saysColors = tags.primaries != h273::kUnspecified || tags.transfer != h273::kUnspecified;
+    if (saysColors && !Holds(kept, Keeps::Colors)) {
+        losses.push_back(fmt::format("colours ({})", ColorText(tags)));
+    }
+    // Readers take Y'CbCr for limited range, and R'G'B' for full range, unless they are told.
+    const bool isRgb = InfoOf(video.conversion.target).family == ColorFamily::Rgb;
+    if (!isRgb && tags.fullRange && !Holds(kept, Keeps::Range)) {
+        losses.emplace_back("full range");
+    }
+}
+
+} // namespace
+
+std::string DescribeVideo(const VideoPlan& plan)
+{
+    const PictureGeometry& geometry = plan.geometry;
+    const std::string_view layout = InfoOf(plan.conversion.target).name;
+    return fmt::format("{}{}{}, {}x{}, {}, {}", plan.codec->name, layout == plan.codec->name ? "" : " ",
+                       layout == plan.codec->name ? "" : layout, geometry.width, geometry.height,
+                       RateText(geometry), OrderText(geometry.order));
+}
+
+std::string DescribeTags(const VideoPlan& plan)
+{
+    return fmt::format("{}{}{}, {} range", plan.geometry.aspectNumerator != 0 ? AspectText(plan.geometry) : "",
+                       plan.geometry.aspectNumerator != 0 ? ", " : "", ColorText(plan.tags),
+                       plan.tags.fullRange ? "full" : "limited");
+}
+
+std::string DescribeAudio(const AudioPlan& plan)
+{
+    return fmt::format("{}, {} Hz, {} {}{}", plan.codec->name, plan.sampleRate, plan.hostChannels.size(),
+                       plan.hostChannels.size() == 1 ? "channel" : "channels",
+                       plan.layout == SpeakerLayout::Surround51 ? " (5.1)" : "");
+}
+
+std::vector<std::string> LossesOf(const OutputPlan& plan)
+{
+    std::vector<std::string> losses;
+    if (plan.video) {
+        AddLosses(*plan.video, *plan.container, losses);
+    }
+    if (plan.audio && plan.audio->layout == SpeakerLayout::Surround51 &&
+        !Holds(plan.container->keeps | plan.audio->codec->keeps, Keeps::ChannelLayout)) {
+        losses.emplace_back("channel layout (5.1)");
+    }
+    return losses;
+}
+
+} // namespace tessel::exporting

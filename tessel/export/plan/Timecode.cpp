@@ -1,0 +1,107 @@
+#include "Timecode.h"
+
+#include <tessel/export/ExportError.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace tessel::exporting {
+namespace {
+
+constexpr std::int64_t kMinutesOfTen = 10;
+constexpr std::int64_t kMinutesOfDay = 24 * 60;
+
+std::int64_t NominalRate(std::int32_t numerator, std::int32_t denominator) noexcept
+{
+    return (2 * std::int64_t{numerator} + denominator) / (2 * std::int64_t{denominator});
+}
+
+/// Two digits, or -1.
+int Digits(std::string_view text) noexcept
+{
+    const auto isDigit = [](char letter) { return letter >= '0' && letter <= '9'; };
+    return isDigit(text[0]) && isDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
+}
+
+void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
+{
+    // What files and their readers know.
+    constexpr std::array<std::int64_t, 9> kRates{24, 25, 30, 48, 50, 60, 100, 120, 150};
+    const std::int64_t nominal = NominalRate(numerator, denominator);
+    const bool isWhole = std::int64_t{numerator} == nominal * denominator;
+    const bool isSlowed = std::int64_t{numerator} * 1001 == nominal * 1000 * denominator;
+    if (std::find(kRates.begin(), kRates.end(), nominal) == kRates.end() || (!isWhole && !isSlowed)) {
+        throw ExportError(
+            fmt::format("timecodes count 24, 25, 30, 48, 50, 60, 100, 120 or 150 frames a second, or "
+                        "1000/1001 of that, but the clip has {}/{}: remove --timecode",
+                        numerator, denominator));
+    }
+}
+
+} // namespace
+
+Timecode::Timecode(std::int32_t rateNumerator, std::int32_t rateDenominator, bool drop) noexcept
+    : mNominalRate(std::max<std::int64_t>(NominalRate(rateNumerator, rateDenominator), 1)),
+      mDropped(drop ? mNominalRate / 15 : 0)
+{
+}
+
+bool Timecode::HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept
+{
+    const std::int64_t nominal = NominalRate(rateNumerator, rateDenominator);
+    return nominal > 0 && nominal % 30 == 0 &&
+           std::int64_t{rateNumerator} * 1001 == nominal * 1000 * rateDenominator;
+}
+
+Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std::int32_t rateDenominator)
+{
+    const bool hasShape =
+        text.size() == 11 && text[2] == ':' && text[5] == ':' && (text[8] == ':' || text[8] == ';');
+    const std::array<int, 4> parts = hasShape ? std::array{Digits(text.substr(0)), Digits(text.substr(3)),
+                                                           Digits(text.substr(6)), Digits(text.substr(9))}
+                                              : std::array{-1, -1, -1, -1};
+    if (std::find(parts.begin(), parts.end(), -1) != parts.end()) {
+        throw ExportError(fmt::format("'{}' is no timecode: it is hours, minutes, seconds and frames, as in "
+                                      "10:00:00:00, or 10:00:00;00 for "
+                                      "drop frame",
+                                      text));
+    }
+    RequireCountableRate(rateNumerator, rateDenominator);
+    const bool drop = text[8] == ';';
+    if (drop && !HasDropFrames(rateNumerator, rateDenominator)) {
+        throw ExportError(fmt::format("{}/{} frames a second have no drop-frame timecodes: write {}:{}",
+                                      rateNumerator, rateDenominator, text.substr(0, 8), text.substr(9)));
+    }
+    Timecode timecode(rateNumerator, rateDenominator, drop);
+    const auto [hours, minutes, seconds, frames] = parts;
+    if (hours > 23 || minutes > 59 || seconds > 59 || frames >= timecode.mNominalRate) {
+        throw ExportError(fmt::format("there is no timecode {}: the last of a day is 23:59:59:{:02}", text,
+                                      timecode.mNominalRate - 1));
+    }
+    if (seconds == 0 && minutes % kMinutesOfTen != 0 && frames < timecode.mDropped) {
+        throw ExportError(fmt::format("drop-frame counting leaves {} out: the first of that minute is {};{:02}",
+                                      text, text.substr(0, 8), timecode.mDropped));
+    }
+    const std::int64_t minute = std::int64_t{hours} * 60 + minutes;
+    timecode.mFirstFrame = (minute * 60 + seconds) * timecode.mNominalRate + frames -
+                           timecode.mDropped * (minute - minute / kMinutesOfTen);
+    return timecode;
+}
+
+std::string Timecode::After(std::int64_t frames) const
+{
+    const std::int64_t perMinute = mNominalRate * 60 - mDropped;
+    const std::int64_t perTen = perMinute * kMinutesOfTen + mDropped; // the first minute of ten has all numbers
+    std::int64_t frame = (mFirstFrame + frames) % (perTen * kMinutesOfDay / kMinutesOfTen);
+    const std::int64_t tens = frame / perTen;
+    const std::int64_t rest = frame % perTen;
+    const std::int64_t minutesBegun = rest < mNominalRate * 60 ? 0 : (rest - mDropped) / perMinute;
+    frame += mDropped * ((kMinutesOfTen - 1) * tens + minutesBegun);
+    const std::int64_t second = frame / mNominalRate;
+    return fmt::format("{:02}:{:02}:{:02}{}{:02}", second / 3600, second / 60 % 60, second % 60,
+                       mDropped != 0 ? ';' : ':', frame % mNominalRate);
+}
+
+} // namespace tessel::exporting

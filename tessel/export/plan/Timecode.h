@@ -1,0 +1,36 @@
+/// Timecodes of SMPTE ST 12-1.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tessel::exporting {
+
+/// Counts frames as hours, minutes, seconds and frames. At 30000/1001 frames a second and its multiples,
+/// drop-frame counting leaves out the first two numbers (four at 60000/1001, ...) of every minute but each
+/// tenth, to keep pace with the clock.
+class Timecode {
+public:
+    /// @param text  "10:00:00:00", or with ';' before the frames for drop-frame counting
+    /// @throws ExportError  for a text that is no timecode, one that the rate does not have, and a rate without
+    ///                      timecodes; says what would be right
+    [[nodiscard]] static Timecode Parse(std::string_view text, std::int32_t rateNumerator,
+                                        std::int32_t rateDenominator);
+
+    /// The timecode of a frame that comes `frames` after this one; behind 23:59:59 it begins again.
+    [[nodiscard]] std::string After(std::int64_t frames) const;
+
+    /// Whether a rate has drop-frame timecodes.
+    [[nodiscard]] static bool HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept;
+
+    /// The rate's timecodes from 0 on.
+    Timecode(std::int32_t rateNumerator, std::int32_t rateDenominator, bool drop) noexcept;
+
+private:
+    std::int64_t mNominalRate;    ///< frames counted in a second
+    std::int64_t mDropped = 0;    ///< numbers left out in a minute; 0: all are used
+    std::int64_t mFirstFrame = 0; ///< since 00:00:00:00
+};
+
+} // namespace tessel::exporting

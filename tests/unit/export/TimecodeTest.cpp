@@ -1,0 +1,68 @@
+#include <tessel/export/ExportError.h>
+#include <tessel/export/plan/Timecode.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tessel::exporting {
+namespace {
+
+TEST(Timecode, CountsFromTheGivenOne)
+{
+    const struct {
+        const char* start;
+        int numerator;
+        int denominator;
+        std::int64_t frames;
+        const char* expected;
+    } kRows[] = {
+        {"00:00:00:00", 25, 1, 0, "00:00:00:00"},
+        {"10:00:00:00", 25, 1, 24, "10:00:00:24"},
+        {"10:00:00:00", 25, 1, 25, "10:00:01:00"},
+        {"23:59:59:24", 25, 1, 1, "00:00:00:00"},
+        {"00:00:59:29", 30000, 1001, 1, "00:01:00:00"},
+        // Drop frame, as ST 12-1 has it: numbers 0 and 1 are left out of every minute but each tenth.
+        {"00:00:59;29", 30000, 1001, 1, "00:01:00;02"},
+        {"00:09:59;29", 30000, 1001, 1, "00:10:00;00"},
+        {"01:00:00;00", 30000, 1001, 107892, "02:00:00;00"}, // frames of a drop-frame hour
+        {"00:00:00;00", 30000, 1001, 17982, "00:10:00;00"},  // and of ten minutes
+        {"00:00:00;00", 30000, 1001, 1799, "00:00:59;29"},
+        {"00:00:00;00", 30000, 1001, 1800, "00:01:00;02"},
+        {"23:59:59;29", 30000, 1001, 1, "00:00:00;00"},
+        {"00:00:59;59", 60000, 1001, 1, "00:01:00;04"},
+        {"00:00:00:00", 24000, 1001, 86400, "01:00:00:00"},
+    };
+    for (const auto& row : kRows) {
+        EXPECT_EQ(Timecode::Parse(row.start, row.numerator, row.denominator).After(row.frames), row.expected)
+            << row.start << " + " << row.frames;
+    }
+}
+
+TEST(Timecode, DropFrameNumbersAreEachUsedOnceADay)
+{
+    const Timecode day(30000, 1001, /*drop=*/true);
+    std::string last;
+    for (std::int64_t frame = 0; frame < 10 * 107892 / 6; ++frame) {
+        const std::string text = day.After(frame);
+        ASSERT_LT(last, text) << frame;
+        ASSERT_EQ(Timecode::Parse(text, 30000, 1001).After(0), text);
+        last = text;
+    }
+}
+
+TEST(Timecode, WhatIsNoneIsRefused)
+{
+    for (const char* text :
+         {"", "1:00:00:00", "10:00:00", "10:00:00:0", "10:00:00.00", "aa:00:00:00", "24:00:00:00",
+          "10:60:00:00", "10:00:60:00", "10:00:00:25", "10:00:00;00", "-1:00:00:00"}) {
+        EXPECT_THROW(static_cast<void>(Timecode::Parse(text, 25, 1)), ExportError) << text;
+    }
+    EXPECT_THROW(static_cast<void>(Timecode::Parse("10:01:00;01", 30000, 1001)), ExportError);
+    EXPECT_NO_THROW(static_cast<void>(Timecode::Parse("10:10:00;01", 30000, 1001)));
+    EXPECT_THROW(static_cast<void>(Timecode::Parse("10:00:00;00", 24000, 1001)), ExportError);
+    EXPECT_THROW(static_cast<void>(Timecode::Parse("10:00:00:00", 15, 1)), ExportError);
+}
+
+} // namespace
+} // namespace tessel::exporting
