@@ -1,56 +1,94 @@
 #include <ImporterTessel/video/FrameFormat.h>
 #include <kestrel/brindle/PixelFormat.h>
-#include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <utility>
 
 using namespace ImporterTessel;
 
 namespace {
 
-using BR::PixelFormat;
-
-TEST(FrameFormat, PaintableFormatsAreTakenAsTheyAre)
+/// A host code as its four bytes read in memory.
+constexpr std::uint32_t Code(const char (&bytes)[5])
 {
-    int paintable = 0;
-    for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
-        const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(info.format);
-        if (code < 0x01000000) {
-            ++paintable;
-            const FrameFormat choice = FrameFormatOf(info.sdkCode);
-            EXPECT_EQ(choice.hostCode, info.sdkCode) << info.constant;
-            EXPECT_EQ(choice.paintCode, code) << info.constant;
-        }
+    std::uint32_t code = 0;
+    for (std::size_t index = 4; index > 0; --index) {
+        code = code << 8U | static_cast<unsigned char>(bytes[index - 1]);
     }
-    EXPECT_EQ(paintable, 36);
+    return code;
 }
 
-TEST(FrameFormat, StandardDefinitionDVBecomesBGRA)
+TEST(FrameFormat, EveryHostFormatHasItsPaintedOne)
 {
-    for (const PixelFormat format :
-         {PixelFormat::NTSCDV25, PixelFormat::PALDV25, PixelFormat::NTSCDV50, PixelFormat::PALDV50}) {
-        const FrameFormat choice = FrameFormatOf(BR::BEToSDKPixelFormat(format));
-        EXPECT_EQ(choice.paintCode, 12U);
-        EXPECT_EQ(choice.hostCode, BR::BEToSDKPixelFormat(PixelFormat::BGRA_4444_8u));
+    struct Row {
+        const char (&clip)[5];
+        const char (&frame)[5];
+        std::uint32_t paintCode;
+    };
+    // As the image library's codes are laid out: 0x001 Y'CbCr, 0x002 swapped order, 0x004 four components,
+    // 0x008 8-bit, 0x010 4:2:2, 0x040 premultiplied, 0x080 no alpha, 0x100 float, 0x200 v210, 0x400 linear,
+    // 0x800 BT.709.
+    const Row rows[] = {
+        {"bgra", "bgra", 0x00C},
+        {"vuya", "vuya", 0x00D},
+        {"VUYA", "VUYA", 0x80D},
+        {"argb", "argb", 0x00E},
+        {"bgrx", "bgrx", 0x08C},
+        {"vuyx", "vuyx", 0x08D},
+        {"vux7", "vux7", 0x88D},
+        {"xrgb", "xrgb", 0x08E},
+        {"bgrp", "bgrp", 0x04C},
+        {"vuyp", "vuyp", 0x04D},
+        {"vup7", "vup7", 0x84D},
+        {"prgb", "prgb", 0x04E},
+        {"BGra", "BGra", 0x104},
+        {"VUya", "VUya", 0x105},
+        {"vUYa", "vUYa", 0x905},
+        {"ARgb", "ARgb", 0x106},
+        {"BGrx", "BGrx", 0x184},
+        {"VUyx", "VUyx", 0x185},
+        {"VUx7", "VUx7", 0x985},
+        {"XRgb", "XRgb", 0x186},
+        {"BGrp", "BGrp", 0x144},
+        {"VUyp", "VUyp", 0x145},
+        {"VUp7", "VUp7", 0x945},
+        {"PRgb", "PRgb", 0x146},
+        {"yuy2", "yuy2", 0x01B},
+        {"yuy3", "yuy3", 0x81B},
+        {"uyvy", "uyvy", 0x019},
+        {"uyv7", "uyv7", 0x819},
+        {"v210", "v210", 0x211},
+        {"v211", "v211", 0xA11},
+        {"BGaL", "BGaL", 0x504},
+        {"BGpL", "BGpL", 0x544},
+        {"BGxL", "BGxL", 0x584},
+        {"ARgL", "ARgL", 0x506},
+        {"PRgL", "PRgL", 0x546},
+        {"XRgL", "XRgL", 0x586},
+        // Planar and high-definition DV are painted as VUYA 709, standard-definition DV as BGRA.
+        {"yv12", "VUYA", 0x80D},
+        {"yvi2", "VUYA", 0x80D},
+        {"yv17", "VUYA", 0x80D},
+        {"yvi7", "VUYA", 0x80D},
+        {"dvn2", "bgra", 0x00C},
+        {"dvp2", "bgra", 0x00C},
+        {"dvn5", "bgra", 0x00C},
+        {"dvp5", "bgra", 0x00C},
+        {"dvn7", "VUYA", 0x80D},
+        {"dvp7", "VUYA", 0x80D},
+        {"dvn1", "VUYA", 0x80D},
+        {"dvp1", "VUYA", 0x80D},
+    };
+    ASSERT_EQ(std::size(rows), BR::AllPixelFormats().size());
+    for (const Row& row : rows) {
+        const FrameFormat format = FrameFormatOf(Code(row.clip));
+        EXPECT_EQ(format.hostCode, Code(row.frame)) << row.clip;
+        EXPECT_EQ(format.paintCode, row.paintCode) << row.clip;
     }
-}
-
-TEST(FrameFormat, AllOtherPlanarAndCompressedFormatsBecomeVUYA709)
-{
-    const std::set<PixelFormat> dv601{PixelFormat::NTSCDV25, PixelFormat::PALDV25, PixelFormat::NTSCDV50,
-                                      PixelFormat::PALDV50};
-    int seen = 0;
-    for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
-        if (PM_QELPixelFormatToPMPixelFormat(info.format) >= 0x01000000 && !dv601.contains(info.format)) {
-            ++seen;
-            const FrameFormat choice = FrameFormatOf(info.sdkCode);
-            EXPECT_EQ(choice.paintCode, 2061U) << info.constant;
-            EXPECT_EQ(choice.hostCode, BR::BEToSDKPixelFormat(PixelFormat::VUYA_4444_8u_709)) << info.constant;
-        }
-    }
-    EXPECT_EQ(seen, 8);
 }
 
 TEST(FrameFormat, AnUnknownFormatIsZeroInBothNumberings)
@@ -61,22 +99,40 @@ TEST(FrameFormat, AnUnknownFormatIsZeroInBothNumberings)
     }
 }
 
-/// The rule, bit by bit, as a table of what makes a code BGRA.
-TEST(NormalizedPaintCode, OnlySubsampledYCbCrOfTopBytes9To14WithThe601MatrixBecomesBGRA)
+// Also for codes that are no format, whose bits count one by one.
+TEST(NormalizedPaintCode, GoesByKindAndByThreeBits)
 {
-    for (std::uint32_t kind = 0; kind < 256; ++kind) {
-        for (const std::uint32_t low :
-             {0x039U, 0x139U, 0x839U, 0x038U, 0x029U, 0x019U, 0x009U, 0x000U, 0xFFFU, 0x7FFU}) {
-            const std::uint32_t code = kind << 24U | low;
-            std::uint32_t expected = 2061;
-            if (kind == 0) {
-                expected = code;
-            } else if (low % 2 == 1 && kind >= 9 && kind <= 14 && (low & 0x30U) == 0x30U &&
-                       (low & 0x800U) == 0) {
-                expected = 12;
-            }
-            EXPECT_EQ(NormalizedPaintCode(code), expected) << std::hex << code;
-        }
+    const std::pair<std::uint32_t, std::uint32_t> rows[] = {
+        // Kind 0 is painted as it is.
+        {0x00000039, 0x00000039},
+        {0x00000FFF, 0x00000FFF},
+        {0x00000000, 0x00000000},
+        // Kinds 9 to 14 with the bits of DV and without that of BT.709 become BGRA, those around them not.
+        {0x01000039, 0x80D},
+        {0x08000039, 0x80D},
+        {0x09000039, 0x00C},
+        {0x0A000039, 0x00C},
+        {0x0B000039, 0x00C},
+        {0x0C000039, 0x00C},
+        {0x0D000039, 0x00C},
+        {0x0E000039, 0x00C},
+        {0x0F000039, 0x80D},
+        {0x10000039, 0x80D},
+        {0xFF000039, 0x80D},
+        // Without Y'CbCr, without one of the two subsampling bits, with BT.709.
+        {0x09000038, 0x80D},
+        {0x09000029, 0x80D},
+        {0x09000019, 0x80D},
+        {0x09000839, 0x80D},
+        {0x0E000839, 0x80D},
+        // Other bits do not count.
+        {0x09000031, 0x00C},
+        {0x0E0007FF, 0x00C},
+        {0x09000FFF, 0x80D},
+        {0x09000000, 0x80D},
+    };
+    for (const auto& [code, expected] : rows) {
+        EXPECT_EQ(NormalizedPaintCode(code), expected) << std::hex << code;
     }
 }
 

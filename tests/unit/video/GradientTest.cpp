@@ -73,6 +73,35 @@ TEST(Gradient, TheDefaultClipBeginsWithPureRed)
     }
 }
 
+// Numbers that floats hold exactly, so that no rounding hides a wrong rule.
+TEST(Gradient, GoesFromTopToBottomAndFromStartToEndInEqualSteps)
+{
+    TesselInfo info = SmallClip(SdkCodeOf(BR::PixelFormat::BGRA_4444_32f), 1, 4);
+    info.mVideoDuration = qelmediatypes::TickTime(4 * info.mVideoFrameRate.ticksPerFrame);
+    info.mTopGradiantColorStart = {.mAlphaPart = 1, .mRedPart = 0, .mGreenPart = 4, .mBluePart = 0};
+    info.mTopGradiantColorEnd = {.mAlphaPart = 1, .mRedPart = 1, .mGreenPart = 0, .mBluePart = 0};
+    info.mBottomGradiantColorStart = {.mAlphaPart = 0, .mRedPart = 8, .mGreenPart = 4, .mBluePart = 0};
+    info.mBottomGradiantColorEnd = {.mAlphaPart = 0, .mRedPart = 16, .mGreenPart = 0, .mBluePart = -16};
+    struct Row {
+        std::int64_t frame;
+        std::uint32_t row;
+        Pixel pixel; // blue, green, red, alpha
+    };
+    for (const Row& expected : {
+             Row{0, 0, {0, 4, 0, 1}}, Row{0, 1, {0, 4, 2, 0.75F}}, // red 0 + (8 - 0) / 4
+             Row{0, 3, {0, 4, 6, 0.25F}},                          // the bottom colour would be row 4
+             Row{1, 0, {0, 3, 0.25F, 1}},                          // red 0 + (1 - 0) / 4
+             Row{2, 1, {-2, 2, 3.375F, 0.75F}},                    // red 0.5 + (12 - 0.5) / 4
+             Row{3, 2, {-6, 1, 7.375F, 0.5F}}, // red 0.75 + (14 - 0.75) / 2; the end colours would be frame 4
+             Row{5, 0, {0, -1, 1.25F, 1}},     // beyond the clip it goes on
+         }) {
+        FrameHost host;
+        ASSERT_EQ(host.Request(info, expected.frame * info.mVideoFrameRate.ticksPerFrame), ksResultServed);
+        EXPECT_EQ(FloatPixel(host.Row(expected.row), 0), expected.pixel)
+            << "frame " << expected.frame << " row " << expected.row;
+    }
+}
+
 TEST(Gradient, EveryRowOfEveryFrameFollowsTheRule)
 {
     for (const std::int32_t height : {1, 2, 3, 33, 480}) {
