@@ -35,7 +35,7 @@ std::string OneLine(std::string_view text)
 
 std::string DisplayName(const std::filesystem::path& file)
 {
-    return OneLine(UTF8Text(file));
+    return OneLine(qelcore::text::UTF8Text(file));
 }
 
 std::u16string UTF16Path(const std::filesystem::path& file)
@@ -50,7 +50,7 @@ std::u16string UTF16Path(const std::filesystem::path& file)
 
 void RequireUTF8Name(const std::filesystem::path& file)
 {
-    if (!qelcore::text::ToUTF16Strict(UTF8Text(file))) {
+    if (!qelcore::text::ToUTF16Strict(qelcore::text::UTF8Text(file))) {
         throw HostError(DisplayName(file) + ": the file name is not UTF-8, which a clip's name must be");
     }
 }

@@ -1,26 +1,17 @@
 #include <ImporterTessel/video/FrameFormat.h>
 #include <kestrel/brindle/PixelFormat.h>
+#include <kestrel/qelcore/FourCharacterCode.h>
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <utility>
 
 using namespace ImporterTessel;
+using qelcore::FourBytesCode;
 
 namespace {
-
-/// A host code as its four bytes read in memory.
-constexpr std::uint32_t Code(const char (&bytes)[5])
-{
-    std::uint32_t code = 0;
-    for (std::size_t index = 4; index > 0; --index) {
-        code = code << 8U | static_cast<unsigned char>(bytes[index - 1]);
-    }
-    return code;
-}
 
 TEST(FrameFormat, EveryHostFormatHasItsPaintedOne)
 {
@@ -85,8 +76,8 @@ TEST(FrameFormat, EveryHostFormatHasItsPaintedOne)
     };
     ASSERT_EQ(std::size(rows), BR::AllPixelFormats().size());
     for (const Row& row : rows) {
-        const FrameFormat format = FrameFormatOf(Code(row.clip));
-        EXPECT_EQ(format.hostCode, Code(row.frame)) << row.clip;
+        const FrameFormat format = FrameFormatOf(FourBytesCode(row.clip));
+        EXPECT_EQ(format.hostCode, FourBytesCode(row.frame)) << row.clip;
         EXPECT_EQ(format.paintCode, row.paintCode) << row.clip;
     }
 }
