@@ -65,9 +65,9 @@ private:
 
 /// Where a program looks for its plug-in.
 struct PluginSearch {
-    std::filesystem::path place; ///< the plug-in's file or folder; empty: not said
-    std::string placeSaidBy;     ///< who said it, for messages: an option, a setting
-    std::string stem;            ///< the plug-in's file name without its ending
+    std::filesystem::path place{}; ///< the plug-in's file or folder; empty: not said
+    std::string placeSaidBy{};     ///< who said it, for messages: an option, a setting
+    std::string stem{};            ///< the plug-in's file name without its ending
 };
 
 /// Finds a plug-in: at `place` where there is one, else where the variable `KESTREL_PLUGIN_PATH` says, else
