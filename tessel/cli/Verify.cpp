@@ -36,11 +36,13 @@ struct Options {
     std::vector<std::string> tolerances;
     std::string fidelity = "some";
     std::string junit;
+    std::string html;
     bool asJson = false;
     bool isQuiet = false;
     bool isStrict = false;
     bool printList = false;
     bool printSchema = false;
+    std::string visible;
     bool allowDefault = false;
     bool noProgress = false;
     int threads = 0;
@@ -133,10 +135,14 @@ void RunComparison(const Options& options, Context& context)
             bar->Report(std::min(pictures, frames), frames, "frames");
         };
     }
+    job.keepsPictures = !options.html.empty();
     const Report report = verify::Verify(source, job);
     bar.reset();
     if (!options.junit.empty()) {
         WriteFile(options.junit, verify::ReportAsJUnit(report));
+    }
+    if (!options.html.empty()) {
+        WriteFile(options.html, verify::ReportAsHtml(report));
     }
     if (options.asJson) {
         WriteOut(verify::ReportAsJson(report));
@@ -148,6 +154,26 @@ void RunComparison(const Options& options, Context& context)
     context.exitCode = ExitCodeOf(report.verdict);
 }
 
+/// Lists what the clip shows and what it does not.
+void PrintVisible(const Options& options, Context& context)
+{
+    importhost::OpenOptions open;
+    open.allowDefault = options.allowDefault;
+    const importhost::Clip clip = context.OpenClip(options.visible, open);
+    const Report report = verify::TellVisible(exporting::ClipSource(clip), options.visible);
+    std::string text;
+    for (const std::string& id : report.asExpected) {
+        text += fmt::format("shows      {}\n", id);
+    }
+    for (const verify::NotVisible& check : report.notVisible) {
+        text += fmt::format("not shown  {} (use {})\n", check.id, check.use);
+    }
+    for (const std::string& id : report.notChecked) {
+        text += fmt::format("unchecked  {}\n", id);
+    }
+    WriteOut(options.asJson ? verify::ReportAsJson(report) : text);
+}
+
 void RunVerify(const Options& options, Context& context)
 {
     if (options.printList || options.printSchema) {
@@ -155,6 +181,14 @@ void RunVerify(const Options& options, Context& context)
             throw UsageError("--list and --schema take no clip");
         }
         WriteOut(options.printList ? verify::CatalogueAsText() : verify::ReportSchema());
+        return;
+    }
+    if (!options.visible.empty()) {
+        if (!options.clip.empty()) {
+            throw UsageError(
+                "--visible takes the clip itself and no movie: tessel verify --visible clip.tessel");
+        }
+        PrintVisible(options, context);
         return;
     }
     if (options.clip.empty() || options.movie.empty()) {
@@ -178,6 +212,8 @@ void AddVerifyCommand(CommandLine& commandLine, Context& context)
         .ValueName("MOVIE");
     command.AddFlag("--json", options->asJson, "Print the report as JSON (see --schema)");
     command.AddOption("--junit", options->junit, "Also write the report as JUnit's XML").ValueName("FILE");
+    command.AddOption("--html", options->html, "Also write the report as one page with pictures")
+        .ValueName("FILE");
     command.AddFlag("-q,--quiet", options->isQuiet, "Print nothing; the exit code tells");
     command.AddOption("--only", options->only, "Judge this check alone; may be given several times")
         .OneEach()
@@ -197,6 +233,8 @@ void AddVerifyCommand(CommandLine& commandLine, Context& context)
                    "Measure PSNR and SSIM of some pictures or of all")
         .ShowDefault();
     command.AddFlag("--list", options->printList, "Print all checks: name, severity, what makes it visible");
+    command.AddOption("--visible", options->visible, "Print what this clip can show and what it cannot")
+        .ValueName("CLIP");
     command.AddFlag("--schema", options->printSchema, "Print the JSON schema of --json");
     command.AddFlag("--allow-default", options->allowDefault,
                     "Compare with the default clip where the document cannot be read");

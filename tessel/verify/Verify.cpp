@@ -1,7 +1,12 @@
 #include "Verify.h"
 
 #include <tessel/verify/align/Aligner.h>
+#include <tessel/verify/judge/color/ColorJudge.h>
 #include <tessel/verify/judge/container/ContainerJudge.h>
+#include <tessel/verify/judge/fidelity/FidelityJudge.h>
+#include <tessel/verify/judge/fidelity/TellingFrames.h>
+#include <tessel/verify/judge/fields/FieldsJudge.h>
+#include <tessel/verify/judge/geometry/GeometryJudge.h>
 #include <tessel/verify/judge/order/OrderJudge.h>
 #include <tessel/verify/read/Movie.h>
 #include <tessel/verify/reference/ClipPictures.h>
@@ -22,18 +27,35 @@ Tolerances TolerancesOf(const read::MovieFacts& movie, const VerifyJob& job)
     return tolerances;
 }
 
+/// Of every so many pictures one is measured, unless all are asked for.
+constexpr std::int64_t kMeasuredEvery = 25;
+
+/// Colours this far from every explanation are those of something else, in 8-bit codes.
+constexpr double kOtherColors = 18;
+
 /// One movie on its way through the judges: `Take` what is decoded, then `Finish`.
 class Inspection {
 public:
-    Inspection(const exporting::SignalSource& clip, const read::Movie& movie, const VerifyJob& job)
+    /// @param movie  facts, which may be completed while pictures are taken
+    Inspection(const exporting::SignalSource& clip, const read::MovieFacts& movie, const VerifyJob& job)
         : mJob(job), mMovie(movie), mClip(reference::FactsOf(clip)),
-          mAligner(mClip, align::PrintsNumbers(clip, mClip))
+          mPrintsNumbers(align::PrintsNumbers(clip, mClip)), mAligner(mClip, mPrintsNumbers),
+          mColors(clip, mClip, mAligner.Numbers()), mGuessed(clip, mClip, mAligner.Numbers()),
+          mGeometry(mAligner.Numbers()), mFields(clip, mClip), mTelling(clip, mClip),
+          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
     {
     }
 
     void Take(const read::Picture& picture)
     {
-        static_cast<void>(mAligner.Take(picture));
+        const align::PictureRecord& record = mAligner.Take(picture);
+        if (mClip.hasPicture && record.frame >= 0) {
+            TakeAligned(picture, record.frame);
+        } else if (mClip.hasPicture && !mHasMatch && picture.index < mClip.frameCount &&
+                   mColors.Wants(picture.index)) {
+            // Should no number be read at all, these tell whether it is the clip nevertheless.
+            mGuessed.Take(picture, picture.index, mAligner.PlacementFor(picture));
+        }
         if (mJob.progress) {
             mJob.progress(picture.index + 1);
         }
@@ -46,28 +68,120 @@ public:
 
     [[nodiscard]] Report Finish()
     {
-        const read::MovieFacts& movie = mMovie.Facts();
         const align::Alignment alignment = mAligner.Result();
-        Findings findings(TolerancesOf(movie, mJob));
+        Findings findings(TolerancesOf(mMovie, mJob));
         Report report;
         report.clip = mJob.clipName;
         report.movie = mJob.movieName;
-        judge::JudgeContainer({mClip, movie, alignment, mSoundSamples, mJob.isStrict}, findings);
-        judge::JudgeOrder(alignment, findings, report.alignment);
-        for (const std::string& warning : movie.warnings) {
+        if (ShowsSomethingElse()) {
+            Finding& finding = findings.Fault(id::kSignalOther, "the movie does not show this clip");
+            finding.expected = mJob.clipName;
+            finding.found = std::string("something else");
+            report.alignment.pictures = static_cast<std::int64_t>(alignment.pictures.size());
+            report.alignment.frames = mClip.frameCount;
+        } else {
+            JudgeAll(alignment, findings, report);
+        }
+        for (const std::string& warning : mMovie.warnings) {
             findings.Note(warning);
         }
         findings.Conclude(mJob.choice, report);
+        report.telling = mTelling.Result();
         return report;
     }
 
 private:
+    void TakeAligned(const read::Picture& picture, std::int64_t frame)
+    {
+        mHasMatch = true;
+        const align::Placement placement = mAligner.PlacementFor(picture);
+        if (mColors.Wants(frame)) {
+            mColors.Take(picture, frame, placement);
+            if (mJob.keepsPictures) {
+                mTelling.Take(picture, frame, *mMovie.picture);
+            }
+        }
+        if (mPrintsNumbers && mGeometry.WantsMore()) {
+            mGeometry.Take(picture, frame, placement);
+        }
+        if (mFields.Wants(picture.index)) {
+            mFields.Take(picture, frame, placement);
+        }
+        if (mFidelity.Wants(frame)) {
+            mFidelity.Take(picture, frame, *mMovie.picture);
+        }
+    }
+
+    /// No number is the clip's and no explanation brings the colours near; without numbers, the colours alone.
+    [[nodiscard]] bool ShowsSomethingElse() const
+    {
+        if (!mMovie.picture || !mClip.hasPicture || (mPrintsNumbers && mHasMatch)) {
+            return false;
+        }
+        const judge::ColorSampler& sampler = mPrintsNumbers ? mGuessed : mColors;
+        return judge::UnexplainedColor({mClip, *mMovie.picture, sampler}) > kOtherColors;
+    }
+
+    void JudgeAll(const align::Alignment& alignment, Findings& findings, Report& report)
+    {
+        judge::JudgeContainer({mClip, mMovie, alignment, mSoundSamples, mJob.isStrict}, findings);
+        judge::JudgeOrder(alignment, findings, report.alignment);
+        if (mMovie.picture && mClip.hasPicture) {
+            findings.AsExpected(id::kSignalOther);
+            judge::JudgeGeometry(mGeometry, mAligner.Numbers(), *mMovie.picture, findings);
+            judge::JudgeFields({mFields, mClip, *mMovie.picture, alignment}, findings);
+            judge::JudgeColor({mClip, *mMovie.picture, mColors}, findings);
+            judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
+        }
+    }
+
     const VerifyJob& mJob;
-    const read::Movie& mMovie;
+    const read::MovieFacts& mMovie;
     reference::ClipFacts mClip;
+    bool mPrintsNumbers;
+    bool mHasMatch = false;
     align::Aligner mAligner;
+    judge::ColorSampler mColors;
+    judge::ColorSampler mGuessed; ///< by place in the movie, for pictures whose number was not read
+    judge::GeometrySampler mGeometry;
+    judge::FieldSampler mFields;
+    judge::TellingFrames mTelling;
+    judge::FidelitySampler mFidelity;
     std::int64_t mSoundSamples = 0;
 };
+
+/// What a movie that loses nothing says of itself.
+read::MovieFacts PerfectMovie(const reference::ClipFacts& clip)
+{
+    read::MovieFacts movie;
+    movie.container = "matroska";
+    if (clip.hasPicture) {
+        read::PictureFacts& picture = movie.picture.emplace();
+        picture.codec = "ffv1";
+        picture.codecClass = CodecClass::Lossless;
+        picture.format.isRgb = true;
+        picture.format.hasAlpha = true;
+        picture.format.isFloat = true;
+        picture.format.bits = 32;
+        picture.width = clip.width;
+        picture.height = clip.height;
+        picture.rate = picture.averageRate = clip.rate;
+        picture.pixelAspect = clip.pixelAspect;
+        picture.fields = clip.fields;
+        picture.primaries = clip.primaries;
+        picture.transfer = clip.transfer;
+        picture.matrix = 0;
+        picture.fullRange = true;
+    }
+    if (clip.channels > 0) {
+        read::SoundFacts& sound = movie.sound.emplace();
+        sound.codec = "flac";
+        sound.codecClass = CodecClass::Lossless;
+        sound.sampleRate = clip.sampleRate;
+        sound.channels = clip.channels;
+    }
+    return movie;
+}
 
 } // namespace
 
@@ -80,7 +194,7 @@ Report Verify(const exporting::SignalSource& clip, const VerifyJob& job)
         options.sequenceRate = {description.timeScale, description.sampleSize};
     }
     read::Movie movie(job.movieName, options);
-    Inspection inspection(clip, movie, job);
+    Inspection inspection(clip, movie.Facts(), job);
     for (;;) {
         const std::variant<std::monostate, read::Picture, read::Sound> next = movie.Next();
         if (const auto* picture = std::get_if<read::Picture>(&next)) {
@@ -92,6 +206,39 @@ Report Verify(const exporting::SignalSource& clip, const VerifyJob& job)
         }
     }
     return inspection.Finish();
+}
+
+Report TellVisible(const exporting::SignalSource& clip, const std::string& clipName)
+{
+    const reference::ClipFacts facts = reference::FactsOf(clip);
+    const read::MovieFacts movie = PerfectMovie(facts);
+    VerifyJob job;
+    job.clipName = clipName;
+    Inspection inspection(clip, movie, job);
+    if (facts.hasPicture) {
+        // A dozen frames show what all of them do.
+        reference::ClipPictures pictures(clip, exporting::PictureLayout::Gbrapf32, {},
+                                         exporting::ChromaRows::Frame);
+        const std::int64_t stride = std::max<std::int64_t>(1, facts.frameCount / 12);
+        std::int64_t index = 0;
+        for (std::int64_t frame = 0; frame < facts.frameCount; frame += stride) {
+            read::Picture picture = pictures.Render(frame);
+            picture.index = index++;
+            picture.seconds = facts.SecondsOf(frame);
+            inspection.Take(picture);
+        }
+    }
+    Report report = inspection.Finish();
+    // What the frames between would have told is visible, too.
+    for (const Finding& finding : report.findings) {
+        report.asExpected.push_back(finding.id);
+        for (const Finding& consequence : finding.consequences) {
+            report.asExpected.push_back(consequence.id);
+        }
+    }
+    report.findings.clear();
+    report.verdict = Verdict::AsExpected;
+    return report;
 }
 
 } // namespace tessel::verify

@@ -2,13 +2,31 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tessel::verify::align {
 namespace {
 
 /// Good enough to look no further.
 constexpr double kPlainlyThere = 0.93;
+/// Less like a printed number than this is no place to read others from.
+constexpr double kLeastLikeness = 0.7;
 constexpr int kMostSearches = 8;
+
+constexpr std::size_t kMostWaiting = 3;
+constexpr std::int64_t kFieldsReadEvery = 5; // pictures
+constexpr double kLikenessDrop = 0.02;
+
+/// Zeros and eights look the same mirrored and turned by half.
+bool TellsOrientation(std::int64_t number) noexcept
+{
+    for (; number > 0; number /= 10) {
+        if (number % 10 != 0 && number % 10 != 8) {
+            return true;
+        }
+    }
+    return false;
+}
 
 Placement Plain(const reference::ClipFacts& clip)
 {
@@ -27,49 +45,101 @@ Aligner::Aligner(const reference::ClipFacts& clip, bool printsNumbers)
     mAlignment.method = printsNumbers ? AlignmentMethod::Number : AlignmentMethod::Time;
 }
 
-void Aligner::FindPlacement(const read::Picture& picture)
+std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& picture)
 {
     const read::ComponentView& luma = LumaOf(picture);
-    std::optional<Placement> best;
-    double score = 0;
+    std::optional<Found> best;
     const auto consider = [&](Placement placement, double enough) {
-        const Reading reading = mNumbers.Read(luma, placement);
+        Reading reading = mNumbers.Read(luma, placement);
         if (!reading.IsReadable()) {
             return;
         }
         double likeness = mNumbers.Likeness(luma, placement, reading.number);
         if (likeness < enough) {
             placement = mNumbers.Refine(luma, placement, reading.number);
-            likeness = mNumbers.Likeness(luma, placement, mNumbers.Read(luma, placement).number);
+            reading = mNumbers.Read(luma, placement);
+            likeness = mNumbers.Likeness(luma, placement, reading.number);
         }
-        if (likeness > score) {
-            score = likeness;
-            best = placement;
+        if (!best || likeness > best->likeness) {
+            best = Found{placement, reading.number, likeness};
         }
     };
     for (const Orientation orientation : kOrientations) {
         consider(Placement::Stretched(mClip.width, mClip.height, orientation, picture.width, picture.height),
                  kPlainlyThere);
-        if (orientation == Orientation::Upright && score >= kPlainlyThere) {
-            break;
+        if (best && best->likeness >= kPlainlyThere) {
+            break; // upright comes first
         }
     }
-    if (score < kPlainlyThere && picture.index >= mNextSearch && mSearches < kMostSearches) {
+    if ((!best || best->likeness < kPlainlyThere) && picture.index >= mNextSearch &&
+        mSearches < kMostSearches) {
         ++mSearches;
-        mNextSearch = picture.index + (std::int64_t{4} << mSearches);
+        mNextSearch = mSearches < 3 ? 0 : picture.index + (std::int64_t{4} << mSearches);
         if (const std::optional<Placement> found = mNumbers.Search(luma)) {
             consider(*found, 1);
         }
     }
-    mAlignment.placement = best;
+    return best && best->likeness >= kLeastLikeness ? best : std::nullopt;
 }
 
-Reading Aligner::ReadNumber(const read::Picture& picture)
+void Aligner::ReadInto(const read::Picture& picture, PictureRecord& record)
 {
-    if (!mAlignment.placement) {
-        FindPlacement(picture);
+    const Reading reading = mNumbers.Read(LumaOf(picture), *mAlignment.placement);
+    record.likeness = static_cast<float>(reading.likeness);
+    if (reading.IsReadable() && reading.number < mClip.frameCount) {
+        record.frame = reading.number;
+        record.confidence = static_cast<float>(reading.confidence);
     }
-    return mAlignment.placement ? mNumbers.Read(LumaOf(picture), *mAlignment.placement) : Reading{};
+    // Two numbers on top of each other look less like one: their fields tell them apart.
+    const bool isOdd = !reading.IsReadable() || reading.likeness < mUsualLikeness - kLikenessDrop;
+    if (isOdd || picture.index % kFieldsReadEvery == 0) {
+        ReadFieldsInto(picture, record);
+    }
+    mUsualLikeness = std::max(mUsualLikeness, reading.likeness);
+}
+
+void Aligner::ReadFieldsInto(const read::Picture& picture, PictureRecord& record) const
+{
+    if (mAlignment.placement->orientation != Orientation::Upright) {
+        return;
+    }
+    double confidence = 1;
+    for (int parity = 0; parity < 2; ++parity) {
+        const Reading field = mNumbers.ReadField(LumaOf(picture), *mAlignment.placement, parity);
+        if (!field.IsReadable() || field.number >= mClip.frameCount) {
+            return;
+        }
+        record.fields[parity] = field.number;
+        confidence = std::min(confidence, field.confidence);
+    }
+    if (record.fields[0] != record.fields[1]) {
+        record.frame = record.fields[0];
+        record.confidence = static_cast<float>(confidence);
+    }
+}
+
+void Aligner::Settle(const Placement& placement)
+{
+    mAlignment.placement = placement;
+    const std::vector<Waiting> waitingOnes = std::move(mWaiting);
+    mWaiting.clear();
+    for (const Waiting& waiting : waitingOnes) {
+        ReadInto(waiting.picture, mAlignment.pictures[waiting.record]);
+    }
+}
+
+Alignment Aligner::Result()
+{
+    if (!mAlignment.placement && mProvisional) {
+        Settle(*mProvisional);
+    }
+    return mAlignment;
+}
+
+Placement Aligner::PlacementFor(const read::Picture& picture) const
+{
+    return mAlignment.placement.value_or(
+        Placement::Stretched(mClip.width, mClip.height, Orientation::Upright, picture.width, picture.height));
 }
 
 const PictureRecord& Aligner::Take(const read::Picture& picture)
@@ -80,11 +150,19 @@ const PictureRecord& Aligner::Take(const read::Picture& picture)
         mFirstSeconds = picture.seconds;
     }
     if (mPrintsNumbers) {
-        const Reading reading = ReadNumber(picture);
-        record.likeness = static_cast<float>(reading.likeness);
-        if (reading.IsReadable() && reading.number < mClip.frameCount) {
-            record.frame = reading.number;
-            record.confidence = static_cast<float>(reading.confidence);
+        if (!mAlignment.placement) {
+            const std::optional<Found> found = FindPlacement(picture);
+            const bool isPlain = found && found->placement.orientation == Orientation::Upright &&
+                                 found->likeness >= kPlainlyThere;
+            if (found && (isPlain || TellsOrientation(found->number))) {
+                Settle(found->placement);
+            } else if (found && mWaiting.size() < kMostWaiting) {
+                mProvisional = found->placement;
+                mWaiting.push_back({mAlignment.pictures.size(), picture});
+            }
+        }
+        if (mAlignment.placement) {
+            ReadInto(picture, record);
         }
     } else if (picture.seconds) {
         const double frame = std::floor((*picture.seconds - *mFirstSeconds) * mClip.rate.Value() + 0.5);

@@ -17,19 +17,31 @@ public:
     /// @return what is known of the picture now; also kept for `Result`.
     const PictureRecord& Take(const read::Picture& picture);
 
-    /// Where frames lie in the pictures, as soon as a number was read.
-    [[nodiscard]] const std::optional<Placement>& FoundPlacement() const noexcept
-    {
-        return mAlignment.placement;
-    }
+    /// Where frames lie in the pictures: as numbers told, else stretched over the whole picture.
+    [[nodiscard]] Placement PlacementFor(const read::Picture& picture) const;
 
     [[nodiscard]] const NumberReader& Numbers() const noexcept { return mNumbers; }
 
-    [[nodiscard]] Alignment Result() const { return mAlignment; }
+    /// Everything, once the last picture is taken.
+    [[nodiscard]] Alignment Result();
 
 private:
-    [[nodiscard]] Reading ReadNumber(const read::Picture& picture);
-    void FindPlacement(const read::Picture& picture);
+    /// A place that was found, and the number that told.
+    struct Found {
+        Placement placement;
+        std::int64_t number = 0;
+        double likeness = 0;
+    };
+    [[nodiscard]] std::optional<Found> FindPlacement(const read::Picture& picture);
+    void Settle(const Placement& placement);
+    void ReadInto(const read::Picture& picture, PictureRecord& record);
+    void ReadFieldsInto(const read::Picture& picture, PictureRecord& record) const;
+
+    /// A picture that waits for a number that tells left from right.
+    struct Waiting {
+        std::size_t record = 0;
+        read::Picture picture;
+    };
 
     reference::ClipFacts mClip;
     bool mPrintsNumbers;
@@ -37,6 +49,9 @@ private:
     Alignment mAlignment;
     std::int64_t mNextSearch = 0; ///< the picture in which the plate is searched next
     int mSearches = 0;
+    std::optional<Placement> mProvisional; ///< from numbers that look alike in several orientations
+    std::vector<Waiting> mWaiting;
+    double mUsualLikeness = 0; ///< of numbers in this movie
     std::optional<double> mFirstSeconds;
 };
 

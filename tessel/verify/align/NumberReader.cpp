@@ -91,7 +91,7 @@ Grey Shrunk(const read::ComponentView& luma, const Placement& upright, double st
 /// A zero on its plate, `kRows` spots high: what every clip's number below a hundred thousand begins with.
 class ZeroOnPlate {
 public:
-    static constexpr double kRows = 10; // spots in the height of a digit
+    static constexpr double kRows = 7; // spots in the height of a digit
     static constexpr double kMarginX = pixmill::kPlateMarginX * kRows;
     static constexpr double kMarginY = pixmill::kPlateMarginY * kRows;
 
@@ -143,7 +143,7 @@ struct NumberReader::Cell {
 bool Reading::IsReadable() const noexcept
 {
     // Below this likeness anything with an edge resembles some digit; below this contrast noise is stretched.
-    return confidence >= 0.9 && likeness >= 0.6 && contrast >= 0.03;
+    return confidence >= 0.9 && likeness >= 0.6 && weakest >= 0.45 && contrast >= 0.03;
 }
 
 NumberReader::NumberReader(int clipWidth, int clipHeight, int digits)
@@ -164,6 +164,21 @@ NumberReader::NumberReader(int clipWidth, int clipHeight, int digits)
     mCellTop = layout.CellTop();
     mPlate = {static_cast<double>(layout.left), static_cast<double>(layout.top),
               static_cast<double>(layout.left + layout.width), static_cast<double>(layout.top + layout.height)};
+}
+
+Box NumberReader::BlackSpot() const noexcept
+{
+    const double margin = mCellLeft - mPlate.left;
+    return {mPlate.left + margin / 4, mCellTop, mCellLeft - margin / 4, mCellTop + mDigitHeight};
+}
+
+Box NumberReader::InkSpot() const noexcept
+{
+    // The zero's left stroke runs straight from 0.28 to 0.72 of its height, 0.07 from its box's edge.
+    const double middle =
+        mCellLeft + (mAdvance - pixmill::kGlyphInkWidth * mDigitHeight) / 2 + 0.07 * mDigitHeight;
+    const double half = pixmill::kGlyphThickness * mDigitHeight / 4;
+    return {middle - half, mCellTop + 0.32 * mDigitHeight, middle + half, mCellTop + 0.68 * mDigitHeight};
 }
 
 NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, const Placement& placement,
@@ -202,6 +217,7 @@ Reading NumberReader::Read(const read::ComponentView& luma, const Placement& pla
     double lowest = 1e300;
     double highest = -1e300;
     reading.confidence = 1;
+    reading.weakest = 1;
     for (int index = 0; index < mDigits; ++index) {
         const Cell cell = SampleCell(luma, placement, index);
         std::array<double, 10> alike{};
@@ -218,6 +234,7 @@ Reading NumberReader::Read(const read::ComponentView& luma, const Placement& pla
         reading.number = reading.number * 10 + static_cast<std::int64_t>(best);
         reading.confidence *= 1 / (1 + std::exp(-logRatio));
         reading.likeness += first / mDigits;
+        reading.weakest = std::min(reading.weakest, first);
         lowest = std::min(lowest, cell.lowest);
         highest = std::max(highest, cell.highest);
     }
@@ -225,14 +242,26 @@ Reading NumberReader::Read(const read::ComponentView& luma, const Placement& pla
     return reading;
 }
 
-double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement,
-                              std::int64_t number) const
+Reading NumberReader::ReadField(const read::ComponentView& luma, const Placement& placement, int parity) const
 {
-    // The whole plate on a fine grid, so that a shift of a part of a pixel shows.
+    // The middle of row 2j + parity is the middle of the field's row j.
+    Placement inField = placement;
+    inField.scaleY /= 2;
+    inField.offsetY = (placement.offsetY - parity + 0.5) / 2;
+    return Read(luma.Field(parity), inField);
+}
+
+/// The printed number as it should be, on a grid over the plate that is fine enough to show a part of a pixel.
+struct NumberReader::Ink {
+    std::vector<Point> spots;     // of the clip
+    std::vector<double> expected; // normalised
+};
+
+NumberReader::Ink NumberReader::InkOf(std::int64_t number) const
+{
     const double inkOffset = (mAdvance - pixmill::kGlyphInkWidth * mDigitHeight) / 2;
-    const double step = std::max(1.0, mDigitHeight / 40.0);
-    std::vector<double> found;
-    std::vector<double> expected;
+    const double step = std::max(1.0, mDigitHeight / 32.0);
+    Ink ink;
     std::vector<std::size_t> digits(static_cast<std::size_t>(mDigits));
     for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number /= 10) {
         *digit = static_cast<std::size_t>(number % 10);
@@ -242,22 +271,43 @@ double NumberReader::Likeness(const read::ComponentView& luma, const Placement& 
             const double cell = (x - mCellLeft) / mAdvance;
             const double inside = x - mCellLeft - std::floor(cell) * mAdvance - inkOffset;
             const bool isInk = cell >= 0 && cell < mDigits;
-            expected.push_back(isInk ? InkAt(digits[static_cast<std::size_t>(cell)], inside / mDigitHeight,
-                                             (y - mCellTop) / mDigitHeight, 1.0 / mDigitHeight)
-                                     : 0.0);
-            found.push_back(Interpolated(luma, placement.Map(Point{x, y})));
+            ink.spots.push_back({x, y});
+            ink.expected.push_back(isInk ? InkAt(digits[static_cast<std::size_t>(cell)], inside / mDigitHeight,
+                                                 (y - mCellTop) / mDigitHeight, 1.0 / mDigitHeight)
+                                         : 0.0);
         }
     }
-    static_cast<void>(Normalize(found));
-    static_cast<void>(Normalize(expected));
-    return Product(found, expected);
+    static_cast<void>(Normalize(ink.expected));
+    return ink;
+}
+
+double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement, const Ink& ink)
+{
+    double sum = 0;
+    double squares = 0;
+    double product = 0;
+    for (std::size_t i = 0; i < ink.spots.size(); ++i) {
+        const double value = Interpolated(luma, placement.Map(ink.spots[i]));
+        sum += value;
+        squares += value * value;
+        product += value * ink.expected[i];
+    }
+    const double spread = squares - sum * sum / static_cast<double>(ink.spots.size());
+    return spread > 1e-9 ? product / std::sqrt(spread) : 0.0;
+}
+
+double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement,
+                              std::int64_t number) const
+{
+    return Likeness(luma, placement, InkOf(number));
 }
 
 Placement NumberReader::Refine(const read::ComponentView& luma, const Placement& start,
                                std::int64_t number) const
 {
+    const Ink ink = InkOf(number);
     Placement best = start;
-    double score = Likeness(luma, best, number);
+    double score = Likeness(luma, best, ink);
     const Point corner{mPlate.left, mPlate.top};
     // Moves in pixels of the movie, then in shares of the size about the plate's corner; halved until far below
     // a pixel.
@@ -288,7 +338,7 @@ Placement NumberReader::Refine(const read::ComponentView& luma, const Placement&
                     next.offsetX += was.x - is.x;
                     next.offsetY += was.y - is.y;
                 }
-                const double likeness = Likeness(luma, next, number);
+                const double likeness = Likeness(luma, next, ink);
                 if (likeness > score + 1e-7) {
                     score = likeness;
                     best = next;
@@ -317,35 +367,35 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
         upright.clipWidth = exchanges ? luma.height : luma.width;
         upright.clipHeight = exchanges ? luma.width : luma.height;
         upright.orientation = orientation;
-        for (double scale = 0.12; scale < 4.2; scale *= 1.12) {
+        const double filling = static_cast<double>(upright.clipHeight) / mClipHeight;
+        for (double scale = 0.4 * filling; scale < 2.5 * filling; scale *= 1.1) {
             const double step = scale * mDigitHeight / ZeroOnPlate::kRows; // movie pixels of a spot
-            if (step < 0.5) {
+            if (step < 1) {
                 continue;
             }
             const Grey grey = Shrunk(luma, upright, step);
-            Candidate best;
+            double likeness = 0.6; // below it is nothing like it
+            Point corner;
             for (int top = 0; top + zero.height <= grey.height; ++top) {
                 for (int left = 0; left + zero.width <= grey.width; ++left) {
-                    const double likeness = zero.LikenessAt(grey, left, top);
-                    if (likeness > best.likeness) {
-                        best.likeness = likeness;
-                        Placement& at = best.placement;
-                        at.clipWidth = mClipWidth;
-                        at.clipHeight = mClipHeight;
-                        at.orientation = orientation;
-                        at.scaleX = at.scaleY = scale;
-                        at.offsetX = at.offsetY = 0;
-                        // The cell's corner lies at the found spot.
-                        const Point found = upright.Map(
-                            Point{(left + ZeroOnPlate::kMarginX) * step, (top + ZeroOnPlate::kMarginY) * step});
-                        const Point corner = at.Map(Point{mCellLeft, mCellTop});
-                        at.offsetX = found.x - corner.x;
-                        at.offsetY = found.y - corner.y;
+                    const double here = zero.LikenessAt(grey, left, top);
+                    if (here > likeness) {
+                        likeness = here;
+                        corner = {(left + ZeroOnPlate::kMarginX) * step, (top + ZeroOnPlate::kMarginY) * step};
                     }
                 }
             }
-            if (best.likeness > 0.6) {
-                candidates.push_back(best);
+            if (likeness > 0.6) {
+                Placement at;
+                at.clipWidth = mClipWidth;
+                at.clipHeight = mClipHeight;
+                at.orientation = orientation;
+                at.scaleX = at.scaleY = scale;
+                const Point found = upright.Map(corner);
+                const Point cell = at.Map(Point{mCellLeft, mCellTop});
+                at.offsetX = found.x - cell.x;
+                at.offsetY = found.y - cell.y;
+                candidates.push_back({likeness, at});
             }
         }
     }
@@ -355,8 +405,21 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
     std::optional<Placement> found;
     double score = 0;
     for (const Candidate& candidate : candidates) {
+        // Numbers begin with several zeros, and any of them may have been found.
         Placement placement = candidate.placement;
         Reading reading = Read(luma, placement);
+        for (int cell = 1; cell < mDigits; ++cell) {
+            Placement moved = candidate.placement;
+            const Point was = moved.Map(Point{0, 0});
+            const Point is = moved.Map(Point{cell * mAdvance, 0});
+            moved.offsetX -= is.x - was.x;
+            moved.offsetY -= is.y - was.y;
+            const Reading other = Read(luma, moved);
+            if (other.weakest > reading.weakest) {
+                placement = moved;
+                reading = other;
+            }
+        }
         for (int round = 0; round < 2; ++round) {
             placement = Refine(luma, placement, reading.number);
             reading = Read(luma, placement);

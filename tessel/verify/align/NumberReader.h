@@ -15,6 +15,7 @@ struct Reading {
     std::int64_t number = 0;
     double confidence = 0; ///< 0..1: how sure the number is, given that one stands there
     double likeness = 0;   ///< -1..1: how like printed digits the place looks (mean correlation)
+    double weakest = 0;    ///< the likeness of the digit that is least like one
     double contrast = 0;   ///< between ink and plate, as a share of the code range
 
     /// Whether the reading counts.
@@ -36,14 +37,25 @@ public:
     /// Where the plate is, in the clip's pixels.
     [[nodiscard]] Box Plate() const noexcept { return mPlate; }
 
+    /// Inside the plate and beside its digits: black. Empty where there is no room for a number.
+    [[nodiscard]] Box BlackSpot() const noexcept;
+
+    /// Inside the upright stroke of a leading zero: white.
+    [[nodiscard]] Box InkSpot() const noexcept;
+
     /// @param luma  Y', or G of a picture without Y'
     [[nodiscard]] Reading Read(const read::ComponentView& luma, const Placement& placement) const;
+
+    /// The same on every second row alone, from `parity` on.
+    [[nodiscard]] Reading ReadField(const read::ComponentView& luma, const Placement& placement,
+                                    int parity) const;
 
     /// How like the digits of `number` the place looks: the mean correlation, -1..1.
     [[nodiscard]] double Likeness(const read::ComponentView& luma, const Placement& placement,
                                   std::int64_t number) const;
 
-    /// Where the plate is where its place is not known: tries orientations, scales and crops.
+    /// Looks for the plate where its place is not known: tries orientations, crops, and scales from 0.4 to 2.5
+    /// of the one that fills the picture. Cost: as much as decoding some ten pictures.
     /// @return the best placement with a readable number
     [[nodiscard]] std::optional<Placement> Search(const read::ComponentView& luma) const;
 
@@ -56,6 +68,10 @@ public:
 
 private:
     struct Cell;
+    struct Ink;
+    [[nodiscard]] Ink InkOf(std::int64_t number) const;
+    [[nodiscard]] static double Likeness(const read::ComponentView& luma, const Placement& placement,
+                                         const Ink& ink);
     [[nodiscard]] Cell SampleCell(const read::ComponentView& luma, const Placement& placement, int index) const;
 
     int mClipWidth = 0;

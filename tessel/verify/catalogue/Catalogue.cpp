@@ -333,9 +333,14 @@ constexpr std::array kOfCadence{id::kContainerRate,   id::kContainerDuration, id
                                 id::kOrderUnreadable, id::kFieldsShifted,     id::kSyncDrift};
 constexpr std::array kOfHead{id::kContainerDuration, id::kContainerStart, id::kSyncOffset};
 constexpr std::array kOfTail{id::kContainerDuration};
-constexpr std::array kOfFields{id::kContainerFields,       id::kOrderUnreadable, id::kOrderMissing,
-                               id::kOrderRepeated,         id::kOrderCadence,    id::kContainerRate,
-                               id::kContainerConstantRate, TESSEL_LIKENESS};
+// Rows of the other field have its colours.
+constexpr std::array kOfFields{
+    id::kContainerFields, id::kOrderUnreadable,       id::kOrderMissing,      id::kOrderRepeated,
+    id::kOrderFrozen,     id::kOrderInserted,         id::kOrderTail,         id::kOrderCadence,
+    id::kContainerRate,   id::kContainerConstantRate, id::kContainerDuration, id::kColorMatrix,
+    id::kColorRange,      id::kColorTransfer,         id::kColorChannels,     id::kColorChromaSwapped,
+    id::kColorGain,       id::kColorOffset,           id::kColorSaturation,   id::kColorHue,
+    TESSEL_LIKENESS};
 constexpr std::array kOfChannels{id::kContainerLayout};
 constexpr std::array kOfMix{id::kContainerChannels, id::kContainerLayout, id::kAudioOrder,
                             id::kAudioGain,         id::kAudioSilence,    id::kAudioClipping};

@@ -166,22 +166,6 @@ float SampleAt(const AVFrame& frame, int channel, int index, int channels) noexc
 
 } // namespace
 
-double ComponentView::At(int x, int y) const noexcept
-{
-    const std::byte* at = first + y * rowBytes + static_cast<std::ptrdiff_t>(x) * step;
-    if (sampleBytes == 1) {
-        return static_cast<double>(std::to_integer<unsigned>(*at) >> shift);
-    }
-    if (isFloat) {
-        float value = 0;
-        std::memcpy(&value, at, sizeof value);
-        return value;
-    }
-    const unsigned low = std::to_integer<unsigned>(at[isBigEndian ? 1 : 0]);
-    const unsigned high = std::to_integer<unsigned>(at[isBigEndian ? 0 : 1]);
-    return static_cast<double>(((high << 8U) | low) >> shift & ((1U << bits) - 1U));
-}
-
 ComponentView ComponentView::Field(int parity) const noexcept
 {
     ComponentView field = *this;

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <span>
@@ -37,7 +38,21 @@ struct ComponentView {
 
     [[nodiscard]] explicit operator bool() const noexcept { return first != nullptr; }
     /// The code of a sample, or the value of a float one. Inside the component.
-    [[nodiscard]] double At(int x, int y) const noexcept;
+    [[nodiscard]] double At(int x, int y) const noexcept
+    {
+        const std::byte* at = first + y * rowBytes + static_cast<std::ptrdiff_t>(x) * step;
+        if (sampleBytes == 1) {
+            return static_cast<double>(std::to_integer<unsigned>(*at) >> shift);
+        }
+        if (isFloat) {
+            float value = 0;
+            std::memcpy(&value, at, sizeof value);
+            return value;
+        }
+        const unsigned low = std::to_integer<unsigned>(at[isBigEndian ? 1 : 0]);
+        const unsigned high = std::to_integer<unsigned>(at[isBigEndian ? 0 : 1]);
+        return static_cast<double>(((high << 8U) | low) >> shift & ((1U << bits) - 1U));
+    }
     /// Every second row, from `parity` on.
     [[nodiscard]] ComponentView Field(int parity) const noexcept;
 };

@@ -2,54 +2,12 @@
 
 #include <tessel/export/convert/SourceFrame.h>
 
-#include <array>
 #include <numeric>
-#include <string_view>
 
 namespace tessel::verify::reference {
 namespace {
 
 using exporting::PictureLayout;
-
-struct LayoutName {
-    std::string_view name;
-    PictureLayout layout;
-};
-
-constexpr std::array kLayoutNames{
-    LayoutName{"bgra", PictureLayout::Bgra},
-    LayoutName{"argb", PictureLayout::Argb},
-    LayoutName{"bgr0", PictureLayout::Bgr0},
-    LayoutName{"0rgb", PictureLayout::Zrgb},
-    LayoutName{"rgba", PictureLayout::Rgba},
-    LayoutName{"rgb24", PictureLayout::Rgb24},
-    LayoutName{"rgba64le", PictureLayout::Rgba64},
-    LayoutName{"rgb48le", PictureLayout::Rgb48},
-    LayoutName{"rgba64be", PictureLayout::Rgba64be},
-    LayoutName{"rgb48be", PictureLayout::Rgb48be},
-    LayoutName{"gbrp10le", PictureLayout::Gbrp10},
-    LayoutName{"gbrp16le", PictureLayout::Gbrp16},
-    LayoutName{"gbrap16le", PictureLayout::Gbrap16},
-    LayoutName{"gbrpf32le", PictureLayout::Gbrpf32},
-    LayoutName{"gbrapf32le", PictureLayout::Gbrapf32},
-    LayoutName{"yuv444p", PictureLayout::Yuv444p},
-    LayoutName{"yuva444p", PictureLayout::Yuva444p},
-    LayoutName{"yuv444p10le", PictureLayout::Yuv444p10},
-    LayoutName{"yuva444p10le", PictureLayout::Yuva444p10},
-    LayoutName{"yuv444p16le", PictureLayout::Yuv444p16},
-    LayoutName{"yuva444p16le", PictureLayout::Yuva444p16},
-    LayoutName{"yuv422p", PictureLayout::Yuv422p},
-    LayoutName{"yuv422p10le", PictureLayout::Yuv422p10},
-    LayoutName{"yuv420p", PictureLayout::Yuv420p},
-    LayoutName{"yuv420p10le", PictureLayout::Yuv420p10},
-    LayoutName{"yuv411p", PictureLayout::Yuv411p},
-    LayoutName{"uyvy422", PictureLayout::Uyvy},
-    LayoutName{"yuyv422", PictureLayout::Yuyv},
-    // The same samples as yuv42xp and yuv444p, with a range that FFmpeg says twice.
-    LayoutName{"yuvj420p", PictureLayout::Yuv420p},
-    LayoutName{"yuvj422p", PictureLayout::Yuv422p},
-    LayoutName{"yuvj444p", PictureLayout::Yuv444p},
-};
 
 read::Picture Viewed(const exporting::Picture& picture)
 {
@@ -86,16 +44,6 @@ read::Picture Viewed(const exporting::Picture& picture)
 }
 
 } // namespace
-
-std::optional<PictureLayout> LayoutNamed(const std::string& ffmpegName)
-{
-    for (const LayoutName& row : kLayoutNames) {
-        if (row.name == ffmpegName) {
-            return row.layout;
-        }
-    }
-    return std::nullopt;
-}
 
 ClipFacts FactsOf(const exporting::SignalSource& clip)
 {

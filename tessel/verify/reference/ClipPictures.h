@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace tessel::verify::reference {
 
@@ -54,8 +53,5 @@ private:
     exporting::Conversion mConversion;
     std::unique_ptr<exporting::FrameConverter> mConverter;
 };
-
-/// FFmpeg's name of a layout that the conversion makes; nothing for those that decoders do not give.
-[[nodiscard]] std::optional<exporting::PictureLayout> LayoutNamed(const std::string& ffmpegName);
 
 } // namespace tessel::verify::reference

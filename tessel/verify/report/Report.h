@@ -1,6 +1,8 @@
 /// What became of a signal, as reports tell it.
 #pragma once
 
+#include "TellingFrame.h"
+
 #include <tessel/verify/catalogue/Catalogue.h>
 
 #include <cstdint>
@@ -101,6 +103,7 @@ struct Report {
     std::vector<NotVisible> notVisible;
     std::vector<std::string> notChecked; ///< ids that nothing was asked about, so nothing is known
     std::vector<std::string> notes;
+    std::vector<TellingFrame> telling; ///< for the page alone; empty unless asked for
 };
 
 } // namespace tessel::verify

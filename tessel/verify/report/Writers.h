@@ -23,4 +23,8 @@ enum class TextColors { Plain, Terminal };
 /// are skipped with their reason.
 [[nodiscard]] std::string ReportAsJUnit(const Report& report);
 
+/// One page that needs nothing else: findings, a timeline of the pictures, and the telling frames as expected,
+/// actual and difference.
+[[nodiscard]] std::string ReportAsHtml(const Report& report);
+
 } // namespace tessel::verify

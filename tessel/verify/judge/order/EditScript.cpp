@@ -16,6 +16,7 @@ using Frames = std::vector<std::int64_t>;
 
 constexpr std::size_t kLongestPattern = 25; // pictures; 24 to 25 repeats every 24th frame
 constexpr std::size_t kShortestReversal = 3;
+constexpr std::ptrdiff_t kLeastUneven = 6; // fewer losses may lie evenly by chance
 
 EditStep Step(std::string_view kind, std::size_t picture, std::size_t pictures, std::int64_t frame,
               std::int64_t frames)
@@ -144,7 +145,7 @@ void FindCadence(const Frames& shown, EditScript& script)
         const auto last = steps->begin() + static_cast<std::ptrdiff_t>(period);
         framesPerPicture = static_cast<double>(std::accumulate(steps->begin(), last, std::int64_t{0})) /
                            static_cast<double>(period);
-    } else if (!IsEvenlyTaken(shown, framesPerPicture)) {
+    } else if (irregular < kLeastUneven || !IsEvenlyTaken(shown, framesPerPicture)) {
         return;
     }
     if (framesPerPicture <= 0) {

@@ -1,0 +1,383 @@
+#include "ColorJudge.h"
+
+#include <tessel/verify/judge/container/CodePoints.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <set>
+
+namespace tessel::verify::judge {
+namespace {
+
+/// What a list of hypotheses can decide.
+constexpr std::array kListed{id::kColorMatrix,        id::kColorRange,    id::kColorChannels,
+                             id::kColorChromaSwapped, id::kColorTransfer, id::kColorClipped};
+constexpr std::array kFitted{id::kColorGain, id::kColorOffset, id::kColorSaturation, id::kColorHue};
+
+/// How far codes are off where nothing is wrong: rounding, and what codecs do to flat colours.
+double NoiseOf(CodecClass codec) noexcept
+{
+    return codec == CodecClass::Lossless ? 0.25 : codec == CodecClass::Mezzanine ? 0.4 : 0.8;
+}
+
+/// The codings that a movie may rightly have: as it announces, or as the clip has it.
+std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::PictureFacts& movie)
+{
+    if (movie.format.isRgb) {
+        return {{true, 0, movie.fullRange.value_or(true)}};
+    }
+    const bool isYCbCrClip = clip.frameKind.family == exporting::ColorFamily::YCbCr;
+    const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
+    const int ofClip = isYCbCrClip                            ? static_cast<int>(clip.frameKind.matrix)
+                       : clip.matrix != 0 && clip.matrix != 2 ? clip.matrix
+                       : isSaid                               ? movie.matrix
+                                                              : 1;
+    std::vector<int> matrices{ofClip};
+    // Tags that contradict a Y'CbCr clip's format on purpose are the clip's, not the movie's.
+    const bool isClipsTag = isSaid && IsSameMatrix(movie.matrix, clip.matrix);
+    if (isSaid && !isClipsTag && !IsSameMatrix(movie.matrix, ofClip)) {
+        matrices.push_back(movie.matrix);
+    }
+    const bool isFullClip = !isYCbCrClip && clip.fullRange && clip.matrix != 0;
+    std::set<bool> ranges{isFullClip, movie.fullRange.value_or(isFullClip)};
+    if (isYCbCrClip && clip.fullRange) {
+        ranges = {false}; // such a clip announces full range and has limited codes, on purpose
+    }
+    std::vector<Coding> codings;
+    for (const int matrix : matrices) {
+        for (const bool isFull : ranges) {
+            codings.push_back({false, matrix, isFull});
+        }
+    }
+    return codings;
+}
+
+/// Codes as they are to 8-bit units.
+std::vector<ColorPair> PairsOf(const std::vector<ColorSampler::Spot>& spots, const Coding& coding)
+{
+    std::vector<ColorPair> pairs;
+    pairs.reserve(spots.size());
+    for (const ColorSampler::Spot& spot : spots) {
+        ColorPair pair = spot.pair;
+        const double full = spot.format.isFloat ? 1.0 : std::exp2(spot.format.bits) - 1;
+        const double unit = std::exp2(spot.format.bits - 8);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double code = spot.pair.found[i];
+            if (coding.isRgb || spot.format.isFloat) {
+                pair.found[i] = code * 255 / full;
+            } else if (coding.isFull) {
+                pair.found[i] = i == 0 ? code * 255 / full : 128 + (code - 128 * unit) * 255 / full;
+            } else {
+                pair.found[i] = code / unit;
+            }
+        }
+        pairs.push_back(pair);
+    }
+    return pairs;
+}
+
+/// The judgement of one movie's colours.
+class Judging {
+public:
+    Judging(const ColorCase& given, Findings& findings)
+        : mGiven(given), mFindings(findings), mNoise(NoiseOf(findings.Limits().picture)),
+          mTolerance(findings.Limits().Of(id::kColorMatrix))
+    {
+    }
+
+    void Run()
+    {
+        ChooseCoding();
+        JudgeAlpha();
+        const double off = mResiduals.front();
+        if (off <= mTolerance - mNoise) {
+            TellFine();
+            TellContradictedTags();
+        } else {
+            Explain(off);
+        }
+    }
+
+private:
+    /// Takes the right coding that fits best, and all explanations of it.
+    void ChooseCoding()
+    {
+        double best = 1e300;
+        for (const Coding& coding : RightCodings(mGiven.clip, mGiven.movie)) {
+            std::vector<ColorPair> pairs = PairsOf(mGiven.sampler.Spots(), coding);
+            std::vector<Hypothesis> list = Hypotheses(coding);
+            const double residual = ResidualOf(list.front(), pairs);
+            if (residual < best - 0.2) {
+                best = residual;
+                mCoding = coding;
+                mPairs = std::move(pairs);
+                mList = std::move(list);
+            }
+        }
+        for (const Hypothesis& hypothesis : mList) {
+            mResiduals.push_back(ResidualOf(hypothesis, mPairs));
+        }
+    }
+
+    /// Many spots average rounding away; what codecs do to flat colours less so.
+    [[nodiscard]] double FitNoise() const noexcept { return mNoise / 4; }
+
+    [[nodiscard]] bool IsVisible(const Hypothesis& hypothesis) const
+    {
+        return DistanceOf(mList.front(), hypothesis, mPairs) > mTolerance + mNoise;
+    }
+
+    /// Nothing is wrong that shows: each check is fine where a fault of it would have shown.
+    void TellFine()
+    {
+        TellListedFine();
+        const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
+        Tell(id::kColorGain, fit.hasLuma);
+        Tell(id::kColorOffset, true);
+        Tell(id::kColorSaturation, fit.hasChroma);
+        Tell(id::kColorHue, fit.hasChroma);
+    }
+
+    /// Checks of the list whose faults would have moved these colours.
+    void TellListedFine()
+    {
+        for (const std::string_view check : kListed) {
+            Tell(check, std::any_of(mList.begin() + 1, mList.end(), [&](const Hypothesis& hypothesis) {
+                     return hypothesis.ids.size() == 1 && hypothesis.ids.front() == check &&
+                            IsVisible(hypothesis);
+                 }));
+        }
+    }
+
+    void Tell(std::string_view check, bool isVisible)
+    {
+        if (isVisible) {
+            mFindings.AsExpected(check);
+        } else {
+            mFindings.NotVisible(check);
+        }
+    }
+
+    /// Where codes are the clip's but the movie announces another coding, that is a part of the wrong tag.
+    void TellContradictedTags()
+    {
+        const read::PictureFacts& movie = mGiven.movie;
+        if (mCoding.isRgb) {
+            return;
+        }
+        if (mFindings.HasFault(id::kContainerMatrix) && movie.matrix != 2 &&
+            !IsSameMatrix(movie.matrix, mCoding.matrix)) {
+            Finding& finding = mFindings.Fault(
+                id::kColorMatrix, fmt::format("codes are {} where the file says {}", MatrixName(mCoding.matrix),
+                                              MatrixName(movie.matrix)));
+            finding.expected = MatrixName(movie.matrix);
+            finding.found = MatrixName(mCoding.matrix);
+        }
+        if (mFindings.HasFault(id::kContainerRange) && movie.fullRange && *movie.fullRange != mCoding.isFull) {
+            const std::string_view is = mCoding.isFull ? "full" : "limited";
+            const std::string_view said = mCoding.isFull ? "limited" : "full";
+            Finding& finding = mFindings.Fault(
+                id::kColorRange, fmt::format("codes are {} range where the file says {} range", is, said));
+            finding.expected = std::string(said);
+            finding.found = std::string(is);
+        }
+    }
+
+    void Explain(double off)
+    {
+        std::size_t best = 1;
+        for (std::size_t i = 1; i < mList.size(); ++i) {
+            // Two faults at once explain more than one does anyway: they must earn it.
+            const double handicap = mList[i].ids.size() > 1 && mList[best].ids.size() == 1 ? 0.4 : 0;
+            if (mResiduals[i] + handicap < mResiduals[best]) {
+                best = i;
+            }
+        }
+        const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
+        const bool isListed = mResiduals[best] <= mTolerance + mNoise;
+        const bool isFitted = fit.residual <= mTolerance + mNoise && IsBeyond(fit);
+        if (off <= mTolerance + mNoise) {
+            TellUndecided(best, off);
+        } else if (isListed && (!isFitted || mResiduals[best] <= fit.residual + 0.5)) {
+            TellWinner(best);
+        } else if (isFitted) {
+            TellLevels(fit);
+        } else {
+            TellUndecided(best, off);
+        }
+    }
+
+    void TellWinner(std::size_t best)
+    {
+        const Hypothesis& winner = mList[best];
+        std::string rivals;
+        std::size_t runnerUp = 0;
+        for (std::size_t i = 1; i < mList.size(); ++i) {
+            const bool isSimpler = mList[i].ids.size() == 1;
+            if (i == best || !isSimpler) {
+                continue;
+            }
+            const bool isAlike = mResiduals[i] <= std::max(mTolerance - mNoise, mResiduals[best] + 0.3) &&
+                                 DistanceOf(mList[i], winner, mPairs) < mTolerance;
+            if (isAlike) {
+                rivals += ", or " + mList[i].message;
+            } else if (runnerUp == 0 || mResiduals[i] < mResiduals[runnerUp]) {
+                runnerUp = i;
+            }
+        }
+        for (std::size_t part = 0; part < winner.ids.size(); ++part) {
+            std::string message =
+                part == 0 ? winner.message : fmt::format("the range is {}", winner.found[part]);
+            if (part == 0 && !rivals.empty()) {
+                message = "one of: " + message + rivals;
+            }
+            message += fmt::format(" (residual {:.1f} codes", mResiduals[best]);
+            if (runnerUp != 0) {
+                message += fmt::format("; next best {:.1f}: {}", mResiduals[runnerUp], mList[runnerUp].message);
+            }
+            Finding& finding = mFindings.Fault(winner.ids[part], message + ")");
+            finding.expected = winner.expected[part];
+            finding.found = winner.found[part];
+        }
+        TellOthersFine(best);
+    }
+
+    /// Checks whose faults would have moved these colours elsewhere.
+    void TellOthersFine(std::size_t best)
+    {
+        for (const std::string_view check : kListed) {
+            if (mFindings.HasFault(check)) {
+                continue;
+            }
+            const bool isVisible =
+                std::any_of(mList.begin() + 1, mList.end(), [&](const Hypothesis& hypothesis) {
+                    return hypothesis.ids.size() == 1 && hypothesis.ids.front() == check &&
+                           IsVisible(hypothesis) &&
+                           DistanceOf(mList[best], hypothesis, mPairs) > mTolerance + mNoise;
+                });
+            Tell(check, isVisible);
+        }
+        for (const std::string_view check : kFitted) {
+            mFindings.AsExpected(check); // the winner explains the levels
+        }
+    }
+
+    [[nodiscard]] bool IsBeyond(const LevelFit& fit) const
+    {
+        const Tolerances& limits = mFindings.Limits();
+        return std::abs(fit.gain - 1) > limits.Of(id::kColorGain) ||
+               std::abs(fit.offset) > limits.Of(id::kColorOffset) ||
+               std::abs(fit.saturation - 1) > limits.Of(id::kColorSaturation) ||
+               std::abs(fit.hueDegrees) > limits.Of(id::kColorHue);
+    }
+
+    /// A change that the codes do without is none, whatever its uncertainty.
+    void TellLevel(std::string_view check, bool isVisible, const Measured& value, std::string message)
+    {
+        if (!isVisible) {
+            mFindings.NotVisible(check);
+        } else if (value.found == value.expected) {
+            mFindings.AsExpected(check);
+        } else {
+            static_cast<void>(mFindings.Judge(check, value, std::move(message)));
+        }
+    }
+
+    void TellLevels(const LevelFit& fit)
+    {
+        // R'G'B' × gain scales chroma alike.
+        const double saturation = fit.saturation == fit.gain ? 1 : fit.saturation;
+        TellLevel(id::kColorGain, fit.hasLuma, {1, fit.gain, fit.gainUncertainty},
+                  fmt::format("levels are multiplied by {:.3f}", fit.gain));
+        TellLevel(id::kColorOffset, true, {0, fit.offset, fit.offsetUncertainty},
+                  fmt::format("{:+.1f} codes are added to the levels", fit.offset));
+        TellLevel(id::kColorSaturation, fit.hasChroma, {1, saturation, fit.saturationUncertainty},
+                  fmt::format("chroma is multiplied by {:.3f}", saturation));
+        TellLevel(id::kColorHue, fit.hasChroma, {0, fit.hueDegrees, fit.hueUncertainty},
+                  fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
+        TellListedFine();
+    }
+
+    void TellUndecided(std::size_t best, double off)
+    {
+        const std::string_view check = mList[best].ids.front();
+        Finding& finding = mFindings.Undecided(
+            check,
+            fmt::format("codes are off by {:.1f} and nothing on the list explains it; nearest is that {} "
+                        "(residual {:.1f} codes)",
+                        off, mList[best].message, mResiduals[best]));
+        finding.expected = 0.0;
+        finding.found = off;
+        finding.uncertainty = mNoise;
+        finding.unit = "codes";
+    }
+
+    void JudgeAlpha()
+    {
+        const double least = mGiven.sampler.LeastAlpha();
+        if (!mGiven.clip.frameKind.HasAlpha() || !mGiven.movie.format.hasAlpha || least > 0.98) {
+            mFindings.NotVisible(id::kColorAlpha);
+            return;
+        }
+        double off = 0;
+        bool isOpaque = true;
+        for (const ColorPair& pair : mPairs) {
+            off = std::max(off, std::abs(pair.foundAlpha - pair.alpha) * 255);
+            isOpaque = isOpaque && pair.foundAlpha > 0.996;
+        }
+        if (off <= mTolerance - mNoise) {
+            mFindings.AsExpected(id::kColorAlpha);
+            return;
+        }
+        Finding& finding =
+            mFindings.Fault(id::kColorAlpha, isOpaque ? "alpha is opaque everywhere"
+                                                      : fmt::format("alpha is off by {:.1f} codes", off));
+        finding.expected = 0.0;
+        finding.found = off;
+        finding.uncertainty = mNoise;
+    }
+
+    const ColorCase& mGiven;
+    Findings& mFindings;
+    double mNoise;
+    double mTolerance;
+    Coding mCoding;
+    std::vector<ColorPair> mPairs;
+    std::vector<Hypothesis> mList;
+    std::vector<double> mResiduals;
+};
+
+} // namespace
+
+void JudgeColor(const ColorCase& given, Findings& findings)
+{
+    if (given.sampler.Spots().empty()) {
+        for (const std::string_view check : kListed) {
+            findings.NotVisible(check);
+        }
+        for (const std::string_view check : kFitted) {
+            findings.NotVisible(check);
+        }
+        findings.NotVisible(id::kColorAlpha);
+        return;
+    }
+    Judging(given, findings).Run();
+}
+
+double UnexplainedColor(const ColorCase& given)
+{
+    double least = given.sampler.Spots().empty() ? 0 : 1e300;
+    for (const Coding& coding : RightCodings(given.clip, given.movie)) {
+        const std::vector<ColorPair> pairs = PairsOf(given.sampler.Spots(), coding);
+        for (const Hypothesis& hypothesis : Hypotheses(coding)) {
+            least = std::min(least, ResidualOf(hypothesis, pairs));
+        }
+        least = std::min(least, FitLevels(pairs, coding, 1).residual);
+    }
+    return least;
+}
+
+} // namespace tessel::verify::judge

@@ -1,0 +1,26 @@
+/// Judges what became of colours.
+#pragma once
+
+#include "ColorSampler.h"
+
+#include <tessel/verify/read/MovieFacts.h>
+#include <tessel/verify/report/Findings.h>
+
+namespace tessel::verify::judge {
+
+struct ColorCase {
+    const reference::ClipFacts& clip;
+    const read::PictureFacts& movie;
+    const ColorSampler& sampler;
+};
+
+/// Puts findings of the `color.` checks that flat colours can tell: the winner of the closed list where it
+/// explains the codes, the fitted levels where those explain them better, and what the clip's colours cannot
+/// show as not visible.
+void JudgeColor(const ColorCase& given, Findings& findings);
+
+/// How far the codes are, in 8-bit units, from what the best explanation makes of the clip's: large where the
+/// pictures are not the clip's at all. 0 without colours.
+[[nodiscard]] double UnexplainedColor(const ColorCase& given);
+
+} // namespace tessel::verify::judge

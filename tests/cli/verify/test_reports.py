@@ -1,0 +1,124 @@
+"""Reports, exit codes, and movies that cannot be compared."""
+
+import json
+import subprocess
+import unittest
+import xml.etree.ElementTree as xml
+
+from verify_support import VerifyTest, gradient, main
+
+try:
+    import jsonschema
+except ImportError:
+    jsonschema = None
+
+
+class Reports(VerifyTest):
+    def clip(self):
+        return self.save(gradient(frames=6))
+
+    @unittest.skipUnless(jsonschema, "python3-jsonschema is not installed")
+    def test_json_follows_the_printed_schema(self):
+        schema = json.loads(self.run_tessel("verify", "--schema").stdout)
+        jsonschema.Draft202012Validator.check_schema(schema)
+        root = gradient(frames=6)
+        whole = self.render(root, "whole.mkv")
+        for movie in (whole, self.ffmpeg(whole, "damaged.mkv", "-vf", "hflip,swapuv,fps=30")):
+            jsonschema.Draft202012Validator(schema).validate(self.verify(root, movie))
+
+    def test_every_check_of_the_list_stands_in_every_report_once(self):
+        listed = [line.split()[0] for line in self.run_tessel("verify", "--list").stdout.decode().splitlines()
+                  if not line.startswith(" ")]
+        root = gradient(frames=6)
+        report = self.verify(root, self.filtered(root, "hflip"))
+        told = report["asExpected"] + report["notChecked"] + [check["id"] for check in report["notVisible"]]
+        for finding in report["findings"]:
+            told += [finding["id"], *(inner["id"] for inner in finding["consequences"])]
+        self.assertEqual(sorted(told), sorted(listed))
+
+    def test_junit_counts_failures_and_skips(self):
+        root = gradient(frames=6)
+        damaged = self.filtered(root, "hflip")
+        done = self.run_tessel("verify", self.save(root), damaged, "--quiet", "--junit", self.path("report.xml"))
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (3, b"", b""))
+        suite = xml.parse(self.path("report.xml")).getroot().find("testsuite")
+        cases = {case.get("name"): case for case in suite.iter("testcase")}
+        self.assertEqual(len(cases), int(suite.get("tests")))
+        self.assertIsNotNone(cases["geometry.flipped"].find("failure"))
+        self.assertEqual(suite.get("failures"), "1")
+        self.assertIsNotNone(cases["container.siting"].find("skipped"))
+        self.assertEqual(list(cases["container.rate"]), [])
+
+    def test_text_names_movie_clip_and_fault(self):
+        root = gradient(frames=6)
+        damaged = self.filtered(root, "hflip")
+        done = self.run_tessel("verify", self.save(root), damaged)
+        text = done.stdout.decode()
+        self.assertTrue(text.startswith(f"{damaged}: not as {self.path('clip.tessel')}\n"), text)
+        self.assertIn("left and right are exchanged  geometry.flipped", text)
+        self.assertNotIn("\x1b", text)
+
+    def test_accept_and_only_narrow_the_verdict(self):
+        root = gradient(frames=6)
+        damaged = self.filtered(root, "hflip")
+        self.assertEqual(self.verify(root, damaged, "--accept", "geometry.flipped")["verdict"], "as expected")
+        self.assertEqual(self.verify(root, damaged, "--only", "container.rate")["verdict"], "as expected")
+        self.assertEqual(self.verify(root, damaged, "--only", "geometry.flipped")["verdict"], "not as expected")
+
+    def test_strict_makes_a_fault_of_what_a_container_cannot_say(self):
+        root = gradient("v211", frames=6)
+        movie = self.render(root, "x.mp4")
+        self.assertEqual(self.verify(root, movie)["verdict"], "as expected")
+        self.expect(self.verify(root, movie, "--strict"), "container.depth")
+
+    def test_a_tolerance_of_ones_own(self):
+        root = gradient("v211", frames=6)
+        damaged = self.filtered(root, "lutyuv=y=val+8")  # 2 codes in 8-bit units
+        self.expect(self.verify(root, damaged), "color.offset")
+
+    def test_pictures_come_through_a_pipe(self):
+        root = gradient(frames=6)
+        with open(self.render(root, "x.nut"), "rb") as movie:
+            done = self.run_tessel("verify", self.save(root), "-", stdin=movie)
+        self.assertEqual(done.returncode, 0, done.stdout)
+
+    def test_something_else_is_one_finding(self):
+        other = self.path("other.mp4")
+        subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc2=s=320x180:r=25:d=1", other], check=True)
+        self.expect(self.verify(gradient(frames=25), other), "signal.other")
+
+    def test_a_truncated_movie_ends_early(self):
+        root = gradient(frames=30)
+        whole = self.render(root, "whole.mkv", "--video-only")
+        with open(whole, "rb") as file:
+            data = file.read()
+        with open(self.path("cut.mkv"), "wb") as file:
+            file.write(data[:len(data) * 2 // 3])
+        self.assertIn("order.tail", self.ids(self.verify(root, self.path("cut.mkv"))))
+
+    def test_what_is_no_movie_is_refused_in_one_line(self):
+        clip = self.clip()
+        with open(self.path("no.mp4"), "wb") as file:
+            file.write(b"not a movie at all" * 100)
+        with open(self.path("empty.mov"), "wb"):
+            pass
+        for movie in ("no.mp4", "empty.mov", "absent.mkv", "absent_%03d.png", "clip.tessel"):
+            self.refuse("verify", clip, self.path(movie), says=[movie])
+
+    def test_a_wrong_command_line_is_refused(self):
+        clip = self.clip()
+        self.refuse("verify", clip, code=2, says=["a clip and a movie"])
+        self.refuse("verify", clip, "x.mkv", "--only", "color.taste", code=2, says=["color.taste", "--list"])
+        self.refuse("verify", clip, "x.mkv", "--tolerance", "color.gain", code=2, says=["NAME=VALUE"])
+        self.refuse("verify", clip, "x.mkv", "--tolerance", "color.gain=much", code=2, says=["number"])
+        self.refuse("verify", clip, "x.mkv", "--tolerance", "order.missing=2", code=2, says=["compares no number"])
+
+    def test_visible_tells_what_a_clip_shows(self):
+        done = self.run_tessel("verify", "--visible", self.clip())
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        text = done.stdout.decode()
+        self.assertIn("shows      order.missing\n", text)
+        self.assertIn("not shown  color.alpha (use ", text)
+
+
+main()
