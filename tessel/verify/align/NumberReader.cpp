@@ -257,17 +257,18 @@ struct NumberReader::Ink {
     std::vector<double> expected; // normalised
 };
 
-NumberReader::Ink NumberReader::InkOf(std::int64_t number) const
+NumberReader::Ink NumberReader::InkOf(std::int64_t number, int cells) const
 {
     const double inkOffset = (mAdvance - pixmill::kGlyphInkWidth * mDigitHeight) / 2;
     const double step = std::max(1.0, mDigitHeight / 32.0);
+    const double right = cells == mDigits ? mPlate.right : mCellLeft + cells * mAdvance;
     Ink ink;
     std::vector<std::size_t> digits(static_cast<std::size_t>(mDigits));
     for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number /= 10) {
         *digit = static_cast<std::size_t>(number % 10);
     }
     for (double y = mPlate.top + step / 2; y < mPlate.bottom; y += step) {
-        for (double x = mPlate.left + step / 2; x < mPlate.right; x += step) {
+        for (double x = mPlate.left + step / 2; x < right; x += step) {
             const double cell = (x - mCellLeft) / mAdvance;
             const double inside = x - mCellLeft - std::floor(cell) * mAdvance - inkOffset;
             const bool isInk = cell >= 0 && cell < mDigits;
@@ -299,13 +300,17 @@ double NumberReader::Likeness(const read::ComponentView& luma, const Placement& 
 double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement,
                               std::int64_t number) const
 {
-    return Likeness(luma, placement, InkOf(number));
+    return Likeness(luma, placement, InkOf(number, mDigits));
 }
 
 Placement NumberReader::Refine(const read::ComponentView& luma, const Placement& start,
                                std::int64_t number) const
 {
-    const Ink ink = InkOf(number);
+    return Refine(luma, start, InkOf(number, mDigits));
+}
+
+Placement NumberReader::Refine(const read::ComponentView& luma, const Placement& start, const Ink& ink) const
+{
     Placement best = start;
     double score = Likeness(luma, best, ink);
     const Point corner{mPlate.left, mPlate.top};
@@ -355,6 +360,7 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
     if (!HasRoom() || !luma) {
         return std::nullopt;
     }
+    constexpr double kLeastZero = 0.55; // below it is nothing like a zero
     const ZeroOnPlate zero;
     struct Candidate {
         double likeness = 0;
@@ -374,7 +380,7 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
                 continue;
             }
             const Grey grey = Shrunk(luma, upright, step);
-            double likeness = 0.6; // below it is nothing like it
+            double likeness = kLeastZero;
             Point corner;
             for (int top = 0; top + zero.height <= grey.height; ++top) {
                 for (int left = 0; left + zero.width <= grey.width; ++left) {
@@ -385,7 +391,7 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
                     }
                 }
             }
-            if (likeness > 0.6) {
+            if (likeness > kLeastZero) {
                 Placement at;
                 at.clipWidth = mClipWidth;
                 at.clipHeight = mClipHeight;
@@ -399,33 +405,53 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
             }
         }
     }
+    // The best place in each orientation, and what is nearly as good.
     std::sort(candidates.begin(), candidates.end(),
               [](const Candidate& a, const Candidate& b) { return a.likeness > b.likeness; });
-    candidates.resize(std::min<std::size_t>(candidates.size(), 6));
-    std::optional<Placement> found;
-    double score = 0;
-    for (const Candidate& candidate : candidates) {
-        // Numbers begin with several zeros, and any of them may have been found.
-        Placement placement = candidate.placement;
-        Reading reading = Read(luma, placement);
-        for (int cell = 1; cell < mDigits; ++cell) {
-            Placement moved = candidate.placement;
+    std::array<int, kOrientations.size()> taken{};
+    candidates.erase(
+        std::remove_if(candidates.begin(), candidates.end(),
+                       [&](const Candidate& candidate) {
+                           return ++taken[static_cast<std::size_t>(candidate.placement.orientation)] > 2;
+                       }),
+        candidates.end());
+    // Numbers begin with several zeros, and any of them may have been found: the one from which the first three
+    // are zeros on the plate's left end is the first. Numbers of clips of a thousand frames and more are found
+    // while they are small.
+    constexpr int kZeros = 3;
+    const Ink zeros = InkOf(0, std::min(kZeros, mDigits));
+    for (Candidate& candidate : candidates) {
+        const Placement start = candidate.placement;
+        candidate.likeness = 0;
+        for (int cell = 0; cell < mDigits - 1; ++cell) {
+            Placement moved = start;
             const Point was = moved.Map(Point{0, 0});
             const Point is = moved.Map(Point{cell * mAdvance, 0});
             moved.offsetX -= is.x - was.x;
             moved.offsetY -= is.y - was.y;
-            const Reading other = Read(luma, moved);
-            if (other.weakest > reading.weakest) {
-                placement = moved;
-                reading = other;
+            moved = Refine(luma, moved, zeros);
+            const Reading reading = Read(luma, moved);
+            const double likeness = Likeness(luma, moved, InkOf(reading.number, mDigits));
+            if (likeness > candidate.likeness) {
+                candidate.likeness = likeness;
+                candidate.placement = moved;
             }
         }
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.likeness > b.likeness; });
+    candidates.resize(std::min<std::size_t>(candidates.size(), 4));
+    std::optional<Placement> found;
+    double score = 0;
+    for (const Candidate& candidate : candidates) {
+        Placement placement = candidate.placement;
         for (int round = 0; round < 2; ++round) {
-            placement = Refine(luma, placement, reading.number);
-            reading = Read(luma, placement);
+            placement = Refine(luma, placement, Read(luma, placement).number);
         }
-        if (reading.IsReadable() && reading.likeness > score) {
-            score = reading.likeness;
+        const Reading reading = Read(luma, placement);
+        const double likeness = Likeness(luma, placement, reading.number);
+        if (reading.IsReadable() && likeness > score) {
+            score = likeness;
             found = placement;
         }
     }

@@ -69,7 +69,9 @@ public:
 private:
     struct Cell;
     struct Ink;
-    [[nodiscard]] Ink InkOf(std::int64_t number) const;
+    [[nodiscard]] Ink InkOf(std::int64_t number, int cells) const;
+    [[nodiscard]] Placement Refine(const read::ComponentView& luma, const Placement& start,
+                                   const Ink& ink) const;
     [[nodiscard]] static double Likeness(const read::ComponentView& luma, const Placement& placement,
                                          const Ink& ink);
     [[nodiscard]] Cell SampleCell(const read::ComponentView& luma, const Placement& placement, int index) const;

@@ -75,6 +75,7 @@ class Reports(VerifyTest):
         root = gradient("v211", frames=6)
         damaged = self.filtered(root, "lutyuv=y=val+8")  # 2 codes in 8-bit units
         self.expect(self.verify(root, damaged), "color.offset")
+        self.assertNotIn("color.offset", self.ids(self.verify(root, damaged, "--tolerance", "color.offset=3")))
 
     def test_pictures_come_through_a_pipe(self):
         root = gradient(frames=6)

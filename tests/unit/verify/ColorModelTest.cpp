@@ -56,8 +56,8 @@ TEST(ColorModel, CurvesUndoTheirInverses)
             EXPECT_NEAR(curve.toLight(curve.toSignal(value)), value, 1e-6) << curve.name;
         }
     }
-    // BT.709-6: half a signal is 0.2596 of the light; IEC 61966-2-1: 0.2140.
-    EXPECT_NEAR(curves::LightOf709(0.5), 0.2596, 1e-4);
+    // BT.709-6: ((0.5 + 0.0993) / 1.0993)^(1 / 0.45) = 0.2597; IEC 61966-2-1: (0.555 / 1.055)^2.4 = 0.2140.
+    EXPECT_NEAR(curves::LightOf709(0.5), 0.2597, 1e-4);
     EXPECT_NEAR(curves::LightOfSrgb(0.5), 0.2140, 1e-4);
 }
 

@@ -199,8 +199,14 @@ private:
         const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
         const bool isListed = mResiduals[best] <= mTolerance + mNoise;
         const bool isFitted = fit.residual <= mTolerance + mNoise && IsBeyond(fit);
+        // Levels of one component alone move the mean of three less than their own tolerance.
+        const bool isPlainLevel = isFitted && fit.residual < off / 3;
         if (off <= mTolerance + mNoise) {
-            TellUndecided(best, off);
+            if (isPlainLevel) {
+                TellLevels(fit);
+            } else {
+                TellUndecided(best, off);
+            }
         } else if (isListed && (!isFitted || mResiduals[best] <= fit.residual + 0.5)) {
             TellWinner(best);
         } else if (isFitted) {

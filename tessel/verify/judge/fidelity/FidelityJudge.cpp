@@ -91,7 +91,7 @@ std::optional<exporting::PictureLayout> LayoutFor(const read::SampleFormat& form
         return std::nullopt;
     }
     if (format.bits == 10) {
-        return chroma == 10 ? std::optional(Yuv422p10) : std::nullopt;
+        return chroma == 10 ? std::optional(Yuv422p10) : chroma == 11 ? std::optional(Yuv420p10) : std::nullopt;
     }
     if (format.bits != 8) {
         return std::nullopt;

@@ -154,22 +154,15 @@ void FindCadence(const Frames& shown, EditScript& script)
     script.cadenceRatio = 1 / framesPerPicture;
     if (period != 0 && framesPerPicture < 1) {
         // How often each frame is shown, as in "3:2".
-        std::vector<int> counts;
-        int count = 0;
-        std::size_t start = 0;
-        while (start < steps->size() && (*steps)[start] == 0) {
-            ++start;
-        }
-        for (std::size_t i = start; i < start + period && i < steps->size(); ++i) {
-            if ((*steps)[i] != 0 && count > 0) {
-                counts.push_back(count);
-                count = 0;
+        std::vector<std::size_t> counts;
+        for (std::size_t i = 0; i < period; ++i) {
+            if (i == 0 || shown[i] != shown[i - 1]) {
+                counts.push_back(0);
             }
-            ++count;
+            ++counts.back();
         }
-        counts.push_back(count);
         std::string pattern;
-        for (const int times : counts) {
+        for (const std::size_t times : counts) {
             pattern += (pattern.empty() ? "" : ":") + std::to_string(times);
         }
         script.cadence = fmt::format("frames are shown in the pattern {}", pattern);
@@ -226,7 +219,7 @@ public:
         std::int64_t lacking = after - before - 1;
         std::size_t place = first;
         // Repetitions of the frame before, then everything else.
-        while (place < last && mShown[place] == before && !isHead) {
+        while (before >= 0 && place < last && mShown[place] == before) {
             ++place;
         }
         const auto repeats = static_cast<std::int64_t>(place - first);
