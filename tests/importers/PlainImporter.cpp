@@ -11,16 +11,22 @@
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/importabi/Suites.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 
 #ifndef WRONG_WIDTH_FACTOR
 #define WRONG_WIDTH_FACTOR 1 // the described width is so many times that of the frames
 #endif
 #ifndef WRONG_HANDLE
 #define WRONG_HANDLE 0 // 1: hands back a handle of its own instead of the host's frame
+#endif
+#ifndef STARTS_ALONE
+#define STARTS_ALONE 0 // 1: fails to start while another thread starts it
 #endif
 
 namespace {
@@ -59,6 +65,17 @@ std::int32_t Open(ksOpenRec& record)
     }
     record.instance = clip.release();
     return ksResultServed;
+}
+
+std::int32_t StartUp()
+{
+    static std::atomic<int> sStarting = 0;
+    const bool isAlone = ++sStarting == 1;
+    if (STARTS_ALONE != 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // time for another start to come
+    }
+    --sStarting;
+    return isAlone || STARTS_ALONE == 0 ? ksResultServed : ksResultFailed;
 }
 
 std::int32_t DescribeType(const void* index, ksFileTypeRec& record)
@@ -146,7 +163,7 @@ EXPORTED std::int32_t xImportEntry(std::int32_t selector, const ksStdParms* para
 {
     switch (selector) {
     case ksSelectorStartUp:
-        return ksResultServed;
+        return StartUp();
     case ksSelectorFileType:
         return DescribeType(param1, *static_cast<ksFileTypeRec*>(param2));
     case ksSelectorOpenFile:

@@ -196,4 +196,23 @@ TEST(Importer, LoadsOfOtherThreadsKeepWhatTheyWereTold)
     EXPECT_EQ(startedRefused, 0);
 }
 
+TEST(Importer, StartsOneAtATime)
+{
+    const std::filesystem::path file = importhosttests::TestImporter("StartsAlone");
+    const auto kept = Importer::Load(file, TestingPlugins::Allowed);
+    std::atomic<int> failed = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int load = 0; load < 10; ++load) {
+                failed += LoadFailure(file).empty() ? 0 : 1;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failed, 0);
+}
+
 } // namespace
