@@ -128,6 +128,9 @@ std::shared_ptr<Importer> Importer::Load(const std::filesystem::path& pluginFile
     auto state = std::make_unique<State>();
     state->file = pluginFile;
     state->identity = ReadPluginIdentity(pluginFile);
+    // Start-up fills what a plug-in has for the whole process, and two importers may be the same library.
+    static std::mutex loading;
+    const std::lock_guard lock(loading);
     state->library.emplace(pluginFile);
     state->entry = state->library->Find<ksImportEntry>(kImportEntryName);
     const auto tellIdentity = state->library->Find<ksPluginDataEntry>(kPluginDataEntryName);
