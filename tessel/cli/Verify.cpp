@@ -157,9 +157,9 @@ void RunComparison(const Options& options, Context& context)
 /// Lists what the clip shows and what it does not.
 void PrintVisible(const Options& options, Context& context)
 {
-    importhost::OpenOptions open;
+    document::OpenOptions open;
     open.allowDefault = options.allowDefault;
-    const importhost::Clip clip = context.OpenClip(options.visible, open);
+    const document::OpenedClip clip = context.OpenClip(options.visible, open);
     const Report report = verify::TellVisible(exporting::ClipSource(clip), options.visible);
     std::string text;
     for (const std::string& id : report.asExpected) {
