@@ -35,7 +35,10 @@ void RunInfo(Context& context, const InfoOptions& options)
             if (options.json) {
                 reports.push_back(ReportAsDocument(clip));
             } else {
-                WriteOut((std::exchange(isFirst, false) ? "" : "\n") + ReportAsTable(clip));
+                if (!std::exchange(isFirst, false)) {
+                    WriteOut("\n");
+                }
+                WriteOut(ReportAsTable(clip));
             }
         } catch (const importhost::HostError& error) {
             if (options.clips.size() == 1) {

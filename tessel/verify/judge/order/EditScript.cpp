@@ -161,11 +161,7 @@ void FindCadence(const Frames& shown, EditScript& script)
             }
             ++counts.back();
         }
-        std::string pattern;
-        for (const std::size_t times : counts) {
-            pattern += (pattern.empty() ? "" : ":") + std::to_string(times);
-        }
-        script.cadence = fmt::format("frames are shown in the pattern {}", pattern);
+        script.cadence = fmt::format("frames are shown in the pattern {}", fmt::join(counts, ":"));
     } else if (period != 0 && framesPerPicture > 1) {
         const auto left =
             static_cast<std::size_t>(std::llround(framesPerPicture * static_cast<double>(period)));

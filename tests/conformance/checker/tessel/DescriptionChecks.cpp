@@ -177,7 +177,8 @@ void ExtremeRates(Plugin& plugin)
         std::string text = DocumentWith("mVideoDuration", std::string("{\"ticks\": ") + duration + "}");
         text.replace(text.find("10160640000"), 11, "1");
         GuardedRecord info;
-        ExpectEqual(Describe(plugin, text, info), 0, std::string("one tick a frame, duration ") + duration);
+        ExpectEqual(Describe(plugin, text, info), 0,
+                    std::string("one tick a frame, duration ").append(duration));
     }
 }
 
