@@ -128,7 +128,7 @@ TEST_F(Barrier, StandsAroundEverySelectorThatHasWork)
     for (const int selector : {0, 14, 25, 37, 38, 39, 45, 47, 73}) {
         // The instance at each place where a record has it: 0, 20, 36 and 198.
         std::array<std::uint8_t, 1024> record{};
-        for (const std::size_t offset : {0, 36, 198}) {
+        for (const std::size_t offset : {0U, 36U, 198U}) {
             const void* const pointer = &instance;
             std::memcpy(record.data() + offset, &pointer, sizeof pointer);
         }

@@ -160,7 +160,7 @@ TEST_F(Dispatch, ServedSelectorsAnswerWhatTheirOperationAnswers)
         TestModule::TheScript().onRequest = [selector] { return 1000 + selector; };
         // Wherever the instance stands in the record of a selector: at 0, 20, 36 or 198.
         Bytes record = Untouched();
-        for (const std::size_t offset : {0, 20, 36, 198}) {
+        for (const std::size_t offset : {0U, 20U, 36U, 198U}) {
             SetPointer(record, offset, &instance);
         }
         const bool isIndexed = selector == 14 || selector == 73;

@@ -44,7 +44,7 @@ TEST_F(StartUpGate, TextTrueOpensTheGateAndWritesTheseFieldsAndNoOthers)
     expected[1] = 'S';
     expected[2] = 'S';
     expected[3] = 'T';
-    for (const std::size_t offset : {28, 32, 36, 44, 52, 60, 72}) {
+    for (const std::size_t offset : {28U, 32U, 36U, 44U, 52U, 60U, 72U}) {
         Put(expected, offset, std::uint32_t{1});
     }
     EXPECT_EQ(xImportEntry(0, nullptr, &record, nullptr), 0);

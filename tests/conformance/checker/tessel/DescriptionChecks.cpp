@@ -175,7 +175,7 @@ void ExtremeRates(Plugin& plugin)
     }
     for (const char* duration : {largest, smallest}) { // more frames than 32 bits hold
         std::string text = DocumentWith("mVideoDuration", std::string("{\"ticks\": ") + duration + "}");
-        text.replace(text.find("10160640000"), 11, "1");
+        text.replace(text.find("10160640000"), 11, 1, '1');
         GuardedRecord info;
         ExpectEqual(Describe(plugin, text, info), 0,
                     std::string("one tick a frame, duration ").append(duration));
