@@ -73,7 +73,7 @@ class Documents(ProgramTest):
                  for band in ("colorSwatches", "legalRangeGradient", "fullRangeGradient")}
         bands["legalRangeGradient"]["yCoordinates"] = [1.5]
         self.refuse(self.write("clip.tessel", document(mSwatchCoordinates=bands)),
-                    '"mSwatchCoordinates.legalRangeGradient.yCoordinates": expected an integer')
+                    '"mSwatchCoordinates.legalRangeGradient.yCoordinates[0]": expected an integer')
 
     def test_broken_profile_data_is_named_with_its_key(self):
         for data in ("not base 64!", "AQIDBA", "AQIDBB=="):

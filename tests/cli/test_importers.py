@@ -44,7 +44,7 @@ class OtherImporters(ProgramTest):
         self.assertIn("48000 Hz, 1 channel\n", answer.out)
 
     def test_render_keeps_the_format_of_the_frames(self):
-        self.assert_done(self.run_plain("render", "clip.plain", "--frames", "2", "--format", "y4m", "-o", "clip.y4m"))
+        self.assert_done(self.run_plain("render", "clip.plain", "--quiet", "--frames", "2", "--format", "y4m", "-o", "clip.y4m"))
         with open(self.path("clip.y4m"), "rb") as file:
             header, _, frames = file.read().partition(b"\n")
         self.assertIn(b"W64 H32 F25:1", header)
@@ -54,7 +54,7 @@ class OtherImporters(ProgramTest):
         self.assertEqual(frames, (b"FRAME\n" + picture) * 2)
 
     def test_render_writes_its_sound(self):
-        self.assert_done(self.run_plain("render", "clip.plain", "-o", "clip.wav"))
+        self.assert_done(self.run_plain("render", "clip.plain", "--quiet", "-o", "clip.wav"))
         with open(self.path("clip.wav"), "rb") as file:
             data = file.read().partition(b"data")[2]
         # 0.4 s of one channel of 24 bits

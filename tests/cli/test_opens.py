@@ -25,7 +25,7 @@ class Opens(ProgramTest):
     def test_a_document_is_opened_once(self):
         self.write("clip.tessel", document())
         for command in (["info", "clip.tessel"], ["bench", "clip.tessel", "--seconds", "0.01"],
-                        ["render", "clip.tessel", "--frames", "1", "-o", "out.mkv"]):
+                        ["render", "clip.tessel", "--quiet", "--frames", "1", "-o", "out.mkv"]):
             with self.subTest(command=command[0]):
                 self.assertEqual(self.opens(*command), 1)
 
