@@ -21,7 +21,7 @@ class Failures(RenderTest):
         clip = self.clip()
         for arguments in (("render",), ("render", clip), ("render", "-o", "x.mkv"),
                           ("render", clip, "-o", "x.mkv", "--format", "ogg"),
-                          ("render", clip, "-o", "x.mkv", "--video-codec", "vp9"),
+                          ("render", clip, "-o", "x.mkv", "--video-codec", "theora"),
                           ("render", clip, "-o", "x.mkv", "--audio-codec", "mp3"),
                           ("render", clip, "-o", "x.mkv", "--audio-only", "--video-only"),
                           ("render", clip, "-o", "x.mkv", "--to", "3", "--frames", "2"),
@@ -230,7 +230,7 @@ class Failures(RenderTest):
 
     def test_the_pipe_of_a_shell_is_written_to(self):
         reading, writing = os.pipe()
-        with subprocess.Popen([*self.tessel, "render", self.clip(frames=2), "-o", f"/dev/fd/{writing}", "--format",
+        with subprocess.Popen([*self.tessel, "render", self.clip(frames=2), "--quiet", "-o", f"/dev/fd/{writing}", "--format",
                                "y4m"], pass_fds=[writing], stderr=subprocess.PIPE) as process:
             os.close(writing)
             with open(reading, "rb") as file:
@@ -337,7 +337,7 @@ class Failures(RenderTest):
         self.left_over("clip.tessel", "old")
 
     def test_a_failed_clip_leaves_the_folder_with_what_is_done(self):
-        self.refuse("render", self.clip(frames=1), "nofile.tessel", "-o", "new/", says=("nofile.tessel",))
+        self.refuse("render", self.clip(frames=1), "nofile.tessel", "--quiet", "-o", "new/", says=("nofile.tessel",))
         self.assertEqual(os.listdir(self.path("new")), ["clip.mkv"])
 
     def test_several_clips_go_into_a_folder(self):

@@ -27,7 +27,7 @@ double NoiseOf(CodecClass codec) noexcept
 std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::PictureFacts& movie)
 {
     if (movie.format.isRgb) {
-        return {{true, 0, movie.fullRange.value_or(true)}};
+        return {{true, 0, movie.fullRange.value_or(true), movie.format.isFloat}};
     }
     const bool isYCbCrClip = clip.frameKind.family == exporting::ColorFamily::YCbCr;
     const bool isSaid = movie.matrix != 2 && movie.matrix != 0;

@@ -121,7 +121,9 @@ private:
         made.message = std::move(message);
         made.found = std::move(found);
         made.expected = std::move(expected);
-        made.predict = [toCodes = std::move(toCodes)](const ColorPair& pair) { return Clipped(toCodes(pair)); };
+        made.predict = [toCodes = std::move(toCodes), isFloat = mExpected.isFloat](const ColorPair& pair) {
+            return isFloat ? toCodes(pair) : Clipped(toCodes(pair));
+        };
     }
 
     /// @param toRgb  what comes back, in R'G'B' that is then coded rightly

@@ -19,6 +19,7 @@ struct Coding {
     bool isRgb = false;
     int matrix = 1; ///< H.273; without meaning for R'G'B' codes
     bool isFull = false;
+    bool isFloat = false; ///< values outside black to white are kept
 };
 
 /// Codes in 8-bit units, not rounded and not clipped (BT.601-7, BT.709-6, BT.2020-2, SMPTE 240M). @{

@@ -113,7 +113,8 @@ void JudgeOrder(const align::Alignment& alignment, Findings& findings, Alignment
         }
     }
     report.confidence = report.matched > 0 ? least : 0;
-    if (alignment.method == AlignmentMethod::None || alignment.method == AlignmentMethod::Time) {
+    if (alignment.pictures.empty() || alignment.method == AlignmentMethod::None ||
+        alignment.method == AlignmentMethod::Time) {
         for (const std::string_view kind : kOrderChecks) {
             findings.NotVisible(kind);
         }
