@@ -72,8 +72,9 @@ Decimal NearestDecimal(double value, int digits)
 double DoubleOf(Decimal decimal)
 {
     std::array<char, 32> text{};
+    constexpr std::size_t kMostDigits = 20; // of a 64-bit integer, with its sign
     char* const last = text.data() + text.size();
-    char* end = std::to_chars(text.data(), last, decimal.whole).ptr;
+    char* end = std::to_chars(text.data(), text.data() + kMostDigits, decimal.whole).ptr;
     *end++ = 'e';
     end = std::to_chars(end, last, decimal.exponent).ptr;
     double value = 0.0;
