@@ -1,4 +1,5 @@
-// A file that opens but cannot be read. Its reading fails by a `read` of this program in place of the system's.
+// A file that opens but cannot be read. Its reading fails by a `pread` of this program in place of the
+// system's.
 #include <ImporterTessel/settings/DataFile.h>
 #include <ImporterTessel/settings/SwatchFiles.h>
 #include <kestrel/qelcore/logging/Log.h>
@@ -26,13 +27,13 @@ public:
 
 } // namespace
 
-extern "C" ssize_t read(int descriptor, void* buffer, std::size_t size)
+extern "C" ssize_t pread(int descriptor, void* buffer, std::size_t size, off_t position)
 {
     if (gReadingFails) {
         errno = EIO;
         return -1;
     }
-    return syscall(SYS_read, descriptor, buffer, size);
+    return syscall(SYS_pread64, descriptor, buffer, size, position);
 }
 
 TEST(UnreadableFile, IsAnErrorOfTheFileAndNoMalformedDocument)
