@@ -7,8 +7,8 @@
 ///
 /// Before each record stands what its selector needs and gives, and every result with its meaning. For all
 /// of them: a record or instance that is needed and null is answered with `ksResultFailed`, never
-/// dereferenced; where a result other than `ksResultServed` says nothing of the outputs, they are
-/// unspecified, and the instance stays usable.
+/// dereferenced. With a result other than `ksResultServed` the outputs are unspecified unless the result's own
+/// line says what they hold, and the instance stays usable.
 ///
 /// An instance is an importer's state for one open clip. The thread words ([any-thread] and so on, see
 /// docs/threads.md) speak of instances as the objects of a request.

@@ -77,7 +77,7 @@ private:
 };
 
 struct KESTREL_API PathUtils {
-    /// The part after the last separator: "b.txt" of "a/b.txt"; the whole text where there is none.
+    /// The part after the last separator: "b.txt" of "a/b.txt"; the whole text if it has no separator.
     [[nodiscard]] static std::u16string GetFilePart(std::u16string_view path);
 };
 

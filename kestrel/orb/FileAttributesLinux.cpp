@@ -56,7 +56,8 @@ std::vector<std::string> AttributeNames(const std::string& path)
     return names;
 }
 
-/// An attribute's value, nothing if there is none. `get` is `getxattr` or `fgetxattr` with file and name bound.
+/// The value of an extended attribute; empty optional if the file lacks it. `get` calls `getxattr` or
+/// `fgetxattr` for that file and name.
 template <class Get>
 std::optional<std::string> Value(Get get)
 {

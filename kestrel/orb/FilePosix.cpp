@@ -128,7 +128,7 @@ struct ScopedReading::State {
 
 namespace {
 
-/// The outermost scope of this thread; null where there is none.
+/// The outermost `ScopedReading` of this thread; null outside of any.
 thread_local ScopedReading::State* tReading = nullptr;
 
 } // namespace

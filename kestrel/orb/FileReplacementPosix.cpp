@@ -57,7 +57,7 @@ int ResolveTarget(const std::string& path, std::string& target)
 /// has chosen, else one that is kept over a restart.
 std::string FolderElsewhere()
 {
-    const char* const named = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe): nobody here sets it
+    const char* const named = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe): only read
     return named != nullptr && *named != '\0' ? named : "/var/tmp";
 }
 

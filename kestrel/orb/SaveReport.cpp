@@ -7,7 +7,7 @@
 namespace ORB {
 namespace {
 
-/// This thread's newest listener; null if there is none.
+/// The listener that this thread added last; null if the thread has no listener.
 thread_local ScopedSaveListener* tListener = nullptr;
 
 } // namespace

@@ -33,7 +33,7 @@ private:
 };
 
 struct KESTRELUI_API WorkspaceUtils {
-    /// The oldest of the existing main windows; null if there is none. [ui-thread]
+    /// The oldest main window that still exists; null if none does. [ui-thread]
     [[nodiscard]] static qelui::TopLevelWindow* FindMainTopLevelWindow() noexcept;
 };
 

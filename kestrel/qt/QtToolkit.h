@@ -9,7 +9,7 @@ class QApplication;
 
 namespace kestrelqt {
 
-/// Makes the process's `QApplication` if there is none. One object. [ui-thread]
+/// Makes the process's `QApplication` unless the process already has one. One object. [ui-thread]
 class QtToolkit final : public qelui::Toolkit {
 public:
     QtToolkit();

@@ -11,7 +11,7 @@ namespace qelcore::debug {
 namespace {
 
 /// The category that a message begins with: words of letters and digits with points between them, alone or in
-/// angle brackets, before a space. Empty where there is none.
+/// angle brackets, before a space. Empty if the message names no category.
 std::string_view CategoryOf(std::string_view message) noexcept
 {
     std::string_view word = message.substr(0, message.find(' '));

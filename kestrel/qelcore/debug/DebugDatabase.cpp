@@ -21,7 +21,7 @@ constexpr std::string_view kLogContext = "qelcore.DebugDatabase";
 /// The newest override of this thread; the others hang behind it.
 thread_local ScopedOverride* tNewestOverride = nullptr;
 
-/// The file's object; nothing where there is none.
+/// The JSON object that the file holds; nothing if the file is absent or holds no object.
 Value ReadDatabase()
 {
     const std::filesystem::path file = DebugDatabaseFile();
