@@ -1,3 +1,4 @@
+#include "Markup.h"
 #include "Writers.h"
 
 #include <kestrel/qelcore/serialization/Json.h>
@@ -10,30 +11,6 @@
 
 namespace tessel::verify {
 namespace {
-
-std::string Escaped(std::string_view text)
-{
-    std::string escaped;
-    for (const char letter : text) {
-        switch (letter) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += letter;
-        }
-    }
-    return escaped;
-}
 
 void Put(std::vector<std::uint8_t>& bytes, std::uint32_t number, int count)
 {

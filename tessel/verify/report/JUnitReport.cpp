@@ -1,3 +1,4 @@
+#include "Markup.h"
 #include "Writers.h"
 
 #include <fmt/format.h>
@@ -6,31 +7,6 @@
 
 namespace tessel::verify {
 namespace {
-
-/// Text for XML; control characters, which XML 1.0 does not have, become question marks.
-std::string Escaped(std::string_view text)
-{
-    std::string escaped;
-    for (const char letter : text) {
-        switch (letter) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += static_cast<unsigned char>(letter) < 0x20 && letter != '\n' ? '?' : letter;
-        }
-    }
-    return escaped;
-}
 
 class Suite {
 public:
