@@ -4,7 +4,7 @@ import os
 import re
 import sys
 
-SOURCE_FOLDERS = ("ImporterTessel", "kestrel", "tessel", "tests/conformance/checker")
+SOURCE_FOLDERS = ("ImporterTessel", "examples", "kestrel", "tessel", "tests/conformance/checker")
 SOURCE_ENDINGS = (".h", ".hpp", ".cpp", ".c", ".inc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:<([^>\n]+)>|"([^"\n]+)")', re.MULTILINE)
 
@@ -20,6 +20,8 @@ JSON = re.compile(r"^nlohmann/")
 COMMAND_LINE = re.compile(r"^CLI/")
 FORMATTING = re.compile(r"^fmt/")
 STANDARD = re.compile(r"^(?:[a-z_]+|(?:assert|stddef|stdint|stdbool|string|math|immintrin|emmintrin)\.h)$")
+INSTALLED = "a header that the host installs"
+INSTALLED_LIST = re.compile(r"FILE_SET\s+HEADERS\b[^)]*?\bFILES\b([^)]*)\)")
 HOST_PUBLIC = re.compile(r"^kestrel/(?:brindle|importabi|ksm|orb|pixmill|qelaccelerate|qelcore|qellumenfactory|"
                          r"qelmediatypes|qelui|qelworkspace)/")
 
@@ -29,14 +31,15 @@ class Rule:
         self.name = name
         self.files = re.compile(files)
         self.exempt = re.compile(exempt) if exempt else None
-        self.allowed = allowed  # patterns of which one must match, or None
+        self.allowed = allowed  # patterns of which one must match, INSTALLED among them, or None
         self.forbidden = forbidden
 
-    def breaks(self, path, included):
+    def breaks(self, path, included, installed):
         if not self.files.match(path) or (self.exempt and self.exempt.search(path)):
             return False
         if self.allowed is not None:
-            return not any(pattern.search(included) for pattern in self.allowed)
+            return not any(included in installed if pattern is INSTALLED else pattern.search(included)
+                           for pattern in self.allowed)
         return self.forbidden.search(included) is not None
 
 
@@ -64,6 +67,8 @@ RULES = [
     *room_rules(),
     Rule("the plug-in includes the standard library, itself and the host's public headers only",
          r"ImporterTessel/", allowed=[STANDARD, re.compile(r"^ImporterTessel/"), HOST_PUBLIC]),
+    Rule("the examples include the standard library, themselves and installed headers only", r"examples/",
+         allowed=[STANDARD, re.compile(r"^examples/"), INSTALLED]),
     Rule("the program never includes the plug-in", r"tessel/", forbidden=re.compile(r"^ImporterTessel/")),
     Rule("the host never includes the plug-in", r"kestrel/", forbidden=re.compile(r"^ImporterTessel/")),
     Rule("the host never includes the program", r"kestrel/", forbidden=re.compile(r"^tessel/")),
@@ -133,8 +138,20 @@ def rooted(root, path, header, quoted):
     return beside
 
 
+def installed_headers(root):
+    """The headers that the CMake lists of `kestrel/` name as public, as they are included."""
+    for where, _, names in os.walk(os.path.join(root, "kestrel")):
+        if "CMakeLists.txt" not in names:
+            continue
+        with open(os.path.join(where, "CMakeLists.txt"), encoding="utf-8") as file:
+            for found in INSTALLED_LIST.finditer(file.read()):
+                for name in found.group(1).split():
+                    yield os.path.relpath(os.path.join(where, name), root)
+
+
 def broken_rules(root):
     """(path, line, header, rule's name) of everything that breaks a rule below `root`."""
+    installed = set(installed_headers(root))
     for folder in SOURCE_FOLDERS:
         for where, _, names in sorted(os.walk(os.path.join(root, folder))):
             for name in sorted(names):
@@ -145,7 +162,7 @@ def broken_rules(root):
                     text = file.read()
                 for line, header, quoted in includes(text):
                     for rule in RULES:
-                        if rule.breaks(path, rooted(root, path, header, quoted)):
+                        if rule.breaks(path, rooted(root, path, header, quoted), installed):
                             yield path, line, header, rule.name
 
 

@@ -41,6 +41,15 @@ CASES = [
     ("the plug-in includes the standard library, itself and the host's public headers only",
      ("ImporterTessel/dialog/A.h", '#include "../../kestrel/qt/Toolkit.h"'),
      ("ImporterTessel/dialog/A.h", "/* #include <qt/Toolkit.h>\n */")),
+    ("the examples include the standard library, themselves and installed headers only",
+     ("examples/flat/A.cpp", "#include <kestrel/orb/Private.h>"),
+     ("examples/flat/A.cpp", "#include <kestrel/orb/Installed.h>\n#include <vector>\n#include <examples/flat/A.h>")),
+    ("the examples include the standard library, themselves and installed headers only",
+     ("examples/flat/A.h", '#include "../../kestrel/qt/Toolkit.h"'),
+     ("examples/flat/A.h", "#include <kestrel/orb/AlsoInstalled.h>")),
+    ("the examples include the standard library, themselves and installed headers only",
+     ("examples/flat/A.cpp", "#include <ImporterTessel/entry/Identity.h>"),
+     ("examples/flat/A.cpp", "#include <stdint.h>")),
     ("the program never includes the plug-in",
      ("tessel/export/A.cpp", "  #  include <ImporterTessel/settings/TesselInfo.h>"),
      ("tessel/export/A.cpp", "#include <kestrel/importhost/Clip.h>")),
@@ -147,6 +156,11 @@ class Rules(unittest.TestCase):
             os.makedirs(os.path.join(root, "kestrel/qt"))
             with open(os.path.join(root, "kestrel/qt/Toolkit.h"), "w", encoding="utf-8"):
                 pass
+            os.makedirs(os.path.join(root, "kestrel/orb"))
+            with open(os.path.join(root, "kestrel/orb/CMakeLists.txt"), "w", encoding="utf-8") as lists:
+                lists.write("target_sources(kestrel PRIVATE Private.h)\n"
+                            "target_sources(kestrel PUBLIC FILE_SET HEADERS BASE_DIRS x FILES\n"
+                            "    AlsoInstalled.h\n    Installed.h)\n")
             os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
             with open(os.path.join(root, path), "w", encoding="utf-8") as out:
                 out.write(text + "\n")
