@@ -23,7 +23,7 @@ PhaseRule PhasesOf(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start,
     return {(cycles - std::trunc(cycles)) * kTwoPi, cyclesPerSample * kTwoPi};
 }
 
-void FillSinesReference(std::span<const double> phases, double amplitude, float* out) noexcept
+void FillSinesOneByOne(std::span<const double> phases, double amplitude, float* out) noexcept
 {
     std::transform(phases.begin(), phases.end(), out,
                    [amplitude](double phase) { return static_cast<float>(std::sin(phase) * amplitude); });
@@ -67,21 +67,9 @@ void FillSineSpan(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, 
         if (IsWithinVectorRange(phases.front()) && IsWithinVectorRange(phases.back())) {
             FillSines(phases, amplitude, samples.data(), width);
         } else {
-            FillSinesReference(phases, amplitude, samples.data());
+            FillSinesOneByOne(phases, amplitude, samples.data());
         }
         samples = samples.subspan(phases.size());
-    }
-}
-
-void FillSineSpanReference(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, Tone tone,
-                           std::span<float> samples) noexcept
-{
-    const PhaseRule rule = PhasesOf(rate, start, tone.frequency);
-    const auto amplitude = static_cast<double>(tone.amplitude);
-    double phase = rule.first;
-    for (float& sample : samples) {
-        sample = static_cast<float>(std::sin(phase) * amplitude);
-        phase += rule.step;
     }
 }
 

@@ -42,9 +42,4 @@ static_assert(kTwoPi == 6.2831854820251465);
 void FillSineSpan(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, Tone tone,
                   std::span<float> samples, SpanShape shape = SpanShape::Sine) noexcept;
 
-/// The same by the rule's own words, one C library sine after the other: what `FillSineSpan` is tested
-/// against and falls back to. Threads: [any-thread].
-void FillSineSpanReference(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, Tone tone,
-                           std::span<float> samples) noexcept;
-
 } // namespace ImporterTessel

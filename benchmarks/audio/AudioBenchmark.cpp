@@ -10,6 +10,7 @@
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/importhost/Importer.h>
 #include <kestrel/qelmediatypes/TickTime.h>
+#include <tests/support/ReferenceSine.h>
 
 #include <benchmark/benchmark.h>
 
@@ -77,8 +78,8 @@ void MakeToneByThePlainLoop(Buffers& buffers, std::int64_t blocks)
 {
     const qelmediatypes::FrameRate rate = qelmediatypes::SampleDuration(static_cast<float>(kSampleRate));
     for (std::int64_t block = 0; block < blocks; ++block) {
-        ImporterTessel::FillSineSpanReference(rate, qelmediatypes::TickTime(block * kBlock, rate),
-                                              {1000.0F, 0.25F}, buffers[0]);
+        test::FillReferenceSine(rate, qelmediatypes::TickTime(block * kBlock, rate), {1000.0F, 0.25F},
+                                buffers[0]);
         benchmark::ClobberMemory();
     }
 }

@@ -5,6 +5,7 @@
 #include <kestrel/qelmediatypes/TickTime.h>
 
 #include <gtest/gtest.h>
+#include <support/ReferenceSine.h>
 
 #include <algorithm>
 #include <array>
@@ -21,7 +22,6 @@ using audiotest::Bits;
 using audiotest::RateOf;
 using audiotest::SineFrom;
 using ImporterTessel::FillSineSpan;
-using ImporterTessel::FillSineSpanReference;
 using ImporterTessel::SpanShape;
 using ImporterTessel::Tone;
 using qelmediatypes::FrameRate;
@@ -33,7 +33,7 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 std::vector<float> ReferenceFrom(std::int64_t position, std::size_t count, Tone tone, FrameRate rate)
 {
     std::vector<float> samples(count);
-    FillSineSpanReference(rate, TickTime(position, rate), tone, samples);
+    test::FillReferenceSine(rate, TickTime(position, rate), tone, samples);
     return samples;
 }
 
