@@ -19,6 +19,7 @@
 #include <kestrel/orb/TemporaryFiles.h>
 
 #include <string>
+#include <utility>
 
 namespace ORB {
 
@@ -64,16 +65,42 @@ public:
     /// The descriptor for writing and reading the new content; -1 before `Begin`.
     [[nodiscard]] int Descriptor() const noexcept { return mNew.Descriptor(); }
 
+    FileReplacement() noexcept = default;
+    /// Removes what `Undo` would have needed.
+    ~FileReplacement();
+    FileReplacement(const FileReplacement&) = delete;
+    FileReplacement& operator=(const FileReplacement&) = delete;
+
+    /// Lets `Undo` bring the old file back after `Commit`. To be called before it.
+    /// @param aside  An unused name on the file system of the destination, for the old file.
+    void KeepOldAs(std::string aside) noexcept { mAside = std::move(aside); }
+
     /// Puts the new content in place. Called once; closes the descriptor.
     [[nodiscard]] ReplacementOutcome Commit();
 
+    /// After `KeepOldAs` and a `Commit` without error: puts the old file back, or removes the new file where
+    /// there was none. An old file that was overwritten gets its old content. Without syncing.
+    /// @return An error, and then a copy of the old file where there was one.
+    [[nodiscard]] ReplacementOutcome Undo();
+
 private:
+    /// What `Undo` has to do.
+    enum class Replaced {
+        Nothing,    ///< not committed, or not to be undone
+        NoFile,     ///< remove the new file
+        WholeFile,  ///< move the old file back from `mAside`
+        ContentOnly ///< write the content of `mAside`, a copy, back into the file
+    };
+
     [[nodiscard]] int Place(ReplacementOutcome& outcome, bool& mustOverwrite);
+    [[nodiscard]] int MoveIntoPlace(bool replaces);
 
     Destination mDestination;
     TemporaryFile mNew;
     bool mIsElsewhere = false; ///< in another folder, because the file's own is not writable
     bool mSyncs = true;
+    Replaced mReplaced = Replaced::Nothing;
+    std::string mAside; ///< where the old file is kept; empty: nowhere
 };
 
 /// Syncs the entries of `folder`, which a rename has changed. @return 0, or an error number.

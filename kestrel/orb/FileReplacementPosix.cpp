@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -143,8 +144,16 @@ int KeepCopy(int old, const std::string& target, std::string& name)
     return error;
 }
 
+/// Writes the content of the file `copy` into `target`, which is open for writing.
+int WriteBack(const std::string& copy, int target) noexcept
+{
+    const Descriptor kept(open(copy.c_str(), O_RDONLY | O_CLOEXEC));
+    return kept.IsOpen() ? CopyContent(kept.Get(), target) : errno;
+}
+
 /// Overwrites the file `target` with the content of `whole`.
-ReplacementOutcome Overwrite(int whole, const std::string& target)
+/// @param copyOfOld  Receives the name of a copy of the old content, which the caller removes. Only on success.
+ReplacementOutcome Overwrite(int whole, const std::string& target, std::string& copyOfOld)
 {
     ReplacementOutcome outcome;
     // Without O_NONBLOCK, to wait for a lease that another process has on the file.
@@ -168,13 +177,57 @@ ReplacementOutcome Overwrite(int whole, const std::string& target)
         outcome.error = CopyContent(whole, file.Get());
     }
     if (outcome.error != 0) {
-        const Descriptor kept(open(copy.c_str(), O_RDONLY | O_CLOEXEC));
-        if (!kept.IsOpen() || CopyContent(kept.Get(), file.Get()) != 0) {
+        if (WriteBack(copy, file.Get()) != 0) {
             outcome.copyOfOldFile = copy;
-            return outcome;
+        } else {
+            unlink(copy.c_str());
         }
+        return outcome;
     }
-    unlink(copy.c_str());
+    copyOfOld = std::move(copy);
+    return outcome;
+}
+
+/// Gives the file `target` the second name `aside`; where the file system has no hard links, its only name.
+int SetAside(const std::string& target, const std::string& aside) noexcept
+{
+    return link(target.c_str(), aside.c_str()) == 0 || std::rename(target.c_str(), aside.c_str()) == 0 ? 0
+                                                                                                       : errno;
+}
+
+/// Takes `SetAside` back.
+int MoveBack(const std::string& aside, const std::string& target) noexcept
+{
+    if (std::rename(aside.c_str(), target.c_str()) != 0) {
+        return errno;
+    }
+    unlink(aside.c_str()); // Renaming one name of a file to another of the same file leaves both.
+    return 0;
+}
+
+/// Moves the old file back. Where that fails, it gets a name beside `target`, because `aside` may be in a
+/// temporary folder.
+ReplacementOutcome RestoreFile(const std::string& aside, const std::string& target)
+{
+    ReplacementOutcome outcome;
+    outcome.error = MoveBack(aside, target);
+    const Descriptor old(outcome.error != 0 ? open(aside.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+    if (old.IsOpen() && KeepCopy(old.Get(), target, outcome.copyOfOldFile) == 0) {
+        unlink(aside.c_str());
+    }
+    return outcome;
+}
+
+ReplacementOutcome RestoreContent(const std::string& copy, const std::string& target)
+{
+    ReplacementOutcome outcome;
+    const Descriptor file(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+    outcome.error = file.IsOpen() ? WriteBack(copy, file.Get()) : errno;
+    if (outcome.error != 0) {
+        outcome.copyOfOldFile = copy;
+    } else {
+        unlink(copy.c_str());
+    }
     return outcome;
 }
 
@@ -204,6 +257,13 @@ int FindDestination(const std::string& path, Destination& destination)
     }
     destination = {exists ? Destination::Kind::File : Destination::Kind::New, std::move(target)};
     return 0;
+}
+
+FileReplacement::~FileReplacement()
+{
+    if (mReplaced == Replaced::WholeFile || mReplaced == Replaced::ContentOnly) {
+        unlink(mAside.c_str());
+    }
 }
 
 int FileReplacement::Begin(const Destination& destination)
@@ -254,11 +314,29 @@ int FileReplacement::Place(ReplacementOutcome& outcome, bool& mustOverwrite)
     if (const int error = mSyncs ? Sync(Descriptor()) : 0) {
         return error;
     }
-    if (const int error = mNew.MoveTo(target)) {
+    if (const int error = MoveIntoPlace(replaces)) {
         mustOverwrite = replaces && IsRenameRefusal(error);
         return mustOverwrite ? 0 : error;
     }
     return mSyncs ? SyncFolder(FolderOf(target)) : 0;
+}
+
+int FileReplacement::MoveIntoPlace(bool replaces)
+{
+    const std::string& target = mDestination.path;
+    if (mAside.empty()) {
+        return mNew.MoveTo(target);
+    }
+    if (const int error = replaces ? SetAside(target, mAside) : 0) {
+        return error;
+    }
+    const int error = mNew.MoveTo(target);
+    if (error == 0) {
+        mReplaced = replaces ? Replaced::WholeFile : Replaced::NoFile;
+    } else if (replaces) {
+        static_cast<void>(MoveBack(mAside, target)); // It was moved a moment ago.
+    }
+    return error;
 }
 
 ReplacementOutcome FileReplacement::Commit()
@@ -267,9 +345,34 @@ ReplacementOutcome FileReplacement::Commit()
     bool mustOverwrite = false;
     outcome.error = Place(outcome, mustOverwrite);
     if (mustOverwrite) {
-        outcome = Overwrite(Descriptor(), mDestination.path);
+        std::string copy;
+        outcome = Overwrite(Descriptor(), mDestination.path, copy);
+        if (!copy.empty() && mAside.empty()) {
+            unlink(copy.c_str());
+        } else if (!copy.empty()) {
+            mAside = std::move(copy);
+            mReplaced = Replaced::ContentOnly;
+        }
     }
     mNew = TemporaryFile();
+    return outcome;
+}
+
+ReplacementOutcome FileReplacement::Undo()
+{
+    ReplacementOutcome outcome;
+    const std::string& target = mDestination.path;
+    switch (std::exchange(mReplaced, Replaced::Nothing)) {
+    case Replaced::Nothing:
+        break;
+    case Replaced::NoFile:
+        outcome.error = unlink(target.c_str()) == 0 || errno == ENOENT ? 0 : errno;
+        break;
+    case Replaced::WholeFile:
+        return RestoreFile(mAside, target);
+    case Replaced::ContentOnly:
+        return RestoreContent(mAside, target);
+    }
     return outcome;
 }
 

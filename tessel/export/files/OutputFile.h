@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -56,12 +57,36 @@ private:
     std::unique_ptr<State> mState;
 };
 
-/// @throws ExportError  naming `path`, where `Replace` would fail: it is a folder, a device, protected, ...
+/// @throws ExportError  naming `path`, where `JointReplacement::Replace` would fail: it is a folder, a device,
+/// protected, ...
 void RequireReplaceable(const std::filesystem::path& path);
 
-/// Moves a file that is whole to `path`, on the same file system, as `OutputFile::Commit` does, but without
-/// waiting for the medium. `whole` is gone afterwards, also after a failure. @throws ExportError  naming `path`
-void Replace(const std::filesystem::path& path, const std::filesystem::path& whole);
+/// Files that take their names together. Until `Accept`, the files that they replaced are kept, and the
+/// destructor puts them back. Threads: one object, one thread at a time.
+class JointReplacement {
+public:
+    /// @param aside  a folder to be made for the replaced files, on the file system of the new ones
+    /// @throws ExportError  where it cannot be made
+    explicit JointReplacement(std::filesystem::path aside);
+    /// Unless accepted, puts the old files back and removes new ones that replaced none. A file that cannot be
+    /// restored is logged.
+    ~JointReplacement();
+    JointReplacement(const JointReplacement&) = delete;
+    JointReplacement& operator=(const JointReplacement&) = delete;
+
+    /// Moves a file that is whole to `path`, on the same file system, as `OutputFile::Commit` does, but without
+    /// waiting for the medium. `whole` is gone afterwards, also after a failure.
+    /// @throws ExportError  naming `path`
+    void Replace(const std::filesystem::path& path, const std::filesystem::path& whole);
+
+    void Accept() noexcept;
+
+private:
+    struct Replaced;
+
+    std::filesystem::path mAside;
+    std::deque<Replaced> mFiles;
+};
 
 /// Waits until everything written to the file system of `folder` is on its medium: for many files at once.
 /// @throws ExportError  naming the folder

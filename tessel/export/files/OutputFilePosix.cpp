@@ -196,13 +196,49 @@ void RequireReplaceable(const fs::path& path)
     }
 }
 
-void Replace(const fs::path& path, const fs::path& whole)
-{
+struct JointReplacement::Replaced {
+    explicit Replaced(fs::path file) : path(std::move(file)) {}
+
+    fs::path path;
     ORB::FileReplacement replacement;
+};
+
+JointReplacement::JointReplacement(fs::path aside) : mAside(std::move(aside))
+{
+    std::error_code error;
+    if (!fs::create_directory(mAside, error)) {
+        FailToWrite(Shown(mAside), error ? error.value() : EEXIST);
+    }
+}
+
+JointReplacement::~JointReplacement()
+{
+    for (; !mFiles.empty(); mFiles.pop_back()) {
+        const ORB::ReplacementOutcome outcome = mFiles.back().replacement.Undo();
+        if (outcome.error != 0) {
+            qelcore::logging::Log("export", fmt::format("{}: cannot be restored: {}{}",
+                                                        UTF8Text(mFiles.back().path), ErrnoText(outcome.error),
+                                                        outcome.copyOfOldFile.empty()
+                                                            ? std::string()
+                                                            : fmt::format("; its old content is in '{}'",
+                                                                          outcome.copyOfOldFile)));
+        }
+    }
+}
+
+void JointReplacement::Replace(const fs::path& path, const fs::path& whole)
+{
+    ORB::FileReplacement& replacement = mFiles.emplace_back(path).replacement;
     if (const int error = replacement.BeginWith(DestinationOf(path), whole.native())) {
         FailToWrite(Shown(path), error);
     }
+    replacement.KeepOldAs(mAside / std::to_string(mFiles.size()));
     Commit(path, replacement);
+}
+
+void JointReplacement::Accept() noexcept
+{
+    mFiles.clear();
 }
 
 void WaitForMedium(const fs::path& folder)

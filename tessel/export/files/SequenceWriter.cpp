@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <system_error>
 #include <utility>
 
 namespace tessel::exporting {
@@ -100,20 +99,14 @@ void SequenceWriter::Finish()
         return;
     }
     // Once for all pictures: waiting for each of them takes many times as long.
-    WaitForMedium(mNumbered->folder.Path());
-    for (std::size_t done = 0; done < mNumbered->files.size(); ++done) {
-        const std::string& name = mNumbered->files[done];
-        try {
-            Replace(mNumbered->parent / name, mNumbered->folder.Path() / name);
-        } catch (const ExportError&) {
-            for (std::size_t i = 0; i < done; ++i) {
-                std::error_code ignored;
-                fs::remove(mNumbered->parent / mNumbered->files[i], ignored);
-            }
-            throw;
-        }
+    const fs::path folder = mNumbered->folder.Path();
+    WaitForMedium(folder);
+    JointReplacement files(folder / "replaced"); // No picture has this name: it has no number.
+    for (const std::string& name : mNumbered->files) {
+        files.Replace(mNumbered->parent / name, folder / name);
     }
     WaitForNames(mNumbered->parent);
+    files.Accept();
 }
 
 } // namespace tessel::exporting

@@ -31,8 +31,8 @@ private:
 };
 
 /// Where the pictures of a sequence go: numbered files, one file, or one after the other into standard output.
-/// Numbered files take their names when all are whole; their folder is made where it is missing. Threads: one
-/// object, one thread at a time.
+/// Numbered files take their names when all are whole. If one of them cannot, the old files come back and no
+/// new ones stay. Their folder is made where it is missing. Threads: one object, one thread at a time.
 class SequenceWriter {
 public:
     /// @param target        path with a number in its file name; for one picture it may go without; `-`
@@ -42,6 +42,7 @@ public:
 
     /// @param number  the frame's number in its clip
     void Write(std::span<const std::byte> file, std::int64_t number);
+    /// @throws ExportError
     void Finish();
 
 private:

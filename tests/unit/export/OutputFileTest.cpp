@@ -1,6 +1,5 @@
 #include <tessel/export/ExportError.h>
 #include <tessel/export/files/OutputFile.h>
-#include <tessel/export/files/SequenceWriter.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>
@@ -75,43 +74,6 @@ TEST(OutputFile, FolderAndMissingFolderAreRefusedByName)
     } catch (const ExportError& error) {
         EXPECT_NE(std::string_view(error.what()).find("none/x"), std::string_view::npos) << error.what();
     }
-}
-
-TEST(NumberedName, TakesOneNumberAndPercentSigns)
-{
-    EXPECT_EQ(NumberedName::Parse("a%d.png")->With(7), "a7.png");
-    EXPECT_EQ(NumberedName::Parse("%%%06d%%.png")->With(123), "%000123%.png");
-    EXPECT_EQ(NumberedName::Parse("%03d")->With(12345), "12345");
-    EXPECT_FALSE(NumberedName::Parse("plain.png"));
-    for (const char* wrong : {"%", "%6d", "%s", "%d%d", "%0d", "%-3d", "%00d", "%0999d", "%06x"}) {
-        EXPECT_THROW(static_cast<void>(NumberedName::Parse(wrong)), ExportError) << wrong;
-    }
-}
-
-TEST(SequenceWriter, FilesAppearTogetherOrNotAtAll)
-{
-    const test::TemporaryFolder folder;
-    const std::string_view text = "picture";
-    {
-        SequenceWriter writer(folder.Path() / "%d.png", 2);
-        writer.Write(std::as_bytes(std::span(text)), 5);
-    }
-    EXPECT_TRUE(NamesIn(folder.Path()).empty());
-    {
-        SequenceWriter writer(folder.Path() / "%d.png", 2);
-        writer.Write(std::as_bytes(std::span(text)), 5);
-        writer.Write(std::as_bytes(std::span(text)), 6);
-        writer.Finish();
-    }
-    EXPECT_EQ(NamesIn(folder.Path()), (std::set<std::string>{"5.png", "6.png"}));
-    EXPECT_EQ(ContentOf(folder.Path() / "5.png"), text);
-}
-
-TEST(SequenceWriter, SeveralPicturesWithoutANumberAreRefused)
-{
-    const test::TemporaryFolder folder;
-    EXPECT_THROW(SequenceWriter(folder.Path() / "x.png", 2), ExportError);
-    EXPECT_NO_THROW(SequenceWriter(folder.Path() / "x.png", 1));
 }
 
 } // namespace
