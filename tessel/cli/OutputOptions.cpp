@@ -120,7 +120,7 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
     return request;
 }
 
-exporting::FrameRange FramesFor(const OutputOptions& options, const importhost::ClipDescription& clip)
+exporting::FrameRange FramesFor(const OutputOptions& options, const document::ClipFacts& clip)
 {
     return exporting::ChooseFrames(clip, options.from, options.to, options.frames);
 }

@@ -3,7 +3,7 @@
 
 #include "CommandLine.h"
 
-#include <kestrel/importhost/Clip.h>
+#include <tessel/document/OpenClip.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/plan/OutputPlan.h>
 
@@ -47,8 +47,7 @@ void CheckOutputOptions(const OutputOptions& options);
                                                   const exporting::Container& container);
 
 /// @throws exporting::ExportError  for frames that the clip does not have
-[[nodiscard]] exporting::FrameRange FramesFor(const OutputOptions& options,
-                                              const importhost::ClipDescription& clip);
+[[nodiscard]] exporting::FrameRange FramesFor(const OutputOptions& options, const document::ClipFacts& clip);
 
 /// As given, else as many as the machine has cores.
 [[nodiscard]] int ThreadCount(const OutputOptions& options);

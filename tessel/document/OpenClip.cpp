@@ -7,6 +7,7 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/orb/File.h>
+#include <kestrel/qelcore/FourCharacterCode.h>
 
 #include <optional>
 #include <utility>
@@ -17,7 +18,7 @@ namespace {
 using importhost::ClipDescription;
 using importhost::HostError;
 
-constexpr std::uint32_t kTesselDocument = 0x5453534C; // "TSSL"
+constexpr std::uint32_t kTesselDocument = qelcore::FourCharacterCode("TSSL");
 
 [[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& why)
 {
@@ -89,6 +90,7 @@ OpenedClip OpenClip(std::shared_ptr<const importhost::Importer> importer, const 
     if (!IsTesselDocument(importhost::FileTypeOf(*plugin, file))) {
         return opened;
     }
+    opened.facts.isTesselDocument = true;
     if (!options.allowDefault) {
         RequireWellFormed(clip);
     }

@@ -22,6 +22,8 @@ inline constexpr char kPluginStem[] = "ImporterTessel";
 
 /// Everything that the program knows of a clip.
 struct ClipFacts : importhost::ClipDescription {
+    /// The clip's file is a `.tessel` document, whose keys a message may name.
+    bool isTesselDocument = false;
     /// The host's layout code: 2 stereo, 3 5.1; 0 where no document says it.
     std::int32_t channelType = 0;
     /// The format that the document names, as the host's four-character code; 0 where no document says it.

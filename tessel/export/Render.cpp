@@ -5,6 +5,7 @@
 #include "ExportError.h"
 #include "OrderedPipeline.h"
 
+#include <tessel/document/SettingHint.h>
 #include <tessel/export/convert/FrameConverter.h>
 #include <tessel/export/encode/MovieWriter.h>
 #include <tessel/export/encode/VideoEncoder.h>
@@ -257,13 +258,14 @@ std::int64_t RenderSequence(const SignalSource& source, const RenderJob& job, co
 
 } // namespace
 
-FrameRange ChooseFrames(const importhost::ClipDescription& clip, std::optional<std::int64_t> first,
+FrameRange ChooseFrames(const document::ClipFacts& clip, std::optional<std::int64_t> first,
                         std::optional<std::int64_t> last, std::optional<std::int64_t> count)
 {
     RequireRate(clip); // without one, frames cannot be counted
     const std::int64_t clipFrames = clip.frameCount;
     if (clipFrames < 1) {
-        throw ExportError("the clip has no frames: mVideoDuration must be at least one frame long");
+        throw ExportError(
+            fmt::format("the clip has no frames{}", SettingHint(clip, document::Setting::Duration)));
     }
     FrameRange range;
     range.first = first.value_or(0);

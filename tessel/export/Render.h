@@ -26,9 +26,8 @@ struct FrameRange {
 /// @param last   last frame, included
 /// @param count  number of frames; at most one of `last` and `count` is given
 /// @throws ExportError  for a clip without a rate or frames, and for frames that the clip does not have
-[[nodiscard]] FrameRange ChooseFrames(const importhost::ClipDescription& clip,
-                                      std::optional<std::int64_t> first, std::optional<std::int64_t> last,
-                                      std::optional<std::int64_t> count);
+[[nodiscard]] FrameRange ChooseFrames(const document::ClipFacts& clip, std::optional<std::int64_t> first,
+                                      std::optional<std::int64_t> last, std::optional<std::int64_t> count);
 
 struct RenderJob {
     OutputRequest output;

@@ -43,6 +43,14 @@ class OtherImporters(ProgramTest):
         self.assert_done(answer)
         self.assertIn("48000 Hz, 1 channel\n", answer.out)
 
+    def test_messages_about_its_clips_name_no_key_of_other_documents(self):
+        for text, output, says in (("0 0 10", "clip.mkv", "its frames are 0x0"),
+                                   ("64 32 0", "clip.mkv", "the clip has no frames")):
+            self.write("clip.plain", text + "\n")
+            answer = self.run_plain("render", "clip.plain", "-o", output)
+            self.assert_failed(answer, 1, says)
+            self.assertNotRegex(answer.err, r"\bm[A-Z]")
+
     def test_render_keeps_the_format_of_the_frames(self):
         self.assert_done(self.run_plain("render", "clip.plain", "--quiet", "--frames", "2", "--format", "y4m", "-o", "clip.y4m"))
         with open(self.path("clip.y4m"), "rb") as file:

@@ -4,6 +4,8 @@
 #include "Container.h"
 #include "Keeps.h"
 
+#include <kestrel/importhost/ClipFailure.h>
+
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -18,7 +20,7 @@ struct AudioCodec {
     std::string_view encoder;    ///< FFmpeg's name
     std::string_view containers; ///< names of those that carry it, between blanks
     int bits = 0;                ///< of integer samples; 0: it takes floats
-    std::int32_t mostChannels = 64;
+    std::int32_t mostChannels = importhost::kMostChannels;
     std::int32_t highestRate = std::numeric_limits<std::int32_t>::max(); ///< samples a second
     std::int64_t bitsPerChannel = 0; ///< a second, of lossy codecs; 0: the codec's own business
     /// Takes no channels but those of a named layout, and calls the surround speakers of 5.1 "back"; the others

@@ -2,6 +2,7 @@
 
 #include "VideoPlan.h"
 
+#include <tessel/document/SettingHint.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -13,19 +14,19 @@ namespace tessel::exporting {
 namespace {
 
 using document::ClipFacts;
+using importhost::kMostChannels;
 
 constexpr std::int32_t kChannelType51 = 3;
-constexpr std::int32_t kMostChannels = 64;
 
-std::int32_t WholeSampleRate(float rate)
+std::int32_t WholeSampleRate(const ClipFacts& clip)
 {
     // Files count samples per second in whole numbers.
     constexpr float kHighest = 16'777'216.0F; // the last float below which every integer is one
+    const float rate = clip.sampleRate;
     if (!(rate >= 1.0F) || rate > kHighest || rate != std::floor(rate)) {
         throw ExportError(
-            fmt::format("mSampleRate is {}, but files take whole numbers of samples per second from 1 "
-                        "on; use --video-only for the picture alone",
-                        rate));
+            fmt::format("files do not take {} samples a second{}; use --video-only for the picture alone", rate,
+                        SettingHint(clip, document::Setting::SampleRate)));
     }
     return static_cast<std::int32_t>(rate);
 }
@@ -59,7 +60,7 @@ AudioPlan PlanAudio(const ClipFacts& clip, const Container& container, const Aud
     AudioPlan plan;
     plan.dither = dither;
     plan.headersOutOfBand = container.headersOutOfBand;
-    plan.sampleRate = WholeSampleRate(clip.sampleRate);
+    plan.sampleRate = WholeSampleRate(clip);
     if (clip.channelCount > kMostChannels) {
         throw ExportError(
             fmt::format("the clip has {} audio channels, but {} are the most that are played; use "

@@ -1,5 +1,6 @@
 #include "OutputPlan.h"
 
+#include <tessel/document/SettingHint.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -68,7 +69,8 @@ OutputPlan PlanOutput(const document::ClipFacts& clip, const OutputRequest& requ
         plan.audio = PlanAudio(clip, container, request.audioCodec, request.dither);
     }
     if (!plan.video && !plan.audio) {
-        throw ExportError("the clip has no sound: \"mNumChannels\" must be 1 or more");
+        throw ExportError(
+            fmt::format("the clip has no sound{}", SettingHint(clip, document::Setting::ChannelCount)));
     }
     return plan;
 }

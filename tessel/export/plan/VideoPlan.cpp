@@ -3,6 +3,7 @@
 #include "DvProfiles.h"
 #include "LayoutChoice.h"
 
+#include <tessel/document/SettingHint.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -15,7 +16,7 @@ namespace tessel::exporting {
 namespace {
 
 using document::ClipFacts;
-using importhost::ClipDescription;
+using document::Setting;
 using importhost::FieldOrder;
 
 /// The codec that keeps the clip's own format where the container can.
@@ -109,7 +110,7 @@ std::string_view TagOf(const VideoCodec& codec, const Container& container, Pict
     return container.isQuickTime ? codec.quickTimeTag : std::string_view{};
 }
 
-PictureGeometry GeometryOf(const ClipDescription& clip)
+PictureGeometry GeometryOf(const ClipFacts& clip)
 {
     RequirePicture(clip);
     const std::int32_t divisor = std::gcd(clip.timeScale, clip.sampleSize);
@@ -147,12 +148,10 @@ EncoderOptions OptionsOf(const VideoPlan& plan)
 
 } // namespace
 
-void RequireRate(const ClipDescription& clip)
+void RequireRate(const ClipFacts& clip)
 {
     if (clip.timeScale < 1 || clip.sampleSize < 1) {
-        // 254016000000 ticks a second / 25
-        throw ExportError("the clip has no frame rate: \"ticksperframe\" of \"mVideoFrameRate\" must be a "
-                          "positive number of ticks, such as 10160640000 for 25 frames per second");
+        throw ExportError(fmt::format("the clip has no frame rate{}", SettingHint(clip, Setting::FrameRate)));
     }
 }
 
@@ -177,12 +176,12 @@ void CheckQuality(const VideoCodec& codec, int quality)
     }
 }
 
-void RequirePicture(const ClipDescription& clip)
+void RequirePicture(const ClipFacts& clip)
 {
     if (clip.width < 1 || clip.height < 1) {
-        throw ExportError(fmt::format("the clip has no picture: its frames are {}x{}, but \"mFrameWidth\" and "
-                                      "\"mFrameHeight\" must be 1 or more; use --audio-only for its sound",
-                                      clip.width, clip.height));
+        throw ExportError(
+            fmt::format("the clip has no picture, its frames are {}x{}{}; use --audio-only for its sound",
+                        clip.width, clip.height, SettingHint(clip, Setting::FrameSize)));
     }
     RequireRate(clip);
 }

@@ -46,10 +46,10 @@ struct VideoPlan {
 };
 
 /// @throws ExportError  for a clip whose frames last no time that can be told
-void RequireRate(const importhost::ClipDescription& clip);
+void RequireRate(const document::ClipFacts& clip);
 
 /// @throws ExportError  for a clip whose frames have no size or rate
-void RequirePicture(const importhost::ClipDescription& clip);
+void RequirePicture(const document::ClipFacts& clip);
 
 /// @param clip    with the format of its frames
 /// @param chosen  a codec that goes into the container; null: the one that keeps the clip's format best
