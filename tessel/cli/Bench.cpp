@@ -169,7 +169,7 @@ void AddBenchCommand(CommandLine& commandLine, Context& context)
     const auto options = std::make_shared<BenchOptions>();
     const Command command =
         commandLine.AddCommand("bench", "Measure how fast a clip is synthesised on one thread");
-    command.AddOption("clip", options->clip, "Tessel document").Required();
+    command.AddOption("CLIP", options->clip, "Tessel document").Required().TakesFile(FileKind::Clip);
     command.AddFlag("--json", options->json, "Print JSON");
     command
         .AddSeconds("--seconds", options->limits.seconds, 0.001, 3600.0, "Seconds to spend on each measurement")
@@ -180,6 +180,8 @@ void AddBenchCommand(CommandLine& commandLine, Context& context)
         .ShowDefault();
     command.AddFlag("--allow-default", options->allowDefault,
                     "Take a malformed document as the default clip instead of refusing it");
+    command.AddExample("tessel bench clip.tessel --seconds 0.2",
+                       "A quick look, beside this machine's own memory");
     command.OnRun([&context, options] { RunBench(context, *options); });
 }
 

@@ -73,6 +73,8 @@ void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
+/// Added last: it explains the others.
+void AddHelpCommand(CommandLine& commandLine);
 /// @}
 
 } // namespace tessel::cli

@@ -192,7 +192,8 @@ void AddEditCommand(CommandLine& commandLine, Context& context)
 {
     const auto options = std::make_shared<EditOptions>();
     const Command command = commandLine.AddCommand("edit", "Edit a clip's settings in their dialog");
-    command.AddOption("CLIP", options->clip, "The data file to edit; without it a new one is made");
+    command.AddOption("CLIP", options->clip, "The data file to edit; without it a new one is made")
+        .TakesFile(FileKind::Clip);
     command.AddOption("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is");
     const Option size =
         command.AddOption("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT").ShowDefault();
@@ -206,9 +207,11 @@ void AddEditCommand(CommandLine& commandLine, Context& context)
     command.AddChoice("--theme", options->theme, {"dark", "light"}, "How the dialog looks").ShowDefault();
     command.AddFlag("--allow-default", options->allowDefault,
                     "Edit a document that cannot be read as if it held the default settings");
-    command.SetFooter(
+    command.SetDescription(
         "OK writes the settings back. Where the person chose to use a saved file instead, its path "
         "is printed and CLIP stays as it is, as it does after Cancel.");
+    command.AddExample("tessel edit clip.tessel", "Open the settings dialog on a clip");
+    command.AddExample("tessel edit -o new.tessel --size 1280x720 --rate 50", "Make a new clip in the dialog");
     command.OnRun([options, size, rate, pixelAspect, &context] {
         options->hasSequenceValues = size.WasGiven() || rate.WasGiven() || pixelAspect.WasGiven();
         Edit(context, *options);

@@ -63,10 +63,12 @@ void AddInfoCommand(CommandLine& commandLine, Context& context)
 {
     const auto options = std::make_shared<InfoOptions>();
     const Command command = commandLine.AddCommand("info", "Show what the plug-in reports of clips");
-    command.AddOption("clip", options->clips, "Tessel documents").Required();
+    command.AddOption("CLIP", options->clips, "Tessel documents").Required().TakesFile(FileKind::Clip);
     command.AddFlag("--json", options->json, "Print JSON: an object for one clip, an array for several");
     command.AddFlag("--allow-default", options->allowDefault,
                     "Take a malformed document as the default clip instead of refusing it");
+    command.AddExample("tessel info clip.tessel", "Frame size, format, rate, duration, colour space and sound");
+    command.AddExample("tessel info --json samples/*.tessel", "The same of several clips, for scripts");
     command.OnRun([&context, options] { RunInfo(context, *options); });
 }
 

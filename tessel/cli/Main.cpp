@@ -55,8 +55,8 @@ int Run(int argc, char** argv)
         CommandLine commandLine("tessel", "Exact test signals from small documents", TESSEL_VERSION);
         Context context;
         const Command shared = commandLine.Shared();
-        shared.AddOption(kPluginOption, context.plugin,
-                         "The importer plug-in: its file or the folder it is in");
+        shared.AddOption(kPluginOption, context.plugin, "The importer plug-in: its file or the folder it is in")
+            .ValueName("PATH");
         shared.AddFlag("--no-testing-plugins", context.noTestingPlugins,
                        "Load test plug-ins only where the debug database says so");
         AddInfoCommand(commandLine, context);
@@ -65,6 +65,10 @@ int Run(int argc, char** argv)
         AddDamageCommand(commandLine, context);
         AddEditCommand(commandLine, context);
         AddVerifyCommand(commandLine, context);
+        AddHelpCommand(commandLine);
+        shared.AddExample("tessel info clip.tessel", "What a clip is");
+        shared.AddExample("tessel render clip.tessel -o clip.mov", "A movie of it");
+        shared.AddExample("tessel help codecs", "What goes into which file");
         commandLine.Run(argc, argv);
         FlushOut();
         return context.exitCode;

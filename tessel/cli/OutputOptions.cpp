@@ -1,6 +1,7 @@
 #include "OutputOptions.h"
 
 #include "Commands.h"
+#include "help/NearMisses.h"
 
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
@@ -18,23 +19,28 @@ using exporting::ExportError;
 
 void AddOutputOptions(const Command& command, OutputOptions& options)
 {
-    command.AddOption("--format", options.format,
-                      "What to write, where the extension does not say it: " + exporting::ContainerNames());
-    command.AddOption("--video-codec", options.videoCodec,
-                      "Instead of the one that keeps the clip's format best: " + exporting::VideoCodecNames());
-    command.AddOption("--audio-codec", options.audioCodec,
-                      "Instead of the container's usual one: " + exporting::AudioCodecNames());
+    command.StartGroup("Output");
+    command.AddOption("--format", options.format, "What to write, where the extension does not say it")
+        .ValueName("NAME")
+        .WithChoices(NamesOfRows(exporting::AllContainers()));
     command
-        .AddNumber("--quality", options.quality, 0,
-                   "On the codec's own scale, 0 or 1 being the best: CRF of h264, hevc (16), av1 and vp9 (20), "
-                   "quantiser of mpeg2 and mjpeg (2)")
-        .ValueName("NUMBER");
-    command.AddNumber("--from", options.from, 0, "First frame, counted from 0").ValueName("FRAME");
-    command.AddNumber("--to", options.to, 0, "Last frame, included").ValueName("FRAME");
-    command.AddNumber("--frames", options.frames, 1, "Number of frames").ValueName("COUNT");
+        .AddOption("--video-codec", options.videoCodec, "Instead of the one that keeps the clip's format best")
+        .ValueName("NAME")
+        .WithChoices(NamesOfRows(exporting::AllVideoCodecs()));
+    command.AddOption("--audio-codec", options.audioCodec, "Instead of the container's usual one")
+        .ValueName("NAME")
+        .WithChoices(NamesOfRows(exporting::AllAudioCodecs()));
+    command.AddNumber("--quality", options.quality, 0,
+                      "On the codec's own scale, 0 or 1 being the best: CRF of h264, hevc (16), av1 and vp9 "
+                      "(20), quantiser of mpeg2 and mjpeg (2)");
     command.AddFlag("--audio-only", options.audioOnly, "Sound alone");
     command.AddFlag("--video-only", options.videoOnly, "Picture alone");
     command.AddFlag("--dither", options.dither, "Triangular dither for integer samples");
+    command.StartGroup("Frames");
+    command.AddNumber("--from", options.from, 0, "First frame, counted from 0").ValueName("FRAME");
+    command.AddNumber("--to", options.to, 0, "Last frame, included").ValueName("FRAME");
+    command.AddNumber("--frames", options.frames, 1, "Number of frames").ValueName("COUNT");
+    command.StartGroup("How it runs");
     command.AddNumber("--threads", options.threads, 1, "Threads to use; all cores where not said");
 }
 
@@ -56,8 +62,9 @@ const Container& FormatNamed(const std::string& name)
 {
     const Container* container = exporting::ContainerNamed(name);
     if (container == nullptr) {
-        throw UsageError(
-            fmt::format("--format {} is not known; there are {}", name, exporting::ContainerNames()));
+        throw UsageError(fmt::format("--format {} is not known; there are {}{}", name,
+                                     exporting::ContainerNames(),
+                                     DidYouMean(name, NamesOfRows(exporting::AllContainers()))));
     }
     return *container;
 }
@@ -96,15 +103,19 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
     if (!options.videoCodec.empty()) {
         request.videoCodec = exporting::VideoCodecNamed(options.videoCodec);
         if (request.videoCodec == nullptr) {
-            throw UsageError(fmt::format("--video-codec {} is not known; there are {}", options.videoCodec,
-                                         exporting::VideoCodecNames()));
+            throw UsageError(
+                fmt::format("--video-codec {} is not known; there are {}{}", options.videoCodec,
+                            exporting::VideoCodecNames(),
+                            DidYouMean(options.videoCodec, NamesOfRows(exporting::AllVideoCodecs()))));
         }
     }
     if (!options.audioCodec.empty()) {
         request.audioCodec = exporting::AudioCodecNamed(options.audioCodec);
         if (request.audioCodec == nullptr) {
-            throw UsageError(fmt::format("--audio-codec {} is not known; there are {}", options.audioCodec,
-                                         exporting::AudioCodecNames()));
+            throw UsageError(
+                fmt::format("--audio-codec {} is not known; there are {}{}", options.audioCodec,
+                            exporting::AudioCodecNames(),
+                            DidYouMean(options.audioCodec, NamesOfRows(exporting::AllAudioCodecs()))));
         }
     }
     if (options.quality) {

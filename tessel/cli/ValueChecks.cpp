@@ -1,10 +1,14 @@
 #include "ValueChecks.h"
 
+#include "help/NearMisses.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace tessel::cli {
 namespace {
@@ -34,6 +38,16 @@ ValueCheck WholeFrom(std::int64_t least)
         }
         text = std::to_string(number);
         return std::string{};
+    };
+}
+
+ValueCheck OneOf(std::vector<std::string> words)
+{
+    return [words = std::move(words)](const std::string& text) {
+        return std::find(words.begin(), words.end(), text) != words.end()
+                   ? std::string{}
+                   : fmt::format("must be one of {}, not \"{}\"{}", fmt::join(words, ", "), text,
+                                 DidYouMean(text, words));
     };
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tessel::cli {
 
@@ -16,6 +17,9 @@ using ValueCheck = std::function<std::string(std::string& text)>;
 
 /// A whole decimal number of `least` or more. Removes leading zeros, which would make it octal.
 [[nodiscard]] ValueCheck WholeFrom(std::int64_t least);
+
+/// One of `words`, exactly. The complaint names them all, and the nearest to what was typed.
+[[nodiscard]] ValueCheck OneOf(std::vector<std::string> words);
 
 /// A finite number of seconds, `least` to `most`.
 [[nodiscard]] ValueCheck Seconds(double least, double most);

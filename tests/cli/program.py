@@ -82,17 +82,30 @@ class ProgramTest(unittest.TestCase):
             file.write(content)
         return name
 
-    def run_program(self, *arguments, environment=None, **options):
+    def settings(self, environment=None):
+        """The environment that the program runs in."""
         settings = dict(os.environ)
         settings.pop("KESTREL_PLUGIN_PATH", None)
         settings["KESTREL_DEBUG_DATABASE"] = self.path("no-such-debug-database.json")
         settings.update(environment or {})
+        return settings
+
+    def run_command(self, command, environment=None, **options):
         options.setdefault("stdout", subprocess.PIPE)
         options.setdefault("cwd", self.folder)
-        completed = subprocess.run([PROGRAM, *arguments], env=settings, stdin=subprocess.DEVNULL,
-                                   stderr=subprocess.PIPE, timeout=120, check=False, **options)
+        options.setdefault("timeout", 120)
+        completed = subprocess.run(command, env=self.settings(environment), stdin=subprocess.DEVNULL,
+                                   stderr=subprocess.PIPE, check=False, **options)
         completed.stdout = completed.stdout or b""
         return Answer(completed)
+
+    def run_program(self, *arguments, **options):
+        return self.run_command([PROGRAM, *arguments], **options)
+
+    def run_shell(self, line, environment=None, **options):
+        """A line as people type it, with the program in their path."""
+        path = os.path.dirname(PROGRAM) + os.pathsep + os.environ.get("PATH", os.defpath)
+        return self.run_command(["/bin/sh", "-c", line], {"PATH": path, **(environment or {})}, **options)
 
     def assert_done(self, answer):
         self.assertEqual((answer.code, answer.err), (0, ""))

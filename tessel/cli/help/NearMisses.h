@@ -1,0 +1,29 @@
+/// What somebody meant who typed a word that is none.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessel::cli {
+
+/// The candidate that is most like `word`: one that it begins, or one with at most one wrong, missing, extra
+/// or swapped letter in three. Case does not count. Empty where none is like it.
+[[nodiscard]] std::string NearestTo(std::string_view word, std::span<const std::string> candidates);
+
+/// "; did you mean 'render'?", to end a message with; empty where nothing is like the word.
+[[nodiscard]] std::string DidYouMean(std::string_view word, std::span<const std::string> candidates);
+
+/// The names of a table's rows.
+template <class Rows>
+[[nodiscard]] std::vector<std::string> NamesOfRows(const Rows& rows)
+{
+    std::vector<std::string> names;
+    for (const auto& row : rows) {
+        names.emplace_back(row.name);
+    }
+    return names;
+}
+
+} // namespace tessel::cli

@@ -1,0 +1,35 @@
+"""Every example at the end of every --help runs as it stands."""
+
+import json
+import os
+import unittest
+
+from program import PROGRAM, ProgramTest, document
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+
+
+class Examples(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        os.symlink(os.path.join(ROOT, "samples"), self.path("samples"))
+        self.write("clip.tessel", document())
+        self.write("accept.script", "press okButton\n")
+
+    def play(self, command):
+        """Runs a line of shell as it is typed; whoever presses OK in dialogs is a script."""
+        return self.run_shell(command, environment={"KESTREL_UI": "scripted",
+                                                    "KESTREL_UI_SCRIPT": self.path("accept.script")})
+
+    def test_every_example_of_every_help_page_works(self):
+        dump = json.loads(self.run_program("help", "--dump-json").out)
+        examples = dump["examples"] + [example for command in dump["commands"] for example in command["examples"]]
+        self.assertGreater(len(examples), len(dump["commands"]))
+        for example in examples:
+            with self.subTest(example=example["command"]):
+                answer = self.play(example["command"])
+                self.assertEqual(answer.code, 0, answer.err)
+
+
+if __name__ == "__main__":
+    unittest.main()
