@@ -16,8 +16,8 @@ namespace ImporterTessel {
 /// @param position     First sample, from clip start; any 64-bit number.
 /// @param sampleCount  Samples per channel; 0 writes nothing.
 /// @param channels     Planar buffers of `sampleCount` floats; null writes nothing. The steady tone writes
-/// `info.mNumChannels` of
-///                     them (none for 0 or less), the stereo patterns two, the 5.1 patterns six.
+///                     `info.mNumChannels` of them (none for 0 or less), the stereo patterns two, the 5.1
+///                     patterns six.
 /// Threads: [any-thread]. Cost: one sine per sample of one sounding channel.
 void SynthesizeAudio(const TesselInfo& info, std::int64_t position, std::uint32_t sampleCount,
                      float* const* channels) noexcept;

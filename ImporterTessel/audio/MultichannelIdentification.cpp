@@ -40,7 +40,7 @@ private:
     std::uint32_t mBits = 0;
 };
 
-/// What a tone's first phase is that of.
+/// Whose first sample gives a tone its first phase: the segment's or the request's.
 enum class PhaseOrigin : std::uint8_t { Segment, Request };
 
 /// A run of units with one sound.

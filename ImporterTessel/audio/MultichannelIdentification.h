@@ -10,7 +10,7 @@ namespace ImporterTessel {
 /// throughout. All at 0.125, -18.06 dB full scale.
 ///
 /// Intended: a tone on a single channel starts with the phase of the request's first sample, so its waveform
-/// depends on where requests are cut; whoever wants the same samples again cuts them the same way.
+/// depends on where requests are cut; to get the same samples again, cut them the same way.
 ///
 /// @param request  Its array holds six buffers; a null one is passed over.
 /// Threads: [any-thread].

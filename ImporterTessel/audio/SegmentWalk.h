@@ -45,7 +45,7 @@ void WalkSegments(const AudioRequest& request, const PatternGrid& grid, const En
         const auto unit = static_cast<std::int32_t>(
             std::clamp<std::int64_t>((time - cycleStart).ToFrame64(grid.unit), 0, grid.unitCount - 1));
         const TickTime end = cycleStart.AddFrames(endUnit(unit), grid.unit);
-        // A border between two samples would give an empty segment, and a walk that stands still.
+        // At least 1: a border between two samples would give an empty segment and an endless loop.
         const auto length = static_cast<std::uint32_t>(
             std::clamp<std::int64_t>((end - time).ToFrame64(request.rate), 1, request.sampleCount - offset));
         write(Segment{unit, time, offset, length});

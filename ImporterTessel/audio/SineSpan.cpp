@@ -35,7 +35,7 @@ bool IsWithinVectorRange(double phase) noexcept
     return std::fabs(phase) <= kLargestVectorPhase;
 }
 
-/// Phases in flight: 4 KiB, which stay in the nearest cache.
+/// Phases computed at a time: 4 KiB, which stay in the L1 cache.
 constexpr std::size_t kBlockSize = 512;
 
 } // namespace

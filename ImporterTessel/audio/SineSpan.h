@@ -1,4 +1,4 @@
-/// The one sine generator that every signal is made with.
+/// The sine generator of every signal.
 #pragma once
 
 #include <kestrel/qelmediatypes/TickTime.h>
@@ -19,9 +19,9 @@ struct Tone {
     float amplitude = 0.0F; ///< linear peak factor; any float
 };
 
-/// Two pi as the signal has it: rounded to float, and so 1.75e-7 too large. Intended: with the exact value a
-/// long span would be another signal. What it costs: the end of a span and the start of one that begins
-/// there differ by up to amplitude × 1.75e-7 × cycles of the first span.
+/// Two pi, rounded to float, so 1.75e-7 too large. Intended: the exact value would change the samples of long
+/// spans. The cost: the end of a span and the start of one that begins there differ by up to
+/// amplitude × 1.75e-7 × cycles of the first span.
 inline constexpr double kTwoPi = static_cast<double>(6.28318530717958647692F);
 static_assert(kTwoPi == 6.2831854820251465);
 

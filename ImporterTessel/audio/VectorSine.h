@@ -9,7 +9,7 @@ namespace ImporterTessel {
 /// Registers that the sines are computed in. Every width gives the same bits: the operations are those of
 /// IEEE 754 doubles, in the same order, never fused.
 enum class VectorWidth : std::uint8_t {
-    Baseline, ///< what the compiler takes for granted on its target
+    Baseline, ///< what every processor of the target has
     Avx2,     ///< 256 bits
     Avx512    ///< 512 bits
 };

@@ -24,8 +24,8 @@ constexpr std::array<FrameRateChoice, 14> kFrameRates{{
     {{kTicksPerSecond * 1001 / 24000}, "23.976 fps - (24000.0 / 1001.0)"},
     Whole(24, "24 fps"),
     Whole(25, "PAL - 25 fps"),
-    // Intended: the parenthesis stays open, and two rows on the denominator is misprinted, while the rates
-    // are the true ones. People know these labels from screenshots and test plans.
+    // Intended: the parenthesis stays open, and the denominator three rows below is misprinted. The rates are
+    // right. People know these labels from screenshots and test plans.
     {{kTicksPerSecond * 1001 / 30000}, "NTSC - 29.97 fps - (30000.0 / 1001.0"},
     Whole(30, "30 fps"),
     Whole(50, "PAL HD - 50 fps"),

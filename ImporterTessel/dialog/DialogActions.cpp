@@ -1,4 +1,4 @@
-/// What leaves the dialog for a moment: picking colours, choosing files, saving.
+/// Actions that open another dialog or a file: picking colours, choosing swatch files, saving.
 #include "ImporterTesselPrefsDialogImpl.h"
 
 #include <ImporterTessel/settings/DocumentText.h>
@@ -125,8 +125,8 @@ void ImporterTesselPrefsDialogImpl::PickColor(FloatColor& color)
 void ImporterTesselPrefsDialogImpl::ChooseSwatchCoordinatesFile()
 {
     if (const auto path = AskForFile(GetDialog(), "Swatch Coordinates File")) {
-        // Intended: shown before it is read, so that a file which fails to load shows all the same while the
-        // settings keep the old one.
+        // Intended: the path is shown before the file is read. If reading fails, the dialog shows the new path
+        // and the settings keep the old one.
         ShowPath(*mControls.swatchCoordinatesPath, *path);
         LoadSwatchFile(*path, ReadSwatchCoordinatesFile, mPrefs.mSwatchCoordinates,
                        mPrefs.mSwatchCoordinatesFilePath);

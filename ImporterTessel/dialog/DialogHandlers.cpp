@@ -142,7 +142,7 @@ void ImporterTesselPrefsDialogImpl::OnIdentifierFormat()
 void ImporterTesselPrefsDialogImpl::OnOk()
 {
     if (!mPrefs.mSavePath.empty()) {
-        // Intended: nobody looks at the result; OK means that the settings count, saved or not.
+        // Intended: the result is ignored; OK accepts the settings, saved or not.
         WriteDataFile(mPrefs.mSavePath);
     }
     mExchange->SetPrefs(mPrefs);

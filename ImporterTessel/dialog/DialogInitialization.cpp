@@ -1,4 +1,4 @@
-/// How the dialog's controls come to show the settings, and what depends on what.
+/// Shows the settings in the dialog's controls, and enables the controls that depend on others.
 #include "ChoiceTables.h"
 #include "ImporterTesselPrefsDialogImpl.h"
 
@@ -39,7 +39,7 @@ void ImporterTesselPrefsDialogImpl::InitializeControls()
     FillFrameRatePopup(*mControls.frameRate, mPrefs.mVideoFrameRate);
     mControls.durationSeconds->SetValue(static_cast<double>(mPrefs.mVideoDuration.Ticks()) /
                                         static_cast<double>(qelmediatypes::kTicksPerSecond));
-    // Intended: a stored duration is moved to whole frames, at least one, before anybody touched it.
+    // Intended: a stored duration is rounded to whole frames, at least one, as soon as the dialog opens.
     OnDurationSeconds();
     mControls.frameWidth->SetValue(mPrefs.mFrameWidth);
     mControls.frameHeight->SetValue(mPrefs.mFrameHeight);
@@ -77,7 +77,7 @@ void ImporterTesselPrefsDialogImpl::InitializeAudio()
     mControls.identifyChannels->SetValue(mPrefs.mToneFormat == kToneIdentifyChannels ? 1 : 0);
     mIdentifierFormats = FillIdentifierFormatPopup(*mControls.identifierFormat, mPrefs.mKsAudioChannelType,
                                                    mPrefs.mIdentifierFormat);
-    // Intended: a format that is not on offer gives way to the chosen item's.
+    // Intended: a format that the popup does not offer is replaced by the chosen item's.
     OnIdentifierFormat();
     mControls.identifierFormat->SetDisabled(false);
     UpdateAudioEnabling();
@@ -112,7 +112,7 @@ void ImporterTesselPrefsDialogImpl::UpdateRenderTypePopups()
         break;
     case kRenderHorizontalGradient:
         slots.SetItemEnabled(0, false);
-        // Intended: the start colours come first, and the popup ends on the end colours all the same.
+        // Intended: the start colours are chosen and then the end colours, which stay.
         slots.SetValue(1);
         slots.SetValue(2);
         break;

@@ -121,7 +121,7 @@ private:
     /// The colour that a column shows: of the popup's slot; null where no slot is chosen.
     [[nodiscard]] FloatColor* ShownColor(std::size_t column);
 
-    // Actions: what leaves the dialog for a moment.
+    // Actions that open another dialog or a file.
     void OnColorButton(std::size_t column);
     void PickColor(FloatColor& color);
     /// The colour that a column's button picks: of the render type first; null where it picks none.

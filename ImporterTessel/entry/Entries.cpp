@@ -14,7 +14,7 @@ void PluginDataEntryFunction(void* hostContext, ksPluginDataCallback callback)
     if (callback == nullptr) {
         return;
     }
-    // 13 and 29 are the host's; it does not examine what the callback answers, and neither does this.
+    // The host fixes 13 and 29, and gives the callback's status no meaning.
     static_cast<void>(callback(hostContext, ImporterTessel::kNameKey, ImporterTessel::kMatchName,
                                ImporterTessel::kKind, "", ImporterTessel::kImporterCode, 13, 29, 0));
 }

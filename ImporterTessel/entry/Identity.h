@@ -1,4 +1,4 @@
-/// How the plug-in presents itself to the host: said by its property list and by its identity callback alike.
+/// How the plug-in presents itself to the host, in its property list and in its identity callback.
 #pragma once
 
 #include <kestrel/qelcore/FourCharacterCode.h>

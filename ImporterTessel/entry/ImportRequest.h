@@ -63,8 +63,8 @@ std::int32_t NotePointer(ImportRequest& request)
     return ksResultUnsupported;
 }
 
-/// Declines after looking whether the pointer at byte `offset` is there, which it notes, too: a null
-/// record or pointer is a failure.
+/// Notes the pointer at byte `offset` of the record and declines; fails where the record or the pointer is
+/// null.
 template <ImportParameter parameter, std::size_t offset>
 std::int32_t NeedPointer(ImportRequest& request)
 {

@@ -8,7 +8,7 @@ namespace ImporterTessel {
 
 namespace {
 
-/// The host's table holds functions of every signature; whoever takes one out knows its own by the name.
+/// The host's table holds functions of every signature; the name tells its reader which one it is.
 template <class Function>
 [[nodiscard]] qelcore::utility::PluginEntryInfo Entry(Function* function, const char* name) noexcept
 {

@@ -25,9 +25,8 @@ private:
 
 /// Reads a file's bytes up to its first NUL into `text`, and no more of them than `ParseDocument` needs to
 /// refuse a text that is too long.
-/// @return the status of the open, or the negative one of reading; negative leaves `text` untouched. Throws
-/// only
-///         `std::bad_alloc`.
+/// @return the status of the open, or the negative one of reading; negative leaves `text` untouched.
+/// Throws only `std::bad_alloc`.
 [[nodiscard]] ORB::Status ReadDocumentText(std::u16string_view path, std::string& text);
 
 /// A parsed text. A root object with the key "SerializerWrappedObject" is a wrapper: the document is the value

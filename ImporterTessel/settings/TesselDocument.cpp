@@ -21,8 +21,7 @@ using qelmediatypes::color::ColorSpace;
 
 namespace {
 
-// What a field's value becomes and where it comes from, by the field's type; fields of plain types have theirs
-// in DocumentFields. @{
+// Fields to document values and back, by the field's type; DocumentFields has the plain types. @{
 
 void ReadField(const Value& value, std::string_view key, FloatColor& color)
 {
