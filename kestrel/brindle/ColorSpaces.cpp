@@ -71,7 +71,7 @@ ColorSpace SpaceOf(const ListedSpace& listed)
     return space;
 }
 
-/// What the profile says of itself; nothing where its bytes are not colour codes.
+/// The colour codes in the profile; nothing where its bytes are something else.
 std::optional<Codes> CodesOf(const ColorSpace& space) noexcept
 {
     const std::vector<std::uint8_t>& data = space.baseColorProfile.data;

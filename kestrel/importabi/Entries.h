@@ -71,8 +71,8 @@ static const char kSableSectionPrefix[] = ".ksres.SABLE.";
 
 /// An ELF note leads to a layout in the loaded plug-in, whose file the host does not open again. Its
 /// description: the layout's distance from the description's start and its size, 32 bits each, then the
-/// section's name without
-/// ".ksres." and a NUL. The package's kestrel_add_importer_resource writes section and note.
+/// section's name without ".ksres." and a NUL. The package's kestrel_add_importer_resource writes section and
+/// note.
 static const char kResourceNoteOwner[] = "Kestrel";
 enum { kResourceNoteType = 1 };
 

@@ -1,5 +1,5 @@
-/// One open clip, typed: everything that a program learns of a clip, it learns here, and this learns it
-/// through the plug-in's selectors.
+/// One open clip. A program learns everything about a clip here; it comes from the plug-in's answers to
+/// selectors.
 #pragma once
 
 #include <kestrel/Export.h>

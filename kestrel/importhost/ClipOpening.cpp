@@ -222,7 +222,7 @@ std::optional<std::string> Clip::AskSettingsText() const
         }
         return result == ksResultServed;
     };
-    // What the plug-in logs now it logged when the clip opened.
+    // The plug-in logs here what it has already logged when the clip opened.
     const qelcore::logging::ScopedListener quiet([](const qelcore::logging::Message&) {});
     ksSettingsExchangeRec sizeQuestion{};
     if (!ask(sizeQuestion) || sizeQuestion.bufferSize == 0) {

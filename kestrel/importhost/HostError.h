@@ -1,4 +1,4 @@
-/// What goes wrong between a person and a clip.
+/// Errors of the host, with messages for a person.
 #pragma once
 
 #include <kestrel/Export.h>

@@ -151,8 +151,8 @@ std::shared_ptr<Importer> Importer::Load(const std::filesystem::path& pluginFile
 
 void Importer::StartUp(TestingPlugins testingPlugins)
 {
-    // The plug-in asks the debug database while it starts, on this thread: other threads' loads keep what
-    // they were told.
+    // The plug-in asks the debug database on this thread while it starts, so loads on other threads are not
+    // affected.
     std::optional<qelcore::debug::ScopedOverride> openGate;
     if (testingPlugins == TestingPlugins::Allowed) {
         openGate.emplace(kTestingPluginsKey, "true");

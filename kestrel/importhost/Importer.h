@@ -27,7 +27,7 @@ struct FileType {
     std::vector<std::string> extensions;
 };
 
-/// Whether the host lets itself be told that test plug-ins may load.
+/// Whether test plug-ins may start although the debug database does not allow it.
 enum class TestingPlugins { Allowed, AsDebugDatabaseSays };
 
 /// One importer library, loaded and started. Unloads when the last owner lets go; clips own it.

@@ -39,7 +39,7 @@ EditedSettings Exchange(const Importer& importer, ksFileAccessRec& access, ksSet
     }
     std::vector<char> buffer(static_cast<std::size_t>(exchange.bufferSize) + 1, '\0');
     exchange.text = buffer.data();
-    // The plug-in says a size only where it wrote a text, so this one must not be taken for its answer.
+    // The plug-in writes the size only together with a text. A size of 0 afterwards means: no text.
     exchange.bufferSize = 0;
 
     EditedSettings edited;

@@ -155,7 +155,7 @@ PreviewPicture Render(const Importer& importer, const std::string& settingsText)
 PreviewPicture RenderSettingsPreview(const Importer& importer, const std::string& settingsText) noexcept
 {
     try {
-        // What the plug-in has to say about half-made settings is nobody's business.
+        // Unfinished settings may be wrong: what the plug-in logs about them is dropped.
         const qelcore::logging::ScopedListener quiet([](const qelcore::logging::Message&) {});
         return Render(importer, settingsText);
     } catch (...) {

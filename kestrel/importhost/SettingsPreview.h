@@ -1,4 +1,4 @@
-/// A small picture of frame 0 of settings that are no clip yet.
+/// A small picture of frame 0 of settings that are not a clip yet.
 #pragma once
 
 #include <kestrel/Export.h>

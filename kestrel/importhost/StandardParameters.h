@@ -6,7 +6,7 @@
 namespace importhost {
 
 /// The one block of the process. Every slot of its function tables that no plug-in here needs holds a
-/// function that does nothing, so that a stray call does not jump to nowhere. Threads: [thread-safe].
+/// function that does nothing, so that a stray call is harmless. Threads: [thread-safe].
 [[nodiscard]] const ksStdParms& HostStandardParameters() noexcept;
 
 /// Gives back a block that a plug-in got from this host's allocator and handed to the host, such as the

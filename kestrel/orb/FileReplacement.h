@@ -106,8 +106,7 @@ private:
 /// Syncs the entries of `folder`, which a rename has changed. @return 0, or an error number.
 [[nodiscard]] KESTREL_API int SyncFolder(const std::string& folder) noexcept;
 
-/// Syncs everything on the file system of `folder`. @return 0, or an error
-/// number.
+/// Syncs everything on the file system of `folder`. @return 0, or an error number.
 [[nodiscard]] KESTREL_API int SyncFileSystem(const std::string& folder) noexcept;
 
 /// An error of writing a file, in words: "the disk is full". Threads: [any-thread].

@@ -1,4 +1,4 @@
-/// One colour as a format stores it. What the image library paints with, be it rectangles or digits.
+/// One colour as a format stores it. Fills and digits are painted with it.
 ///
 /// Numbers. R'G'B' to Y'CbCr follows ITU-R BT.601-7 (KR 0.299, KB 0.114) and BT.709-6 (KR 0.2126,
 /// KB 0.0722): Y' = KR·R' + (1-KR-KB)·G' + KB·B', Cb = (B'-Y')/(2(1-KB)), Cr = (R'-Y')/(2(1-KR)).

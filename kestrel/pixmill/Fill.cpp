@@ -16,7 +16,7 @@ namespace {
 constexpr std::int32_t kFilled = 0;
 constexpr std::int32_t kBadArgument = -1;
 
-/// How far ahead a run of rows is fetched: 1 to 16 KiB were measured alike.
+/// How far ahead of the stores a run of rows is prefetched. 1 to 16 KiB are equally fast (measured).
 constexpr std::ptrdiff_t kAheadInRun = 4096;
 
 struct __attribute__((packed, may_alias)) UnalignedFloat {
@@ -88,8 +88,8 @@ void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, s
     return kFilled;
 }
 
-/// A gradient comes row by row, and a short row takes so little time that whatever a function keeps on the
-/// stack shows: those stores wait behind the row's own. Hence few arguments, and calls at the ends only.
+/// A gradient is filled row by row. A short row takes so little time that stores to the stack can be measured:
+/// they wait behind the row's own. Hence few arguments, and calls only at the ends.
 [[gnu::noinline]] std::int32_t FillOneRow(std::byte* row, std::size_t byteCount, std::uint32_t code,
                                           const void* color, std::ptrdiff_t ahead) noexcept
 {

@@ -9,9 +9,9 @@
 
 namespace pixmill {
 
-/// A `FillPattern` in two little-endian words. Between the conversion of a colour and the wide stores a pattern
-/// travels like this, in registers: put together in memory from narrow stores and read back at once, it would
-/// have to wait until the row painted before has left the store queue, a fifth of the time of a short row.
+/// A `FillPattern` in two little-endian words: from the conversion of a colour to the wide stores a pattern
+/// stays in registers. Written to memory by narrow stores and loaded at once, it would wait until the row
+/// painted before has left the store queue: a fifth of the time of a short row.
 struct FillWords {
     std::uint64_t low, high;
 };
@@ -20,9 +20,8 @@ struct FillWords {
 ///
 /// @param row        Borrowed; any alignment; exactly `byteCount` bytes are written.
 /// @param byteCount  A multiple of 4.
-/// @param ahead      How many bytes on memory is fetched while this is written: the way to the next row, or
-/// some
-///                   KiB in a long run; 0 where nothing follows. Only a hint: nothing is touched there.
+/// @param ahead      How many bytes ahead memory is prefetched: the distance to the next row, or some KiB in a
+///                   long run; 0 where nothing follows. Nothing is read or written there.
 void FillRow(std::byte* row, std::size_t byteCount, FillWords pattern, std::ptrdiff_t ahead) noexcept;
 
 /// The same for `rows` rows that do not follow one upon the other, such as those of one field.

@@ -136,8 +136,8 @@ GlyphMask::GlyphMask(std::size_t glyph, std::uint32_t digitHeight, std::uint32_t
         mRowStarts.push_back(mRuns.size());
         for (std::uint32_t x = 0; x < cellWidth;) {
             const double distance = outline.DistanceTo({x + 0.5, row + 0.5});
-            // Half a pixel away the edge is out of the pixel. And as the distance changes by no more than one
-            // a pixel, it says how many pixels further on need not be asked.
+            // The edge passes through the pixel only if it is less than half a pixel away. The distance changes
+            // by at most 1 per pixel, so the next `clear` pixels can be skipped.
             const double clear = std::abs(distance) - 0.5;
             std::uint32_t length = 1;
             if (clear >= 0) {

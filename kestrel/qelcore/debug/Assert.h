@@ -1,4 +1,4 @@
-/// Assertion reports and what a debugger has to do with them.
+/// Assertion reports, and breaking into a debugger.
 #pragma once
 
 #include <kestrel/Export.h>

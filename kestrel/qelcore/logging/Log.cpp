@@ -42,7 +42,7 @@ void Log(std::string_view context, std::string_view text) noexcept
             WriteToStandardError(message);
             return;
         }
-        // What a handler itself logs goes to the next older listener, not round in circles.
+        // What a handler logs goes to the next older listener, so that no handler calls itself.
         tListener = listener->mPrevious;
         listener->mHandler(message);
     } catch (...) {

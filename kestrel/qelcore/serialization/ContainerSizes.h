@@ -11,9 +11,8 @@ namespace qelcore::serialization {
 
 /// Arrays and objects of a JSON text in the order in which they begin.
 struct ContainerSizes {
-    /// Elements or members of each, so that memory for them can be had at once and none is left over. Of a
-    /// malformed text, those up to the place where that shows here; sums of them are never larger than the
-    /// text.
+    /// How many elements or members each has, so that exactly their memory can be allocated. A malformed text
+    /// is counted up to the fault. The sum of all counts is never larger than the text.
     std::vector<std::uint32_t> sizes;
     /// Where a container begins that lies deeper than allowed, as an offset in the text; what follows is not
     /// counted.

@@ -20,15 +20,12 @@ inline constexpr std::size_t kDeepestJSONNesting = 10'000;
 
 /// Parses UTF-8 text.
 ///
-/// @param text    The document, whose first NUL ends it where it holds one. Text after the document is
-/// malformed, white
-///                space is not. A byte order mark is passed over. Of duplicate keys the last wins.
-/// @param error   Where not null and nothing results: one line that says what is wrong and where; columns are
-/// in
-///                characters.
+/// @param text    The document, up to its first NUL. White space may follow the document, other text makes it
+///                malformed. A byte order mark is skipped. Of duplicate keys the last wins.
+/// @param error   If not null, receives one line that says what is wrong and where, when nothing is returned.
+///                Columns are counted in characters.
 /// @return the value, or nothing where the text is not well-formed: wrong JSON, invalid UTF-8, a number that is
-/// no
-///         finite double, or one of the limits above passed. Unpaired surrogate escapes become U+FFFD.
+///         no finite double, or one of the limits above passed. Unpaired surrogate escapes become U+FFFD.
 /// Throws only `std::bad_alloc`. Threads: [any-thread]. Cost: at most 15 bytes of memory for a byte of text,
 /// also while parsing.
 [[nodiscard]] KESTREL_API Value JSONParse(std::string_view text, std::string* error = nullptr);

@@ -33,8 +33,8 @@ long long ExponentOf(std::string_view number)
     return exponent;
 }
 
-/// Whether a number that no double can hold is so because it is too small, not too large. It has a digit
-/// other than 0, for every zero can be held.
+/// Whether a number that no double can hold is too small, not too large. The number is not 0, which a double
+/// can hold.
 bool IsTiny(std::string_view number)
 {
     const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));

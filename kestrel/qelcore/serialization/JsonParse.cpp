@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-// The library is this file's own business: none of its names leave this library, and its internal checks of
-// numbers, which look at the process's locale, do not end the process.
+// Only this file uses the library. Its symbols stay hidden, and its internal checks of numbers, which depend
+// on the process's locale, are switched off.
 #define JSON_ASSERT(condition) ((void)0)
 #pragma GCC visibility push(hidden)
 #include <nlohmann/json.hpp>

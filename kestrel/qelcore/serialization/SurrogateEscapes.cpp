@@ -37,11 +37,11 @@ bool IsIn(std::optional<unsigned> unit, unsigned first, unsigned last)
 std::string_view WithoutUnpairedSurrogates(std::string_view text, std::string& storage)
 {
     bool isCopied = false;
-    // A backslash outside of a string is malformed anyway, so strings need not be told from the rest.
+    // A backslash outside a string is malformed anyway, so strings need not be found.
     std::size_t place = text.find('\\');
     while (place != std::string_view::npos) {
         const std::optional<unsigned> unit = EscapeAt(text, place);
-        std::size_t length = 2; // any other escape; above all that of a backslash, whose second one is none
+        std::size_t length = 2; // any other escape; of `\\`, the second backslash begins none
         if (IsIn(unit, 0xD800, 0xDBFF) && IsIn(EscapeAt(text, place + kEscapeLength), 0xDC00, 0xDFFF)) {
             length = 2 * kEscapeLength;
         } else if (IsIn(unit, 0xD800, 0xDFFF)) {
