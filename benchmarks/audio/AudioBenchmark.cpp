@@ -53,7 +53,7 @@ private:
     std::array<float*, kMostChannels> mChannels{};
 };
 
-/// Seconds of processor time that `work` takes: what else the machine does is not counted.
+/// Seconds of processor time that `work` takes; other processes do not count.
 template <class Work>
 double SecondsOf(const Work& work)
 {
@@ -86,7 +86,7 @@ void MakeToneByThePlainLoop(Buffers& buffers, std::int64_t blocks)
 
 constexpr std::int64_t kToneBlocks = 20;
 
-/// Ours and the plain loop take turns, so that both meet the same machine.
+/// Our generator and the plain loop take turns, so that both run under the same load.
 void TonePerSample(benchmark::State& state)
 {
     Buffers buffers;
@@ -163,7 +163,7 @@ BENCHMARK(Identification)
     ->UseManualTime()
     ->MinTime(0.5);
 
-/// A data file that is gone with its owner.
+/// A data file that its owner removes.
 class TemporaryDocument {
 public:
     explicit TemporaryDocument(const TesselInfo& info)

@@ -1,4 +1,4 @@
-"""tessel bench: the report's shape. How fast anything is, is no matter of tests."""
+"""tessel bench: the report's shape. Speed itself is not tested."""
 
 import json
 import unittest

@@ -1,4 +1,4 @@
-"""File names that people really have, and some that they should not have."""
+"""Unusual file names, valid and invalid ones."""
 
 import json
 import os
@@ -50,7 +50,7 @@ class FileNames(ProgramTest):
         name = b"b\xffd.tessel"
         self.write(name, document())
         self.assert_failed(self.run_program(b"info", name), 1, "b\ufffdd.tessel", "not UTF-8")
-        # With a plug-in that is not there the name is still what is wrong.
+        # The name is refused before the plug-in is looked for.
         self.assert_failed(self.run_program("--plugin", "gone.so", "info", name), 1, "not UTF-8")
 
     def test_a_folder_that_is_not_utf8_does_not_matter_to_a_name_below_it(self):

@@ -20,7 +20,7 @@ expect_not_run()
 # Descriptors 0 to 3 remain: enough to load libraries one after another, one too few for a pipe.
 exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-
 expect_not_run "too few files" prlimit --nofile=4 "$@"
-# The limit on processes does not hold for the administrator, who becomes somebody else here.
+# The limit on processes does not hold for the administrator, so the checker runs as another user.
 if [ "$(id -u)" = 0 ]; then
     expect_not_run "too few processes" setpriv --reuid=65534 --clear-groups prlimit --nproc=1 "$@"
 else

@@ -84,7 +84,7 @@ bool IsPictured(BR::PixelFormat format, const Look& look, Size size)
     const bool fields = look.fieldType != 0;
     switch (format) {
     case PixelFormat::BGRA_4444_8u:
-        return true; // all looks
+        return true; // in every look
     case PixelFormat::BGRA_4444_32f:
         return look.number || fields;
     case PixelFormat::VUYA_4444_8u_709:

@@ -1,4 +1,4 @@
-"""Checks what the built libraries show the world: check_exports.py --plugin FILE --library NAME FILE [--headers H;H]..."""
+"""Checks the symbols that the built libraries export: check_exports.py --plugin FILE --library NAME FILE [--headers H;H]..."""
 
 import argparse
 import re

@@ -14,7 +14,7 @@ import tempfile
 
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror"]
 WIRE_FORMAT = "kestrel/importabi/"
-# Needs Qt's headers, and is no public one.
+# Needs Qt's headers, and has no public header.
 WINDOWS = "kestrel/qt/"
 
 
@@ -27,7 +27,7 @@ def headers_below(root):
 
 
 def compile_alone(root, header, compiler, language):
-    """What the compiler says, empty where it is content."""
+    """The compiler's messages, empty where it has none."""
     command = [compiler, "-x", "c" if language == "c11" else "c++", f"-std={language}", *WARNINGS, "-fsyntax-only",
                "-I", root, "-"]
     done = subprocess.run(command, input=f"#include <{header}>\n", stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -53,7 +53,7 @@ def complaints(root, cxx):
 
 
 def check_the_check(cxx):
-    """A header that needs another one, and one that is no C, must be found."""
+    """A header that needs another one, and one that is not C, must be found."""
     with tempfile.TemporaryDirectory() as root:
         for path, text in (("kestrel/importabi/Cxx.h", "struct Packed { int a; };\nstatic inline Packed* P();\n"),
                            ("kestrel/orb/Needy.h", "inline std::string text;\n"),

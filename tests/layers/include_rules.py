@@ -8,7 +8,7 @@ SOURCE_FOLDERS = ("ImporterTessel", "examples", "kestrel", "tessel", "tests/conf
 SOURCE_ENDINGS = (".h", ".hpp", ".cpp", ".c", ".inc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:<([^>\n]+)>|"([^"\n]+)")', re.MULTILINE)
 
-# Headers that name an operating system. Architecture headers (immintrin.h) are no platform's.
+# Headers that name an operating system. Architecture headers (immintrin.h) are allowed everywhere.
 PLATFORM_HEADERS = re.compile(
     r"^(?:sys/.*|linux/.*|unistd\.h|fcntl\.h|dlfcn\.h|pwd\.h|pthread\.h|poll\.h|dirent\.h|termios\.h|elf\.h|link\.h|"
     r"gelf\.h|libelf\.h|spawn\.h|sched\.h|mach/.*|windows\.h|io\.h)$")

@@ -312,7 +312,7 @@ private:
         if (sCurrent->behaviour.boundsFail || frame == nullptr) {
             return -1;
         }
-        std::fill_n(bounds, 4, -12345); // nobody may rely on them
+        std::fill_n(bounds, 4, -12345); // arbitrary: the settings say how large a frame is
         return 0;
     }
     static std::int32_t GetRowBytes(ksFrameHandle handle, std::int32_t* rowBytes)
@@ -327,7 +327,7 @@ private:
     }
 
     static inline ForeignHost* sCurrent = nullptr;
-    static constexpr int sPixelFormatSuite = 0; // nobody looks into this suite
+    static constexpr int sPixelFormatSuite = 0; // plug-ins call nothing in this suite
 
     std::vector<std::unique_ptr<Frame>> mFrames;
     std::vector<std::unique_ptr<std::byte[]>> mBlocks;

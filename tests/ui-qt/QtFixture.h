@@ -1,4 +1,4 @@
-/// What tests of the Qt toolkit share: an application without a screen, and hands.
+/// What tests of the Qt toolkit share: an application without a screen, a mouse and a keyboard.
 #pragma once
 
 #include <kestrel/qelui/controls/UI_Button.h>
@@ -33,7 +33,7 @@ inline kestrelqt::QtToolkit& Toolkit()
     return *toolkit;
 }
 
-/// Lets Qt do what is waiting.
+/// Lets Qt process the events that wait.
 inline void Settle()
 {
     for (int round = 0; round < 5; ++round) {

@@ -91,7 +91,7 @@ TEST_F(ScrubField, AClickChangesNothing)
     mNumber->SetValue(1000.04321);
     ui_qt::Mouse mouse(*mField);
     mouse.Press();
-    mouse.MoveBy(2); // a hand is not that steady
+    mouse.MoveBy(2); // a hand moves a little during a click
     mouse.Release();
     EXPECT_EQ(mNumber->GetValue(), 1000.04321);
     EXPECT_EQ(mChanges, 0);

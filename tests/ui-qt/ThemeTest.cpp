@@ -91,7 +91,7 @@ TEST_P(Theme, PaletteIsReadableInEveryActiveRole)
     }
 }
 
-// WCAG 2.1, 1.4.11: what shows where the focus is stands at 3:1 or more.
+// WCAG 2.1, 1.4.11: what shows the focus has a contrast of 3:1 or more.
 TEST_P(Theme, FocusOutlineShowsOnEverySurface)
 {
     for (const QColor& surface : {mColors.window, mColors.card, mColors.field, mColors.button}) {
@@ -100,7 +100,7 @@ TEST_P(Theme, FocusOutlineShowsOnEverySurface)
     ExpectReadable(mColors.text, mColors.accent, "outline of the default button", 3.0);
 }
 
-// Ours: what cannot be used is dim, but can still be read.
+// Our own limits: disabled text is dim, but can be read.
 TEST_P(Theme, DisabledTextCanStillBeRead)
 {
     ExpectReadable(mColors.disabled, mColors.card, "disabled text on a card", 3.0);

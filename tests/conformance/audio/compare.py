@@ -14,7 +14,7 @@ from plugin import POISON, OpenClip, Plugin
 SAMPLE_RATES = (8000, 44100, 48000, 96000, 192000)
 TEN_HOURS = 36000
 LONGEST = 300000
-# Sines are what the model takes its time for.
+# The model spends its time on sines.
 RANDOM_SAMPLES = 800000
 
 TOLERANCE = 1e-6
@@ -35,7 +35,7 @@ class Comparison:
         self.requests += 1
         for channel, samples in enumerate(actual):
             wanted = expected.get(channel, POISON * count)
-            # What is to stay untouched is compared, but makes no share of equal samples better.
+            # Channels that must stay untouched are compared, but do not raise the share of equal samples.
             self.samples += count if channel in expected else 0
             if len(samples) != len(wanted):
                 sys.exit(f"FAILED: {len(samples)} samples from {position} instead of {len(wanted)}")
@@ -73,7 +73,7 @@ def compare(plugin, pattern, seed):
         for channel_count in range(1, 9):
             frequency = source.choice((1000.0, 440.0, 82.40689, 3999.9, 0.5, -1000.0))
             clip = model.Clip(pattern, sample_rate, channel_count, frequency, source.uniform(0.001, 1.0))
-            # Borders are shared out over the channel counts.
+            # The borders are divided among the channel counts.
             positions = positions or tuple(border_positions(clip))
             with OpenClip(plugin, clip) as open_clip:
                 for position in positions[channel_count - 1::8]:

@@ -60,8 +60,8 @@ TEST(AudioSynthesis, OfADefaultClipIsAStereoToneOf1000Hertz)
     EXPECT_TRUE(buffers.IsUntouched(2));
 }
 
-// At 48048.05 samples a second a sample lasts no whole number of ticks: it is cut off, and the frequency's step
-// is made of what is left, 254016000000 / ticks, not of the rate as it stands in the settings.
+// At 48048.05 samples a second the ticks of a sample are not whole. They are truncated, and the phase's step
+// follows from 254016000000 / ticks, not from the sample rate in the settings.
 TEST(AudioSynthesis, CutsASamplesDurationToWholeTicksAndTakesThePhaseFromThat)
 {
     constexpr double kTicksPerSecond = 254'016'000'000.0;
@@ -137,7 +137,7 @@ TEST(AudioSynthesis, OfNoSamplesOrWithoutBuffersDoesNothing)
 
 class OddSampleRate : public ::testing::TestWithParam<float> {};
 
-// Whatever the numbers: it ends, every sample of the pattern's channels is written, and none beside.
+// For any numbers the request returns; it writes every sample of the pattern's channels, and nothing else.
 TEST_P(OddSampleRate, FillsTheBuffersAndNothingElseFromAnyPosition)
 {
     for (const std::int64_t position :

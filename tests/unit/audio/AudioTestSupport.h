@@ -18,7 +18,7 @@
 
 namespace audiotest {
 
-/// No generator makes this: some -1e8.
+/// A value that no generator makes, about -1e8.
 inline constexpr std::uint32_t kPoison = 0xCCCCCCCC;
 
 inline std::uint32_t Bits(float value)
@@ -124,7 +124,7 @@ inline std::vector<float> SineFrom(std::int64_t position, std::size_t count, Imp
     return samples;
 }
 
-/// Bit for bit, and where not.
+/// Whether the samples are equal bit for bit; says where they differ first.
 inline ::testing::AssertionResult SameBits(std::span<const float> actual, std::span<const float> expected)
 {
     if (actual.size() != expected.size()) {
@@ -139,14 +139,14 @@ inline ::testing::AssertionResult SameBits(std::span<const float> actual, std::s
     return ::testing::AssertionSuccess();
 }
 
-/// Every sample the bits of +0.
+/// Whether every sample has the bits of +0.
 inline ::testing::AssertionResult IsSilent(std::span<const float> samples)
 {
     return SameBits(samples, std::vector<float>(samples.size(), 0.0F));
 }
 
-/// Within `bound`; where one is exactly 0 by silence both are, which the caller's bound cannot see, so a
-/// silent stretch is compared by `IsSilent`.
+/// Whether the samples differ by at most `bound`. Silence is exact, so compare a silent stretch with
+/// `IsSilent`.
 inline ::testing::AssertionResult IsNear(std::span<const float> actual, std::span<const float> expected,
                                          double bound)
 {

@@ -237,7 +237,7 @@ TEST(BLITS, HasTheSameBordersHoweverItIsCut)
                 EXPECT_TRUE(audiotest::IsNear(part[channel], whole[channel].subspan(offset, length),
                                               0.125 * 1.75e-7 * 200 + 1.5e-8))
                     << "channel " << channel << " from " << offset << "; " << audiotest::SeedText();
-                // Silence is silence to the bit in both; a tone is that only where its phase is 0.
+                // Silence is exactly 0 in both; a tone is exactly 0 only where its phase is.
                 for (std::uint32_t k = 1; k + 1 < length; ++k) {
                     if (part[channel][k - 1] == 0.0F && part[channel][k] == 0.0F &&
                         part[channel][k + 1] == 0.0F) {

@@ -95,8 +95,8 @@ TEST(SineSpan, EqualsTheReferenceInAnyRequest)
     EXPECT_LE(differences, 4U) << "of " << total << "; " << audiotest::SeedText();
 }
 
-// The phase of a running span is turned by what the rounded two pi is too large, 1.75e-7 radians a cycle; the
-// span that starts later begins without.
+// The rounded two pi advances the phase of a running span by 1.75e-7 radians too much in each cycle. A span
+// that starts later begins without this error.
 TEST(SineSpan, JoinsTheNextOneWithinWhatTheRoundedTwoPiImplies)
 {
     std::mt19937_64 random(audiotest::Seed());
@@ -111,8 +111,7 @@ TEST(SineSpan, JoinsTheNextOneWithinWhatTheRoundedTwoPiImplies)
         const std::vector<float> rest = SineFrom(start + static_cast<std::int64_t>(cut), 500, tone, rate);
         const double cycles =
             std::ceil(static_cast<double>(cut) * static_cast<double>(tone.frequency) / 48000.0);
-        // Beside it stand the products' own rounding, at most 2e-7 of a cycle at such positions, and the
-        // float's.
+        // The products' own rounding, at most 2e-7 of a cycle at such positions, and the float's come on top.
         const double bound = 0.25 * (1.75e-7 * cycles + 2e-6);
         EXPECT_TRUE(audiotest::IsNear(std::span(whole).subspan(cut), rest, bound))
             << tone.frequency << " Hz from " << start << " cut at " << cut << "; " << audiotest::SeedText();

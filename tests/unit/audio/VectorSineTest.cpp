@@ -62,7 +62,7 @@ std::vector<double> PhasesBesideMultiplesOfPi()
     return phases;
 }
 
-/// Compares with the C library's sine: never more than a last place off, and hardly ever that.
+/// Compares with the C library's sine: at most one unit in the last place apart, and rarely.
 void ExpectCLibrarySines(const std::vector<double>& phases, double amplitude, std::size_t allowedDifferences)
 {
     std::vector<float> sines(phases.size());
@@ -78,7 +78,7 @@ void ExpectCLibrarySines(const std::vector<double>& phases, double amplitude, st
     EXPECT_LE(differences, allowedDifferences) << "of " << phases.size() << "; " << audiotest::SeedText();
 }
 
-// One in ten million is what is promised; 4 in 3 million is 13 times that, and still no chance hit.
+// The header promises about one in ten million. 4 in 3 million, 13 times that, does not happen by chance.
 TEST(VectorSine, IsTheCLibrarysOnRandomPhases)
 {
     ExpectCLibrarySines(RandomPhases(3'000'000, audiotest::Seed()), 0.125, 4);

@@ -36,13 +36,13 @@ std::string LayoutText()
 
 class PrefsDialog : public testing::Test {
 protected:
-    /// Runs the dialog on `prefs`, a person doing `act`. @return what the exchange holds afterwards.
+    /// Runs the dialog on `prefs`; `act` does what a person does. @return what the exchange holds afterwards.
     TesselInfo Run(const TesselInfo& prefs, const std::function<void(UI_Dialog&)>& act,
                    const std::string& layout = LayoutText())
     {
         exchange = std::make_shared<Exchange>();
         exchange->SetPrefs(prefs);
-        toolkit.reset(); // or the old one would end the new one's use
+        toolkit.reset(); // before the new one: its destructor ends the use of any toolkit
         toolkit = std::make_unique<tests::FakeToolkit>(act);
         prepare(*toolkit);
         const auto view = std::make_shared<ImporterTesselPrefsDialogImpl>(exchange, DrawSupplier{}, nullptr);
@@ -76,7 +76,7 @@ TEST_F(PrefsDialog, AStoredSavePathIsShownAndItsBoxCheckedAndDisabled)
         EXPECT_TRUE(dialog.GetControl<UI_Button>("saveFileButtonID").IsEnabled());
         Ok(dialog);
     });
-    // OK wrote it; the box being checked by the dialog itself asks nothing of the exchange.
+    // OK wrote the file. The dialog has checked the box itself, which does not count as a choice.
     EXPECT_TRUE(std::filesystem::exists(mFolder / "stored.tessel"));
     EXPECT_FALSE(exchange->UsesFileAsCustomImporter());
 }

@@ -70,7 +70,7 @@ TEST_F(DocumentTest, RatesBesideEveryFractionCountTheirOwnFrames)
                           R"({"mAlphaPart": 0, "mRedPart": 0, "mGreenPart": 0, "mBluePart": 0})")
                      .Set("mVideoFrameRate", "{\"ticksperframe\": " + std::to_string(ticks) + "}"));
         EXPECT_EQ(opened.facts.rate.ticksPerFrame, ticks);
-        // The gradient moves with every frame: two alike are one that came too early.
+        // The gradient changes with every frame, so two equal frames show a wrong time.
         std::vector<std::vector<std::byte>> rows;
         for (std::int64_t frame = 0; frame < 5; ++frame) {
             const importhost::Frame picture = opened.clip.RenderFrame(frame);

@@ -42,7 +42,7 @@ void* operator new(std::size_t size)
     return block;
 }
 
-// Not counted: who asks so can do without, as std::stable_sort does.
+// Not counted: callers of this form work without the memory too, as std::stable_sort does.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
 {
     void* const block = std::malloc(size == 0 ? 1 : size);

@@ -34,7 +34,7 @@ protected:
         return TestModule::ImportEntry(47, nullptr, nullptr, &record);
     }
 
-    /// The one message since the last call. How the host's log puts file and line is its own affair.
+    /// The one message since the last call.
     qelcore::logging::Message TakeMessage()
     {
         EXPECT_EQ(mMessages.size(), 1U);
@@ -48,7 +48,7 @@ protected:
         [this](const qelcore::logging::Message& message) { mMessages.push_back(message); }};
 };
 
-/// A report's message without what the host puts behind it: where it comes from.
+/// A report's message without its end, where the host says which line it comes from.
 std::string Reported(const qelcore::logging::Message& message)
 {
     return message.text.substr(0, message.text.find(" [assertion "));
@@ -147,7 +147,7 @@ TEST_F(Barrier, StandsAroundEverySelectorThatHasWork)
 
 namespace {
 
-/// An exception whose author broke the standard's promise that there is a text.
+/// An exception whose `what()` is null, which the standard forbids.
 struct Mute : std::exception {
     [[nodiscard]] const char* what() const noexcept override { return nullptr; }
 };

@@ -27,7 +27,7 @@ void SetPointer(Bytes& bytes, std::size_t offset, const void* pointer)
     std::memcpy(bytes.data() + offset, &pointer, sizeof pointer);
 }
 
-// The contract's lists of selectors, written down anew.
+// The contract's lists of selectors, written apart from the dispatcher's table.
 const std::set<int> kNothing{2,  3,  4,  6,  7,  10, 11, 15, 16, 17, 18, 19, 20, 21, 22, 26,
                              31, 32, 33, 34, 35, 41, 42, 43, 44, 50, 54, 57, 66, 71, 80};
 const std::set<int> kNoteFirstOfParam2{12, 13, 23, 24, 49, 52, 53, 72};
@@ -261,7 +261,7 @@ TEST_F(Dispatch, FrameAndSettingsRequestsGetTheStandardParametersOfTheRequest)
 
 TEST_F(Dispatch, NotedPointersAreThoseAtTheSelectorsOwnPlaces)
 {
-    // Every place of a record holds a pointer that says where it stood.
+    // The pointer at an offset of a record has the offset as its value.
     Bytes param1;
     Bytes param2;
     const auto fill = [](Bytes& bytes, std::uintptr_t base, std::size_t offset) {

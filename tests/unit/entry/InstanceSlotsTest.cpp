@@ -32,8 +32,8 @@ protected:
     ksOpenRec mOpen{};
 };
 
-/// A value that a failing factory must overwrite could not be told from an empty slot, so there is none: an
-/// instance in the slot means that nothing is created.
+/// The instance in a slot. The tests of a failing factory begin with an empty slot: where an instance is in it,
+/// nothing is created.
 TestModule* InSlot(ksInstance instance)
 {
     return static_cast<TestModule*>(instance);

@@ -19,7 +19,7 @@ class StartUpGate : public testing::Test {
 protected:
     void SetUp() override
     {
-        // A database file of the person who runs this must not count.
+        // The database file of the user who runs the test must have no effect.
         setenv("KESTREL_DEBUG_DATABASE", "/dev/null/absent", 1);
     }
 

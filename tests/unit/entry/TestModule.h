@@ -11,7 +11,7 @@ class TestModule final : public KsImportModule<TestModule> {
 public:
     static constexpr std::string_view kTypeName = "class TestModule";
 
-    /// What the next requests meet; `Reset` gives the defaults.
+    /// How the next requests behave; `Reset` gives the defaults.
     struct Script {
         bool factoryGivesNull = false;
         std::function<void()> onConstruction;                       ///< may throw

@@ -54,7 +54,7 @@ TEST(ColorTags, YCbCrMadeFromRgbIsLimitedWhereFilesCannotSayOtherwise)
     const PixelKind rgb = KindOf(BR::PixelFormat::BGRA_4444_8u);
     const PixelKind ycbcr = KindOf(BR::PixelFormat::UYVY_422_8u_709);
     EXPECT_EQ(TagsFor(rgb, kRec709Full, InfoOf(PictureLayout::Uyvy), coding), (ColorTags{1, 1, 1, false}));
-    // Codes that the clip has already stay, and so does what it says of them.
+    // Code values are copied, and with them the range that the clip announces.
     EXPECT_EQ(TagsFor(ycbcr, kRec709Full, InfoOf(PictureLayout::Uyvy), coding), (ColorTags{1, 1, 1, true}));
 }
 

@@ -249,8 +249,7 @@ bool Check(const BR::PixelFormatInfo& format, const LayoutModel& target, int wid
     const bool onlyRounds = source.IsRgb() && target.IsRgb() && !source.IsLinear();
     const double computed = target.bits == 32 ? 2e-6 : target.bits == 16 ? 0.55 : 0.501;
     const double slack = onlyRounds ? roundedOnce : computed;
-    // Codes that are kept or widened are not even clipped to the serial interface's range; reduced ones are
-    // made.
+    // Codes that are copied or widened are not clipped to the serial interface's range; reduced ones are.
     const bool keeps = source.IsRgb() == target.IsRgb() && (source.IsRgb() || source.Matrix() == coding.matrix);
     const bool upsamples = source.Is422() && target.chromaShiftX == 0;
     const bool keepsCodes = keeps && !source.IsFloat() && !upsamples && source.Bits() <= target.bits;

@@ -173,7 +173,7 @@ TEST(VideoPlan, FullRangeIsMadeOnlyWhereItsReadersAreTold)
         const VideoPlan made = Plan(clip, row.container, row.codec);
         EXPECT_EQ(made.conversion.coding.fullRange, row.made.fullRange) << row.codec;
         EXPECT_EQ(made.tags, row.made) << row.codec;
-        // What has codes keeps them, and what it says about them.
+        // Code values are copied, and with them the range that the clip announces.
         SetFormat(clip, PixelFormat::UYVY_422_8u_709);
         const VideoPlan kept = Plan(clip, row.container, row.codec);
         EXPECT_FALSE(kept.conversion.coding.fullRange) << row.codec;

@@ -133,7 +133,7 @@ private:
 struct LayoutModel {
     PictureLayout layout;
     std::string_view name;
-    std::string_view order; ///< "0" is a byte that says nothing
+    std::string_view order; ///< "0" is an unused byte
     bool isPlanar;
     int bits;
     bool isBigEndian;

@@ -1,4 +1,4 @@
-/// Pictures that equal the one before are encoded once, and nobody can tell from the packets.
+/// A picture that equals the one before is encoded once; the packets are the same as when it is encoded again.
 
 #include "ClipModel.h"
 

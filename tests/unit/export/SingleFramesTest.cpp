@@ -1,4 +1,4 @@
-/// What the frame converter does with frames that have something special about them.
+/// The frame converter with unusual frames: one pixel, odd values, incomplete groups.
 
 #include "PictureModel.h"
 

@@ -31,7 +31,7 @@ TEST(ImportAbi, TypesHaveTheSameSizeInCAndInCxx)
 
 TEST(ImportAbi, RecordsMayStandAtAnyAddress)
 {
-    // Packed all through: hosts hand out records inside of others, wherever those end.
+    // Packed: a host may place a record at any address.
     EXPECT_EQ(alignof(ksStdParms), 1U);
     EXPECT_EQ(alignof(ksServiceTables), 1U);
     EXPECT_EQ(alignof(ksStartUpRec), 1U);

@@ -182,7 +182,7 @@ TEST(Importer, LoadsOfOtherThreadsKeepWhatTheyWereTold)
             wrong += (LoadFailure(TEST_PLUGIN, testing).empty() == isWrong) ? 1 : 0;
         }
     };
-    // The library stays loaded, so that the loads meet at the gate instead of in the loader.
+    // The library stays loaded, so that the threads meet in start-up instead of in the dynamic loader.
     const auto kept = Importer::Load(TEST_PLUGIN, TestingPlugins::Allowed);
     std::vector<std::thread> threads;
     for (int i = 0; i < 2; ++i) {

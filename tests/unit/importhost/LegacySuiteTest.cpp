@@ -116,7 +116,7 @@ TEST(LegacySuite, EveryFrameShorterThanAYearIsLessThanOnePartIn2To31Off)
     std::mt19937_64 random(5);
     constexpr std::int64_t kYear = 31'557'600 * kTicksPerSecond;
     for (std::int64_t i = 0; i < 200'000; ++i) {
-        // Near whole seconds and whole rates lie the ticks that 32 bits serve worst.
+        // Fractions of 32-bit numbers are least exact for ticks near whole seconds and whole rates.
         const std::int64_t spread = static_cast<std::int64_t>(random() % 2001) - 1000;
         const std::int64_t ticks =
             i % 2 == 0

@@ -18,8 +18,8 @@ struct FrameSize {
 constexpr std::array<FrameSize, 3> kSizes{{{160, 106, 997}, {720, 480, 4999}, {3840, 2160, 33331}}};
 constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
 
-/// Formats of one layout are read from the same samples: the full list of numbers is for one of each (and for
-/// all that share samples between pixels), for the others some.
+/// Formats of one layout are read from the same samples. One format of each layout, and every one whose pixels
+/// share samples, gets all numbers; the others get some.
 bool IsOneOfItsLayout(std::uint32_t code)
 {
     return code == pixmill::kBGRA8 || code == pixmill::kBGRAFloat || code == pixmill::kVUYA8_709 ||

@@ -1,4 +1,4 @@
-// Numbers survive what happens to pictures outside: lossy coding, and readers that know nothing of ours.
+// Numbers survive lossy coding, and a text-recognition program reads them.
 #include "PrintedFrame.h"
 
 #include <gtest/gtest.h>
@@ -74,8 +74,8 @@ void EncodeAndReadBack(std::uint32_t width, std::uint32_t height, std::int32_t s
 
 TEST(NumberThroughCodec, IsReadBackAfterH264AtCrf40FromThumbnailPictures)
 {
-    // Each picture by itself: between pictures this quality rather keeps some of the last number's pixels
-    // than spend bits on digits of 13 pixels.
+    // Intra pictures only: at this quality, predicted pictures keep pixels of the previous number where the
+    // digits are 13 pixels high.
     EncodeAndReadBack(160, 106, 1009, "-g 1");
 }
 

@@ -1,4 +1,4 @@
-// FFmpeg's decoders read from our v210, UYVY and YUYV rows the numbers that belong there.
+// FFmpeg's decoders read the right codes from our v210, UYVY and YUYV rows.
 #include <kestrel/pixmill/Fill.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 

@@ -1,4 +1,4 @@
-// zimg, a converter that is not ours, makes the same numbers of colours in range.
+// zimg, an independent converter, gives the same numbers for colours in range.
 #include <kestrel/pixmill/ColorConversion.h>
 
 #include <gtest/gtest.h>

@@ -208,7 +208,7 @@ TEST(ColorConversion, ComponentsThatCancelAreSummedWithoutLoss)
             continue;
         }
         for (int i = 0; i < 500; ++i) {
-            // Y' = 0.299·R + 0.587·G + 0.114·B with large terms that leave next to nothing.
+            // Y' = 0.299·R + 0.587·G + 0.114·B with large terms that nearly cancel.
             const float red = large(random);
             const float blue = i % 2 == 0 ? unit(random) : -red * 0.299F / 0.114F;
             const float green = i % 2 == 0 ? -red * 0.299F / 0.587F : unit(random);

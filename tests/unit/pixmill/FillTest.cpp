@@ -146,7 +146,7 @@ TEST_P(EveryFormat, NoRowsAndNoWidthWriteNothing)
 INSTANTIATE_TEST_SUITE_P(Fill, EveryFormat, ::testing::ValuesIn(PaintableFormats()),
                          [](const auto& test) { return test.param.name; });
 
-// Rows far apart in large frames go another way to memory than rows of small ones.
+// In large frames, rows with gaps between them are written by streaming stores, which small frames do not use.
 TEST_P(EveryFormat, FieldsOfLargePicturesInterleave)
 {
     constexpr ReferenceColor kOther{.75F, .25F, .5F, 1};

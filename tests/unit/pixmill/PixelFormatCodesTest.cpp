@@ -1,4 +1,4 @@
-// The codes follow from what a format's name says.
+// Each code follows from the format's name.
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 

@@ -96,7 +96,7 @@ std::size_t DigitCount(double number)
     return digits.size();
 }
 
-/// Whether a decimal of that many digits, read as a double, rounds to `value`: all of them beside it are tried.
+/// Whether some decimal of that many digits, read as a double, rounds to `value`. Tries those next to it.
 bool HasDecimal(float value, int digits)
 {
     std::array<char, 40> text{};

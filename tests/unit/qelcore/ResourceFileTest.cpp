@@ -69,7 +69,7 @@ TEST(ReadResource, RefusesAnotherPlatformsLibrary)
 {
     const test::TemporaryFolder folder;
     std::string bytes = test::ReadFile(kProgram);
-    // The machine's number stands at byte 18 of an ELF file; 0xABCD is nobody's.
+    // The machine's number stands at byte 18 of an ELF file; 0xABCD is no machine.
     bytes[18] = '\xCD';
     bytes[19] = '\xAB';
     test::WriteFile(folder / "other.so", bytes);
@@ -86,7 +86,7 @@ TEST(ReadResource, SurvivesBrokenLibraries)
         try {
             (void)ReadResource(folder / "broken.so", ".ksres.TEST.1");
         } catch (const resource_exception&) {
-            return; // Refused: as good as read.
+            return; // Refusing the file is right, too.
         }
     };
     for (const std::size_t size : {1U, 16U, 63U, 64U, 65U, 4096U}) {

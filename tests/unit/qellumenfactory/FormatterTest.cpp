@@ -12,7 +12,7 @@ namespace {
 
 using namespace qellumenfactory;
 
-/// A random sound layout.
+/// A random valid layout.
 class Maker {
 public:
     explicit Maker(unsigned seed) : mRandom(seed) {}

@@ -63,7 +63,7 @@ TEST(Popup, APersonChoosesEnabledItemsOnly)
     EXPECT_EQ(popup.GetValue(), -1);
     EXPECT_EQ(count.times, 0);
     popup.Choose(0);
-    // Also the item that is chosen already: what stands behind it may be something else.
+    // Also for the item that is chosen already: the setting behind it may have another value.
     popup.Choose(0);
     EXPECT_EQ(count.times, 2);
     popup.SetDisabled(true);

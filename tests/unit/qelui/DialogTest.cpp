@@ -95,7 +95,7 @@ TEST(Dialog, WhatAHandlerThrowsComesOutOfTheModalRun)
     const FakeToolkit toolkit([&](UI_Dialog& dialog) {
         EXPECT_NO_THROW(small.button.Press());
         EXPECT_TRUE(dialog.IsClosed());
-        // Whatever events are still on their way find nobody.
+        // Late events have no receiver.
         small.button.Press();
         small.cancel.Press();
     });

@@ -1,4 +1,4 @@
-/// A toolkit whose person is a test.
+/// A toolkit in which the test acts as the person.
 #pragma once
 
 #include <kestrel/qelui/dialogs/UI_Dialog.h>

@@ -15,7 +15,7 @@
 ///   malformed                  logged as JSON that is not well-formed
 ///   missing KEY                logged as a missing key
 ///   wrong KEY                  logged as a value of the wrong type
-///   broken                     logged, somehow
+///   broken                     logged, with any text
 ///   broken KEY                 logged as a value of KEY that stands for nothing
 ///   reads FIELD=VALUE ...      the record of @required but for these fields; nothing is logged
 ///   reads-but KEY FIELD=VALUE  the same, with KEY logged as a value of the wrong type

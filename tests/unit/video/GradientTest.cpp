@@ -191,7 +191,7 @@ TEST(Gradient, AClipOfNoFramesDividesByZero)
     const Pixel pixel = FloatPixel(second.Row(0), 0);
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     // start + (end - start)·∞: blue falls from 7.0 to 0.1, green rises, red falls, alpha rises. Row 0 then
-    // adds (bottom - top)·0, which an infinite difference turns into a number that is none.
+    // adds (bottom - top)·0, which is NaN for an infinite difference.
     for (const float component : pixel) {
         EXPECT_TRUE(std::isnan(component) || std::abs(component) == kInfinity);
     }

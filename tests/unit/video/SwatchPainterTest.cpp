@@ -31,7 +31,7 @@ struct Canvas {
     }
 };
 
-/// Swatch by swatch and pixel by pixel, as one would first write it down.
+/// The plain way: swatch by swatch, pixel by pixel.
 void PaintSlowly(const Coordinates& coordinates, PixelRange columns, PixelRange rows,
                  const std::vector<float>& colors, const FrameView& view)
 {

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kSamples = 4'800;
 
 /// How far the same sample of two requests may differ: -80 dB of full scale. A generator may accumulate
-/// its phase, which rounds otherwise where a request begins elsewhere.
+/// its phase, whose rounding depends on where a request begins.
 constexpr float kTolerance = 1e-4F;
 
 /// `count` positions within the first hour, chosen at random from the seed; the first is 0.
