@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "OutputOptions.h"
+#include "WholeText.h"
 
 #include <kestrel/importhost/PathText.h>
 #include <tessel/damage/RenderDamaged.h>
@@ -12,10 +13,8 @@
 #include <tessel/export/files/Interrupt.h>
 #include <tessel/export/files/OutputFile.h>
 
-#include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -41,8 +40,7 @@ std::filesystem::path TruthFile(const std::string& output)
 void WriteTruth(const std::string& output, const std::string& text)
 {
     exporting::OutputFile file(TruthFile(output));
-    file.Write(std::as_bytes(std::span<const char>(text)));
-    file.Commit();
+    WriteAndCommit(file, text);
 }
 
 void RunDamage(const DamageOptions& options, Context& context)

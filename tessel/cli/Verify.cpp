@@ -2,8 +2,8 @@
 
 #include "CommandLine.h"
 #include "Commands.h"
+#include "WholeText.h"
 
-#include <kestrel/importhost/HostError.h>
 #include <tessel/export/Progress.h>
 #include <tessel/export/SignalSource.h>
 #include <tessel/export/files/OutputFile.h>
@@ -16,10 +16,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tessel::cli {
@@ -99,14 +101,22 @@ verify::VerifyJob JobOf(const Options& options)
     return job;
 }
 
-void WriteFile(const std::string& name, const std::string& text)
+/// Starts a report before the movie is read: a folder that is not there is told at once, and what cannot be
+/// finished leaves an earlier report as it was.
+std::optional<exporting::OutputFile> StartReport(const char* option, const std::string& name,
+                                                 const Options& options)
 {
-    std::ofstream file(name, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) {
-        throw importhost::HostError(fmt::format("{}: cannot be written", name));
+    if (name.empty()) {
+        return std::nullopt;
     }
+    for (const std::string& input : {options.clip, options.movie}) {
+        std::error_code ignored;
+        if (std::filesystem::equivalent(name, input, ignored)) {
+            throw UsageError(fmt::format("{} {}: the report would replace what it is about; name another file",
+                                         option, name));
+        }
+    }
+    return std::optional<exporting::OutputFile>(std::in_place, name);
 }
 
 int ExitCodeOf(verify::Verdict verdict)
@@ -125,6 +135,8 @@ int ExitCodeOf(verify::Verdict verdict)
 void RunComparison(const Options& options, Context& context)
 {
     verify::VerifyJob job = JobOf(options);
+    std::optional<exporting::OutputFile> junit = StartReport("--junit", options.junit, options);
+    std::optional<exporting::OutputFile> html = StartReport("--html", options.html, options);
     const document::OpenedClip clip = context.OpenClip(options.clip, {.allowDefault = options.allowDefault});
     const exporting::ClipSource source(clip);
     std::optional<exporting::ProgressBar> bar;
@@ -135,14 +147,14 @@ void RunComparison(const Options& options, Context& context)
             bar->Report(std::min(pictures, frames), frames, "frames");
         };
     }
-    job.keepsPictures = !options.html.empty();
+    job.keepsPictures = html.has_value();
     const Report report = verify::Verify(source, job);
     bar.reset();
-    if (!options.junit.empty()) {
-        WriteFile(options.junit, verify::ReportAsJUnit(report));
+    if (junit) {
+        WriteAndCommit(*junit, verify::ReportAsJUnit(report));
     }
-    if (!options.html.empty()) {
-        WriteFile(options.html, verify::ReportAsHtml(report));
+    if (html) {
+        WriteAndCommit(*html, verify::ReportAsHtml(report));
     }
     if (options.asJson) {
         WriteOut(verify::ReportAsJson(report));

@@ -1,6 +1,7 @@
 """Reports, exit codes, and movies that cannot be compared."""
 
 import json
+import resource
 import subprocess
 import unittest
 import xml.etree.ElementTree as xml
@@ -48,6 +49,34 @@ class Reports(VerifyTest):
         self.assertEqual(suite.get("failures"), "1")
         self.assertIsNotNone(cases["container.siting"].find("skipped"))
         self.assertEqual(list(cases["container.rate"]), [])
+
+    def test_a_report_that_cannot_be_finished_leaves_the_earlier_one_whole(self):
+        root = gradient(frames=6)
+        movie = self.filtered(root, "hflip")
+        for option in ("--html", "--junit"):
+            report = self.path("report")
+            with open(report, "w", encoding="utf-8") as file:
+                file.write("the earlier one")
+            # Files end after 2000 bytes, as on a full disk.
+            done = self.run_tessel("verify", self.save(root), movie, option, report,
+                                   preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (2000, 2000)))
+            self.assertEqual((done.returncode, done.stderr.count(b"\n")), (1, 1), done.stderr)
+            self.assertIn(report.encode(), done.stderr)
+            with open(report, encoding="utf-8") as file:
+                self.assertEqual(file.read(), "the earlier one", option)
+        self.left_over("clip.tessel", "damaged.mkv", "report", "whole.mkv")
+
+    def test_a_report_needs_a_folder_and_replaces_neither_clip_nor_movie(self):
+        clip = self.clip()
+        movie = self.render(gradient(frames=6), "x.mkv")
+        for option in ("--html", "--junit"):
+            self.refuse("verify", clip, movie, option, self.path("no/such/report"), says=["no/such/report"])
+            for kept in (clip, movie):
+                with open(kept, "rb") as file:
+                    before = file.read()
+                self.refuse("verify", clip, movie, option, kept, code=2, says=[option, "name another file"])
+                with open(kept, "rb") as file:
+                    self.assertEqual(file.read(), before)
 
     def test_text_names_movie_clip_and_fault(self):
         root = gradient(frames=6)
