@@ -11,7 +11,10 @@
 #include <tessel/verify/read/Movie.h>
 #include <tessel/verify/reference/ClipPictures.h>
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -48,6 +51,7 @@ public:
 
     void Take(const read::Picture& picture)
     {
+        ++mPictureCount;
         const align::PictureRecord& record = mAligner.Take(picture);
         if (mClip.hasPicture && record.frame >= 0) {
             TakeAligned(picture, record.frame);
@@ -71,8 +75,6 @@ public:
         const align::Alignment alignment = mAligner.Result();
         Findings findings(TolerancesOf(mMovie, mJob));
         Report report;
-        report.clip = mJob.clipName;
-        report.movie = mJob.movieName;
         if (ShowsSomethingElse()) {
             Finding& finding = findings.Fault(id::kSignalOther, "the movie does not show this clip");
             finding.expected = mJob.clipName;
@@ -82,15 +84,44 @@ public:
         } else {
             JudgeAll(alignment, findings, report);
         }
-        for (const std::string& warning : mMovie.warnings) {
-            findings.Note(warning);
-        }
-        findings.Conclude(mJob.choice, report);
+        Conclude(findings, report);
         report.telling = mTelling.Result();
         return report;
     }
 
+    /// "picture" or "sound" where the movie has a stream of it and nothing of that could be decoded; else
+    /// empty.
+    [[nodiscard]] std::string_view Undecoded() const
+    {
+        if (mMovie.picture && mClip.hasPicture) {
+            return mPictureCount == 0 ? "picture" : "";
+        }
+        return mMovie.sound && mClip.channels > 0 && mSoundSamples == 0 ? "sound" : "";
+    }
+
+    /// A report that says that there was nothing to compare.
+    [[nodiscard]] Report FinishUndecoded(std::string_view kind)
+    {
+        Findings findings(TolerancesOf(mMovie, mJob));
+        Report report;
+        findings.Undecided(id::kSignalOther,
+                           fmt::format("no {} can be decoded, so nothing can be compared", kind));
+        report.alignment.frames = mClip.frameCount;
+        Conclude(findings, report);
+        return report;
+    }
+
 private:
+    void Conclude(Findings& findings, Report& report) const
+    {
+        report.clip = mJob.clipName;
+        report.movie = mJob.movieName;
+        for (const std::string& warning : mMovie.warnings) {
+            findings.Note(warning);
+        }
+        findings.Conclude(mJob.choice, report);
+    }
+
     void TakeAligned(const read::Picture& picture, std::int64_t frame)
     {
         mHasMatch = true;
@@ -147,6 +178,7 @@ private:
     judge::FieldSampler mFields;
     judge::TellingFrames mTelling;
     judge::FidelitySampler mFidelity;
+    std::int64_t mPictureCount = 0;
     std::int64_t mSoundSamples = 0;
 };
 
@@ -205,7 +237,8 @@ Report Verify(const exporting::SignalSource& clip, const VerifyJob& job)
             break;
         }
     }
-    return inspection.Finish();
+    const std::string_view undecoded = inspection.Undecoded();
+    return undecoded.empty() ? inspection.Finish() : inspection.FinishUndecoded(undecoded);
 }
 
 Report TellVisible(const exporting::SignalSource& clip, const std::string& clipName)

@@ -1,0 +1,110 @@
+"""Movies that are cut short, damaged, or of something else: one clear verdict each."""
+
+import os
+import subprocess
+
+from verify_support import VerifyTest, document, gradient, main
+
+
+class BadInput(VerifyTest):
+    def cut(self, movie, size, name):
+        with open(movie, "rb") as file:
+            data = file.read()
+        with open(self.path(name), "wb") as file:
+            file.write(data[:size(len(data))])
+        return self.path(name)
+
+    def generated(self, name, source, *arguments):
+        path = self.path(name)
+        subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i", source, *arguments, path], check=True)
+        return path
+
+    def test_an_index_without_pictures_is_undecided_in_one_finding(self):
+        root = gradient(frames=30)
+        # The index stands before the pictures, in room of 16 kB or more.
+        cut = self.cut(self.render(root, "whole.mp4"), lambda size: size // 5, "cut.mp4")
+        report = self.verify(root, cut)
+        finding = self.expect(report, "signal.other")
+        self.assertEqual((report["verdict"], finding["verdict"]), ("undecided", "undecided"))
+        self.assertIn("no picture can be decoded", finding["message"])
+
+    def test_an_index_without_sound_is_undecided_in_one_finding(self):
+        root = gradient(frames=30)
+        cut = self.cut(self.render(root, "whole.mp4", "--audio-only"), lambda size: size // 5, "cut.mp4")
+        report = self.verify(root, cut)
+        self.assertEqual(report["verdict"], "undecided")
+        self.assertIn("no sound can be decoded", self.expect(report, "signal.other")["message"])
+
+    def test_a_movie_that_ends_early_misses_its_tail(self):
+        root = gradient(frames=30)
+        cut = self.cut(self.render(root, "whole.mkv", "--video-only"), lambda size: size // 2, "cut.mkv")
+        finding = self.expect(self.verify(root, cut, "--accept", "container.channels"), "order.tail")
+        self.assertEqual(finding["frames"][0]["last"], 29)
+
+    def test_one_frame_of_many_misses_the_others(self):
+        root = gradient(frames=30)
+        one = self.render(root, "one.mkv", "--frames", "1")
+        finding = self.expect(self.verify(root, one), "order.tail")
+        self.assertEqual(finding["frames"], [{"first": 1, "last": 29}])
+
+    def test_a_movie_without_sound(self):
+        root = gradient()
+        movie = self.render(root, "mute.mkv", "--video-only")
+        finding = self.expect(self.verify(root, movie), "container.channels")
+        self.assertEqual(finding["message"], "the movie has no sound")
+
+    def test_a_movie_without_pictures(self):
+        root = gradient()
+        movie = self.render(root, "dark.mkv", "--audio-only")
+        finding = self.expect(self.verify(root, movie), "container.size")
+        self.assertEqual(finding["message"], "the movie has no pictures")
+
+    def test_a_movie_of_something_else_is_one_finding(self):
+        root = gradient(frames=24)
+        for source in ("testsrc2", "mandelbrot", "smptehdbars", "rgbtestsrc"):
+            with self.subTest(source):
+                other = self.generated(f"{source}.mp4", f"{source}=s=320x180:r=25", "-t", "1")
+                self.expect(self.verify(root, other), "signal.other")
+
+    def test_damaged_packets_end_with_a_verdict_and_a_note(self):
+        root = gradient(frames=60)
+        whole = self.render(root, "whole.mp4")
+        for amount in (50, 2000):
+            noisy = self.path(f"noisy-{amount}.mp4")
+            subprocess.run(["ffmpeg", "-v", "error", "-i", whole, "-c", "copy", "-bsf:v", f"noise=amount={amount}",
+                            noisy], check=True)
+            report = self.verify(root, noisy)
+            self.assertEqual(report["verdict"], "not as expected")
+            self.assertTrue([note for note in report["notes"] if "data is damaged" in note], report["notes"])
+
+    def test_a_document_with_errors_is_refused_in_one_line(self):
+        movie = self.render(gradient(frames=2), "x.mkv")
+        for name, text, says in (("cut.tessel", '{"mPixelFormat": 3,', "line 1"),
+                                 ("empty.tessel", "", "empty.tessel"),
+                                 ("text.tessel", '{"mPixelFormat": "bgra"}', "mPixelFormat"),
+                                 ("absent.tessel", None, "absent.tessel")):
+            if text is not None:
+                with open(self.path(name), "w", encoding="utf-8") as file:
+                    file.write(text)
+            self.refuse("verify", self.path(name), movie, says=[name, says])
+
+    def peak_memory(self, root, movie):
+        """Kilobytes that a comparison takes at most, and its exit code."""
+        process = subprocess.Popen([*self.tessel, "verify", self.save(root), movie, "--quiet"])
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        return usage.ru_maxrss, process.returncode
+
+    def test_twenty_thousand_frames_take_no_more_memory_than_a_thousand(self):
+        peaks = []
+        for frames in (1_000, 20_000):
+            root = document("bgrx", (160, 90), rate=(25, 1), frames=frames, number=True)
+            peak, code = self.peak_memory(root, self.render(root, f"{frames}.mkv", "--video-only"))
+            self.assertEqual(code, 3, "only the sound is missing")
+            peaks.append(peak)
+        # A picture's record takes some 100 bytes: 2 MB; all pictures of the movie would be 800 MB.
+        self.assertLess(peaks[1], peaks[0] + 16_000, peaks)
+
+
+if __name__ == "__main__":
+    main()
