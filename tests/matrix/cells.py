@@ -7,6 +7,7 @@ import re
 import shlex
 import subprocess
 import tempfile
+import threading
 
 VERDICT_OF_EXIT = {0: "as expected", 3: "not as expected", 4: "undecided"}
 
@@ -26,6 +27,9 @@ class Tools:
         self.program = [program, "--plugin", plugin]
         self.folder = folder
         self.commands = []
+        self.validator = None  # of reports, where jsonschema is installed
+        self._shown = {}
+        self._lock = threading.Lock()
 
     def for_one_cell(self):
         """The same with a list of commands of its own."""
@@ -85,7 +89,28 @@ class Tools:
         report = json.loads(done.stdout)
         if report["verdict"] != VERDICT_OF_EXIT[done.returncode]:
             raise Miss(f"exit code {done.returncode} for the verdict '{report['verdict']}'")
+        if self.validator:
+            for error in self.validator.iter_errors(report):
+                raise Miss(f"the report breaks its schema: {error.message}")
         return report
+
+    def shown_by(self, clip):
+        """The ids that `--visible` promises of a clip."""
+        with self._lock:
+            if clip not in self._shown:
+                done = self.run([*self.program, "verify", "--visible", clip, "--json"])
+                self._shown[clip] = set(json.loads(done.stdout)["asExpected"])
+                self.commands.pop()
+            return self._shown[clip]
+
+    def read_schema(self):
+        """From now on every report is validated."""
+        try:
+            import jsonschema
+        except ImportError:
+            return
+        schema = json.loads(self.run([*self.program, "verify", "--schema"]).stdout)
+        self.validator = jsonschema.Draft202012Validator(schema)
 
 
 class Cell:
@@ -116,7 +141,13 @@ class Cell:
         movie = None
         try:
             clip, movie = self.make(tools, base)
-            return self.judge(tools.verify(clip, movie, self.options))
+            told = self.judge(tools.verify(clip, movie, self.options))
+            # What a file says of itself depends on the file; all else is the clip's to show.
+            hidden = [check for check in self.expected
+                      if not check.startswith("container.") and check not in tools.shown_by(clip)]
+            if hidden:
+                raise Miss(f"{', '.join(hidden)} is named, but --visible says that this clip does not show it")
+            return told
         finally:
             tools.remove(movie)
 

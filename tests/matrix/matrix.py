@@ -250,6 +250,7 @@ def main():
     os.nice(10)
     os.makedirs(options.folder, exist_ok=True)
     tools = Tools(options.tessel, options.plugin, options.folder)
+    tools.read_schema()
     check_that_every_fault_has_a_row(tools.program)
     known = known_misses()
     names = {cell.name for cell in all_cells()}
