@@ -44,8 +44,8 @@ public:
         : mJob(job), mMovie(movie), mClip(reference::FactsOf(clip)),
           mPrintsNumbers(align::PrintsNumbers(clip, mClip)), mAligner(mClip, mPrintsNumbers),
           mColors(clip, mClip, mAligner.Numbers()), mGuessed(clip, mClip, mAligner.Numbers()),
-          mGeometry(mAligner.Numbers()), mFields(clip, mClip), mTelling(clip, mClip),
-          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
+          mGeometry(mAligner.Numbers()), mFields(clip, mClip, mPrintsNumbers ? &mAligner.Numbers() : nullptr),
+          mTelling(clip, mClip), mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
     {
     }
 
@@ -136,7 +136,8 @@ private:
             mGeometry.Take(picture, frame, placement);
         }
         if (mFields.Wants(picture.index)) {
-            mFields.Take(picture, frame, placement);
+            const bool isExact = !mGeometry.Placements().empty();
+            mFields.Take(picture, frame, isExact ? mGeometry.Placements().back() : placement, *mMovie.picture);
         }
         if (mFidelity.Wants(frame)) {
             mFidelity.Take(picture, frame, *mMovie.picture);

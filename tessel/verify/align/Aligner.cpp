@@ -16,6 +16,8 @@ constexpr int kMostSearches = 8;
 constexpr std::size_t kMostWaiting = 3;
 constexpr std::int64_t kFieldsReadEvery = 5; // pictures
 constexpr double kLikenessDrop = 0.02;
+/// The same of the numbers on each field's rows, which have half the samples.
+constexpr double kFieldsPlainlyThere = 0.85;
 
 /// Zeros and eights look the same mirrored and turned by half.
 bool TellsOrientation(std::int64_t number) noexcept
@@ -48,6 +50,15 @@ Aligner::Aligner(const reference::ClipFacts& clip, bool printsNumbers)
 std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& picture)
 {
     const read::ComponentView& luma = LumaOf(picture);
+    const Placement plain =
+        Placement::Stretched(mClip.width, mClip.height, Orientation::Upright, picture.width, picture.height);
+    if (const std::optional<FieldReadings> fields = ReadFields(luma, plain)) {
+        // Woven frames have a number on each field's rows, and their sum is none.
+        const double likeness = std::min(fields->upper.likeness, fields->lower.likeness);
+        if (fields->upper.number != fields->lower.number && likeness >= kFieldsPlainlyThere) {
+            return Found{plain, std::min(fields->upper.number, fields->lower.number), 1};
+        }
+    }
     std::optional<Found> best;
     const auto consider = [&](Placement placement, double enough) {
         Reading reading = mNumbers.Read(luma, placement);
@@ -56,9 +67,15 @@ std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& pictur
         }
         double likeness = mNumbers.Likeness(luma, placement, reading.number);
         if (likeness < enough) {
-            placement = mNumbers.Refine(luma, placement, reading.number);
-            reading = mNumbers.Read(luma, placement);
-            likeness = mNumbers.Likeness(luma, placement, reading.number);
+            const Placement refined = mNumbers.Refine(luma, placement, reading.number);
+            const Reading again = mNumbers.Read(luma, refined);
+            const double better = mNumbers.Likeness(luma, refined, again.number);
+            // Rows that are not in their places move the best place by parts of a row; that is no other place.
+            if (again.IsReadable() && better > likeness + kLikenessDrop) {
+                placement = refined;
+                reading = again;
+                likeness = better;
+            }
         }
         if (!best || likeness > best->likeness) {
             best = Found{placement, reading.number, likeness};
@@ -92,29 +109,41 @@ void Aligner::ReadInto(const read::Picture& picture, PictureRecord& record)
     }
     // Two numbers on top of each other look less like one: their fields tell them apart.
     const bool isOdd = !reading.IsReadable() || reading.likeness < mUsualLikeness - kLikenessDrop;
-    if (isOdd || picture.index % kFieldsReadEvery == 0) {
+    if (isOdd || mHasWovenPictures || picture.index % kFieldsReadEvery == 0) {
         ReadFieldsInto(picture, record);
     }
     mUsualLikeness = std::max(mUsualLikeness, reading.likeness);
 }
 
-void Aligner::ReadFieldsInto(const read::Picture& picture, PictureRecord& record) const
+std::optional<Aligner::FieldReadings> Aligner::ReadFields(const read::ComponentView& luma,
+                                                          const Placement& placement) const
+{
+    FieldReadings fields;
+    for (int parity = 0; parity < 2; ++parity) {
+        Reading& field = parity == 0 ? fields.upper : fields.lower;
+        field = mNumbers.ReadField(luma, placement, parity);
+        if (!field.IsReadable() || field.number >= mClip.frameCount) {
+            return std::nullopt;
+        }
+    }
+    return fields;
+}
+
+void Aligner::ReadFieldsInto(const read::Picture& picture, PictureRecord& record)
 {
     if (mAlignment.placement->orientation != Orientation::Upright) {
         return;
     }
-    double confidence = 1;
-    for (int parity = 0; parity < 2; ++parity) {
-        const Reading field = mNumbers.ReadField(LumaOf(picture), *mAlignment.placement, parity);
-        if (!field.IsReadable() || field.number >= mClip.frameCount) {
-            return;
-        }
-        record.fields[parity] = field.number;
-        confidence = std::min(confidence, field.confidence);
+    const std::optional<FieldReadings> fields = ReadFields(LumaOf(picture), *mAlignment.placement);
+    if (!fields) {
+        return;
     }
-    if (record.fields[0] != record.fields[1]) {
-        record.frame = record.fields[0];
-        record.confidence = static_cast<float>(confidence);
+    record.fields[0] = fields->upper.number;
+    record.fields[1] = fields->lower.number;
+    if (fields->upper.number != fields->lower.number) {
+        mHasWovenPictures = true;
+        record.frame = std::min(fields->upper.number, fields->lower.number);
+        record.confidence = static_cast<float>(std::min(fields->upper.confidence, fields->lower.confidence));
     }
 }
 

@@ -35,7 +35,15 @@ private:
     [[nodiscard]] std::optional<Found> FindPlacement(const read::Picture& picture);
     void Settle(const Placement& placement);
     void ReadInto(const read::Picture& picture, PictureRecord& record);
-    void ReadFieldsInto(const read::Picture& picture, PictureRecord& record) const;
+    void ReadFieldsInto(const read::Picture& picture, PictureRecord& record);
+
+    struct FieldReadings {
+        Reading upper;
+        Reading lower;
+    };
+    /// Nothing where either cannot be read.
+    [[nodiscard]] std::optional<FieldReadings> ReadFields(const read::ComponentView& luma,
+                                                          const Placement& placement) const;
 
     /// A picture that waits for a number that tells left from right.
     struct Waiting {
@@ -52,6 +60,7 @@ private:
     std::optional<Placement> mProvisional; ///< from numbers that look alike in several orientations
     std::vector<Waiting> mWaiting;
     double mUsualLikeness = 0; ///< of numbers in this movie
+    bool mHasWovenPictures = false;
     std::optional<double> mFirstSeconds;
 };
 

@@ -15,7 +15,7 @@ namespace tessel::verify::align {
 /// What is remembered of a picture: a few bytes, however long the movie is.
 struct PictureRecord {
     std::optional<double> seconds; ///< presentation time
-    std::int64_t frame = -1;       ///< of the clip; -1: not known
+    std::int64_t frame = -1;       ///< of the clip; -1: not known. The earlier one where fields are of two
     float confidence = 0;          ///< of `frame`
     float likeness = 0;            ///< of the place of the number to digits
     /// What each field's rows say, where they were read one by one; -1: not known. Upper, lower.

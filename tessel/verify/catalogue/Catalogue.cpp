@@ -314,6 +314,10 @@ constexpr std::array kLikeness{TESSEL_LIKENESS};
 constexpr std::array kOfScaled{id::kContainerSize,   id::kContainerAspect, id::kOrderUnreadable,
                                id::kGeometryShifted, id::kColorSiting,     id::kColorSubsampling,
                                id::kFieldsBlended,   TESSEL_LIKENESS};
+// Half a row mixes the fields, and with them their colours.
+constexpr std::array kOfShifted{id::kFieldsBlended,   id::kColorGain,     id::kColorOffset,
+                                id::kColorSaturation, id::kColorHue,      id::kColorMatrix,
+                                id::kColorRange,      id::kColorTransfer, TESSEL_LIKENESS};
 constexpr std::array kOfCropped{id::kContainerSize, id::kOrderUnreadable, id::kGeometryShifted,
                                 id::kGeometryScaled, TESSEL_LIKENESS};
 constexpr std::array kOfRotated{id::kContainerSize,   id::kContainerAspect, id::kGeometryScaled,
@@ -335,12 +339,14 @@ constexpr std::array kOfHead{id::kContainerDuration, id::kContainerStart, id::kS
 constexpr std::array kOfTail{id::kContainerDuration};
 // Rows of the other field have its colours.
 constexpr std::array kOfFields{
-    id::kContainerFields, id::kOrderUnreadable,       id::kOrderMissing,      id::kOrderRepeated,
-    id::kOrderFrozen,     id::kOrderInserted,         id::kOrderTail,         id::kOrderCadence,
-    id::kContainerRate,   id::kContainerConstantRate, id::kContainerDuration, id::kColorMatrix,
-    id::kColorRange,      id::kColorTransfer,         id::kColorChannels,     id::kColorChromaSwapped,
-    id::kColorGain,       id::kColorOffset,           id::kColorSaturation,   id::kColorHue,
-    TESSEL_LIKENESS};
+    id::kContainerFields,   id::kOrderUnreadable,    id::kOrderMissing,  id::kOrderRepeated,
+    id::kOrderFrozen,       id::kOrderInserted,      id::kOrderTail,     id::kOrderCadence,
+    id::kOrderHead,         id::kOrderReversed,      id::kOrderSwapped,  id::kGeometryShifted,
+    id::kGeometryScaled,    id::kColorClipped,       id::kColorSiting,   id::kColorSubsampling,
+    id::kColorAlpha,        id::kColorDepth,         id::kContainerRate, id::kContainerConstantRate,
+    id::kContainerDuration, id::kColorMatrix,        id::kColorRange,    id::kColorTransfer,
+    id::kColorChannels,     id::kColorChromaSwapped, id::kColorGain,     id::kColorOffset,
+    id::kColorSaturation,   id::kColorHue,           TESSEL_LIKENESS};
 constexpr std::array kOfChannels{id::kContainerLayout};
 constexpr std::array kOfMix{id::kContainerChannels, id::kContainerLayout, id::kAudioOrder,
                             id::kAudioGain,         id::kAudioSilence,    id::kAudioClipping};
@@ -358,7 +364,7 @@ constexpr std::array kCauses{
     Causes{id::kGeometryScaled, kOfScaled},
     Causes{id::kGeometryCropped, kOfCropped},
     Causes{id::kGeometryPadded, kOfCropped},
-    Causes{id::kGeometryShifted, kLikeness},
+    Causes{id::kGeometryShifted, kOfShifted},
     Causes{id::kGeometryFlipped, kOfCropped},
     Causes{id::kGeometryRotated, kOfRotated},
     Causes{id::kContainerRate, kOfRate},

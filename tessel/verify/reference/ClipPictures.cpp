@@ -84,6 +84,17 @@ ClipFacts FactsOf(const exporting::SignalSource& clip)
     return facts;
 }
 
+exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts& movie)
+{
+    if (clip.frameKind.family == exporting::ColorFamily::YCbCr) {
+        return {clip.frameKind.matrix, false};
+    }
+    const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
+    const bool isClips = clip.matrix != 2 && clip.matrix != 0;
+    const int matrix = isSaid ? movie.matrix : isClips ? clip.matrix : 1;
+    return {static_cast<exporting::Matrix>(matrix), movie.fullRange.value_or(isClips && clip.fullRange)};
+}
+
 ClipPictures::ClipPictures(const exporting::SignalSource& clip, PictureLayout layout,
                            const exporting::YCbCrCoding& coding, exporting::ChromaRows chromaRows)
     : mClip(clip)
@@ -95,7 +106,20 @@ ClipPictures::ClipPictures(const exporting::SignalSource& clip, PictureLayout la
 
 read::Picture ClipPictures::Render(std::int64_t frame)
 {
-    const exporting::FrameView view = mClip.RenderFrame(frame);
+    return Convert(mClip.RenderFrame(frame));
+}
+
+read::Picture ClipPictures::RenderRows(std::int64_t frame, int first, int count, int step)
+{
+    exporting::FrameView view = mClip.RenderFrame(frame);
+    view.top += first * view.rowBytes;
+    view.rowBytes *= step;
+    view.height = count;
+    return Convert(view);
+}
+
+read::Picture ClipPictures::Convert(const exporting::FrameView& view)
+{
     if (!mConverter || view.format != mConversion.source || view.width != mConversion.width ||
         view.height != mConversion.height) {
         mConversion.source = view.format;

@@ -38,6 +38,10 @@ struct ClipFacts {
 /// Renders frame 0 to learn the format. @throws importhost::HostError where the clip cannot be painted
 [[nodiscard]] ClipFacts FactsOf(const exporting::SignalSource& clip);
 
+/// What the codes of a clip in a movie's Y'CbCr samples mean: the clip's own where it has Y'CbCr pixels, else
+/// as the movie announces.
+[[nodiscard]] exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts& movie);
+
 /// Frames of a clip in one layout. Threads: one object, one thread at a time.
 class ClipPictures {
 public:
@@ -48,7 +52,13 @@ public:
     /// @param frame  of the clip. @throws importhost::HostError, exporting::ExportError
     [[nodiscard]] read::Picture Render(std::int64_t frame);
 
+    /// Every `step`th row from `first` on, as a picture of `count` rows. Only for layouts whose chroma is as
+    /// high as their luma. Cost: painting the frame, and converting these rows.
+    [[nodiscard]] read::Picture RenderRows(std::int64_t frame, int first, int count, int step = 1);
+
 private:
+    [[nodiscard]] read::Picture Convert(const exporting::FrameView& view);
+
     const exporting::SignalSource& mClip;
     exporting::Conversion mConversion;
     std::unique_ptr<exporting::FrameConverter> mConverter;

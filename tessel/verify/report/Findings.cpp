@@ -15,7 +15,9 @@ std::size_t PlaceOf(std::string_view name) noexcept
 }
 
 /// Puts findings that follow from others inside those. A finding that several causes explain goes to the first.
-std::vector<Finding> Nested(std::vector<Finding> flat)
+/// @param because  further pairs of cause and consequence
+std::vector<Finding> Nested(std::vector<Finding> flat,
+                            const std::set<std::pair<std::string, std::string>>& because)
 {
     const auto index = [&](std::string_view name) {
         return static_cast<std::size_t>(
@@ -27,7 +29,14 @@ std::vector<Finding> Nested(std::vector<Finding> flat)
         if (flat[cause].verdict != Verdict::NotAsExpected) {
             continue;
         }
-        for (const std::string_view name : ConsequencesOf(flat[cause].id)) {
+        const std::span<const std::string_view> always = ConsequencesOf(flat[cause].id);
+        std::vector<std::string_view> consequences(always.begin(), always.end());
+        for (const auto& [reason, consequence] : because) {
+            if (reason == flat[cause].id) {
+                consequences.emplace_back(consequence);
+            }
+        }
+        for (const std::string_view name : consequences) {
             const std::size_t child = index(name);
             // Two faults that each explain the other: the first one is the cause.
             bool isCircle = false;
@@ -130,6 +139,11 @@ void Findings::NotVisible(std::string_view name, std::string use)
     mNotVisible.emplace(name, use.empty() ? std::string(check->use) : std::move(use));
 }
 
+void Findings::Because(std::string_view cause, std::string_view consequence)
+{
+    mBecause.emplace(cause, consequence);
+}
+
 void Findings::Note(std::string text)
 {
     if (std::find(mNotes.begin(), mNotes.end(), text) == mNotes.end()) {
@@ -168,7 +182,7 @@ void Findings::Conclude(const Choice& choice, Report& report) const
             report.notChecked.emplace_back(check.id);
         }
     }
-    for (Finding& finding : Nested(std::move(flat))) {
+    for (Finding& finding : Nested(std::move(flat), mBecause)) {
         if (choice.accept.count(finding.id) != 0) {
             report.notes.push_back(fmt::format("accepted: {} ({})", finding.message, finding.id));
         } else {

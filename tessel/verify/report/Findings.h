@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tessel::verify {
@@ -54,6 +55,10 @@ public:
     /// @param use  instead of the catalogue's advice where that is too general
     void NotVisible(std::string_view id, std::string use = {});
 
+    /// In this movie `consequence` follows from `cause`, though it does not of necessity. Says nothing where
+    /// either is no fault.
+    void Because(std::string_view cause, std::string_view consequence);
+
     void Note(std::string text);
 
     [[nodiscard]] bool HasFault(std::string_view id) const;
@@ -71,6 +76,7 @@ private:
     Tolerances mTolerances;
     std::map<std::string, Finding, std::less<>> mEntries;
     std::map<std::string, std::string, std::less<>> mNotVisible;
+    std::set<std::pair<std::string, std::string>> mBecause; ///< cause, consequence
     std::vector<std::string> mNotes;
 };
 

@@ -61,6 +61,19 @@ TEST(Findings, AFaultWithoutItsCauseStandsAlone)
     EXPECT_EQ(Concluded(findings).findings.size(), 1U);
 }
 
+TEST(Findings, WhatFollowsInThisMovieAloneStandsInsideItsCause)
+{
+    Findings findings{Tolerances{}};
+    findings.Because(id::kOrderCadence, id::kFieldsInterlaced);
+    findings.Fault(id::kFieldsInterlaced, "woven");
+    EXPECT_EQ(Concluded(findings).findings.at(0).id, id::kFieldsInterlaced) << "no cause, no consequence";
+    findings.Fault(id::kOrderCadence, "pulldown");
+    const Report report = Concluded(findings);
+    ASSERT_EQ(report.findings.size(), 1U);
+    EXPECT_EQ(report.findings[0].id, id::kOrderCadence);
+    EXPECT_EQ(report.findings[0].consequences.at(0).id, id::kFieldsInterlaced);
+}
+
 TEST(Findings, AnAcceptedFaultTakesItsConsequencesAlong)
 {
     Findings findings{Tolerances{}};

@@ -102,17 +102,6 @@ std::optional<exporting::PictureLayout> LayoutFor(const read::SampleFormat& form
                           : std::nullopt;
 }
 
-exporting::YCbCrCoding CodingFor(const reference::ClipFacts& clip, const read::PictureFacts& movie)
-{
-    if (clip.frameKind.family == exporting::ColorFamily::YCbCr) {
-        return {clip.frameKind.matrix, false};
-    }
-    const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
-    const bool isClips = clip.matrix != 2 && clip.matrix != 0;
-    const int matrix = isSaid ? movie.matrix : isClips ? clip.matrix : 1;
-    return {static_cast<exporting::Matrix>(matrix), movie.fullRange.value_or(isClips && clip.fullRange)};
-}
-
 std::string PlaneName(const read::PictureFacts& movie, int plane)
 {
     constexpr const char* kRgb[] = {"R'", "G'", "B'", "alpha"};
@@ -187,8 +176,8 @@ void FidelitySampler::Choose(const read::Picture& picture, std::int64_t frame, c
     // Chroma of interlaced pictures may be subsampled by field or by frame; the nearer way is the movie's.
     double best = -1;
     for (const exporting::ChromaRows rows : {exporting::ChromaRows::Frame, exporting::ChromaRows::Field}) {
-        auto pictures =
-            std::make_unique<reference::ClipPictures>(mClip, *layout, CodingFor(mFacts, movie), rows);
+        auto pictures = std::make_unique<reference::ClipPictures>(mClip, *layout,
+                                                                  reference::CodingFor(mFacts, movie), rows);
         const Sample sample = Measure(pictures->Render(frame), picture, frame);
         const double chroma = sample.planeCount > 1 ? sample.planes[1].psnr : sample.planes[0].psnr;
         if (chroma > best) {

@@ -5,205 +5,281 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace tessel::verify::judge {
 namespace {
 
-constexpr std::array kMixChecks{id::kFieldsSwapped, id::kFieldsBlended, id::kFieldsBobbed, id::kFieldsLost,
-                                id::kFieldsProgressive};
-constexpr std::int64_t kPairs = 8; // of neighbouring pictures that are looked at, spread over the clip
-constexpr double kAlike = 0.08;    // fields nearer than this in luma do not tell
-constexpr double kNear = 0.2;      // of a mix to a plain share
+// A fault of all pictures shows in nearly all of them.
+constexpr double kNearlyAll = 0.8;
 
-bool IsNear(double share, double to) noexcept
+std::string_view NameOf(FieldKind kind) noexcept
 {
-    return std::abs(share - to) < kNear;
+    switch (kind) {
+    case FieldKind::Right:
+        return "the clip's own rows";
+    case FieldKind::Moved:
+        return "a frame that moved by a part of a row";
+    case FieldKind::Swapped:
+        return "exchanged fields";
+    case FieldKind::OneRowOff:
+        return "a frame that moved by one row";
+    case FieldKind::Blended:
+        return "blended fields";
+    case FieldKind::FramesMixed:
+        return "mixed frames";
+    case FieldKind::Bobbed:
+        return "bobbed fields";
+    case FieldKind::OneField:
+        return "a lost field";
+    case FieldKind::Shifted:
+        return "fields of two frames";
+    }
+    return {};
 }
 
-/// How many pictures' mixes are of each kind.
-struct Kinds {
-    int right = 0;
-    int swapped = 0;
-    int blended = 0;
-    int upperOnly = 0;
-    int lowerOnly = 0;
-    int all = 0;
-};
-
-Kinds CountKinds(const std::vector<FieldSampler::Sample>& samples, bool isFull)
+/// The check that a kind belongs to; empty for kinds that are no fault of fields.
+std::string_view CheckOf(FieldKind kind, bool isInterlaced) noexcept
 {
-    Kinds kinds;
-    for (const FieldSampler::Sample& sample : samples) {
-        const std::optional<FieldMix> mix = MixOf(sample, isFull);
-        if (!mix) {
-            continue;
-        }
-        ++kinds.all;
-        const double upper = mix->inUpper;
-        const double lower = mix->inLower;
-        kinds.right += IsNear(upper, 1) && IsNear(lower, 0) ? 1 : 0;
-        kinds.swapped += IsNear(upper, 0) && IsNear(lower, 1) ? 1 : 0;
-        kinds.blended += IsNear(upper, 0.5) && IsNear(lower, 0.5) ? 1 : 0;
-        kinds.upperOnly += IsNear(upper, 1) && IsNear(lower, 1) ? 1 : 0;
-        kinds.lowerOnly += IsNear(upper, 0) && IsNear(lower, 0) ? 1 : 0;
+    switch (kind) {
+    case FieldKind::Swapped:
+    case FieldKind::OneRowOff:
+        return isInterlaced ? id::kFieldsSwapped : std::string_view{};
+    case FieldKind::Blended:
+    case FieldKind::FramesMixed:
+        return isInterlaced ? id::kFieldsBlended : std::string_view{};
+    case FieldKind::Bobbed:
+        return isInterlaced ? id::kFieldsBobbed : id::kFieldsInterlaced;
+    case FieldKind::OneField:
+        return isInterlaced ? id::kFieldsLost : id::kFieldsInterlaced;
+    case FieldKind::Shifted:
+        return isInterlaced ? id::kFieldsShifted : id::kFieldsInterlaced;
+    case FieldKind::Right:
+    case FieldKind::Moved:
+        break;
     }
-    return kinds;
-}
-
-void TellMix(const FieldsCase& given, const Kinds& kinds, Findings& findings)
-{
-    const auto most = [&](int count) { return count * 10 >= kinds.all * 8; };
-    for (const std::string_view check : kMixChecks) {
-        findings.AsExpected(check);
-    }
-    if (most(kinds.right)) {
-        return;
-    }
-    const auto fault = [&](std::string_view check, std::string message, std::string found) {
-        Finding& finding = findings.Fault(check, std::move(message));
-        finding.expected = std::string("upper field on upper rows, lower field on lower rows");
-        finding.found = std::move(found);
-    };
-    const bool isAnnouncedInterlaced = given.movie.fields == read::FieldOrder::UpperFirst ||
-                                       given.movie.fields == read::FieldOrder::LowerFirst;
-    if (most(kinds.swapped)) {
-        fault(id::kFieldsSwapped, "the upper field is on the lower rows and the lower field on the upper rows",
-              "exchanged");
-    } else if (most(kinds.blended)) {
-        fault(id::kFieldsBlended, "both fields are mixed into every row", "mixed");
-    } else if (kinds.upperOnly > 0 && kinds.lowerOnly > 0 && most(kinds.upperOnly + kinds.lowerOnly)) {
-        fault(id::kFieldsBobbed, "each picture is one field, stretched to all rows", "a field a picture");
-    } else if (most(kinds.upperOnly) || most(kinds.lowerOnly)) {
-        const std::string kept = kinds.upperOnly > kinds.lowerOnly ? "upper" : "lower";
-        fault(isAnnouncedInterlaced ? id::kFieldsLost : id::kFieldsProgressive,
-              isAnnouncedInterlaced
-                  ? fmt::format("only the {} field is left, on all rows", kept)
-                  : fmt::format("pictures are made progressive from the {} field alone", kept),
-              fmt::format("the {} field alone", kept));
-    } else {
-        Finding& finding =
-            findings.Undecided(id::kFieldsBlended, "the rows show neither the clip's fields nor a plain "
-                                                   "mix of them");
-        finding.found = std::string("unclear");
-    }
+    return {};
 }
 
 /// What the numbers on each field's rows say.
-void TellNumbers(const FieldsCase& given, Findings& findings)
+struct FieldNumbers {
+    std::int64_t read = 0;           ///< pictures in which both fields were read
+    std::vector<std::int64_t> apart; ///< pictures whose fields are of two frames
+    bool isLowerLater = false;       ///< in most of them
+};
+
+FieldNumbers NumbersOf(const align::Alignment& alignment)
 {
-    const bool isInterlaced = given.clip.fields != read::FieldOrder::Progressive;
-    const std::string_view check = isInterlaced ? id::kFieldsShifted : id::kFieldsInterlaced;
-    findings.NotVisible(isInterlaced ? id::kFieldsInterlaced : id::kFieldsShifted);
-    if (given.alignment.method != AlignmentMethod::Number) {
-        findings.NotVisible(check);
-        return;
-    }
-    std::vector<std::int64_t> apart;
-    std::int64_t lowerLater = 0;
-    std::int64_t read = 0;
-    for (std::size_t i = 0; i < given.alignment.pictures.size(); ++i) {
-        const align::PictureRecord& picture = given.alignment.pictures[i];
+    FieldNumbers numbers;
+    std::size_t lowerLater = 0;
+    for (std::size_t i = 0; i < alignment.pictures.size(); ++i) {
+        const align::PictureRecord& picture = alignment.pictures[i];
         if (picture.fields[0] >= 0 && picture.fields[1] >= 0) {
-            ++read;
+            ++numbers.read;
             if (picture.fields[0] != picture.fields[1]) {
-                apart.push_back(static_cast<std::int64_t>(i));
+                numbers.apart.push_back(static_cast<std::int64_t>(i));
                 lowerLater += picture.fields[1] > picture.fields[0] ? 1 : 0;
             }
         }
     }
-    if (read == 0) {
-        findings.NotVisible(check, "a larger picture, in which numbers can be read on the rows of one field");
-        return;
-    }
-    if (apart.empty()) {
-        findings.AsExpected(check);
-        return;
-    }
-    const std::string_view later = lowerLater * 2 > static_cast<std::int64_t>(apart.size()) ? "lower" : "upper";
-    Finding& finding = findings.Fault(
-        check, fmt::format("in {} of {} pictures the {} field is of a later frame than the other", apart.size(),
-                           read, later));
-    finding.expected = std::string("both fields of one frame");
-    finding.found = fmt::format("{} field later", later);
-    finding.frames = SpansOf(apart);
+    numbers.isLowerLater = lowerLater * 2 > numbers.apart.size();
+    return numbers;
 }
+
+class Judging {
+public:
+    Judging(const FieldsCase& given, Findings& findings)
+        : mGiven(given), mFindings(findings), mIsInterlaced(given.clip.fields != read::FieldOrder::Progressive)
+    {
+    }
+
+    void Run()
+    {
+        const FieldNumbers numbers = NumbersOf(mGiven.alignment);
+        const std::vector<FieldEvidence>& evidence = mGiven.sampler.Evidence();
+        if (!evidence.empty()) {
+            mDecision = Decide(evidence);
+        }
+        TellVisibility(numbers);
+        if (!evidence.empty() && TellKind()) {
+            return;
+        }
+        // Rows are right in most pictures; numbers were read in all that look odd.
+        if (!numbers.apart.empty()) {
+            TellWeave(numbers);
+        }
+    }
+
+private:
+    [[nodiscard]] bool Sees(FieldKind kind) const noexcept
+    {
+        return mDecision.isVisible[static_cast<std::size_t>(kind)];
+    }
+
+    void TellVisibility(const FieldNumbers& numbers)
+    {
+        const bool seesWeave = Sees(FieldKind::Shifted) || numbers.read > 0;
+        const auto tell = [this](std::string_view check, bool isSeen) {
+            if (isSeen) {
+                mFindings.AsExpected(check);
+            } else {
+                mFindings.NotVisible(check);
+            }
+        };
+        tell(id::kFieldsSwapped, mIsInterlaced && Sees(FieldKind::Swapped));
+        tell(id::kFieldsShifted, mIsInterlaced && seesWeave);
+        tell(id::kFieldsBlended, mIsInterlaced && Sees(FieldKind::Blended));
+        tell(id::kFieldsBobbed, mIsInterlaced && Sees(FieldKind::Bobbed));
+        tell(id::kFieldsLost, mIsInterlaced && Sees(FieldKind::OneField));
+        tell(id::kFieldsProgressive, mIsInterlaced && Sees(FieldKind::OneField));
+        tell(id::kFieldsInterlaced, !mIsInterlaced && seesWeave);
+    }
+
+    [[nodiscard]] bool IsAnnouncedInterlaced() const noexcept
+    {
+        return mGiven.movie.fields == read::FieldOrder::UpperFirst ||
+               mGiven.movie.fields == read::FieldOrder::LowerFirst;
+    }
+
+    /// A field that is left alone: lost where the movie still says that it has two, else made progressive.
+    /// Where the movie says nothing, doubled rows are a loss and interpolated ones are made on purpose.
+    [[nodiscard]] bool IsLoss() const noexcept
+    {
+        return mGiven.movie.fields == read::FieldOrder::Unknown ? mDecision.best.missing == MissingRows::Doubled
+                                                                : IsAnnouncedInterlaced();
+    }
+
+    [[nodiscard]] std::string_view Kept() const noexcept
+    {
+        switch (mDecision.best.even) {
+        case FieldModel::LowerDoubled:
+        case FieldModel::LowerBetween:
+        case FieldModel::LowerAdaptive:
+        case FieldModel::LowerStretched:
+            return "lower";
+        default:
+            return "upper";
+        }
+    }
+
+    [[nodiscard]] std::string Message() const
+    {
+        const FieldHypothesis& best = mDecision.best;
+        const std::string_view made =
+            best.missing == MissingRows::Doubled ? "shown twice" : "interpolated to all rows";
+        switch (best.kind) {
+        case FieldKind::Swapped:
+            return "the upper field is on the lower rows and the lower field on the upper rows";
+        case FieldKind::OneRowOff:
+            return fmt::format("the picture is one row too {}, so that each field is on the other's rows",
+                               best.even == FieldModel::OneRowDown ? "low" : "high");
+        case FieldKind::Blended:
+            return best.even == FieldModel::PairsMixed ? "both fields are mixed into every row"
+                                                       : "every row is mixed with the rows above and below it";
+        case FieldKind::FramesMixed:
+            return "each picture is a mix of two frames";
+        case FieldKind::Bobbed:
+            return fmt::format("each picture is one field, {}, upper and lower fields in turn", made);
+        case FieldKind::OneField:
+            if (!mIsInterlaced) {
+                return fmt::format("pictures were treated as interlaced: only the {} rows are left, {}", Kept(),
+                                   made);
+            }
+            return IsLoss()
+                       ? fmt::format("only the {} field is left, {}", Kept(), made)
+                       : fmt::format("pictures are made progressive from the {} field alone, {}", Kept(), made);
+        case FieldKind::Shifted: {
+            const bool isLowerLater =
+                best.even == FieldModel::LowerFromNext || best.even == FieldModel::UpperFromLast;
+            return mIsInterlaced
+                       ? fmt::format("the {} field of each picture is of a later frame than the other",
+                                     isLowerLater ? "lower" : "upper")
+                       : fmt::format("pictures are made interlaced: the {} rows of each are of a later frame",
+                                     isLowerLater ? "lower" : "upper");
+        }
+        default:
+            return {};
+        }
+    }
+
+    /// @return whether the rows of all pictures tell a fault
+    bool TellKind()
+    {
+        std::string_view check = CheckOf(mDecision.best.kind, mIsInterlaced);
+        if (check == id::kFieldsLost && !IsLoss()) {
+            check = id::kFieldsProgressive;
+        }
+        if (check.empty()) {
+            TellRowOffset();
+            return mDecision.best.kind != FieldKind::Right;
+        }
+        const std::string residual =
+            fmt::format("residual {:.2g} codes; next best {:.2g}: {}", mDecision.residual,
+                        mDecision.secondResidual, NameOf(mDecision.second));
+        std::string message = fmt::format("{} ({})", Message(), residual);
+        const std::string_view second = CheckOf(mDecision.second, mIsInterlaced);
+        if (mDecision.isSecondAsLikely && !second.empty() && second != check) {
+            message = fmt::format("one of: {}; or {} ({})", Message(), NameOf(mDecision.second), second);
+        }
+        Finding& finding = mDecision.isSure ? mFindings.Fault(check, std::move(message))
+                                            : mFindings.Undecided(check, std::move(message));
+        finding.expected = std::string(NameOf(FieldKind::Right));
+        finding.found = std::string(NameOf(mDecision.best.kind));
+        if (mDecision.best.kind == FieldKind::OneField) {
+            finding.found = fmt::format("{} field", Kept());
+        }
+        if (mDecision.best.kind == FieldKind::OneRowOff) {
+            mFindings.Because(id::kFieldsSwapped, id::kGeometryShifted);
+        }
+        return true;
+    }
+
+    /// Rows are right but lie an odd number of rows away, as cropping leaves them.
+    void TellRowOffset()
+    {
+        if (!mIsInterlaced || mGiven.sampler.Evidence().empty() || mGiven.sampler.RowsDown() % 2 == 0) {
+            return;
+        }
+        Finding& finding = mFindings.Fault(
+            id::kFieldsSwapped, "the picture is moved by an odd number of rows, so that each field is on the "
+                                "other's rows");
+        finding.expected = std::string(NameOf(FieldKind::Right));
+        finding.found = fmt::format("{} rows lower", mGiven.sampler.RowsDown());
+        for (const std::string_view cause : {id::kGeometryCropped, id::kGeometryPadded, id::kGeometryShifted}) {
+            mFindings.Because(cause, id::kFieldsSwapped);
+        }
+    }
+
+    /// Some pictures, or all of them, have the fields of two frames.
+    void TellWeave(const FieldNumbers& numbers)
+    {
+        const std::string_view check = mIsInterlaced ? id::kFieldsShifted : id::kFieldsInterlaced;
+        const std::string_view later = numbers.isLowerLater ? "lower" : "upper";
+        Finding& finding = mFindings.Fault(
+            check, fmt::format("in {} of {} pictures the {} {} of a later frame than the other{}",
+                               numbers.apart.size(), mGiven.alignment.pictures.size(), later,
+                               mIsInterlaced ? "field is" : "rows are", mIsInterlaced ? "" : "s"));
+        finding.expected = std::string("both fields of one frame");
+        finding.found = fmt::format("{} field later", later);
+        finding.frames = SpansOf(numbers.apart);
+        const auto part = static_cast<double>(numbers.apart.size()) / static_cast<double>(numbers.read);
+        if (part < kNearlyAll) {
+            // Pulldown: frames are spread over fields in a pattern.
+            mFindings.Because(id::kOrderCadence, check);
+        }
+    }
+
+    const FieldsCase& mGiven;
+    Findings& mFindings;
+    bool mIsInterlaced;
+    FieldDecision mDecision;
+};
 
 } // namespace
 
-FieldSampler::FieldSampler(const exporting::SignalSource& clip, const reference::ClipFacts& facts)
-    : mPictures(clip, exporting::PictureLayout::Gbrapf32, {}, exporting::ChromaRows::Frame), mFacts(facts),
-      mIsInterlaced(facts.hasPicture && facts.fields != read::FieldOrder::Progressive && facts.height > 8),
-      mStride(std::max<std::int64_t>(2, facts.frameCount / kPairs))
-{
-}
-
-void FieldSampler::Take(const read::Picture& picture, std::int64_t frame, const align::Placement& placement)
-{
-    const bool keepsRows = placement.orientation == align::Orientation::Upright &&
-                           picture.height == mFacts.height && std::abs(placement.scaleY - 1) < 0.01;
-    if (!keepsRows) {
-        return;
-    }
-    const read::Picture clip = mPictures.Render(frame);
-    const read::ComponentView& luma = picture.components[0];
-    const double full = luma.isFloat ? 1.0 : std::exp2(luma.bits) - 1;
-    const bool isRgb = picture.format.isRgb;
-    Sample sample;
-    // The lower part of the picture is free of numbers.
-    const int first = mFacts.height / 2 / 2 * 2;
-    const int last = (mFacts.height - 2) / 2 * 2;
-    constexpr int kAcross = 16;
-    int count = 0;
-    for (int row = first; row + 1 < last; row += 2) {
-        for (int i = 0; i < kAcross; ++i) {
-            const int x = mFacts.width * (2 * i + 1) / (2 * kAcross);
-            const int foundX = std::min(picture.width - 1, picture.width * (2 * i + 1) / (2 * kAcross));
-            const auto lumaOf = [&](const read::Picture& from, int column, int y, double scale) {
-                return (0.2126 * from.components[0].At(column, y) + 0.7152 * from.components[1].At(column, y) +
-                        0.0722 * from.components[2].At(column, y)) /
-                       scale;
-            };
-            sample.clipUpper += lumaOf(clip, x, row, 1);
-            sample.clipLower += lumaOf(clip, x, row + 1, 1);
-            sample.movieUpper += isRgb ? lumaOf(picture, foundX, row, full) : luma.At(foundX, row) / full;
-            sample.movieLower +=
-                isRgb ? lumaOf(picture, foundX, row + 1, full) : luma.At(foundX, row + 1) / full;
-            ++count;
-        }
-    }
-    if (count > 0) {
-        for (double* sum : {&sample.clipUpper, &sample.clipLower, &sample.movieUpper, &sample.movieLower}) {
-            *sum /= count;
-        }
-        mSamples.push_back(sample);
-    }
-}
-
-std::optional<FieldMix> MixOf(const FieldSampler::Sample& sample, bool isFull) noexcept
-{
-    const double apart = sample.clipUpper - sample.clipLower;
-    if (std::abs(apart) < kAlike) {
-        return std::nullopt;
-    }
-    const auto share = [&](double code) {
-        const double level = isFull ? code : (code * 255 - 16) / 219;
-        return (level - sample.clipLower) / apart;
-    };
-    return FieldMix{share(sample.movieUpper), share(sample.movieLower)};
-}
-
 void JudgeFields(const FieldsCase& given, Findings& findings)
 {
-    const bool isFull = given.movie.format.isRgb || given.movie.fullRange.value_or(false);
-    const Kinds kinds = CountKinds(given.sampler.Samples(), isFull);
-    if (kinds.all == 0) {
-        for (const std::string_view check : kMixChecks) {
-            findings.NotVisible(check);
-        }
-    } else {
-        TellMix(given, kinds, findings);
-    }
-    TellNumbers(given, findings);
+    Judging(given, findings).Run();
 }
 
 } // namespace tessel::verify::judge
