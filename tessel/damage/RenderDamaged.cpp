@@ -142,6 +142,10 @@ OutputPlan PlanDamaged(const DamagePlan& damage, exporting::OutputRequest reques
     for (const auto& announce : damage.announcements) {
         announce(plan);
     }
+    if (plan.video) {
+        // Encoders write the field order into their own headers, too.
+        plan.video->options = exporting::OptionsOf(*plan.video);
+    }
     return plan;
 }
 

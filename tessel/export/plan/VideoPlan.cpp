@@ -134,6 +134,8 @@ PictureGeometry GeometryOf(const ClipFacts& clip)
     return geometry;
 }
 
+} // namespace
+
 EncoderOptions OptionsOf(const VideoPlan& plan)
 {
     EncoderOptions options;
@@ -145,8 +147,6 @@ EncoderOptions OptionsOf(const VideoPlan& plan)
     }
     return options;
 }
-
-} // namespace
 
 void RequireRate(const ClipFacts& clip)
 {

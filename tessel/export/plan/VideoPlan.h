@@ -59,6 +59,10 @@ void RequirePicture(const document::ClipFacts& clip);
 [[nodiscard]] VideoPlan PlanVideo(const document::ClipFacts& clip, const Container& container,
                                   const VideoCodec* chosen, std::optional<int> quality = std::nullopt);
 
+/// The encoder's options as codec, geometry and quality of the plan ask for them; `PlanVideo` has set them.
+/// Whoever changes the field order of a plan sets them again.
+[[nodiscard]] EncoderOptions OptionsOf(const VideoPlan& plan);
+
 /// @throws ExportError  where the codec does not know the quality; says what it knows
 void CheckQuality(const VideoCodec& codec, int quality);
 

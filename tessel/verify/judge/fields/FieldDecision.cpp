@@ -128,7 +128,11 @@ FieldDecision Decide(std::span<const FieldEvidence> evidence)
     decision.residual = sums.Root(best);
     std::size_t second = kHypotheses.size();
     for (std::size_t h = 0; h < kHypotheses.size(); ++h) {
-        if (isPossible(h) && kHypotheses[h].kind != kHypotheses[best].kind &&
+        // A frame that hardly moved is the right one.
+        const bool isMoved =
+            kHypotheses[h].kind == FieldKind::Moved && sums.Apart(kRight, h) > kLeastNoise * sums.Samples();
+        if (isPossible(h) && (kHypotheses[h].kind != FieldKind::Moved || isMoved) &&
+            kHypotheses[h].kind != kHypotheses[best].kind &&
             (second == kHypotheses.size() || sums.Residual(h) < sums.Residual(second))) {
             second = h;
         }
