@@ -121,7 +121,9 @@ Sayable SayableOf(const AVFormatContext& input, const AVCodecContext* codec)
     return say;
 }
 
-FieldOrder OrderOf(AVFieldOrder order) noexcept
+/// @param isMxf  whose demuxer takes FFmpeg's comments at their word: TB is coded top first and shown bottom
+/// first
+FieldOrder OrderOf(AVFieldOrder order, bool isMxf) noexcept
 {
     switch (order) {
     case AV_FIELD_PROGRESSIVE:
@@ -129,11 +131,13 @@ FieldOrder OrderOf(AVFieldOrder order) noexcept
     // FFmpeg and its peers write TB for interleaved rows whose upper field comes first, against the comments in
     // FFmpeg's header, and MediaInfo reads it so.
     case AV_FIELD_TT:
-    case AV_FIELD_TB:
         return FieldOrder::UpperFirst;
     case AV_FIELD_BB:
-    case AV_FIELD_BT:
         return FieldOrder::LowerFirst;
+    case AV_FIELD_TB:
+        return isMxf ? FieldOrder::LowerFirst : FieldOrder::UpperFirst;
+    case AV_FIELD_BT:
+        return isMxf ? FieldOrder::UpperFirst : FieldOrder::LowerFirst;
     case AV_FIELD_UNKNOWN:
         break;
     }
@@ -246,7 +250,7 @@ void FillFacts(MovieFacts& facts, const AVFormatContext& input, const AVCodecCon
     const AVRational aspect =
         stream->sample_aspect_ratio.num != 0 ? stream->sample_aspect_ratio : parameters.sample_aspect_ratio;
     picture.pixelAspect = aspect.num > 0 ? RationalOf(aspect) : Rational{};
-    picture.fields = OrderOf(parameters.field_order);
+    picture.fields = OrderOf(parameters.field_order, head == "mxf" || head == "mxf_opatom");
     picture.primaries = parameters.color_primaries;
     picture.transfer = parameters.color_trc;
     picture.matrix = parameters.color_space;

@@ -84,17 +84,6 @@ ClipFacts FactsOf(const exporting::SignalSource& clip)
     return facts;
 }
 
-exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts& movie)
-{
-    if (clip.frameKind.family == exporting::ColorFamily::YCbCr) {
-        return {clip.frameKind.matrix, false};
-    }
-    const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
-    const bool isClips = clip.matrix != 2 && clip.matrix != 0;
-    const int matrix = isSaid ? movie.matrix : isClips ? clip.matrix : 1;
-    return {static_cast<exporting::Matrix>(matrix), movie.fullRange.value_or(isClips && clip.fullRange)};
-}
-
 ClipPictures::ClipPictures(const exporting::SignalSource& clip, PictureLayout layout,
                            const exporting::YCbCrCoding& coding, exporting::ChromaRows chromaRows)
     : mClip(clip)

@@ -38,10 +38,6 @@ struct ClipFacts {
 /// Renders frame 0 to learn the format. @throws importhost::HostError where the clip cannot be painted
 [[nodiscard]] ClipFacts FactsOf(const exporting::SignalSource& clip);
 
-/// What the codes of a clip in a movie's Y'CbCr samples mean: the clip's own where it has Y'CbCr pixels, else
-/// as the movie announces.
-[[nodiscard]] exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts& movie);
-
 /// Frames of a clip in one layout. Threads: one object, one thread at a time.
 class ClipPictures {
 public:

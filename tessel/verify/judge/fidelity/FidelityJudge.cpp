@@ -1,5 +1,7 @@
 #include "FidelityJudge.h"
 
+#include <tessel/verify/reference/MovieLayout.h>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -52,54 +54,6 @@ double SsimOfWindow(const float* a, const float* b, int width, int size, double 
     const double c2 = 0.03 * fullScale * 0.03 * fullScale;
     return (2 * meanA * meanB + c1) * (2 * covariance + c2) /
            ((meanA * meanA + meanB * meanB + c1) * (varianceA + varianceB + c2));
-}
-
-/// The layout whose samples are those of a format, in whatever order; nothing where the conversion has none.
-std::optional<exporting::PictureLayout> LayoutFor(const read::SampleFormat& format)
-{
-    using enum exporting::PictureLayout;
-    const bool alpha = format.hasAlpha;
-    if (format.isFloat) {
-        return format.isRgb ? std::optional(alpha ? Gbrapf32 : Gbrpf32) : std::nullopt;
-    }
-    if (format.isRgb) {
-        switch (format.bits) {
-        case 8:
-            return alpha ? Rgba : Rgb24;
-        case 10:
-            return alpha ? std::nullopt : std::optional(Gbrp10);
-        case 16:
-            return alpha ? Rgba64 : Rgb48;
-        default:
-            return std::nullopt;
-        }
-    }
-    const int chroma = format.chromaShiftX * 10 + format.chromaShiftY;
-    if (chroma == 0) {
-        switch (format.bits) {
-        case 8:
-            return alpha ? Yuva444p : Yuv444p;
-        case 10:
-            return alpha ? Yuva444p10 : Yuv444p10;
-        case 16:
-            return alpha ? Yuva444p16 : Yuv444p16;
-        default:
-            return std::nullopt;
-        }
-    }
-    if (alpha) {
-        return std::nullopt;
-    }
-    if (format.bits == 10) {
-        return chroma == 10 ? std::optional(Yuv422p10) : chroma == 11 ? std::optional(Yuv420p10) : std::nullopt;
-    }
-    if (format.bits != 8) {
-        return std::nullopt;
-    }
-    return chroma == 10   ? std::optional(Yuv422p)
-           : chroma == 11 ? std::optional(Yuv420p)
-           : chroma == 20 ? std::optional(Yuv411p)
-                          : std::nullopt;
 }
 
 std::string PlaneName(const read::PictureFacts& movie, int plane)
@@ -169,7 +123,7 @@ FidelitySampler::Sample FidelitySampler::Measure(const read::Picture& expected, 
 void FidelitySampler::Choose(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie)
 {
     mIsChosen = true;
-    const std::optional<exporting::PictureLayout> layout = LayoutFor(picture.format);
+    const std::optional<exporting::PictureLayout> layout = reference::LayoutFor(picture.format);
     if (!layout || picture.width != mFacts.width || picture.height != mFacts.height) {
         return;
     }

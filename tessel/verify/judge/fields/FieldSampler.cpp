@@ -1,5 +1,7 @@
 #include "FieldSampler.h"
 
+#include <tessel/verify/reference/MovieLayout.h>
+
 #include <algorithm>
 #include <cmath>
 
