@@ -1,21 +1,17 @@
 // PM_FillWithColor in every format: a frame in one call, and row by row in changing colours.
-#include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/Fill.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <support/BesideMemory.h>
+#include <support/EveryFormat.h>
 
 #include <array>
-#include <string>
 
 namespace {
 
 constexpr std::uint32_t kBGRAFloatCode = pixmill::kBGRAFloat;
 
-struct Size {
-    std::uint32_t width, height;
-};
-constexpr Size kSizes[] = {{1920, 1080}, {3840, 2160}};
+using benchsupport::Size;
 
 enum class Painting { Fields, Gradient };
 
@@ -54,25 +50,8 @@ void MeasureFill(benchmark::State& state, std::uint32_t code, const Size& size, 
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
-        const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(info.format);
-        if (!pixmill::IsPaintable(code)) {
-            continue;
-        }
-        for (const Size& size : kSizes) {
-            for (const Painting painting : {Painting::Fields, Painting::Gradient}) {
-                const std::string name = std::string(info.constant.substr(info.constant.find('_') + 1)) + "/" +
-                                         std::to_string(size.width) + "x" + std::to_string(size.height) +
-                                         (painting == Painting::Fields ? "/fields" : "/gradient");
-                benchmark::RegisterBenchmark(name.c_str(), MeasureFill, code, size, painting)
-                    ->UseManualTime()
-                    ->Unit(benchmark::kMicrosecond)
-                    ->Iterations(benchsupport::kRounds);
-            }
-        }
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return benchsupport::RunInEveryFormat(argc, argv, MeasureFill, [](const auto& add) {
+        add("fields", Painting::Fields);
+        add("gradient", Painting::Gradient);
+    });
 }

@@ -1,20 +1,16 @@
 // Frames as the plug-in makes them: one colour and the number on it, in every format.
-#include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/Fill.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 #include <kestrel/pixmill/PrintNumber.h>
 
 #include <support/BesideMemory.h>
+#include <support/EveryFormat.h>
 
 #include <array>
-#include <string>
 
 namespace {
 
-struct Size {
-    std::uint32_t width, height;
-};
-constexpr Size kSizes[] = {{1920, 1080}, {3840, 2160}};
+using benchsupport::Size;
 
 void MeasurePrint(benchmark::State& state, std::uint32_t code, const Size& size)
 {
@@ -36,22 +32,5 @@ void MeasurePrint(benchmark::State& state, std::uint32_t code, const Size& size)
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    for (const BR::PixelFormatInfo& info : BR::AllPixelFormats()) {
-        const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(info.format);
-        if (!pixmill::IsPaintable(code)) {
-            continue;
-        }
-        for (const Size& size : kSizes) {
-            const std::string name = std::string(info.constant.substr(info.constant.find('_') + 1)) + "/" +
-                                     std::to_string(size.width) + "x" + std::to_string(size.height) + "/number";
-            benchmark::RegisterBenchmark(name.c_str(), MeasurePrint, code, size)
-                ->UseManualTime()
-                ->Unit(benchmark::kMicrosecond)
-                ->Iterations(benchsupport::kRounds);
-        }
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return benchsupport::RunInEveryFormat(argc, argv, MeasurePrint, [](const auto& add) { add("number"); });
 }

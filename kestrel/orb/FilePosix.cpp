@@ -1,8 +1,8 @@
-#include "DescriptorPosix.h"
 #include "File.h"
 #include "FileReplacement.h"
 #include "SaveReport.h"
 
+#include <kestrel/qelcore/files/DescriptorPosix.h>
 #include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
@@ -20,6 +20,9 @@
 #include <utility>
 
 namespace ORB {
+
+using qelcore::files::Descriptor;
+
 namespace {
 
 Status StatusOfErrno(int error) noexcept

@@ -1,6 +1,7 @@
-#include "DescriptorPosix.h"
 #include "FileAttributesPosix.h"
 #include "FileReplacement.h"
+
+#include <kestrel/qelcore/files/DescriptorPosix.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -17,6 +18,9 @@
 #include <utility>
 
 namespace ORB {
+
+using qelcore::files::Descriptor;
+
 namespace {
 
 struct Freer {

@@ -1,10 +1,9 @@
 """Every include rule finds a small violation, and lets the nearest permitted thing pass."""
 
-import os
-import tempfile
 import unittest
 
 from include_rules import RULES, broken_rules
+from rule_cases import RuleCases
 
 # rule's name, a file that breaks it, a file that does not.
 CASES = [
@@ -149,35 +148,15 @@ CASES = [
 ]
 
 
-class Rules(unittest.TestCase):
-    def broken(self, file):
-        path, text = file
-        with tempfile.TemporaryDirectory() as root:
-            os.makedirs(os.path.join(root, "kestrel/qt"))
-            with open(os.path.join(root, "kestrel/qt/Toolkit.h"), "w", encoding="utf-8"):
-                pass
-            os.makedirs(os.path.join(root, "kestrel/orb"))
-            with open(os.path.join(root, "kestrel/orb/CMakeLists.txt"), "w", encoding="utf-8") as lists:
-                lists.write("target_sources(kestrel PRIVATE Private.h)\n"
-                            "target_sources(kestrel PUBLIC FILE_SET HEADERS BASE_DIRS x FILES\n"
-                            "    AlsoInstalled.h\n    Installed.h)\n")
-            os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
-            with open(os.path.join(root, path), "w", encoding="utf-8") as out:
-                out.write(text + "\n")
-            return {rule for _, _, _, rule in broken_rules(root)}
-
-    def test_every_rule_finds_its_violation(self):
-        for rule, violation, _ in CASES:
-            with self.subTest(rule=rule, violation=violation):
-                self.assertIn(rule, self.broken(violation))
-
-    def test_what_is_permitted_passes_every_rule(self):
-        for rule, _, permitted in CASES:
-            with self.subTest(rule=rule, permitted=permitted):
-                self.assertEqual(self.broken(permitted), set())
-
-    def test_every_rule_has_a_case(self):
-        self.assertEqual({rule.name for rule in RULES}, {rule for rule, _, _ in CASES})
+class Rules(RuleCases, unittest.TestCase):
+    RULES = RULES
+    CASES = CASES
+    broken_rules = staticmethod(broken_rules)
+    SURROUNDINGS = (("kestrel/qt/Toolkit.h", ""),
+                    ("kestrel/orb/CMakeLists.txt",
+                     "target_sources(kestrel PRIVATE Private.h)\n"
+                     "target_sources(kestrel PUBLIC FILE_SET HEADERS BASE_DIRS x FILES\n"
+                     "    AlsoInstalled.h\n    Installed.h)\n"))
 
 
 if __name__ == "__main__":

@@ -1,9 +1,8 @@
 """Every rule about texts finds a small violation, and lets the nearest permitted thing pass."""
 
-import os
-import tempfile
 import unittest
 
+from rule_cases import RuleCases
 from text_rules import RULES, broken_rules
 
 # rule's name, a file that breaks it, a file that does not.
@@ -41,27 +40,10 @@ CASES = [
 ]
 
 
-class Rules(unittest.TestCase):
-    def broken(self, file):
-        path, text = file
-        with tempfile.TemporaryDirectory() as root:
-            os.makedirs(os.path.join(root, os.path.dirname(path)))
-            with open(os.path.join(root, path), "w", encoding="utf-8") as out:
-                out.write(text + "\n")
-            return {rule for _, _, _, rule in broken_rules(root)}
-
-    def test_every_rule_finds_its_violation(self):
-        for rule, violation, _ in CASES:
-            with self.subTest(rule=rule, violation=violation):
-                self.assertIn(rule, self.broken(violation))
-
-    def test_what_is_permitted_passes_every_rule(self):
-        for rule, _, permitted in CASES:
-            with self.subTest(rule=rule, permitted=permitted):
-                self.assertEqual(self.broken(permitted), set())
-
-    def test_every_rule_has_a_case(self):
-        self.assertEqual({rule.name for rule in RULES}, {rule for rule, _, _ in CASES})
+class Rules(RuleCases, unittest.TestCase):
+    RULES = RULES
+    CASES = CASES
+    broken_rules = staticmethod(broken_rules)
 
 
 if __name__ == "__main__":

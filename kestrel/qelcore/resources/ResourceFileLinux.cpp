@@ -1,5 +1,6 @@
 #include "ResourceFile.h"
 
+#include <kestrel/qelcore/files/DescriptorPosix.h>
 #include <kestrel/qelcore/text/PathText.h>
 
 #include <fcntl.h>
@@ -21,25 +22,8 @@ extern "C" [[gnu::visibility("hidden")]] const ElfW(Ehdr) __ehdr_start;
 namespace qelcore::resources {
 namespace {
 
+using files::Descriptor;
 using Bytes = std::vector<std::uint8_t>;
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) noexcept : mDescriptor(descriptor) {}
-    ~Descriptor()
-    {
-        if (mDescriptor >= 0) {
-            close(mDescriptor);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] int Get() const noexcept { return mDescriptor; }
-
-private:
-    int mDescriptor;
-};
 
 struct ElfCloser {
     void operator()(Elf* elf) const noexcept { elf_end(elf); }

@@ -30,14 +30,16 @@ VideoPlan Plan(PixelFormat format, std::string_view container, std::string_view 
     return Plan(DescriptionOf(format, 720, 480), container, codec);
 }
 
+struct LayoutRow {
+    PixelFormat format;
+    std::string_view container;
+    std::string_view codec;
+    PictureLayout layout;
+};
+
 TEST(VideoPlan, EachFormatKeepsItsSamplesWhereTheContainerCan)
 {
-    const struct {
-        PixelFormat format;
-        std::string_view container;
-        std::string_view codec;
-        PictureLayout layout;
-    } kRows[] = {
+    const LayoutRow kRows[] = {
         {PixelFormat::BGRA_4444_8u, "mkv", "ffv1", PictureLayout::Bgra},
         {PixelFormat::XRGB_4444_8u, "mkv", "ffv1", PictureLayout::Bgr0},
         {PixelFormat::VUYA_4444_8u, "mkv", "ffv1", PictureLayout::Yuva444p},
@@ -70,12 +72,7 @@ TEST(VideoPlan, EachFormatKeepsItsSamplesWhereTheContainerCan)
 
 TEST(VideoPlan, ChosenCodecsGetTheLayoutThatKeepsMost)
 {
-    const struct {
-        PixelFormat format;
-        std::string_view container;
-        std::string_view codec;
-        PictureLayout layout;
-    } kRows[] = {
+    const LayoutRow kRows[] = {
         {PixelFormat::ARGB_4444_8u, "mkv", "raw", PictureLayout::Argb},
         {PixelFormat::XRGB_4444_8u, "nut", "raw", PictureLayout::Zrgb},
         {PixelFormat::XRGB_4444_8u, "mov", "raw", PictureLayout::Bgra},

@@ -1,4 +1,6 @@
 // What only a POSIX system has: permissions, symbolic links, pipes, limits on file sizes.
+#include "SaveFile.h"
+
 #include <kestrel/orb/File.h>
 
 #include <gtest/gtest.h>
@@ -14,16 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace ORB;
+using orbtests::Save;
 using test::ReadFile;
 using test::TemporaryFolder;
 using test::WriteFile;
-
-Status Save(const fs::path& path, std::string_view bytes)
-{
-    File file;
-    const Status status = File::Create(path.u16string(), 3, 3, 2, 1, 0, file);
-    return status < 0 ? status : file.Write(bytes);
-}
 
 TEST(FilePosix, PermissionsOfAnExistingFileAreKept)
 {

@@ -1,4 +1,6 @@
 // How old files are replaced: what a person may write can be saved, and nothing of the old file is lost.
+#include "SaveFile.h"
+
 #include <kestrel/orb/File.h>
 #include <kestrel/qelcore/logging/Log.h>
 
@@ -25,19 +27,14 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace ORB;
+using orbtests::Create;
+using orbtests::Save;
 using test::ReadFile;
 using test::TemporaryFolder;
 using test::WriteFile;
 
 constexpr unsigned kNobody = 65534;
 constexpr int kCannotTest = 77;
-
-Status Save(const fs::path& path, std::string_view bytes)
-{
-    File file;
-    const Status status = File::Create(path.u16string(), 3, 3, 2, 1, 0, file);
-    return status < 0 ? status : file.Write(bytes);
-}
 
 /// What `act` returns, in a process of its own.
 int InChild(const std::function<int()>& act)
@@ -214,7 +211,7 @@ TEST_F(FileReplacementPosix, WhatAKilledSaveLeavesIsGoneAfterTheNextOne)
 {
     const int killed = InChild([this] {
         File file;
-        if (File::Create(mOut.u16string(), 3, 3, 2, 1, 0, file) != kDone) {
+        if (Create(mOut, file) != kDone) {
             return 1;
         }
         return raise(SIGKILL);
@@ -249,7 +246,7 @@ TEST_F(FileReplacementPosix, TheNewContentIsNotReadableForOthersBeforeTheOldOneW
 {
     fs::permissions(mOut, static_cast<fs::perms>(0600));
     File file;
-    ASSERT_EQ(File::Create(mOut.u16string(), 3, 3, 2, 1, 0, file), kDone);
+    ASSERT_EQ(Create(mOut, file), kDone);
     for (const fs::directory_entry& entry : fs::directory_iterator(mFolder.Path())) {
         EXPECT_EQ(static_cast<unsigned>(entry.status().permissions()) & 077U, 0U) << entry.path();
     }

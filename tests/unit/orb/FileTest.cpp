@@ -1,3 +1,5 @@
+#include "SaveFile.h"
+
 #include <kestrel/orb/File.h>
 
 #include <gtest/gtest.h>
@@ -9,14 +11,10 @@
 namespace {
 
 using namespace ORB;
+using orbtests::Create;
 using test::ReadFile;
 using test::TemporaryFolder;
 using test::WriteFile;
-
-Status CreateUsual(const std::filesystem::path& path, File& file)
-{
-    return File::Create(path.u16string(), 3, 3, 2, 1, 0, file);
-}
 
 TEST(FileRead, GivesSizeAndBytes)
 {
@@ -186,7 +184,7 @@ TEST(FileCreate, TakesItsPlaceOnlyInWrite)
     const std::filesystem::path out = folder / "out.tessel";
     WriteFile(out, "old");
     File file;
-    ASSERT_EQ(CreateUsual(out, file), kDone);
+    ASSERT_EQ(Create(out, file), kDone);
     EXPECT_EQ(ReadFile(out), "old");
     ASSERT_EQ(file.Write(std::string_view("the new one")), kDone);
     EXPECT_EQ(ReadFile(out), "the new one");
@@ -200,12 +198,12 @@ TEST(FileCreate, NeverWrittenLeavesNothingBehind)
     const TemporaryFolder folder;
     {
         File file;
-        ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+        ASSERT_EQ(Create(folder / "out", file), kDone);
     }
     EXPECT_EQ(folder.Count(), 0U);
     WriteFile(folder / "out", "old");
     File file;
-    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    ASSERT_EQ(Create(folder / "out", file), kDone);
     file.Close();
     EXPECT_EQ(folder.Count(), 1U);
     EXPECT_EQ(ReadFile(folder / "out"), "old");
@@ -215,7 +213,7 @@ TEST(FileCreate, IsWrittenOnce)
 {
     const TemporaryFolder folder;
     File file;
-    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    ASSERT_EQ(Create(folder / "out", file), kDone);
     ASSERT_EQ(file.Write(std::string_view("")), kDone);
     EXPECT_LT(file.Write(std::string_view("again")), 0);
     EXPECT_EQ(ReadFile(folder / "out"), "");
@@ -226,7 +224,7 @@ TEST(FileCreate, MovedFilesKeepTheirPlace)
 {
     const TemporaryFolder folder;
     File first;
-    ASSERT_EQ(CreateUsual(folder / "out", first), kDone);
+    ASSERT_EQ(Create(folder / "out", first), kDone);
     File second(std::move(first));
     ASSERT_EQ(second.Write(std::string_view("x")), kDone);
     EXPECT_EQ(ReadFile(folder / "out"), "x");
@@ -249,10 +247,10 @@ TEST(FileCreate, RefusesAFolderAndAPathWithoutFolder)
 {
     const TemporaryFolder folder;
     File file;
-    EXPECT_EQ(CreateUsual(folder.Path(), file), kAccessDenied);
-    EXPECT_EQ(CreateUsual(folder / "none" / "out", file), kNotFound);
-    EXPECT_EQ(CreateUsual(std::filesystem::path(), file), kInvalidPath);
-    EXPECT_EQ(CreateUsual(folder / "out/", file), kInvalidPath);
+    EXPECT_EQ(Create(folder.Path(), file), kAccessDenied);
+    EXPECT_EQ(Create(folder / "none" / "out", file), kNotFound);
+    EXPECT_EQ(Create(std::filesystem::path(), file), kInvalidPath);
+    EXPECT_EQ(Create(folder / "out/", file), kInvalidPath);
     EXPECT_EQ(folder.Count(), 0U);
 }
 
@@ -264,7 +262,7 @@ TEST(FileCreate, WritesManyMegabytesWhole)
         bytes[i] = static_cast<char>(i * 2'654'435'761U >> 13);
     }
     File file;
-    ASSERT_EQ(CreateUsual(folder / "out", file), kDone);
+    ASSERT_EQ(Create(folder / "out", file), kDone);
     ASSERT_EQ(file.Write(bytes), kDone);
     EXPECT_TRUE(ReadFile(folder / "out") == bytes);
 }

@@ -1,3 +1,5 @@
+#include "SaveFile.h"
+
 #include <kestrel/orb/File.h>
 #include <kestrel/orb/SaveReport.h>
 
@@ -10,13 +12,12 @@
 namespace {
 
 using namespace ORB;
+using orbtests::Create;
 using test::TemporaryFolder;
 
 Status Save(const std::filesystem::path& path)
 {
-    File file;
-    const Status status = File::Create(path.u16string(), 3, 3, 2, 1, 0, file);
-    return status < 0 ? status : file.Write(std::string_view("x"));
+    return orbtests::Save(path, "x");
 }
 
 TEST(SaveReport, TellsOfEachSaveWithItsPathAndItsEnd)
@@ -48,7 +49,7 @@ TEST(SaveReport, AFileThatWasNeverWrittenIsNoSave)
     int reports = 0;
     const ScopedSaveListener listener([&](const SaveReport&) { ++reports; });
     File file;
-    ASSERT_EQ(File::Create((folder / "out").u16string(), 3, 3, 2, 1, 0, file), kDone);
+    ASSERT_EQ(Create(folder / "out", file), kDone);
     file.Close();
     EXPECT_EQ(reports, 0);
 }

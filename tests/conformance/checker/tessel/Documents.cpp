@@ -89,21 +89,33 @@ ksInstance OpenDocument(const Plugin& plugin, const std::string& document)
     return instance;
 }
 
+SettingsTextRequest::SettingsTextRequest(const std::filesystem::path& file)
+    : path(Wide(file)), buffer(10240, '\xCC')
+{
+    access.Put(12, path.c_str());
+    exchange.Put(0, buffer.data());
+    exchange.Put<std::uint8_t>(12, 1);
+}
+
+std::int32_t SettingsTextRequest::Send(const Plugin& plugin)
+{
+    return plugin.Request(38, ForeignStdParms(), access.Data(), exchange.Data());
+}
+
+void SettingsTextRequest::ExpectBufferUntouched() const
+{
+    Expect(buffer == std::vector<char>(buffer.size(), '\xCC'), "the buffer was touched");
+}
+
 std::string SettingsText(const Plugin& plugin, const std::string& fileContent)
 {
     const TemporaryFolder folder;
-    const std::u16string path = Wide(folder.Write("clip.tessel", fileContent));
-    GuardedRecord access;
-    access.Put(12, path.c_str());
-    std::vector<char> buffer(10240, '\xCC');
-    GuardedRecord exchange;
-    exchange.Put(0, buffer.data());
-    exchange.Put<std::uint8_t>(12, 1);
-    ExpectEqual(plugin.Request(38, ForeignStdParms(), access.Data(), exchange.Data()), 0, "selector 38");
-    ExpectEqual(exchange.Get<std::uint32_t>(8), 10240, "the buffer size of selector 38");
-    access.ExpectUnchanged("selector 38, file access");
-    exchange.ExpectChangedOnly({{8, 4}}, "selector 38");
-    return buffer.data();
+    SettingsTextRequest request(folder.Write("clip.tessel", fileContent));
+    ExpectEqual(request.Send(plugin), 0, "selector 38");
+    ExpectEqual(request.exchange.Get<std::uint32_t>(8), 10240, "the buffer size of selector 38");
+    request.access.ExpectUnchanged("selector 38, file access");
+    request.exchange.ExpectChangedOnly({{8, 4}}, "selector 38");
+    return request.buffer.data();
 }
 
 std::int32_t Describe(const Plugin& plugin, const std::string& text, GuardedRecord& info)

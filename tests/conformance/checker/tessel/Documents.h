@@ -28,6 +28,22 @@ namespace conformance {
 /// Opens a document. @return its instance. @throws Violation where the answer is not 0.
 [[nodiscard]] ksInstance OpenDocument(const Plugin& plugin, const std::string& document);
 
+/// Selector 38 for a file, as for a new clip and without a dialog: its records, and the buffer for the text.
+struct SettingsTextRequest {
+    explicit SettingsTextRequest(const std::filesystem::path& file);
+    SettingsTextRequest(const SettingsTextRequest&) = delete;
+    SettingsTextRequest& operator=(const SettingsTextRequest&) = delete;
+
+    [[nodiscard]] std::int32_t Send(const Plugin& plugin);
+    /// @throws Violation where a byte of the buffer is not as it was.
+    void ExpectBufferUntouched() const;
+
+    std::u16string path;
+    std::vector<char> buffer;
+    GuardedRecord access;
+    GuardedRecord exchange;
+};
+
 /// The settings text that selector 38 gives for a file with this content, without a dialog.
 [[nodiscard]] std::string SettingsText(const Plugin& plugin, const std::string& fileContent);
 

@@ -45,17 +45,12 @@ void TextIsStable(Plugin& plugin)
 void UnreadableFile(Plugin& plugin)
 {
     const TemporaryFolder folder;
-    const std::u16string path = Wide(folder.Path()); // a directory exists and cannot be read
-    GuardedRecord access;
-    access.Put(12, path.c_str());
-    std::vector<char> buffer(10240, '\xCC');
-    GuardedRecord exchange;
-    exchange.Put(0, buffer.data());
+    SettingsTextRequest request(folder.Path()); // a directory exists and cannot be read
     for (const std::uint8_t newClip : {std::uint8_t{0}, std::uint8_t{1}}) {
-        exchange.Put(12, newClip);
-        ExpectEqual(plugin.Request(38, ForeignStdParms(), access.Data(), exchange.Data()), 2, "a directory");
-        exchange.ExpectUnchanged("a directory");
-        Expect(buffer == std::vector<char>(10240, '\xCC'), "the buffer was touched");
+        request.exchange.Put(12, newClip);
+        ExpectEqual(request.Send(plugin), 2, "a directory");
+        request.exchange.ExpectUnchanged("a directory");
+        request.ExpectBufferUntouched();
     }
 }
 
@@ -75,16 +70,10 @@ void LongestTextThatFits(Plugin& plugin)
 void TooLongTextIsDropped(Plugin& plugin)
 {
     const TemporaryFolder folder;
-    const std::u16string path = Wide(folder.Write("clip.tessel", DocumentOfTextLength(plugin, 10239)));
-    GuardedRecord access;
-    access.Put(12, path.c_str());
-    std::vector<char> buffer(10240, '\xCC');
-    GuardedRecord exchange;
-    exchange.Put(0, buffer.data());
-    exchange.Put<std::uint8_t>(12, 1);
-    ExpectEqual(plugin.Request(38, ForeignStdParms(), access.Data(), exchange.Data()), 0, "selector 38");
-    exchange.ExpectUnchanged("a text of 10239 bytes");
-    Expect(buffer == std::vector<char>(10240, '\xCC'), "the buffer was touched");
+    SettingsTextRequest request(folder.Write("clip.tessel", DocumentOfTextLength(plugin, 10239)));
+    ExpectEqual(request.Send(plugin), 0, "selector 38");
+    request.exchange.ExpectUnchanged("a text of 10239 bytes");
+    request.ExpectBufferUntouched();
 }
 
 } // namespace

@@ -1,9 +1,9 @@
-/// Private to this folder.
+/// File descriptors with an owner. Private to this library.
 #pragma once
 
 #include <unistd.h>
 
-namespace ORB {
+namespace qelcore::files {
 
 /// Closes a file descriptor at the end of its scope.
 class Descriptor {
@@ -29,4 +29,4 @@ private:
     int mDescriptor = -1;
 };
 
-} // namespace ORB
+} // namespace qelcore::files
