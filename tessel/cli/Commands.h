@@ -73,6 +73,10 @@ void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
+void AddNewCommand(CommandLine& commandLine);
+void AddSetCommand(CommandLine& commandLine);
+void AddListCommand(CommandLine& commandLine);
+void AddSchemaCommand(CommandLine& commandLine);
 /// Added last: it explains the others.
 void AddHelpCommand(CommandLine& commandLine);
 /// @}
