@@ -91,10 +91,10 @@ class New(DocumentTest):
         """What the plug-in reports of a clip for each value, with the documents."""
         names = []
         for number, value in enumerate(values):
-            names.append(f"{option}{number}.tessel")
-            answer = self.run_program("new", names[-1], "--size", "48x32", "--duration", "2f", option, value)
+            names.append(f"{option.strip('-')}-{number}.tessel")
+            answer = self.run_program("new", names[-1], "--force", "--size", "48x32", "--duration", "2f", option, value)
             self.assertEqual(answer.code, 0, answer.err)
-        info = self.run_program("info", "--json", "--", *("./" + name for name in names))
+        info = self.run_program("info", "--json", *names)
         self.assert_done(info)
         documents = []
         for name in names:
