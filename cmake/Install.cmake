@@ -1,21 +1,23 @@
-# What `cmake --install` puts into a prefix: the program, the plug-in and the host's libraries; and the SDK, which is
-# the component "development": public headers, the CMake package and the pkg-config files. The tree may be moved.
+# What `cmake --install` puts into a prefix, in three components: "program" (the program, the plug-in and the host's
+# libraries), "windows" (what needs Qt) and "development" (the SDK: public headers, the CMake package and the
+# pkg-config files). The tree may be moved.
 include(CMakePackageConfigHelpers)
 
 set(package "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")
 set(pkgconfig "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 if(TARGET tessel)
-    install(TARGETS tessel RUNTIME)
+    install(TARGETS tessel RUNTIME COMPONENT program)
 endif()
-install(TARGETS ImporterTessel LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+# A plug-in is no library to link, so it stands in the host's own folder.
+install(TARGETS ImporterTessel LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT program)
 install(TARGETS kestrel kestrelui kestrelhost importabi EXPORT KestrelTargets
-    LIBRARY NAMELINK_COMPONENT development
+    LIBRARY COMPONENT program NAMELINK_COMPONENT development
     FILE_SET HEADERS COMPONENT development)
 if(TARGET kestrelqt)
     # Loaded by its versioned name, never linked.
-    install(TARGETS kestrelqt LIBRARY NAMELINK_SKIP)
-    install(TARGETS kestrelqt_probe RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel")
+    install(TARGETS kestrelqt LIBRARY COMPONENT windows NAMELINK_SKIP)
+    install(TARGETS kestrelqt_probe RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT windows)
 endif()
 if(TARGET conformance)
     install(TARGETS conformance RUNTIME COMPONENT development)

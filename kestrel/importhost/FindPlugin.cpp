@@ -14,6 +14,8 @@ namespace importhost {
 namespace {
 
 constexpr char kPlaceVariable[] = "KESTREL_PLUGIN_PATH";
+/// The folder of plug-ins in an installed tree, below that of the host's library.
+constexpr char kPluginFolder[] = "kestrel";
 
 bool IsImporter(const std::filesystem::path& file)
 {
@@ -82,12 +84,16 @@ std::filesystem::path FindPlugin(const PluginSearch& search)
     const std::filesystem::path name = LibraryFileName(search.stem.c_str());
     const std::filesystem::path folder = HostLibraryFolder();
     std::error_code ignored;
-    if (folder.empty() || !std::filesystem::exists(folder / name, ignored)) {
-        throw HostError("no importer plug-in: " + DisplayName(name) + " is not in " + DisplayName(folder) +
-                        "; name it with " + (search.placeSaidBy.empty() ? "" : search.placeSaidBy + " or ") +
-                        kPlaceVariable);
+    if (!folder.empty()) {
+        for (const auto& file : {folder / name, folder / kPluginFolder / name}) {
+            if (std::filesystem::exists(file, ignored)) {
+                return file;
+            }
+        }
     }
-    return folder / name;
+    throw HostError("no importer plug-in: " + DisplayName(name) + " is not in " +
+                    DisplayName(folder / kPluginFolder) + "; name it with " +
+                    (search.placeSaidBy.empty() ? "" : search.placeSaidBy + " or ") + kPlaceVariable);
 }
 
 } // namespace importhost

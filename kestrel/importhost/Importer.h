@@ -71,9 +71,9 @@ struct PluginSearch {
 };
 
 /// Finds a plug-in: at `place` where there is one, else where the variable `KESTREL_PLUGIN_PATH` says, else
-/// beside this host's own library. A folder stands for the library `stem` in it, or, at the two places that a
-/// person names, for the one importer in it: its libraries are told apart by their resources, without running
-/// anything.
+/// beside this host's own library or in the folder `kestrel` there. A folder stands for the library `stem` in
+/// it, or, at the two places that a person names, for the one importer in it: its libraries are told apart by
+/// their resources, without running anything.
 /// @throws HostError  none there, or several; names the places looked at and what to say instead.
 [[nodiscard]] KESTRELHOST_API std::filesystem::path FindPlugin(const PluginSearch& search);
 

@@ -128,13 +128,6 @@ Option Option::OneEach() const
     return *this;
 }
 
-Option Option::Once() const
-{
-    mOption->expected(1);
-    mText->takesSeveral = false;
-    return *this;
-}
-
 Option Option::ShowDefault() const
 {
     mOption->capture_default_str();
@@ -282,7 +275,8 @@ void Command::OnRun(std::function<void()> run) const
 }
 
 CommandLine::CommandLine(const std::string& program, const std::string& summary, const std::string& version)
-    : mText(std::make_unique<ProgramText>()), mApp(std::make_unique<CLI::App>(summary, program))
+    : mHidden(std::make_unique<std::deque<CommandText>>()), mText(std::make_unique<ProgramText>()),
+      mApp(std::make_unique<CLI::App>(summary, program))
 {
     mText->name = program;
     mText->summary = summary;
@@ -310,6 +304,11 @@ Command CommandLine::AddCommand(const std::string& name, const std::string& summ
     text.name = name;
     text.summary = summary;
     return {*mApp->add_subcommand(name, summary), text};
+}
+
+Command CommandLine::AddHiddenCommand(const std::string& name, const std::string& summary) const
+{
+    return {*mApp->add_subcommand(name, summary), mHidden->emplace_back()};
 }
 
 void CommandLine::AddTopic(TopicText topic) const

@@ -35,9 +35,6 @@ public:
     /// Of an option with several values: each time it is named it takes one.
     Option OneEach() const;
 
-    /// Of an option with several values: it may be named once, with one value.
-    Option Once() const;
-
     /// `--help` shows the value that the variable holds now.
     Option ShowDefault() const;
 
@@ -132,6 +129,9 @@ public:
 
     [[nodiscard]] Command AddCommand(const std::string& name, const std::string& summary) const;
 
+    /// A command that programs call and people do not: it stands in no list and has no page.
+    [[nodiscard]] Command AddHiddenCommand(const std::string& name, const std::string& summary) const;
+
     /// Adds a page of `tessel help TOPIC`.
     void AddTopic(TopicText topic) const;
 
@@ -147,6 +147,7 @@ public:
 private:
     [[noreturn]] void Refuse(const std::string& whatIsWrong) const;
 
+    std::unique_ptr<std::deque<CommandText>> mHidden;
     std::unique_ptr<ProgramText> mText; // outlives the parser, whose options point into it
     std::unique_ptr<CLI::App> mApp;
 };

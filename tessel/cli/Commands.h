@@ -73,10 +73,7 @@ void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
-void AddNewCommand(CommandLine& commandLine);
-void AddSetCommand(CommandLine& commandLine);
-void AddListCommand(CommandLine& commandLine);
-void AddSchemaCommand(CommandLine& commandLine);
+void AddThumbnailCommand(CommandLine& commandLine, Context& context);
 /// Added last: it explains the others.
 void AddHelpCommand(CommandLine& commandLine);
 /// @}

@@ -147,6 +147,7 @@ void Edit(Context& context, const EditOptions& options)
     }
     auto& userInterface = qelui::UserInterface::Get();
     userInterface.SetScriptOption("--script FILE");
+    userInterface.SetWindowsPackage("tessel-qt");
     if (!options.script.empty()) {
         userInterface.SetScript(options.script);
     }

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace qelui {
 
@@ -21,18 +22,14 @@ bool IsSet(const char* variable)
     return value != nullptr && *value != '\0';
 }
 
-/// In the folder of this library, else found by the dynamic loader.
-std::filesystem::path FindLibrary()
+/// In the folder of this library, where both are built and installed.
+std::filesystem::path LibraryFile()
 {
     Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&IsDisplayPresent), &info) != 0 && info.dli_fname != nullptr) {
-        auto beside = std::filesystem::path(info.dli_fname).parent_path() / kLibraryName;
-        std::error_code error;
-        if (std::filesystem::exists(beside, error)) {
-            return beside;
-        }
+    if (dladdr(reinterpret_cast<const void*>(&IsDisplayPresent), &info) == 0 || info.dli_fname == nullptr) {
+        return kLibraryName;
     }
-    return kLibraryName;
+    return std::filesystem::path(info.dli_fname).parent_path() / kLibraryName;
 }
 
 std::string LoaderError()
@@ -48,10 +45,16 @@ bool IsDisplayPresent()
     return IsSet("WAYLAND_DISPLAY") || IsSet("DISPLAY");
 }
 
+bool IsQtToolkitPresent()
+{
+    std::error_code error;
+    return std::filesystem::exists(LibraryFile(), error);
+}
+
 Toolkit* LoadQtToolkit(std::string& whyNot)
 {
     // Never unloaded: window systems keep pointers into their code until the process ends.
-    void* const library = dlopen(FindLibrary().c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const library = dlopen(LibraryFile().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         whyNot = "the Qt toolkit cannot be loaded (" + LoaderError() + ")";
         return nullptr;

@@ -48,7 +48,11 @@ Toolkit& UserInterface::GetToolkit()
     }
     const std::string wanted = Variable("KESTREL_UI");
     const bool haveScript = !Script().empty();
+    const bool hasWindows = IsQtToolkitPresent();
     std::string whyNot = "there is no display (DISPLAY and WAYLAND_DISPLAY are not set)";
+    if (!hasWindows) {
+        whyNot += ", and " + WindowsMissing();
+    }
     if (wanted == "scripted") {
         if (haveScript) {
             return TheScriptedToolkit();
@@ -59,7 +63,9 @@ Toolkit& UserInterface::GetToolkit()
         throw NoToolkitError("KESTREL_UI is \"" + wanted + "\"; it may be qt or scripted");
     }
     if (wanted == "qt" || IsDisplayPresent()) {
-        if (Toolkit* const toolkit = LoadQtToolkit(whyNot)) {
+        if (!hasWindows) {
+            whyNot = WindowsMissing();
+        } else if (Toolkit* const toolkit = LoadQtToolkit(whyNot)) {
             return *toolkit;
         }
     }
@@ -73,6 +79,12 @@ Toolkit& UserInterface::GetToolkit()
 std::string UserInterface::ScriptNames() const
 {
     return (mScriptOption.empty() ? "" : mScriptOption + " or ") + "KESTREL_UI_SCRIPT";
+}
+
+std::string UserInterface::WindowsMissing() const
+{
+    return "the windows are not installed" +
+           (mWindowsPackage.empty() ? std::string() : " (they are in the package " + mWindowsPackage + ")");
 }
 
 std::filesystem::path UserInterface::Script() const

@@ -55,6 +55,10 @@ public:
     /// How this program names a script, such as an option, for messages; empty where it has no way.
     void SetScriptOption(std::string option) { mScriptOption = std::move(option); }
 
+    /// What brings the windows where their library is not installed, such as a package's name, for messages;
+    /// empty where nothing is known to.
+    void SetWindowsPackage(std::string package) { mWindowsPackage = std::move(package); }
+
     /// Why the last script failed; nothing if it did not. The failure is also logged.
     [[nodiscard]] const std::optional<ScriptFailure>& LastScriptFailure() const noexcept { return mFailure; }
     void SetScriptFailure(std::optional<ScriptFailure> failure);
@@ -77,11 +81,13 @@ public:
 private:
     UserInterface() = default;
     [[nodiscard]] std::string ScriptNames() const;
+    [[nodiscard]] std::string WindowsMissing() const;
 
     ~UserInterface() = default;
     Toolkit* mToolkit = nullptr;
     std::filesystem::path mScript;
     std::string mScriptOption;
+    std::string mWindowsPackage;
     std::optional<ScriptFailure> mFailure;
     std::optional<std::string> mLastDocument;
     PreviewRenderer mPreviewRenderer;

@@ -260,6 +260,22 @@ TEST(UserInterface, WithoutDisplayAndScriptThereIsNoToolkit)
     EXPECT_THROW(small.dialog.RunModal(), NoToolkitError);
 }
 
+TEST(UserInterface, WindowsThatAreNotInstalledAreNamedWithTheirPackage)
+{
+    // This test program links the dialogs' objects, so no toolkit's library stands beside them.
+    UserInterface::Get().SetWindowsPackage("some-package");
+    for (const char* const wanted : {"qt", static_cast<const char*>(nullptr)}) {
+        const Environment environment(wanted, nullptr, ":1");
+        EXPECT_NE(Refusal().find("the windows are not installed (they are in the package some-package)"),
+                  std::string::npos)
+            << Refusal();
+    }
+    UserInterface::Get().SetWindowsPackage({});
+    const Environment environment(nullptr, nullptr, nullptr);
+    EXPECT_NE(Refusal().find("there is no display"), std::string::npos);
+    EXPECT_NE(Refusal().find("the windows are not installed;"), std::string::npos) << Refusal();
+}
+
 TEST(UserInterface, WithoutDisplayANamedScriptIsEnough)
 {
     const Environment environment(nullptr, "x.script", nullptr);
