@@ -128,6 +128,13 @@ Option Option::OneEach() const
     return *this;
 }
 
+Option Option::Once() const
+{
+    mOption->expected(1);
+    mText->takesSeveral = false;
+    return *this;
+}
+
 Option Option::ShowDefault() const
 {
     mOption->capture_default_str();

@@ -35,6 +35,9 @@ public:
     /// Of an option with several values: each time it is named it takes one.
     Option OneEach() const;
 
+    /// Of an option with several values: it may be named once, with one value.
+    Option Once() const;
+
     /// `--help` shows the value that the variable holds now.
     Option ShowDefault() const;
 

@@ -74,6 +74,10 @@ void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
 void AddThumbnailCommand(CommandLine& commandLine, Context& context);
+void AddNewCommand(CommandLine& commandLine);
+void AddSetCommand(CommandLine& commandLine);
+void AddListCommand(CommandLine& commandLine);
+void AddSchemaCommand(CommandLine& commandLine);
 /// Added last: it explains the others.
 void AddHelpCommand(CommandLine& commandLine);
 /// @}

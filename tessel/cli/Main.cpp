@@ -59,14 +59,19 @@ int Run(int argc, char** argv)
             .ValueName("PATH");
         shared.AddFlag("--no-testing-plugins", context.noTestingPlugins,
                        "Load test plug-ins only where the debug database says so");
+        AddNewCommand(commandLine);
         AddInfoCommand(commandLine, context);
+        AddSetCommand(commandLine);
+        AddListCommand(commandLine);
         AddRenderCommand(commandLine, context);
         AddBenchCommand(commandLine, context);
         AddDamageCommand(commandLine, context);
         AddEditCommand(commandLine, context);
         AddVerifyCommand(commandLine, context);
+        AddSchemaCommand(commandLine);
         AddThumbnailCommand(commandLine, context);
         AddHelpCommand(commandLine);
+        shared.AddExample("tessel new hd.tessel --rate 29.97 --pixel-format v210", "A clip");
         shared.AddExample("tessel info clip.tessel", "What a clip is");
         shared.AddExample("tessel render clip.tessel -o clip.mov", "A movie of it");
         shared.AddExample("tessel help codecs", "What goes into which file");

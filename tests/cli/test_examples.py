@@ -2,24 +2,23 @@
 
 import json
 import os
+import tempfile
 import unittest
 
-from program import PROGRAM, ProgramTest, document
+from program import ProgramTest, document
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
 
 class Examples(ProgramTest):
-    def setUp(self):
-        super().setUp()
-        os.symlink(os.path.join(ROOT, "samples"), self.path("samples"))
-        self.write("clip.tessel", document())
-        self.write("accept.script", "press okButton\n")
-
     def play(self, command):
-        """Runs a line of shell as it is typed; whoever presses OK in dialogs is a script."""
-        return self.run_shell(command, environment={"KESTREL_UI": "scripted",
-                                                    "KESTREL_UI_SCRIPT": self.path("accept.script")})
+        """Runs a line of shell as it is typed, in a folder of its own; whoever presses OK in dialogs is a script."""
+        folder = tempfile.mkdtemp(dir=self.folder)
+        os.symlink(os.path.join(ROOT, "samples"), os.path.join(folder, "samples"))
+        self.write(os.path.join(folder, "clip.tessel"), document())
+        script = self.write(os.path.join(folder, "ok.script"), "press okButton\n")
+        return self.run_shell(command, cwd=folder,
+                              environment={"KESTREL_UI": "scripted", "KESTREL_UI_SCRIPT": script})
 
     def test_every_example_of_every_help_page_works(self):
         dump = json.loads(self.run_program("help", "--dump-json").out)

@@ -25,7 +25,7 @@ class Readme(ProgramTest):
 
     def test_what_people_do_with_it(self):
         shown = commands("What people do with it")
-        self.assertEqual({command[1] for command in shown}, {"info", "render", "damage", "edit", "bench"})
+        self.assertEqual({command[1] for command in shown}, {"new", "info", "render", "damage", "edit", "bench"})
         for command in shown:
             with self.subTest(command=shlex.join(command)):
                 self.assertEqual(command[0], "tessel")
@@ -36,6 +36,9 @@ class Readme(ProgramTest):
                            "bench": ["--seconds", "0.02"]}.get(command[1], [])
                 answer = self.run_program(*command[1:], *shorter)
                 self.assert_done(answer)
+                if command[1] == "new":
+                    self.assertTrue(os.path.exists(self.path(command[2])))
+                    continue
                 if "-o" not in command:
                     self.assertIn(command[2], answer.out)
                     continue

@@ -21,6 +21,9 @@ public:
     /// The timecode of a frame that comes `frames` after this one; behind 23:59:59 it begins again.
     [[nodiscard]] std::string After(std::int64_t frames) const;
 
+    /// Frames from 00:00:00:00 to this one.
+    [[nodiscard]] std::int64_t FrameNumber() const noexcept { return mFirstFrame; }
+
     /// Whether a rate has drop-frame timecodes.
     [[nodiscard]] static bool HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept;
 

@@ -1,0 +1,142 @@
+/// `tessel set`: settings of a document, from scripts.
+
+#include "CommandLine.h"
+#include "Commands.h"
+#include "EditedDocument.h"
+#include "help/NearMisses.h"
+#include "settings/Settings.h"
+
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
+#include <kestrel/orb/File.h>
+#include <tessel/document/DocumentFacts.h>
+#include <tessel/document/settings/DocumentEditor.h>
+#include <tessel/document/settings/DocumentRules.h>
+#include <tessel/document/settings/KeyTable.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace tessel::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using document::DocumentEditor;
+using importhost::DisplayName;
+using importhost::HostError;
+
+struct SetOptions {
+    fs::path clip;
+    std::vector<std::string> assignments;
+};
+
+[[noreturn]] void RefuseKey(const std::string& key)
+{
+    std::vector<std::string> names = NamesOfRows(AllSettings());
+    const std::size_t settingCount = names.size();
+    const std::string known =
+        fmt::format("{}", fmt::join(names.begin(), names.begin() + std::ptrdiff_t(settingCount), ", "));
+    for (const document::KeyInfo& info : document::AllKeys()) {
+        names.push_back(info.path);
+    }
+    throw UsageError(fmt::format("\"{}\" is no setting; there are {}, and the document's own keys{}", key,
+                                 known, DidYouMean(key, names)));
+}
+
+void Change(const std::vector<std::string>& assignments, DocumentEditor& document)
+{
+    TypedSettings typed;
+    std::vector<std::pair<std::string, std::string>> keys;
+    for (const std::string& assignment : assignments) {
+        auto [key, value] = SplitAssignment(assignment);
+        if (const Setting* setting = SettingNamed(key)) {
+            auto& values = typed[key];
+            if (!values.empty() && !setting->takesSeveral) {
+                throw UsageError(fmt::format("{} is given twice", key));
+            }
+            values.push_back(std::move(value));
+        } else if (document::FindKey(key) != nullptr) {
+            keys.emplace_back(std::move(key), std::move(value));
+        } else {
+            RefuseKey(key);
+        }
+    }
+    ApplySettings(typed, "", document);
+    for (const auto& [key, value] : keys) {
+        ApplyKey(key, value, document);
+    }
+}
+
+void RunSet(const SetOptions& options)
+{
+    importhost::RequireUTF8Name(options.clip);
+    const std::string name = DisplayName(options.clip);
+    if (std::error_code error; !fs::exists(options.clip, error)) {
+        throw HostError(name + ": no such file; tessel new makes one");
+    }
+    const std::string before = document::DocumentText(options.clip);
+    std::optional<DocumentEditor> document;
+    try {
+        document.emplace(before);
+    } catch (const HostError& error) {
+        throw HostError(name + ": " + error.what());
+    }
+    const auto playingBefore = document::PlayingProblem(*document);
+    Change(options.assignments, *document);
+    if (const auto problem = document::ReadingProblem(*document)) {
+        throw HostError(name + ": " + *problem);
+    }
+    if (const auto problem = document::PlayingProblem(*document)) {
+        // What did not work before need not be put right by this change.
+        if (problem != playingBefore) {
+            throw UsageError(name + ": " + *problem);
+        }
+        WriteError("warning: " + name + ": " + *problem);
+    }
+    for (const std::string& warning : document::DocumentWarnings(*document)) {
+        WriteError("warning: " + name + ": " + warning);
+    }
+    if (document->Text() == before) {
+        return;
+    }
+    if (const auto failure = WriteDocument(options.clip, document->Text())) {
+        throw HostError(name + ": cannot be written: " + *failure);
+    }
+}
+
+} // namespace
+
+void AddSetCommand(CommandLine& commandLine)
+{
+    const auto options = std::make_shared<SetOptions>();
+    const Command command = commandLine.AddCommand("set", "Change settings of a document");
+    std::string settings;
+    for (const Setting& setting : AllSettings()) {
+        settings += fmt::format("  {:<14}{}\n", setting.name, setting.value);
+    }
+    command.SetDescription("A KEY is one of these, with values as tessel new takes them, or one of the "
+                           "document's own keys, such as "
+                           "mFrameWidth or mFramePAR.numerator, with a value in JSON.\n"
+                           "\n" +
+                           settings +
+                           "\n"
+                           "Nothing else of the document changes: order, blanks and keys that are no settings "
+                           "stay. A change after which "
+                           "the clip could not be played is refused, and the file stays as it was.");
+    command.AddOption("CLIP", options->clip, "The document to change").Required().TakesFile(FileKind::Clip);
+    command.AddOption("KEY=VALUE", options->assignments, "Settings and their new values").Required();
+    command.AddExample("tessel set clip.tessel rate=29.97 duration=300f", "Another rate, 300 frames long");
+    command.AddExample("tessel set clip.tessel tone=440:-20 number=off", "Another tone, and no frame number");
+    command.AddExample("tessel set clip.tessel mUpperFieldColor.mRedPart=0.75", "A key of the document itself");
+    command.OnRun([options] { RunSet(*options); });
+}
+
+} // namespace tessel::cli

@@ -1,0 +1,249 @@
+#include "DocumentEditor.h"
+
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/qelcore/serialization/Json.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace tessel::document {
+namespace {
+
+using qelcore::serialization::JSONParse;
+using qelcore::serialization::Value;
+
+constexpr std::string_view kWrapper = "SerializerWrappedObject";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kSpace = " \t\r\n";
+
+/// Bytes of a text: from `begin` up to `end`.
+struct Span {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+/// One member of an object in a text.
+struct FoundMember {
+    Span key;
+    Span value;
+};
+
+/// Goes through a text that is known to be well-formed.
+class Scanner {
+public:
+    Scanner(std::string_view text, std::size_t position) : mText(text), mPosition(position) {}
+
+    [[nodiscard]] std::size_t SkipSpace()
+    {
+        mPosition = std::min(mText.find_first_not_of(kSpace, mPosition), mText.size());
+        return mPosition;
+    }
+
+    [[nodiscard]] Span SkipValue()
+    {
+        Span span{SkipSpace(), 0};
+        std::size_t depth = 0;
+        do {
+            switch (const char letter = mText[SkipSpace()]; letter) {
+            case '"':
+                SkipText();
+                break;
+            case '{':
+            case '[':
+                ++depth;
+                ++mPosition;
+                break;
+            case '}':
+            case ']':
+                --depth;
+                ++mPosition;
+                break;
+            case ',':
+            case ':':
+                ++mPosition;
+                break;
+            default: // a number or a word
+                mPosition = std::min(mText.find_first_of(" \t\r\n,:]}", mPosition), mText.size());
+            }
+        } while (depth > 0);
+        span.end = mPosition;
+        return span;
+    }
+
+    /// Passes over a sign and the blanks before it.
+    [[nodiscard]] bool Take(char sign)
+    {
+        if (SkipSpace() < mText.size() && mText[mPosition] == sign) {
+            ++mPosition;
+            return true;
+        }
+        return false;
+    }
+
+private:
+    void SkipText()
+    {
+        for (++mPosition; mText[mPosition] != '"'; ++mPosition) {
+            mPosition += mText[mPosition] == '\\' ? 1 : 0;
+        }
+        ++mPosition;
+    }
+
+    std::string_view mText;
+    std::size_t mPosition;
+};
+
+/// An object in a text, as far as an edit needs it.
+struct FoundObject {
+    std::size_t open = 0;             ///< behind its brace
+    std::optional<std::size_t> first; ///< where its first key begins
+    std::size_t end = 0;              ///< behind its last value; `open` where it is empty
+    std::optional<FoundMember> member;
+};
+
+/// Looks through the object that begins at `brace` for a key. Keys may be written with escapes.
+FoundObject LookInto(std::string_view text, std::size_t brace, std::string_view key)
+{
+    FoundObject object;
+    object.open = brace + 1;
+    object.end = object.open;
+    Scanner scanner(text, object.open);
+    if (scanner.Take('}')) {
+        return object;
+    }
+    do {
+        FoundMember member;
+        member.key = scanner.SkipValue();
+        static_cast<void>(scanner.Take(':'));
+        member.value = scanner.SkipValue();
+        object.first = object.first.value_or(member.key.begin);
+        object.end = member.value.end;
+        const Value name = JSONParse(text.substr(member.key.begin, member.key.end - member.key.begin));
+        if (qelcore::serialization::FindText(name) == key) {
+            object.member = member; // the last one counts
+        }
+    } while (scanner.Take(','));
+    return object;
+}
+
+std::pair<std::string_view, std::string_view> SplitPath(std::string_view path)
+{
+    const std::size_t point = path.find('.');
+    return point == std::string_view::npos ? std::pair{path, std::string_view{}}
+                                           : std::pair{path.substr(0, point), path.substr(point + 1)};
+}
+
+/// The value inside objects for all of a path: "a.b" makes {"a": {"b": value}}.
+Value Nested(std::string_view path, const Value& value)
+{
+    if (path.empty()) {
+        return value;
+    }
+    const auto [key, rest] = SplitPath(path);
+    qelcore::serialization::Object object;
+    qelcore::serialization::AddToObject(object, std::string(key), Nested(rest, value));
+    return Value(std::move(object));
+}
+
+/// The blanks between the line break before `position` and it; nothing where other letters stand there.
+std::optional<std::string> Indentation(std::string_view text, std::size_t position)
+{
+    const std::size_t line = text.substr(0, position).find_last_of('\n');
+    if (line == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view before = text.substr(line + 1, position - line - 1);
+    return before.find_first_not_of(" \t") == std::string_view::npos ? std::optional(std::string(before))
+                                                                     : std::nullopt;
+}
+
+/// As it stands in the text: on one line, or with every further line indented like the first.
+std::string Printed(const Value& value, const std::optional<std::string>& indentation)
+{
+    const std::string text = qelcore::serialization::GetJSONUTF8String(value, indentation.has_value());
+    std::string printed;
+    for (const char letter : text) {
+        printed += letter;
+        if (letter == '\n') {
+            printed += *indentation;
+        }
+    }
+    return printed;
+}
+
+} // namespace
+
+DocumentEditor::DocumentEditor(std::string text) : mText(std::move(text))
+{
+    std::string error;
+    const Value root = JSONParse(mText, &error);
+    if (root.IsNothing()) {
+        throw importhost::HostError(error.empty() ? "not well-formed JSON" : error);
+    }
+    if (!Root().IsObject()) {
+        throw importhost::HostError("expected a JSON object with a clip's settings");
+    }
+}
+
+Value DocumentEditor::Root() const
+{
+    const Value root = JSONParse(mText);
+    return qelcore::serialization::ObjectHasProperty(root, kWrapper)
+               ? qelcore::serialization::GetVariantInObject(root, kWrapper)
+               : root;
+}
+
+Value DocumentEditor::Find(std::string_view path) const
+{
+    Value value = Root();
+    while (!path.empty()) {
+        const auto [key, rest] = SplitPath(path);
+        value = qelcore::serialization::GetVariantInObject(value, key);
+        path = rest;
+    }
+    return value;
+}
+
+void DocumentEditor::Set(std::string_view path, const Value& value)
+{
+    const std::string_view text = std::string_view(mText).substr(0, mText.find('\0'));
+    Scanner scanner(text, text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    std::size_t brace = scanner.SkipSpace();
+    if (const FoundObject wrapper = LookInto(text, brace, kWrapper); wrapper.member) {
+        brace = wrapper.member->value.begin;
+    }
+    std::string_view rest = path;
+    for (;;) {
+        const auto [key, below] = SplitPath(rest);
+        const FoundObject object = LookInto(text, brace, key);
+        if (!object.member) {
+            const auto indentation = object.first ? Indentation(text, *object.first) : std::nullopt;
+            std::string added = object.first ? "," : "";
+            added += indentation ? '\n' + *indentation : object.first ? " " : "";
+            added += qelcore::serialization::GetJSONUTF8String(Value(std::string(key)), /*formatted=*/false) +
+                     ": " + Printed(Nested(below, value), indentation);
+            mText.insert(object.end, added);
+            return;
+        }
+        const Span found = object.member->value;
+        if (below.empty()) {
+            mText.replace(found.begin, found.end - found.begin,
+                          Printed(value, Indentation(text, object.member->key.begin)));
+            return;
+        }
+        if (text[found.begin] != '{') {
+            throw importhost::HostError('"' + std::string(path.substr(0, path.size() - below.size() - 1)) +
+                                        "\" is no JSON object, so it has no \"" + std::string(below) + '"');
+        }
+        brace = found.begin;
+        rest = below;
+    }
+}
+
+std::string DocumentEditor::CanonicalText() const
+{
+    return qelcore::serialization::GetJSONUTF8String(Root(), /*formatted=*/true) + '\n';
+}
+
+} // namespace tessel::document
