@@ -45,11 +45,11 @@ def interlaced(order=1):
                     upper=(0.9, 0.4, 0.2, 1.0), lower=(0.1, 0.6, 0.7, 1.0), **tone())
 
 
-def chart(code=V210, frames=3):
-    """The sample chart: edges between strong colours, and levels beyond black and white."""
+def chart(frames=3):
+    """The sample chart: edges between strong colours, and levels beyond black and white. It is painted in BGRA
+    float alone."""
     with open(os.path.join(SAMPLES, "swatch-chart.tessel"), encoding="utf-8") as file:
         root = json.load(file)
-    root["mPixelFormat"] = int.from_bytes(code.encode(), "little")
     ticks = 254_016_000_000 // RATE
     root["mVideoFrameRate"] = {"ticksperframe": ticks}
     root["mVideoDuration"] = {"ticks": ticks * frames}

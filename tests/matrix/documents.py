@@ -27,7 +27,7 @@ def random_sound(chance):
     channels = chance.choice([1, 2, 2, 2, 4, 6, 6, 8])
     is_identified = channels in (2, 6) and chance.random() < 0.6
     return {
-        "mSampleRate": chance.choice([44100, 48000, 48000, 96000]),
+        "mSampleRate": chance.choice([44100, 48000, 48000, 48000, 48000, 96000]),
         "mNumChannels": channels,
         "mKsAudioChannelType": 3 if channels == 6 else 2,
         "mToneFormat": int(is_identified),
@@ -42,7 +42,7 @@ def random_document(seed):
     chance = random.Random(f"clean {seed}")
     code = CODES[(seed * 7) % len(CODES)]  # each once before any comes again
     if seed % CHART_EVERY == CHART_EVERY - 1:
-        return {**chart(code, frames=2), **random_sound(chance)}
+        return {**chart(frames=2), **random_sound(chance)}
     rate = chance.choice(RATES)
     has_alpha = FORMATS[code]["alpha"] != "none" and chance.random() < 0.5
     # Widths that six pixels do not divide as well, but even ones: subsampled formats need them.
