@@ -29,19 +29,23 @@ def blits():
     return {"mSampleRate": 48000, **surround(3)}
 
 
-def picture(code=V210, size=(480, 270), frames=30, **more):
+def picture(code=V210, size=(384, 216), frames=30, **more):
     """Colours that differ from row to row and from frame to frame, with numbers and a steady tone."""
     return document(code, size, rate=(RATE, 1), frames=frames, pattern="gradient", number=True, **tone(), **more)
 
 
-def timed(frames=RATE * 7, size=(240, 136), sound=None, **more):
-    """Long enough for two cycles of the stereo identification; small, because only numbers count."""
+# Two cycles of 3 s of the stereo identification, and the beginning of the third.
+TIMED_FRAMES = 150
+
+
+def timed(frames=TIMED_FRAMES, size=(192, 108), sound=None, **more):
+    """A clip for its times; small, because only numbers count."""
     return document(V210, size, rate=(RATE, 1), frames=frames, pattern="gradient", number=True,
                     **(sound or stereo_ident()), **more)
 
 
 def interlaced(order=1):
-    return document(V210, (480, 288), rate=(25, 1), frames=24, order=order, number=True,
+    return document(V210, (384, 288), rate=(25, 1), frames=24, order=order, number=True,
                     upper=(0.9, 0.4, 0.2, 1.0), lower=(0.1, 0.6, 0.7, 1.0), **tone())
 
 
@@ -60,9 +64,9 @@ CLIPS = {
     "gradient": picture,
     "planar": lambda: picture("yv17"),  # 4:2:0
     "rgb": lambda: picture("bgrx"),
-    "alpha": lambda: document("bgra", (480, 270), rate=(RATE, 1), frames=12, number=True,
+    "alpha": lambda: document("bgra", (384, 216), rate=(RATE, 1), frames=12, number=True,
                               upper=(0.9, 0.4, 0.2, 0.5), **tone()),
-    "alpha-float": lambda: document("vUYa", (480, 270), rate=(RATE, 1), frames=12, number=True,
+    "alpha-float": lambda: document("vUYa", (384, 216), rate=(RATE, 1), frames=12, number=True,
                                     upper=(0.9, 0.4, 0.2, 0.5), **tone()),
     "fields": interlaced,
     "fields-lower": lambda: interlaced(2),

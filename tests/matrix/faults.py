@@ -8,7 +8,7 @@ import math
 
 from cells import Frames, Near, Text
 from carriers import PICTURE, SOUND
-from clips import LEVEL, RATE
+from clips import LEVEL, RATE, TIMED_FRAMES
 
 CODES = 219  # 8-bit codes from black to white
 
@@ -41,7 +41,7 @@ def one(text, clip, value=None, **more):
 
 FAULTS = [
     # A file's own words.
-    Fault("container.size=640:360", "gradient", {"geometry.scaled": Near(4 / 3)},
+    Fault("container.size=512:288", "gradient", {"geometry.scaled": Near(4 / 3)},
           inside={"geometry.scaled": ["container.size"]}),
     one("container.rate=25:1", "stereo"),
     one("container.constant-rate=10", "gradient", Near(1000 / RATE, 0.1), without=("mpeg2",)),  # MXF counts frames
@@ -71,10 +71,10 @@ FAULTS = [
     one("order.reversed", "stereo"),
     one("order.cadence=3:2", "stereo", Near(2.5)),
     one("order.head=5", "stereo", Frames(0, 4, Near(5))),
-    one("order.tail=5", "stereo", Frames(RATE * 7 - 5, RATE * 7 - 1, Near(5))),
+    one("order.tail=5", "stereo", Frames(TIMED_FRAMES - 5, TIMED_FRAMES - 1, Near(5))),
     one("order.unreadable=80", "stereo", Near(1)),
     # Where the picture is.
-    one("geometry.scaled=0.5", "gradient", Near(0.5, 0.5 / 135)),  # 135.0 lines become an even number of them
+    one("geometry.scaled=0.5", "gradient", Near(0.5)),
     one("geometry.cropped=16", "gradient", Near(16)),
     one("geometry.cropped=8:0:4:0", "gradient", Near(8)),
     one("geometry.padded=16", "gradient", Near(16)),

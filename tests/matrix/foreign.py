@@ -51,7 +51,6 @@ def rgb(name, video_filter, expect):
     return picture(name, "rgb", video_filter, expect, tags=())
 
 
-FRAMES = RATE * 7  # of the clip "stereo"
 ORDER = " ".join(map(str, [*range(10), 11, 10, *range(12, 30)]))
 
 FFMPEG = [
@@ -111,10 +110,10 @@ FFMPEG = [
     picture("setpts", "gradient", f"setpts='(N+floor(N/10))/{RATE}/TB'", {"container.constant-rate": None},
             tags=(*TAGS, "-vsync", "passthrough")),
     # Geometry.
-    picture("scale half", "gradient", "scale=240:136", {"geometry.scaled": Near(0.5, 0.5 / 135)}),
-    picture("crop", "gradient", "crop=448:238:16:16", {"geometry.cropped": Near(16)}),
-    picture("pad", "gradient", "pad=512:302:16:16", {"geometry.padded": Near(16)}),
-    picture("pad and crop", "gradient", "pad=484:270:4:0,crop=480:270:0:0", {"geometry.shifted": Near(4)}),
+    picture("scale half", "gradient", "scale=192:108", {"geometry.scaled": Near(0.5)}),
+    picture("crop", "gradient", "crop=352:184:16:16", {"geometry.cropped": Near(16)}),
+    picture("pad", "gradient", "pad=416:248:16:16", {"geometry.padded": Near(16)}),
+    picture("pad and crop", "gradient", "pad=388:216:4:0,crop=384:216:0:0", {"geometry.shifted": Near(4)}),
     picture("hflip", "gradient", "hflip", {"geometry.flipped": Text("horizontal")}),
     picture("vflip", "gradient", "vflip", {"geometry.flipped": Text("vertical")}),
     picture("transpose clock", "gradient", "transpose=clock", {"geometry.rotated": Near(90)}),
@@ -124,7 +123,7 @@ FFMPEG = [
     picture("phase", "fields", "phase=mode=t", {"fields.shifted": None}),
     picture("yadif", "fields", "yadif=mode=send_frame,setfield=prog", {"fields.progressive": None}),
     picture("yadif bob", "fields", "yadif=mode=send_field,setfield=prog", {"fields.bobbed": None}),
-    picture("field and scale", "fields", "field=top,scale=480:288:flags=neighbor,setfield=tff", {"fields.lost": None}),
+    picture("field and scale", "fields", "field=top,scale=384:288:flags=neighbor,setfield=tff", {"fields.lost": None}),
     picture("pp linear blend", "fields", "format=yuv422p,pp=lb,setfield=tff", {"fields.blended": None}),
     # Sound.
     sound("pan swap", "stereo", "pan=stereo|c0=c1|c1=c0", {"audio.order": None}),

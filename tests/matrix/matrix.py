@@ -15,6 +15,7 @@ import hashlib
 import json
 import os
 import re
+import resource
 import shlex
 import subprocess
 import sys
@@ -267,6 +268,8 @@ def main():
     with open(os.path.join(options.folder, "table.txt"), "w", encoding="utf-8") as file:
         file.write(text + "\n")
     print(text)
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    print(f"\nProcessor time: {usage.ru_utime + usage.ru_stime:.0f} s")
     if not judge(told, known):
         sys.exit(1)
 

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <span>
@@ -76,29 +77,39 @@ std::string FindingAsHtml(const Finding& finding)
     return text + "</li>\n";
 }
 
-/// The movie from left to right: what is in its place, and each step that is not.
+/// The movie from left to right: what is in its place, and each step that is not. Colours have names below it.
 std::string TimelineOf(const AlignmentReport& alignment)
 {
     if (alignment.pictures == 0 || alignment.steps.empty()) {
         return {};
     }
     constexpr double kWidth = 960;
-    std::string svg = fmt::format("<h2>Pictures</h2>\n<svg viewBox=\"0 0 {0} 40\" width=\"{0}\" role=\"img\" "
+    constexpr const char* kInPlace = "#4a8";
+    constexpr const char* kMissing = "#c33";
+    constexpr const char* kOutOfPlace = "#d93";
+    std::string svg = fmt::format("<h2>Pictures</h2>\n<svg viewBox=\"0 0 {0} 60\" width=\"{0}\" role=\"img\" "
                                   "aria-label=\"timeline of the movie's pictures\">\n",
                                   kWidth);
     const double unit = kWidth / static_cast<double>(alignment.pictures);
     for (const EditStep& step : alignment.steps) {
         const double width = step.pictures > 0 ? unit * static_cast<double>(step.pictures) : 3;
         const std::string_view kind = step.kind;
-        const char* color = kind == "shown" ? "#4a8" : step.pictures == 0 ? "#c33" : "#d93";
+        const char* color = kind == "shown" ? kInPlace : step.pictures == 0 ? kMissing : kOutOfPlace;
         fmt::format_to(
             std::back_inserter(svg),
             "<rect x=\"{:.2f}\" y=\"{}\" width=\"{:.2f}\" height=\"{}\" fill=\"{}\"><title>{}: picture {}, "
             "frame {}, {} frames</title></rect>\n",
-            unit * static_cast<double>(step.picture), kind == "shown" ? 10 : 4, width,
+            std::min(unit * static_cast<double>(step.picture), kWidth - width), kind == "shown" ? 10 : 4, width,
             kind == "shown" ? 20 : 32, color, kind, step.picture, step.frame, step.frames);
     }
-    return svg + "</svg>\n";
+    fmt::format_to(std::back_inserter(svg),
+                   "<text x=\"0\" y=\"54\">picture 0</text><text x=\"{}\" y=\"54\" "
+                   "text-anchor=\"end\">picture {}</text></svg>\n",
+                   kWidth, alignment.pictures - 1);
+    return svg + fmt::format("<p><small><span style=\"color:{}\">&#9632;</span> in place "
+                             "<span style=\"color:{}\">&#9632;</span> not in place "
+                             "<span style=\"color:{}\">&#9632;</span> frames are missing here</small></p>\n",
+                             kInPlace, kOutOfPlace, kMissing);
 }
 
 std::string ListOf(std::string_view title, const std::vector<std::string>& lines)
@@ -116,7 +127,8 @@ std::string ListOf(std::string_view title, const std::vector<std::string>& lines
 constexpr std::string_view kStyle =
     "body{font:15px/1.45 system-ui,sans-serif;max-width:1000px;margin:2em auto;padding:0 1em;color:#222;"
     "background:#fff}figure{display:inline-block;margin:0 1em 1em 0}img{image-rendering:pixelated}"
-    "figcaption,small{color:#555}.bad>b{color:#a11}.unsure>b{color:#850}code{background:#eee;padding:0 .3em}";
+    "svg{max-width:100%}svg text{font-size:13px;fill:#555}figcaption,small{color:#555}.bad>b{color:#a11}"
+    ".unsure>b{color:#850}code{background:#eee;padding:0 .3em}";
 
 } // namespace
 

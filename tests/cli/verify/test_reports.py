@@ -1,6 +1,10 @@
 """Reports, exit codes, and movies that cannot be compared."""
 
+import base64
+import collections
+import html.parser
 import json
+import os
 import resource
 import subprocess
 import unittest
@@ -12,6 +16,29 @@ try:
     import jsonschema
 except ImportError:
     jsonschema = None
+
+
+class Page(html.parser.HTMLParser):
+    """Elements of a page that are open, how many there are of each kind, and what they refer to."""
+
+    def __init__(self):
+        super().__init__()
+        self.open = []
+        self.count = collections.Counter()
+        self.sources = []
+
+    def handle_starttag(self, tag, attributes):
+        self.count[tag] += 1
+        if tag not in ("img", "meta"):
+            self.open.append(tag)
+        self.sources += [value for name, value in attributes if name in ("src", "href")]
+
+    def handle_startendtag(self, tag, attributes):
+        self.count[tag] += 1
+
+    def handle_endtag(self, tag):
+        assert self.open and self.open[-1] == tag, f"</{tag}> closes {self.open[-1:]}"
+        self.open.pop()
 
 
 class Reports(VerifyTest):
@@ -77,6 +104,29 @@ class Reports(VerifyTest):
                 self.refuse("verify", clip, movie, option, kept, code=2, says=[option, "name another file"])
                 with open(kept, "rb") as file:
                     self.assertEqual(file.read(), before)
+
+    def test_html_is_one_page_that_needs_nothing_else(self):
+        root = gradient(frames=30)
+        movie = self.path("a<b>&c.mkv")  # what would be markup has to be text
+        os.rename(self.filtered(root, "select='not(eq(n,12))',setpts=N/25/TB,lutrgb=r=val*0.8"), movie)
+        done = self.run_tessel("verify", self.save(root), movie, "--quiet", "--html", self.path("page.html"))
+        self.assertEqual((done.returncode, done.stderr), (3, b""))
+        with open(self.path("page.html"), encoding="utf-8") as file:
+            text = file.read()
+        page = Page()
+        page.feed(text)
+        self.assertEqual(page.open, [], "every element is closed")
+        self.assertFalse([source for source in page.sources if not source.startswith("data:")])
+        self.assertNotIn("a<b>", text)
+        report = self.verify(root, movie)
+        for finding in report["findings"]:
+            self.assertIn(f"<code>{finding['id']}</code>", text)
+        self.assertEqual(page.count["rect"], len(report["alignment"]["steps"]))
+        self.assertGreater(page.count["img"], 0)
+        self.assertEqual(page.count["img"] % 3, 0, "expected, actual and difference")
+        for source in page.sources:
+            bitmap = base64.b64decode(source.split(",", 1)[1])
+            self.assertEqual((bitmap[:2], int.from_bytes(bitmap[2:6], "little")), (b"BM", len(bitmap)))
 
     def test_text_names_movie_clip_and_fault(self):
         root = gradient(frames=6)
