@@ -35,7 +35,8 @@ private:
     };
 
     void ReadWindow(std::int64_t first, std::int64_t last) const;
-    [[nodiscard]] float SampleAt(std::size_t channel, double position) const noexcept;
+    /// All channels at a place of the clip, which may lie between two samples.
+    void ReadMoment(double position, Moment& moment) const noexcept;
 
     const exporting::SignalSource& mClean;
     const DamagePlan& mPlan;
