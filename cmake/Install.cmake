@@ -19,6 +19,11 @@ if(TARGET kestrelqt)
     install(TARGETS kestrelqt LIBRARY COMPONENT windows NAMELINK_SKIP)
     install(TARGETS kestrelqt_probe RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT windows)
 endif()
+if(TARGET libtessel)
+    install(TARGETS libtessel EXPORT TesselTargets
+        LIBRARY NAMELINK_COMPONENT development
+        FILE_SET HEADERS COMPONENT development)
+endif()
 if(TARGET conformance)
     install(TARGETS conformance RUNTIME COMPONENT development)
 endif()
@@ -52,5 +57,16 @@ tessel_install_pkgconfig(kestrelui "Dialogs as models, and the language of their
     kestrel "-L\${libdir} -lkestrelui")
 tessel_install_pkgconfig(kestrelhost "Loads importer plug-ins and drives them" kestrelui "-L\${libdir} -lkestrelhost")
 
-# The importer that docs/write-an-importer.md builds.
-install(DIRECTORY examples/flat-importer DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrel/examples" COMPONENT development)
+if(TARGET libtessel)
+    tessel_install_pkgconfig(tessel "Clips of .tessel documents, from C" "" "-L\${libdir} -ltessel")
+    set(tesselPackage "${CMAKE_INSTALL_LIBDIR}/cmake/Tessel")
+    install(EXPORT TesselTargets NAMESPACE Tessel:: DESTINATION "${tesselPackage}" FILE TesselConfig.cmake
+        COMPONENT development)
+    write_basic_package_version_file("${PROJECT_BINARY_DIR}/TesselConfigVersion.cmake"
+        COMPATIBILITY ${compatibility})
+    install(FILES "${PROJECT_BINARY_DIR}/TesselConfigVersion.cmake" DESTINATION "${tesselPackage}"
+        COMPONENT development)
+endif()
+
+# The importer that docs/write-an-importer.md builds, and the C program of docs/c-interface.md.
+install(DIRECTORY examples/flat-importer examples/c-frame DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrel/examples" COMPONENT development)

@@ -1,3 +1,18 @@
+# Before version 1.0 each minor version may break what links to the libraries.
+set(TESSEL_SOVERSION "${PROJECT_VERSION_MAJOR}")
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(TESSEL_SOVERSION "0.${PROJECT_VERSION_MINOR}")
+endif()
+
+# tessel_set_version(TARGET): the project's version, and hidden symbols, for a library that others link.
+function(tessel_set_version target)
+    set_target_properties(${target} PROPERTIES
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        VERSION "${PROJECT_VERSION}"
+        SOVERSION "${TESSEL_SOVERSION}")
+endfunction()
+
 # tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header...])
 # A GoogleTest program; each of its tests is one CTest test. PRECOMPILE names headers that this program
 # precompiles for itself, where its libraries bring compiler flags that other tests have not.

@@ -13,6 +13,7 @@ SHOWN = {
     "kestrelui": r"(?:qelui|qellumenfactory|qelworkspace)::",
     "kestrelhost": r"importhost::",
     "kestrelqt": r"KestrelGetToolkit$",
+    "tessel": r"tessel_",
 }
 # The other libraries of the host that each may need.
 MAY_NEED = {
@@ -21,6 +22,7 @@ MAY_NEED = {
     "kestrelui": {"kestrel"},
     "kestrelhost": {"kestrel", "kestrelui"},
     "kestrelqt": {"kestrel", "kestrelui"},
+    "tessel": {"kestrel", "kestrelui", "kestrelhost"},
 }
 # The C and C++ runtime, with the sanitizers'.
 RUNTIME = re.compile(r"^(?:libstdc\+\+|libm|libc|libgcc_s|ld-linux.*|libasan|libubsan|libtsan)\.so")

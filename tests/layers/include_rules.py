@@ -4,7 +4,7 @@ import os
 import re
 import sys
 
-SOURCE_FOLDERS = ("ImporterTessel", "examples", "kestrel", "tessel", "tests/conformance/checker")
+SOURCE_FOLDERS = ("ImporterTessel", "examples", "integrations", "kestrel", "tessel", "tests/conformance/checker")
 SOURCE_ENDINGS = (".h", ".hpp", ".cpp", ".c", ".inc")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:<([^>\n]+)>|"([^"\n]+)")', re.MULTILINE)
 
@@ -20,7 +20,7 @@ JSON = re.compile(r"^nlohmann/")
 COMMAND_LINE = re.compile(r"^CLI/")
 FORMATTING = re.compile(r"^fmt/")
 STANDARD = re.compile(r"^(?:[a-z_]+|(?:assert|stddef|stdint|stdbool|string|math|immintrin|emmintrin)\.h)$")
-INSTALLED = "a header that the host installs"
+INSTALLED = "an installed header"
 INSTALLED_LIST = re.compile(r"FILE_SET\s+HEADERS\b[^)]*?\bFILES\b([^)]*)\)")
 HOST_PUBLIC = re.compile(r"^kestrel/(?:brindle|importabi|ksm|orb|pixmill|qelaccelerate|qelcore|qellumenfactory|"
                          r"qelmediatypes|qelui|qelworkspace)/")
@@ -68,7 +68,7 @@ RULES = [
     Rule("the plug-in includes the standard library, itself and the host's public headers only",
          r"ImporterTessel/", allowed=[STANDARD, re.compile(r"^ImporterTessel/"), HOST_PUBLIC]),
     Rule("the examples include the standard library, themselves and installed headers only", r"examples/",
-         allowed=[STANDARD, re.compile(r"^examples/"), INSTALLED]),
+         allowed=[STANDARD, re.compile(r"^std(?:io|lib)\.h$"), re.compile(r"^examples/"), INSTALLED]),
     Rule("the program never includes the plug-in", r"tessel/", forbidden=re.compile(r"^ImporterTessel/")),
     Rule("the host never includes the plug-in", r"kestrel/", forbidden=re.compile(r"^ImporterTessel/")),
     Rule("the host never includes the program", r"kestrel/", forbidden=re.compile(r"^tessel/")),
@@ -107,6 +107,11 @@ RULES = [
     Rule("one file includes the command-line library",
          r"(?:kestrel/|ImporterTessel/|tessel/(?!cli/CommandLine\.cpp$))",
          forbidden=COMMAND_LINE),
+    Rule("the C interface stands on the document and the signal: no files, no judging, no commands", r"tessel/api/",
+         forbidden=re.compile(r"^tessel/(?!api/|document/|export/(?:[A-Z]|convert/|plan/))")),
+    Rule("the C header includes C's headers only", r"tessel/api/tessel\.h$", allowed=[re.compile(r"^std(?:int|def)\.h$")]),
+    Rule("integrations know the C interface alone", r"integrations/",
+         forbidden=re.compile(r"^(?:kestrel|ImporterTessel|tessel/(?!api/tessel\.h$))")),
     Rule("the host's headers show no formatting library", r"kestrel/.*\.h$", forbidden=FORMATTING),
     Rule("the conformance checker knows the wire format alone", r"tests/conformance/checker/",
          forbidden=re.compile(r"^(?:kestrel/(?!importabi/)|tessel/|ImporterTessel/|tests/(?!conformance/checker/)|"
@@ -139,8 +144,9 @@ def rooted(root, path, header, quoted):
 
 
 def installed_headers(root):
-    """The headers that the CMake lists of `kestrel/` name as public, as they are included."""
-    for where, _, names in os.walk(os.path.join(root, "kestrel")):
+    """The headers that the CMake lists of `kestrel/` and `tessel/api/` name as public, as they are included."""
+    folders = (entry for folder in ("kestrel", "tessel/api") for entry in os.walk(os.path.join(root, folder)))
+    for where, _, names in folders:
         if "CMakeLists.txt" not in names:
             continue
         with open(os.path.join(where, "CMakeLists.txt"), encoding="utf-8") as file:

@@ -145,14 +145,53 @@ class Package(InstalledTest):
                     self.assertNotIn(folder, read(path), path)
 
 
+class CInterface(InstalledTest):
+    """The library `libtessel`, as C programs use it: the example, built both ways."""
+
+    EXAMPLE = os.path.join(ROOT, "examples", "c-frame")
+
+    def compare_with_the_program(self, frame):
+        clip = os.path.join(ROOT, "samples", "short.tessel")
+        folder = self.new_folder()
+        self.run_in(folder, "bash", "-c", f"{frame} {clip} 7 > frame.ppm")
+        self.run_in(folder, os.path.join(self.prefix, "bin", "tessel"), "render", clip, "--from", "7", "--frames", "1",
+                    "--quiet", "-o", "frame.png")
+        pictures = [subprocess.run(["ffmpeg", "-v", "error", "-i", name, "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
+                                   cwd=folder, stdout=subprocess.PIPE, check=True).stdout
+                    for name in ("frame.ppm", "frame.png")]
+        self.assertEqual(len(pictures[0]), 160 * 106 * 3)
+        self.assertTrue(pictures[0] == pictures[1])
+
+    def test_the_example_is_built_with_the_cmake_package(self):
+        folder = self.new_folder()
+        self.run_in(folder, CMAKE, "-S", self.EXAMPLE, "-B", "build", f"-DCMAKE_PREFIX_PATH={self.prefix}",
+                    f"-DCMAKE_C_COMPILER={CC}")
+        self.run_in(folder, CMAKE, "--build", "build")
+        self.compare_with_the_program(os.path.join(folder, "build", "frame"))
+
+    def test_the_example_is_built_with_pkg_config_and_without_warnings(self):
+        folder = self.new_folder()
+        self.run_in(folder, "bash", "-c", '"$CC" -std=c11 -Wall -Wextra -Wpedantic -Werror -o frame '
+                    f'{self.EXAMPLE}/frame.c $(pkg-config --cflags --libs tessel) -Wl,-rpath,"$PREFIX/lib"')
+        self.compare_with_the_program(os.path.join(folder, "frame"))
+
+    def test_the_header_serves_c_plus_plus(self):
+        folder = self.new_folder()
+        with open(os.path.join(folder, "user.cpp"), "w", encoding="utf-8") as file:
+            file.write("#include <tessel/api/tessel.h>\nint main() { return tessel_version() == nullptr; }\n")
+        self.run_in(folder, "bash", "-c", '"$CXX" -std=c++11 -Wall -Wextra -Wpedantic -Werror -c user.cpp '
+                    "$(pkg-config --cflags tessel)")
+
+
 class Version(InstalledTest):
     def test_program_libraries_packages_and_change_log_share_one(self):
         version = project_version()
         self.assertEqual(self.run_in("/", os.path.join(self.prefix, "bin", "tessel"), "--version").split()[-1], version)
-        for module in ("kestrel-importabi", "kestrel", "kestrelui", "kestrelhost"):
+        for module in ("kestrel-importabi", "kestrel", "kestrelui", "kestrelhost", "tessel"):
             self.assertEqual(self.run_in("/", "pkg-config", "--modversion", module).strip(), version, module)
-        self.configure(f"find_package(Kestrel {version} EXACT REQUIRED COMPONENTS base)\n")
-        for library in ("kestrel", "kestrelui", "kestrelhost"):
+        self.configure(f"find_package(Kestrel {version} EXACT REQUIRED COMPONENTS base)\n"
+                       f"find_package(Tessel {version} EXACT REQUIRED)\n")
+        for library in ("kestrel", "kestrelui", "kestrelhost", "tessel"):
             self.assertTrue(os.path.exists(os.path.join(self.prefix, "lib", f"lib{library}.so.{version}")), library)
         newest = re.search(r"^## \[([0-9.]+)\]", read(os.path.join(ROOT, "CHANGELOG.md")), re.MULTILINE).group(1)
         self.assertEqual(newest, version)

@@ -6,13 +6,11 @@
 #include <utility>
 
 namespace tessel::exporting {
-namespace {
 
-/// Bytes of a row up to its last pixel's group.
-std::size_t BytesOfRow(Storage storage, std::int32_t width) noexcept
+std::size_t BytesOfRow(BR::PixelFormat format, std::int32_t width)
 {
     const auto pixels = static_cast<std::size_t>(width);
-    switch (storage) {
+    switch (KindOf(format).storage) {
     case Storage::InterleavedF:
         return pixels * 16;
     case Storage::Pairs422:
@@ -27,14 +25,12 @@ std::size_t BytesOfRow(Storage storage, std::int32_t width) noexcept
     return pixels * 4;
 }
 
-} // namespace
-
 bool IsSameFrame(const FrameView& left, const FrameView& right)
 {
     if (left.format != right.format || left.width != right.width || left.height != right.height) {
         return false;
     }
-    const std::size_t bytes = BytesOfRow(KindOf(left.format).storage, left.width);
+    const std::size_t bytes = BytesOfRow(left.format, left.width);
     for (std::int32_t y = 0; y < left.height; ++y) {
         if (std::memcmp(left.top + y * left.rowBytes, right.top + y * right.rowBytes, bytes) != 0) {
             return false;

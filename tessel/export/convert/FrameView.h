@@ -20,6 +20,10 @@ struct FrameView {
     std::shared_ptr<const void> owner; ///< keeps the pixels alive in pictures that share them
 };
 
+/// Bytes of a frame's row up to its last pixel's group.
+/// @throws ExportError  for a format that has no pixels
+[[nodiscard]] std::size_t BytesOfRow(BR::PixelFormat format, std::int32_t width);
+
 /// Whether two frames have the same format, size and pixels. Fast for frames that differ near the top.
 /// @throws ExportError  for a format that has no pixels
 [[nodiscard]] bool IsSameFrame(const FrameView& left, const FrameView& right);

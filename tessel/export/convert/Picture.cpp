@@ -98,22 +98,6 @@ constexpr std::int32_t ShiftUp(std::int32_t size, int shift) noexcept
     return (size + (1 << shift) - 1) >> shift;
 }
 
-std::int64_t BytesOfRow(const LayoutInfo& info, int plane, std::int32_t planeWidth) noexcept
-{
-    if (info.layout == PictureLayout::V210) {
-        return V210RowBytes(planeWidth);
-    }
-    if (info.layout == PictureLayout::Uyvy || info.layout == PictureLayout::Yuyv) {
-        return 4 * ((static_cast<std::int64_t>(planeWidth) + 1) / 2);
-    }
-    for (const ComponentPlace& place : info.components) {
-        if (place.plane == plane) {
-            return static_cast<std::int64_t>(planeWidth) * place.step;
-        }
-    }
-    return 0;
-}
-
 } // namespace
 
 const LayoutInfo& InfoOf(PictureLayout layout) noexcept
@@ -128,6 +112,22 @@ PlaneSize SizeOfPlane(const LayoutInfo& info, int plane, std::int32_t width, std
         return {width, height};
     }
     return {ShiftUp(width, info.chromaShiftX), ShiftUp(height, info.chromaShiftY)};
+}
+
+std::int64_t BytesOfRow(const LayoutInfo& info, int plane, std::int32_t planeWidth) noexcept
+{
+    if (info.layout == PictureLayout::V210) {
+        return V210RowBytes(planeWidth);
+    }
+    if (info.layout == PictureLayout::Uyvy || info.layout == PictureLayout::Yuyv) {
+        return 4 * ((static_cast<std::int64_t>(planeWidth) + 1) / 2);
+    }
+    for (const ComponentPlace& place : info.components) {
+        if (place.plane == plane) {
+            return static_cast<std::int64_t>(planeWidth) * place.step;
+        }
+    }
+    return 0;
 }
 
 Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height)

@@ -90,6 +90,9 @@ struct PlaneSize {
 [[nodiscard]] PlaneSize SizeOfPlane(const LayoutInfo& info, int plane, std::int32_t width,
                                     std::int32_t height) noexcept;
 
+/// Bytes of a plane's row: whole groups, and for v210 as files have them.
+[[nodiscard]] std::int64_t BytesOfRow(const LayoutInfo& info, int plane, std::int32_t planeWidth) noexcept;
+
 /// A picture with memory of its own: rows start on multiples of 64 bytes (v210: 128, as files have them),
 /// contents undefined.
 [[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height);

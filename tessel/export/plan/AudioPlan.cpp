@@ -7,29 +7,13 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
-#include <numeric>
+#include <utility>
 
 namespace tessel::exporting {
 namespace {
 
 using document::ClipFacts;
 using importhost::kMostChannels;
-
-constexpr std::int32_t kChannelType51 = 3;
-
-std::int32_t WholeSampleRate(const ClipFacts& clip)
-{
-    // Files count samples per second in whole numbers.
-    constexpr float kHighest = 16'777'216.0F; // the last float below which every integer is one
-    const float rate = clip.sampleRate;
-    if (!(rate >= 1.0F) || rate > kHighest || rate != std::floor(rate)) {
-        throw ExportError(
-            fmt::format("files do not take {} samples a second{}; use --video-only for the picture alone", rate,
-                        SettingHint(clip, document::Setting::SampleRate)));
-    }
-    return static_cast<std::int32_t>(rate);
-}
 
 /// The codec for any number of channels at any rate, in the containers that have one.
 constexpr const char* kRoomiest = "pcm24";
@@ -60,7 +44,13 @@ AudioPlan PlanAudio(const ClipFacts& clip, const Container& container, const Aud
     AudioPlan plan;
     plan.dither = dither;
     plan.headersOutOfBand = container.headersOutOfBand;
-    plan.sampleRate = WholeSampleRate(clip);
+    SoundShape shape = SoundShapeOf(clip);
+    if (shape.sampleRate == 0) {
+        throw ExportError(
+            fmt::format("files do not take {} samples a second{}; use --video-only for the picture alone",
+                        clip.sampleRate, SettingHint(clip, document::Setting::SampleRate)));
+    }
+    plan.sampleRate = shape.sampleRate;
     if (clip.channelCount > kMostChannels) {
         throw ExportError(
             fmt::format("the clip has {} audio channels, but {} are the most that are played; use "
@@ -68,15 +58,8 @@ AudioPlan PlanAudio(const ClipFacts& clip, const Container& container, const Aud
                         clip.channelCount, kMostChannels));
     }
     plan.codec = &CodecFor(clip, container, chosen, plan.sampleRate);
-    plan.hostChannels.resize(static_cast<std::size_t>(clip.channelCount));
-    std::iota(plan.hostChannels.begin(), plan.hostChannels.end(), 0);
-    if (clip.channelCount == 6 && clip.channelType == kChannelType51) {
-        // The host's 5.1 order is L R Ls Rs C LFE, that of files is L R C LFE Ls Rs.
-        plan.hostChannels = {0, 1, 4, 5, 2, 3};
-        plan.layout = SpeakerLayout::Surround51;
-    } else if (clip.channelCount <= 2) {
-        plan.layout = clip.channelCount == 1 ? SpeakerLayout::Mono : SpeakerLayout::Stereo;
-    }
+    plan.hostChannels = std::move(shape.hostChannels);
+    plan.layout = shape.layout;
     return plan;
 }
 

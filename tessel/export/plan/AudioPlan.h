@@ -3,6 +3,7 @@
 
 #include "AudioCodec.h"
 #include "Container.h"
+#include "SoundShape.h"
 
 #include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Dither.h>
@@ -11,9 +12,6 @@
 #include <vector>
 
 namespace tessel::exporting {
-
-/// Where the channels of a file stand in the room.
-enum class SpeakerLayout : std::uint8_t { None, Mono, Stereo, Surround51 };
 
 /// Everything that is decided of the sound. Whoever reads, encodes and writes it only reads it.
 struct AudioPlan {

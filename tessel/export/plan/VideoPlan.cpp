@@ -1,5 +1,6 @@
 #include "VideoPlan.h"
 
+#include "ClipConversion.h"
 #include "DvProfiles.h"
 #include "LayoutChoice.h"
 
@@ -9,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <numeric>
 #include <string>
 
 namespace tessel::exporting {
@@ -48,19 +48,6 @@ const VideoCodec& DefaultCodec(const PixelKind& kind, const Container& container
     return *VideoCodecNamed(name); // a test holds that every name of the table is a codec's
 }
 
-/// The format that a file is to keep: that of the frames, except that frames which stand for a planar or DV
-/// file say so only in their document.
-PixelKind KindToKeep(const ClipFacts& clip)
-{
-    if (clip.pixelFormat != BR::PixelFormat::Unknown) {
-        const PixelKind named = KindOf(clip.pixelFormat);
-        if (named.storage == Storage::Planar420 || named.storage == Storage::Dv) {
-            return named;
-        }
-    }
-    return KindOf(clip.frameFormat);
-}
-
 /// The ranges of codes that R'G'B' may become: what the file announces and its readers heed.
 CodeRanges RangesOf(const VideoCodec& codec, const Container& container) noexcept
 {
@@ -71,21 +58,20 @@ CodeRanges RangesOf(const VideoCodec& codec, const Container& container) noexcep
     return Holds(says, Keeps::Range) ? CodeRanges::LimitedAndFull : CodeRanges::OnlyLimited;
 }
 
-/// How the clip's pictures are coded where the target is Y'CbCr.
-YCbCrCoding CodingOf(const ClipFacts& clip, const PixelKind& kind, const VideoCodec& codec,
-                     const Container& container)
+/// The coding that a codec has whatever the clip's is.
+std::optional<YCbCrCoding> FixedCoding(const ClipFacts& clip, const PixelKind& kind, const VideoCodec& codec)
 {
     if (kind.family != ColorFamily::Rgb) {
-        return {kind.matrix};
+        return std::nullopt;
     }
     if (codec.rule == LayoutRule::DvProfile) {
         // DV streams do not say their matrix: decoders go by the profile.
-        return {DvProfileFor(clip).matrix};
+        return YCbCrCoding{DvProfileFor(clip).matrix};
     }
     if (codec.isFullRange) {
-        return {Matrix::Bt470Bg, true};
+        return YCbCrCoding{Matrix::Bt470Bg, true};
     }
-    return CodingFor(clip.colorCodes, RangesOf(codec, container));
+    return std::nullopt;
 }
 
 ChromaPlace PlaceOfChroma(const VideoCodec& codec, const LayoutInfo& layout) noexcept
@@ -108,30 +94,6 @@ std::string_view TagOf(const VideoCodec& codec, const Container& container, Pict
         }
     }
     return container.isQuickTime ? codec.quickTimeTag : std::string_view{};
-}
-
-PictureGeometry GeometryOf(const ClipFacts& clip)
-{
-    RequirePicture(clip);
-    const std::int32_t divisor = std::gcd(clip.timeScale, clip.sampleSize);
-    PictureGeometry geometry;
-    geometry.width = clip.width;
-    geometry.height = clip.height;
-    geometry.rateNumerator = clip.timeScale / divisor;
-    geometry.rateDenominator = clip.sampleSize / divisor;
-    geometry.order = clip.Order();
-
-    const std::uint32_t numerator = clip.pixelAspect.GetNumerator();
-    const std::uint32_t denominator = clip.pixelAspect.GetDenominator();
-    if (numerator != 0 && denominator != 0) {
-        const std::uint32_t common = std::gcd(numerator, denominator);
-        constexpr std::uint32_t kHighest = 0x7FFFFFFF;
-        if (numerator / common <= kHighest && denominator / common <= kHighest) {
-            geometry.aspectNumerator = static_cast<std::int32_t>(numerator / common);
-            geometry.aspectDenominator = static_cast<std::int32_t>(denominator / common);
-        }
-    }
-    return geometry;
 }
 
 } // namespace
@@ -189,6 +151,7 @@ void RequirePicture(const ClipFacts& clip)
 VideoPlan PlanVideo(const ClipFacts& clip, const Container& container, const VideoCodec* chosen,
                     std::optional<int> quality)
 {
+    RequirePicture(clip);
     VideoPlan plan;
     plan.geometry = GeometryOf(clip);
     const PixelKind kind = KindToKeep(clip);
@@ -200,15 +163,10 @@ VideoPlan PlanVideo(const ClipFacts& clip, const Container& container, const Vid
     } else if (!codec.quality.name.empty()) {
         plan.quality = codec.quality.usual;
     }
-    plan.conversion.source = clip.frameFormat;
-    plan.conversion.target = ChooseLayout(codec, container, clip, kind);
+    plan.conversion =
+        ConversionOf(clip, kind, ChooseLayout(codec, container, clip, kind), RangesOf(codec, container));
+    plan.conversion.coding = FixedCoding(clip, kind, codec).value_or(plan.conversion.coding);
     const LayoutInfo& layout = InfoOf(plan.conversion.target);
-    plan.conversion.width = clip.width;
-    plan.conversion.height = clip.height;
-    plan.conversion.coding = CodingOf(clip, kind, codec, container);
-    const bool byField =
-        kind.storage == Storage::Planar420 ? kind.fieldPicture : plan.geometry.order != FieldOrder::Progressive;
-    plan.conversion.chromaRows = byField ? ChromaRows::Field : ChromaRows::Frame;
     plan.tags = TagsFor(kind, clip.colorCodes, layout, plan.conversion.coding);
     plan.chromaPlace = PlaceOfChroma(codec, layout);
     plan.encoder = layout.HasAlpha() || codec.opaqueEncoder.empty() ? codec.encoder : codec.opaqueEncoder;

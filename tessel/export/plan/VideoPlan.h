@@ -3,9 +3,9 @@
 
 #include "ColorTags.h"
 #include "Container.h"
+#include "PictureGeometry.h"
 #include "VideoCodec.h"
 
-#include <kestrel/importhost/Clip.h>
 #include <tessel/document/OpenClip.h>
 #include <tessel/export/convert/Conversion.h>
 
@@ -14,17 +14,6 @@
 #include <string_view>
 
 namespace tessel::exporting {
-
-/// Size, rate and the rest that every picture stream announces.
-struct PictureGeometry {
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::int32_t rateNumerator = 0; ///< frames per second, exact, in lowest terms
-    std::int32_t rateDenominator = 1;
-    std::int32_t aspectNumerator = 0; ///< of a pixel; 0: not known
-    std::int32_t aspectDenominator = 1;
-    importhost::FieldOrder order = importhost::FieldOrder::Progressive;
-};
 
 /// Where the chroma samples of subsampled pictures lie: on a luma column, and on a row or between two of their
 /// picture or field.

@@ -240,7 +240,9 @@ TEST(JSONParse, DeepDocumentsNeedNoDeepStack)
 
 TEST(JSONParse, WhiteSpaceOfAnyLengthIsWhiteSpace)
 {
-    EXPECT_EQ(Reprinted(std::string(100'000'000, ' ') + "[1]"), "[1]");
+    std::string text(100'000'000, ' ');
+    text += "[1]";
+    EXPECT_EQ(Reprinted(text), "[1]");
     EXPECT_TRUE(JSONParse(std::string(1'000'000, '\n')).IsNothing());
 }
 

@@ -1,0 +1,58 @@
+/// From exceptions to results: the one way in which calls of the C interface end.
+#pragma once
+
+#include "tessel.h"
+
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace tessel::api {
+
+/// A call that cannot be served, with the result that says so.
+class CallError : public std::runtime_error {
+public:
+    CallError(tessel_result result, const std::string& line) : std::runtime_error(line), mResult(result) {}
+
+    [[nodiscard]] tessel_result Result() const noexcept { return mResult; }
+
+private:
+    tessel_result mResult;
+};
+
+/// @throws CallError  TESSEL_BAD_ARGUMENT with that line, where it does not hold
+inline void Require(bool holds, const char* line)
+{
+    if (!holds) {
+        throw CallError(TESSEL_BAD_ARGUMENT, line);
+    }
+}
+
+/// The line that `tessel_error_text` gives on this thread.
+[[nodiscard]] const char* LastError() noexcept;
+
+/// Keeps the line, as far as there is memory, and gives the result back.
+tessel_result Fail(tessel_result result, const char* line) noexcept;
+
+/// Runs a call. Whatever it throws becomes a result: its own for a `CallError`, `otherwise` for what the host
+/// or the conversions throw.
+template <typename Call>
+tessel_result Serve(tessel_result otherwise, Call&& call) noexcept
+{
+    try {
+        std::forward<Call>(call)();
+        return TESSEL_OK;
+    } catch (const CallError& error) {
+        return Fail(error.Result(), error.what());
+    } catch (const std::bad_alloc&) {
+        return Fail(TESSEL_OUT_OF_MEMORY, "out of memory");
+    } catch (const std::exception& error) {
+        return Fail(otherwise, error.what());
+    } catch (...) {
+        return Fail(otherwise, "an error that says nothing about itself");
+    }
+}
+
+} // namespace tessel::api

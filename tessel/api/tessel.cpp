@@ -1,0 +1,121 @@
+/// The C interface: checks what is handed in, and passes the call on.
+
+#include "tessel.h"
+
+#include "Clip.h"
+#include "Results.h"
+#include "SharedImporter.h"
+#include "Structures.h"
+#include "TextDocument.h"
+
+#include <kestrel/importhost/PathText.h>
+
+#include <filesystem>
+#include <span>
+#include <string_view>
+
+/// What callers hold.
+struct tessel_clip {
+    tessel::api::Clip clip;
+};
+
+namespace {
+
+using tessel::api::Require;
+using tessel::api::Serve;
+
+std::filesystem::path PathOf(const char* text)
+{
+    const std::string_view bytes(text);
+    return {std::u8string(bytes.begin(), bytes.end())};
+}
+
+tessel_clip* Open(const std::filesystem::path& file, const tessel_open_options* given)
+{
+    const tessel_open_options options = tessel::api::Taken(given);
+    importhost::RequireUTF8Name(file);
+    const auto importer = tessel::api::ShareImporter(options.plugin != nullptr ? PathOf(options.plugin)
+                                                                               : std::filesystem::path{});
+    return new tessel_clip{tessel::api::Clip(
+        tessel::document::OpenClip(importer, file, {.allowDefault = options.allow_default != 0}))};
+}
+
+} // namespace
+
+const char* tessel_error_text(void)
+{
+    return tessel::api::LastError();
+}
+
+const char* tessel_version(void)
+{
+    return TESSEL_VERSION;
+}
+
+tessel_result tessel_open_file(const char* path, const tessel_open_options* options, tessel_clip** clip)
+{
+    return Serve(TESSEL_NOT_OPENED, [&] {
+        Require(path != nullptr && clip != nullptr, "the path, or the place for the clip, is a null pointer");
+        *clip = Open(PathOf(path), options);
+    });
+}
+
+tessel_result tessel_open_text(const char* text, size_t length, const tessel_open_options* options,
+                               tessel_clip** clip)
+{
+    return Serve(TESSEL_NOT_OPENED, [&] {
+        Require(text != nullptr && clip != nullptr, "the text, or the place for the clip, is a null pointer");
+        const tessel::api::TextDocument document({text, length});
+        *clip = Open(document.File(), options);
+    });
+}
+
+void tessel_close(tessel_clip* clip)
+{
+    delete clip;
+}
+
+const char* tessel_warning(const tessel_clip* clip)
+{
+    return clip != nullptr ? clip->clip.Warning().c_str() : "";
+}
+
+tessel_result tessel_describe(const tessel_clip* clip, tessel_description* description)
+{
+    return Serve(TESSEL_FAILED, [&] {
+        Require(clip != nullptr, "the clip is a null pointer");
+        tessel::api::Give(clip->clip.Describe(), description);
+    });
+}
+
+tessel_result tessel_describe_picture(tessel_clip* clip, tessel_layout layout, tessel_picture* picture)
+{
+    return Serve(TESSEL_FAILED, [&] {
+        Require(clip != nullptr, "the clip is a null pointer");
+        tessel::api::Give(clip->clip.DescribePicture(layout), picture);
+    });
+}
+
+tessel_result tessel_frame(tessel_clip* clip, int64_t frame, tessel_layout layout, void* const* planes,
+                           const ptrdiff_t* strides)
+{
+    return Serve(TESSEL_FAILED, [&] {
+        Require(clip != nullptr && planes != nullptr && strides != nullptr,
+                "the clip, the planes or the strides are a null pointer");
+        Require(frame >= 0, "frames are counted from 0");
+        clip->clip.Frame(frame, layout, planes, strides);
+    });
+}
+
+tessel_result tessel_samples(tessel_clip* clip, int64_t start, size_t count, float* const* channels,
+                             size_t channel_count)
+{
+    return Serve(TESSEL_FAILED, [&] {
+        Require(clip != nullptr && channels != nullptr, "the clip or the channels are a null pointer");
+        Require(start >= 0, "samples are counted from 0");
+        for (float* const channel : std::span(channels, channel_count)) {
+            Require(channel != nullptr, "a channel is a null pointer");
+        }
+        clip->clip.Samples(start, count, {channels, channel_count});
+    });
+}

@@ -1,0 +1,216 @@
+/* libtessel: clips of .tessel documents, from C.
+ *
+ * A clip is opened from a document, describes itself, and gives its pictures and its sound into the caller's
+ * memory: the same values that `tessel render` writes.
+ *
+ * Results     Every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one
+ * line. What a failed call was to write is left alone, unless said otherwise. No exception leaves the library.
+ * Ownership   `tessel_open_*` give a clip that the caller owns and closes. Texts belong to the library: those
+ * of a clip live until it is closed. Structures  carry their size in their first member. The caller sets it to
+ * `sizeof` before the call; the library writes no more, so that programs built with an older header go on
+ * working. Threads     [thread-safe] may be called from any thread at any time, on one clip too. [any-thread]
+ * may be called from any thread, but not on one object at the same time. Clips share nothing that a call
+ * changes. Texts       are UTF-8 and end with a NUL.
+ */
+#ifndef TESSEL_API_TESSEL_H
+#define TESSEL_API_TESSEL_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef _WIN32
+#ifdef TESSEL_BUILD
+#define TESSEL_API __declspec(dllexport)
+#else
+#define TESSEL_API __declspec(dllimport)
+#endif
+#else
+#define TESSEL_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* One of the values below. */
+typedef int32_t tessel_result;
+
+enum {
+    TESSEL_OK = 0,
+    TESSEL_BAD_ARGUMENT = 1, /* a null pointer, a number out of its range, a structure without its size */
+    TESSEL_NOT_OPENED = 2,   /* the plug-in cannot be found or loaded, or the document cannot be read */
+    TESSEL_NOT_POSSIBLE = 3, /* the clip has no such picture or sound, or not in that layout */
+    TESSEL_FAILED = 4,       /* the plug-in failed */
+    TESSEL_OUT_OF_MEMORY = 5
+};
+
+/* Why the last failed call of this thread failed; empty where none has. Valid until the thread's next failed
+ * call. Threads: [thread-safe]. */
+TESSEL_API const char* tessel_error_text(void);
+
+/* The library's version, such as "0.1.0". Threads: [thread-safe]. */
+TESSEL_API const char* tessel_version(void);
+
+/* ---- Clips ---- */
+
+typedef struct tessel_clip tessel_clip;
+
+typedef struct tessel_open_options {
+    size_t size;
+    /* The importer plug-in: its file or folder. Null: where the environment variable KESTREL_PLUGIN_PATH says,
+     * else beside the host's library. */
+    const char* plugin;
+    /* Not 0: a document that cannot be read gives the plug-in's default clip instead of an error;
+     * `tessel_warning` then says why. */
+    int32_t allow_default;
+} tessel_open_options;
+
+/* Opens a document. The file is read once and may be removed afterwards.
+ * options: null for none. Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_open_file(const char* path, const tessel_open_options* options,
+                                          tessel_clip** clip);
+
+/* Opens a document that is in memory: `length` bytes of JSON.
+ * Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_open_text(const char* text, size_t length, const tessel_open_options* options,
+                                          tessel_clip** clip);
+
+/* Null is allowed. No call on the clip may be under way. Threads: [any-thread]. */
+TESSEL_API void tessel_close(tessel_clip* clip);
+
+/* What the plug-in remarked when the clip was opened, one line each; empty where all is well.
+ * Threads: [thread-safe]. */
+TESSEL_API const char* tessel_warning(const tessel_clip* clip);
+
+enum { TESSEL_PROGRESSIVE = 0, TESSEL_UPPER_FIELD_FIRST = 1, TESSEL_LOWER_FIELD_FIRST = 2 };
+
+typedef struct tessel_description {
+    size_t size;
+    int32_t width;  /* pixels; 0 or less: the clip has no picture */
+    int32_t height; /* pixels */
+    /* Width to height of a pixel, in lowest terms; 0 to 1 where it is not known. */
+    int32_t pixel_aspect_numerator;
+    int32_t pixel_aspect_denominator;
+    int32_t field_order; /* TESSEL_PROGRESSIVE, ... */
+    /* Frames per second, in lowest terms; 0 to 1 where the clip has no usable rate. Frame n lasts from
+     * n to n + 1 times rate_denominator / rate_numerator seconds. */
+    int32_t rate_numerator;
+    int32_t rate_denominator;
+    int64_t frame_count; /* 0 or more */
+    /* Samples per second and channel; 0 where it is no whole number from 1 on: then the clip gives no sound. */
+    int32_t sample_rate;
+    int32_t channel_count; /* 0 or more; sound can be had of 64 at most */
+    /* Not 0: six channels are L R C LFE Ls Rs. */
+    int32_t is_surround_51;
+    /* How many samples a channel has from the first frame's start to the last one's end. */
+    int64_t sample_count;
+    /* Codes of ITU-T H.273 that the clip claims; 2 is "unspecified". full_range is 0 or 1. */
+    int32_t primaries;
+    int32_t transfer;
+    int32_t matrix;
+    int32_t full_range;
+    const char* color_space; /* a name to read */
+    /* The format that the document names, as the host's four characters, first character in the lowest byte;
+     * 0 where it says none. Pictures of planar and DV formats come in another one. */
+    uint32_t pixel_format;
+    int32_t is_still; /* not 0: every frame shows the same picture */
+} tessel_description;
+
+/* Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_describe(const tessel_clip* clip, tessel_description* description);
+
+/* ---- Pictures ---- */
+
+/* How the samples of a picture lie in memory. Rows run from top to bottom. Samples wider than a byte are
+ * little-endian; those of 10 bits in 16 lie in the low bits. */
+typedef enum tessel_layout {
+    /* The plug-in's own bytes, in the format that `tessel_picture::format` names. */
+    TESSEL_LAYOUT_OWN = 0,
+    TESSEL_LAYOUT_BGRA = 1, /* 8 bits; the names give the components in the order of memory */
+    TESSEL_LAYOUT_ARGB = 2,
+    TESSEL_LAYOUT_BGRX = 3, /* X: a byte that says nothing */
+    TESSEL_LAYOUT_XRGB = 4,
+    TESSEL_LAYOUT_RGBA = 5,
+    TESSEL_LAYOUT_RGB = 6,    /* three bytes a pixel */
+    TESSEL_LAYOUT_RGBA64 = 7, /* 16 bits a component */
+    TESSEL_LAYOUT_RGB48 = 8,
+    TESSEL_LAYOUT_GBRP_F32 = 9,   /* planes of 32-bit floats: G, B, R */
+    TESSEL_LAYOUT_GBRAP_F32 = 10, /* and A */
+    TESSEL_LAYOUT_UYVY = 11,      /* Cb Y' Cr Y' for two pixels, 8 bits */
+    TESSEL_LAYOUT_YUYV = 12,      /* Y' Cb Y' Cr */
+    TESSEL_LAYOUT_V210 = 13,      /* 6 pixels in four 32-bit words, 10 bits; rows are multiples of 128 bytes */
+    TESSEL_LAYOUT_YUV420P = 14,   /* planes Y', Cb, Cr; 8 bits */
+    TESSEL_LAYOUT_YUV422P = 15,
+    TESSEL_LAYOUT_YUV444P = 16,
+    TESSEL_LAYOUT_YUV420P10 = 17, /* 10 bits in 16 */
+    TESSEL_LAYOUT_YUV422P10 = 18,
+    TESSEL_LAYOUT_YUV444P10 = 19,
+    TESSEL_LAYOUT_YUVA444P10 = 20
+} tessel_layout;
+
+enum {
+    TESSEL_SAMPLES_U8 = 0,
+    TESSEL_SAMPLES_U16 = 1, /* sample_bits of them used, the low ones */
+    TESSEL_SAMPLES_F32 = 2,
+    TESSEL_SAMPLES_V210 = 3 /* 32-bit words with three samples of 10 bits */
+};
+
+/* What a picture needs, and what its samples mean. */
+typedef struct tessel_picture {
+    size_t size;
+    int32_t width;       /* pixels */
+    int32_t height;      /* pixels */
+    int32_t plane_count; /* 1 to 4 */
+    int32_t plane_rows[4];
+    /* The bytes of a plane's row that are written. A row may be longer in the caller's memory. */
+    size_t row_bytes[4];
+    int32_t sample_type; /* TESSEL_SAMPLES_U8, ... */
+    int32_t sample_bits; /* 8, 10, 16 or 32 */
+    /* Pixels of a plane lie in groups, the last of which may be partly used: 2 pixels in 4 bytes for UYVY, 6 in
+     * 16 for v210, else 1. */
+    int32_t group_pixels;
+    int32_t group_bytes;
+    /* log2 of how much smaller planes 1 and 2 are than plane 0, for planes Y', Cb, Cr. */
+    int32_t chroma_shift_x;
+    int32_t chroma_shift_y;
+    /* TESSEL_LAYOUT_OWN: the format of the plug-in's bytes, as its four characters, first in the lowest byte.
+     * Else 0. */
+    uint32_t format;
+    /* H.273 code of the matrix that made Y'CbCr samples, 0 for R'G'B'; and whether their codes have full range.
+     * Both say what the samples are, where the description says what the clip claims to be. */
+    int32_t matrix;
+    int32_t full_range;
+    int32_t is_linear; /* not 0: linear light */
+} tessel_picture;
+
+/* What pictures in a layout are. Asks the plug-in for one frame, the first time.
+ * TESSEL_NOT_POSSIBLE: a clip without pictures. Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_describe_picture(tessel_clip* clip, tessel_layout layout,
+                                                 tessel_picture* picture);
+
+/* Writes frame `frame` (0 or more; also behind the last one, and then as the rules continue it).
+ *
+ * Where the layout has the clip's own samples they are moved, never computed. Else they are converted as
+ * `tessel render` does: in float with one rounding at the end, Y'CbCr with the clip's matrix in limited range.
+ *
+ * planes:  the first byte of the top row of each of `plane_count` planes
+ * strides: bytes from one row to the one below, of each plane; at least row_bytes, or at most -row_bytes
+ * TESSEL_FAILED may leave the planes half written. Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_frame(tessel_clip* clip, int64_t frame, tessel_layout layout,
+                                      void* const* planes, const ptrdiff_t* strides);
+
+/* ---- Sound ---- */
+
+/* Writes `count` samples of each channel, from sample `start` on (0 or more), as 32-bit floats where 1 is full
+ * scale. Channels come in the order of files: L R C LFE Ls Rs.
+ * channels: as many buffers as the clip has channels, each of `count` floats
+ * TESSEL_NOT_POSSIBLE: a clip without sound. TESSEL_FAILED may leave the buffers half written.
+ * Threads: [thread-safe]; one request at a time is served. */
+TESSEL_API tessel_result tessel_samples(tessel_clip* clip, int64_t start, size_t count, float* const* channels,
+                                        size_t channel_count);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
