@@ -115,7 +115,8 @@ Image ThumbnailOf(const document::OpenedClip& clip, int size)
     exporting::FrameConverter converter({.source = frame.format,
                                          .target = exporting::PictureLayout::Rgb24,
                                          .width = frame.width,
-                                         .height = frame.height});
+                                         .height = frame.height,
+                                         .coding = {}});
     return Scaled(converter.Convert(frame), ExtentFor(frame.width, frame.height, clip.facts.pixelAspect, size));
 }
 
