@@ -328,7 +328,7 @@ constexpr std::array kOfDepthTag{id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfRange{id::kColorClipped,    id::kColorGain,  id::kColorOffset,
                               id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfGain{id::kColorClipped, id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
-constexpr std::array kOfSubsampling{id::kColorSiting, TESSEL_LIKENESS};
+constexpr std::array kOfSubsampling{id::kColorSiting, id::kColorSaturation, TESSEL_LIKENESS};
 constexpr std::array kOfRate{id::kContainerDuration, id::kAudioPitch, id::kSyncDrift};
 constexpr std::array kOfMissing{id::kContainerDuration, id::kSyncOffset, id::kSyncDrift,
                                 id::kContainerConstantRate};

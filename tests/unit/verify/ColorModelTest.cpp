@@ -1,6 +1,7 @@
 #include <tessel/verify/catalogue/Names.h>
-#include <tessel/verify/judge/color/ColorModel.h>
-#include <tessel/verify/judge/color/Curves.h>
+#include <tessel/verify/judge/color/hypotheses/Curves.h>
+#include <tessel/verify/judge/color/hypotheses/Hypothesis.h>
+#include <tessel/verify/judge/color/hypotheses/Levels.h>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@ std::vector<ColorPair> Chart()
          {Triple{1, 0.5, 0.25}, Triple{0.75, 0, 0}, Triple{0, 0.75, 0}, Triple{0, 0, 0.75},
           Triple{0.75, 0.75, 0}, Triple{0, 0.75, 0.75}, Triple{0.75, 0, 0.75}, Triple{0.1, 0.1, 0.1},
           Triple{0.5, 0.5, 0.5}, Triple{0.9, 0.9, 0.9}, Triple{0.8, 0.6, 0.5}, Triple{0.2, 0.3, 0.7}}) {
-        pairs.push_back({rgb, 1, {}, 1});
+        pairs.push_back({rgb, 1, {}, 1, rgb});
     }
     return pairs;
 }
@@ -121,7 +122,8 @@ TEST(ColorModel, GreyTellsNeitherSaturationNorHue)
 {
     std::vector<ColorPair> pairs;
     for (const double level : {0.1, 0.5, 0.9}) {
-        pairs.push_back({{level, level, level}, 1, Encode(kBt709, {level, level, level}), 1});
+        pairs.push_back(
+            {{level, level, level}, 1, Encode(kBt709, {level, level, level}), 1, {level, level, level}});
     }
     const LevelFit fit = FitLevels(pairs, kBt709, 0.25);
     EXPECT_TRUE(fit.hasLuma);

@@ -1,5 +1,10 @@
 #include "ColorJudge.h"
 
+#include "AlphaJudge.h"
+#include "RightCodings.h"
+#include "hypotheses/Clipping.h"
+#include "hypotheses/Levels.h"
+
 #include <tessel/verify/judge/container/CodePoints.h>
 
 #include <fmt/format.h>
@@ -7,14 +12,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <set>
 
 namespace tessel::verify::judge {
 namespace {
 
 /// What a list of hypotheses can decide.
-constexpr std::array kListed{id::kColorMatrix,        id::kColorRange,    id::kColorChannels,
-                             id::kColorChromaSwapped, id::kColorTransfer, id::kColorClipped};
+constexpr std::array kListed{id::kColorMatrix, id::kColorRange, id::kColorChannels, id::kColorChromaSwapped,
+                             id::kColorTransfer};
 constexpr std::array kFitted{id::kColorGain, id::kColorOffset, id::kColorSaturation, id::kColorHue};
 
 /// How far codes are off where nothing is wrong: rounding, and what codecs do to flat colours.
@@ -23,75 +27,44 @@ double NoiseOf(CodecClass codec) noexcept
     return codec == CodecClass::Lossless ? 0.25 : codec == CodecClass::Mezzanine ? 0.4 : 0.8;
 }
 
-/// The codings that a movie may rightly have: as it announces, or as the clip has it.
-std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::PictureFacts& movie)
+/// In resampled pictures a spot's place is known to so many pixels.
+constexpr double kPlaceUncertainty = 0.35;
+
+/// What becomes of spots where colours change from row to row, in codes.
+double PlaceNoise(const ColorSampler& sampler)
 {
-    if (movie.format.isRgb) {
-        return {{true, 0, movie.fullRange.value_or(true), movie.format.isFloat}};
+    if (!sampler.IsResampled() || sampler.Spots().empty()) {
+        return 0;
     }
-    const bool isYCbCrClip = clip.frameKind.family == exporting::ColorFamily::YCbCr;
-    const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
-    const int ofClip = isYCbCrClip                            ? static_cast<int>(clip.frameKind.matrix)
-                       : clip.matrix != 0 && clip.matrix != 2 ? clip.matrix
-                       : isSaid                               ? movie.matrix
-                                                              : 1;
-    std::vector<int> matrices{ofClip};
-    // Tags that contradict a Y'CbCr clip's format on purpose are the clip's, not the movie's.
-    const bool isClipsTag = isSaid && IsSameMatrix(movie.matrix, clip.matrix);
-    if (isSaid && !isClipsTag && !IsSameMatrix(movie.matrix, ofClip)) {
-        matrices.push_back(movie.matrix);
+    double squares = 0;
+    for (const ColorSampler::Spot& spot : sampler.Spots()) {
+        const double off = spot.slope * 255 * kPlaceUncertainty;
+        squares += off * off;
     }
-    const bool isFullClip = !isYCbCrClip && clip.fullRange && clip.matrix != 0;
-    std::set<bool> ranges{isFullClip, movie.fullRange.value_or(isFullClip)};
-    if (isYCbCrClip && clip.fullRange) {
-        ranges = {false}; // such a clip announces full range and has limited codes, on purpose
-    }
-    std::vector<Coding> codings;
-    for (const int matrix : matrices) {
-        for (const bool isFull : ranges) {
-            codings.push_back({false, matrix, isFull});
-        }
-    }
-    return codings;
+    return std::sqrt(squares / static_cast<double>(sampler.Spots().size()));
 }
 
-/// Codes as they are to 8-bit units.
-std::vector<ColorPair> PairsOf(const std::vector<ColorSampler::Spot>& spots, const Coding& coding)
-{
-    std::vector<ColorPair> pairs;
-    pairs.reserve(spots.size());
-    for (const ColorSampler::Spot& spot : spots) {
-        ColorPair pair = spot.pair;
-        const double full = spot.format.isFloat ? 1.0 : std::exp2(spot.format.bits) - 1;
-        const double unit = std::exp2(spot.format.bits - 8);
-        for (std::size_t i = 0; i < 3; ++i) {
-            const double code = spot.pair.found[i];
-            if (coding.isRgb || spot.format.isFloat) {
-                pair.found[i] = code * 255 / full;
-            } else if (coding.isFull) {
-                pair.found[i] = i == 0 ? code * 255 / full : 128 + (code - 128 * unit) * 255 / full;
-            } else {
-                pair.found[i] = code / unit;
-            }
-        }
-        pairs.push_back(pair);
-    }
-    return pairs;
-}
+/// Chroma multiplied by less than this is none.
+constexpr double kNoChroma = 0.02;
 
 /// The judgement of one movie's colours.
 class Judging {
 public:
     Judging(const ColorCase& given, Findings& findings)
-        : mGiven(given), mFindings(findings), mNoise(NoiseOf(findings.Limits().picture)),
-          mTolerance(findings.Limits().Of(id::kColorMatrix))
+        : mGiven(given), mFindings(findings),
+          mNoise(NoiseOf(findings.Limits().picture) + PlaceNoise(given.sampler)),
+          mTolerance(findings.Limits().Of(id::kColorMatrix) + given.lostStep / 2 + PlaceNoise(given.sampler))
     {
     }
 
     void Run()
     {
         ChooseCoding();
-        JudgeAlpha();
+        if (!mGiven.clip.frameKind.HasAlpha() || !mGiven.movie.format.hasAlpha) {
+            mFindings.NotVisible(id::kColorAlpha);
+        } else {
+            JudgeAlpha(mPairs, mNoise, mFindings);
+        }
         const double off = mResiduals.front();
         if (off <= mTolerance - mNoise) {
             TellFine();
@@ -117,6 +90,10 @@ private:
                 mList = std::move(list);
             }
         }
+        mClipping = FitClipping(mCoding, mPairs, mTolerance + mNoise);
+        if (mClipping) {
+            mList.push_back(mClipping->hypothesis);
+        }
         for (const Hypothesis& hypothesis : mList) {
             mResiduals.push_back(ResidualOf(hypothesis, mPairs));
         }
@@ -130,10 +107,20 @@ private:
         return DistanceOf(mList.front(), hypothesis, mPairs) > mTolerance + mNoise;
     }
 
+    void Tell(std::string_view check, bool isVisible)
+    {
+        if (isVisible) {
+            mFindings.AsExpected(check);
+        } else {
+            mFindings.NotVisible(check);
+        }
+    }
+
     /// Nothing is wrong that shows: each check is fine where a fault of it would have shown.
     void TellFine()
     {
         TellListedFine();
+        TellClipping();
         const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
         Tell(id::kColorGain, fit.hasLuma);
         Tell(id::kColorOffset, true);
@@ -152,13 +139,20 @@ private:
         }
     }
 
-    void Tell(std::string_view check, bool isVisible)
+    /// Few codes lie outside the nominal range: what became of them does not show in the residual of all.
+    void TellClipping()
     {
-        if (isVisible) {
-            mFindings.AsExpected(check);
-        } else {
-            mFindings.NotVisible(check);
+        if (mClipping && mClipping->plainDistance > mTolerance + mNoise &&
+            mClipping->residual < mClipping->plainDistance / 2) {
+            const Hypothesis& hypothesis = mClipping->hypothesis;
+            Finding& finding =
+                mFindings.Fault(id::kColorClipped, fmt::format("{} (residual {:.1f} codes)", hypothesis.message,
+                                                               mClipping->residual));
+            finding.expected = hypothesis.expected.front();
+            finding.found = hypothesis.found.front();
+            return;
         }
+        Tell(id::kColorClipped, ShowsClipping(mCoding, mPairs, mTolerance + mNoise));
     }
 
     /// Where codes are the clip's but the movie announces another coding, that is a part of the wrong tag.
@@ -208,7 +202,7 @@ private:
                 TellUndecided(best, off);
             }
         } else if (isListed && (!isFitted || mResiduals[best] <= fit.residual + 0.5)) {
-            TellWinner(best);
+            TellWinner(best, isFitted && fit.residual <= mResiduals[best] + 0.3 ? &fit : nullptr);
         } else if (isFitted) {
             TellLevels(fit);
         } else {
@@ -216,7 +210,8 @@ private:
         }
     }
 
-    void TellWinner(std::size_t best)
+    /// @param levels  where they explain the codes as well
+    void TellWinner(std::size_t best, const LevelFit* levels)
     {
         const Hypothesis& winner = mList[best];
         std::string rivals;
@@ -233,6 +228,10 @@ private:
             } else if (runnerUp == 0 || mResiduals[i] < mResiduals[runnerUp]) {
                 runnerUp = i;
             }
+        }
+        const int changes = levels == nullptr ? 0 : ChangesOf(*levels);
+        if (changes == 1) {
+            rivals += ", or " + LevelMessages(*levels).front();
         }
         for (std::size_t part = 0; part < winner.ids.size(); ++part) {
             std::string message =
@@ -266,6 +265,9 @@ private:
                 });
             Tell(check, isVisible);
         }
+        if (!mFindings.HasFault(id::kColorClipped)) {
+            mFindings.NotVisible(id::kColorClipped, "the colours without what else was done to them");
+        }
         for (const std::string_view check : kFitted) {
             mFindings.AsExpected(check); // the winner explains the levels
         }
@@ -278,6 +280,37 @@ private:
                std::abs(fit.offset) > limits.Of(id::kColorOffset) ||
                std::abs(fit.saturation - 1) > limits.Of(id::kColorSaturation) ||
                std::abs(fit.hueDegrees) > limits.Of(id::kColorHue);
+    }
+
+    /// R'G'B' × gain scales chroma alike.
+    [[nodiscard]] static double OwnSaturation(const LevelFit& fit) noexcept
+    {
+        return fit.chromaIsLikeLuma ? 1 : fit.saturation;
+    }
+
+    [[nodiscard]] static int ChangesOf(const LevelFit& fit) noexcept
+    {
+        return (fit.gain != 1 ? 1 : 0) + (fit.offset != 0 ? 1 : 0) + (OwnSaturation(fit) != 1 ? 1 : 0) +
+               (fit.hueDegrees != 0 ? 1 : 0);
+    }
+
+    /// What changed, one sentence each, in the order of `kFitted`.
+    [[nodiscard]] std::vector<std::string> LevelMessages(const LevelFit& fit) const
+    {
+        std::vector<std::string> messages;
+        if (fit.gain != 1) {
+            messages.push_back(fmt::format("levels are multiplied by {:.3f}", fit.gain));
+        }
+        if (fit.offset != 0) {
+            messages.push_back(fmt::format("{:+.1f} codes are added to the levels", fit.offset));
+        }
+        if (OwnSaturation(fit) != 1) {
+            messages.push_back(fmt::format("chroma is multiplied by {:.3f}", fit.saturation));
+        }
+        if (fit.hueDegrees != 0) {
+            messages.push_back(fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
+        }
+        return messages;
     }
 
     /// A change that the codes do without is none, whatever its uncertainty.
@@ -294,17 +327,27 @@ private:
 
     void TellLevels(const LevelFit& fit)
     {
-        // R'G'B' × gain scales chroma alike.
-        const double saturation = fit.saturation == fit.gain ? 1 : fit.saturation;
+        const double saturation = OwnSaturation(fit);
+        if (fit.hasChroma && std::abs(saturation) < kNoChroma) {
+            Finding& finding =
+                mFindings.Fault(id::kColorSubsampling,
+                                "no chroma is left, one of: it was not kept (4:0:0), or saturation is 0");
+            finding.expected = std::string("chroma");
+            finding.found = std::string("4:0:0");
+        }
+        std::string offsetMessage = fmt::format("{:+.1f} codes are added to the levels", fit.offset);
+        if (!fit.hasLuma) {
+            offsetMessage = fmt::format("one of: {}, or levels are multiplied", offsetMessage);
+        }
         TellLevel(id::kColorGain, fit.hasLuma, {1, fit.gain, fit.gainUncertainty},
                   fmt::format("levels are multiplied by {:.3f}", fit.gain));
-        TellLevel(id::kColorOffset, true, {0, fit.offset, fit.offsetUncertainty},
-                  fmt::format("{:+.1f} codes are added to the levels", fit.offset));
+        TellLevel(id::kColorOffset, true, {0, fit.offset, fit.offsetUncertainty}, offsetMessage);
         TellLevel(id::kColorSaturation, fit.hasChroma, {1, saturation, fit.saturationUncertainty},
                   fmt::format("chroma is multiplied by {:.3f}", saturation));
         TellLevel(id::kColorHue, fit.hasChroma, {0, fit.hueDegrees, fit.hueUncertainty},
                   fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
         TellListedFine();
+        mFindings.NotVisible(id::kColorClipped, "the colours without what else was done to them");
     }
 
     void TellUndecided(std::size_t best, double off)
@@ -321,31 +364,6 @@ private:
         finding.unit = "codes";
     }
 
-    void JudgeAlpha()
-    {
-        const double least = mGiven.sampler.LeastAlpha();
-        if (!mGiven.clip.frameKind.HasAlpha() || !mGiven.movie.format.hasAlpha || least > 0.98) {
-            mFindings.NotVisible(id::kColorAlpha);
-            return;
-        }
-        double off = 0;
-        bool isOpaque = true;
-        for (const ColorPair& pair : mPairs) {
-            off = std::max(off, std::abs(pair.foundAlpha - pair.alpha) * 255);
-            isOpaque = isOpaque && pair.foundAlpha > 0.996;
-        }
-        if (off <= mTolerance - mNoise) {
-            mFindings.AsExpected(id::kColorAlpha);
-            return;
-        }
-        Finding& finding =
-            mFindings.Fault(id::kColorAlpha, isOpaque ? "alpha is opaque everywhere"
-                                                      : fmt::format("alpha is off by {:.1f} codes", off));
-        finding.expected = 0.0;
-        finding.found = off;
-        finding.uncertainty = mNoise;
-    }
-
     const ColorCase& mGiven;
     Findings& mFindings;
     double mNoise;
@@ -353,6 +371,7 @@ private:
     Coding mCoding;
     std::vector<ColorPair> mPairs;
     std::vector<Hypothesis> mList;
+    std::optional<ClippingFit> mClipping;
     std::vector<double> mResiduals;
 };
 
@@ -368,6 +387,7 @@ void JudgeColor(const ColorCase& given, Findings& findings)
             findings.NotVisible(check);
         }
         findings.NotVisible(id::kColorAlpha);
+        findings.NotVisible(id::kColorClipped);
         return;
     }
     Judging(given, findings).Run();

@@ -12,6 +12,8 @@ struct ColorCase {
     const reference::ClipFacts& clip;
     const read::PictureFacts& movie;
     const ColorSampler& sampler;
+    double lostStep =
+        0; ///< of codes that lost bits, in 8-bit codes: what cutting them down moves is part of that
 };
 
 /// Puts findings of the `color.` checks that flat colours can tell: the winner of the closed list where it

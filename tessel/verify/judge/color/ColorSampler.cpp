@@ -1,6 +1,6 @@
 #include "ColorSampler.h"
 
-#include "Curves.h"
+#include "hypotheses/Curves.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +14,7 @@ constexpr int kRows = 18;
 constexpr int kPoints = 6;       // samples across a spot
 constexpr double kClearance = 4; // pixels around a spot that must be free of edges
 constexpr double kFlat = 0.12;   // most difference of R'G'B' inside a spot and its clearance
+constexpr double kRamp = 1.2; // likewise from the picture's top to its bottom: gradients may run through spots
 constexpr int kBothFields = -1;
 
 double SignalOf(double value, bool isLinear) noexcept
@@ -24,6 +25,30 @@ double SignalOf(double value, bool isLinear) noexcept
     return value < 0 ? -curves::SignalOf709(-value) : curves::SignalOf709(value);
 }
 
+/// A component's value at a place between samples, linear between the four around it. Places count from the
+/// centre of the first sample; edges repeat.
+double ValueAt(const read::ComponentView& view, double x, double y) noexcept
+{
+    const double left = std::floor(x);
+    const double top = std::floor(y);
+    const auto at = [&](double column, double row) {
+        return view.At(std::clamp(static_cast<int>(column), 0, view.width - 1),
+                       std::clamp(static_cast<int>(row), 0, view.height - 1));
+    };
+    const double right = x - left;
+    const double down = y - top;
+    return (at(left, top) * (1 - right) + at(left + 1, top) * right) * (1 - down) +
+           (at(left, top + 1) * (1 - right) + at(left + 1, top + 1) * right) * down;
+}
+
+/// Rows and columns of the movie are the clip's, at most moved by whole pixels.
+bool KeepsPixels(const align::Placement& placement) noexcept
+{
+    const auto isWhole = [](double value) { return std::abs(value - std::round(value)) < 0.05; };
+    return std::abs(placement.scaleX - 1) < 1e-6 && std::abs(placement.scaleY - 1) < 1e-6 &&
+           isWhole(placement.offsetX) && isWhole(placement.offsetY);
+}
+
 } // namespace
 
 /// The same frame of the clip and of the movie.
@@ -31,12 +56,39 @@ struct ColorSampler::Frames {
     const read::Picture& clip;
     const read::Picture& movie;
     const align::Placement& placement;
+    bool keepsPixels = true;
 
     [[nodiscard]] Triple RgbAt(int x, int y, bool isLinear) const noexcept
     {
         return {SignalOf(clip.components[0].At(x, y), isLinear),
                 SignalOf(clip.components[1].At(x, y), isLinear),
                 SignalOf(clip.components[2].At(x, y), isLinear)};
+    }
+
+    /// The code of a component at a place of the movie's picture.
+    /// @param parity  of the field whose rows count, or `kBothFields`
+    [[nodiscard]] double CodeAt(std::size_t part, const align::Point& at, int parity) const noexcept
+    {
+        const read::SampleFormat& format = movie.format;
+        const bool isChroma = part > 0 && !format.isRgb;
+        const read::ComponentView& view = movie.components[part];
+        if (!view) {
+            // Grey pictures have no chroma.
+            return isChroma ? std::exp2(format.bits - 1) : movie.components[0].At(0, 0);
+        }
+        const int shiftX = isChroma ? format.chromaShiftX : 0;
+        const int shiftY = isChroma ? format.chromaShiftY : 0;
+        if (!keepsPixels) {
+            // Chroma lies on even columns and between rows.
+            const double y = shiftY == 0 ? at.y - 0.5 : at.y / (1 << shiftY) - 0.5;
+            return ValueAt(view, (at.x - 0.5) / (1 << shiftX), y);
+        }
+        const int row = static_cast<int>(at.y);
+        // Rows of a field share chroma with rows of the same field.
+        const int chromaRow =
+            parity == kBothFields || shiftY == 0 ? row >> shiftY : (row >> (shiftY + 1)) * 2 + parity;
+        return view.At(std::min(static_cast<int>(at.x) >> shiftX, view.width - 1),
+                       std::min(chromaRow, view.height - 1));
     }
 };
 
@@ -49,26 +101,32 @@ ColorSampler::ColorSampler(const exporting::SignalSource& clip, const reference:
         for (int column = 0; column < kColumns; ++column) {
             const double width = static_cast<double>(facts.width) / kColumns;
             const double height = static_cast<double>(facts.height) / kRows;
-            mBoxes.push_back(
-                {(column + 0.2) * width, (row + 0.2) * height, (column + 0.8) * width, (row + 0.8) * height});
+            mPlaces.push_back(
+                {{(column + 0.2) * width, (row + 0.2) * height, (column + 0.8) * width, (row + 0.8) * height},
+                 false});
         }
     }
     if (numbers.HasRoom()) {
-        mBoxes.push_back(numbers.BlackSpot());
-        mBoxes.push_back(numbers.InkSpot());
+        mPlaces.push_back({numbers.BlackSpot(), true});
+        mPlaces.push_back({numbers.InkSpot(), true});
     }
 }
 
-void ColorSampler::TakeSpot(const Frames& frames, const align::Box& box, int parity)
+void ColorSampler::TakeSpot(const Frames& frames, const Place& place, int parity)
 {
+    if (place.isInNumber && !frames.keepsPixels) {
+        return; // filters reach across its strokes
+    }
+    const align::Box& box = place.box;
     const bool isLinear = mFacts.frameKind.linear;
     const auto inRow = [&](double y) {
         const int row = std::clamp(static_cast<int>(y), 0, mFacts.height - 1);
         return parity == kBothFields ? row : std::min((row & ~1) | parity, mFacts.height - 1);
     };
-    // No edges nearby. The number's own spots are narrow and lie between edges without colour.
-    const bool isNarrow = box.right - box.left < 2 * kClearance;
-    const double clearance = isNarrow ? 0 : kClearance;
+    // No edges nearby, as far as filters of a smaller picture reach. The number's own spots lie between edges
+    // without colour.
+    const double scale = std::min(frames.placement.scaleX, frames.placement.scaleY);
+    const double clearance = place.isInNumber ? 0 : kClearance / std::clamp(scale, 0.25, 1.0);
     Triple least{1e9, 1e9, 1e9};
     Triple most{-1e9, -1e9, -1e9};
     for (int i = 0; i <= kPoints; ++i) {
@@ -83,15 +141,18 @@ void ColorSampler::TakeSpot(const Frames& frames, const align::Box& box, int par
             }
         }
     }
+    const double rows = box.bottom - box.top + 2 * clearance;
+    Spot spot;
     for (std::size_t part = 0; part < 3; ++part) {
-        if (most[part] - least[part] > kFlat) {
+        const double range = most[part] - least[part];
+        if (range > std::max(kFlat, kRamp * rows / mFacts.height)) {
             return;
         }
+        spot.slope = std::max(spot.slope, range / rows);
     }
-    Spot spot;
     spot.format = frames.movie.format;
     spot.pair.alpha = 0;
-    spot.pair.foundAlpha = 0;
+    spot.pair.foundAlpha = frames.movie.components[3] ? 0 : 1;
     for (int i = 0; i < kPoints; ++i) {
         for (int j = 0; j < kPoints; ++j) {
             const int x = static_cast<int>(box.left + (box.right - box.left) * (i + 0.5) / kPoints);
@@ -102,22 +163,14 @@ void ColorSampler::TakeSpot(const Frames& frames, const align::Box& box, int par
             }
             constexpr double kShare = 1.0 / (kPoints * kPoints);
             const Triple rgb = frames.RgbAt(x, y, isLinear);
+            const int otherRow = parity == kBothFields ? y : std::min(y ^ 1, mFacts.height - 1);
+            const Triple otherRgb = frames.RgbAt(x, otherRow, isLinear);
             const read::ComponentView& alpha = frames.clip.components[3];
             spot.pair.alpha += (alpha ? alpha.At(x, y) : 1) * kShare;
             for (std::size_t part = 0; part < 3; ++part) {
                 spot.pair.rgb[part] += rgb[part] * kShare;
-                const bool isChroma = part > 0 && !frames.movie.format.isRgb;
-                const int shiftX = isChroma ? frames.movie.format.chromaShiftX : 0;
-                const int shiftY = isChroma ? frames.movie.format.chromaShiftY : 0;
-                const int row = static_cast<int>(at.y);
-                // Rows of a field share chroma with rows of the same field.
-                const int chromaRow =
-                    parity == kBothFields || shiftY == 0 ? row >> shiftY : (row >> (shiftY + 1)) * 2 + parity;
-                const read::ComponentView& found = frames.movie.components[part];
-                const read::ComponentView& view = found ? found : frames.movie.components[0];
-                spot.pair.found[part] += view.At(std::min(static_cast<int>(at.x) >> shiftX, view.width - 1),
-                                                 std::min(chromaRow, view.height - 1)) *
-                                         kShare;
+                spot.pair.otherField[part] += otherRgb[part] * kShare;
+                spot.pair.found[part] += frames.CodeAt(part, at, parity) * kShare;
             }
             if (const read::ComponentView& found = frames.movie.components[3]) {
                 const double full =
@@ -134,16 +187,17 @@ void ColorSampler::TakeSpot(const Frames& frames, const align::Box& box, int par
 void ColorSampler::Take(const read::Picture& picture, std::int64_t frame, const align::Placement& placement)
 {
     const read::Picture clip = mPictures.Render(frame);
-    const Frames frames{clip, picture, placement};
+    const Frames frames{clip, picture, placement, KeepsPixels(placement)};
+    mIsResampled = mIsResampled || !frames.keepsPixels;
     const bool keepsRows = placement.orientation == align::Orientation::Upright &&
                            std::abs(placement.scaleY - 1) < 1e-6 && std::abs(placement.offsetY) < 0.25;
     const bool byField = mFacts.fields != read::FieldOrder::Progressive && keepsRows;
-    for (const align::Box& box : mBoxes) {
+    for (const Place& place : mPlaces) {
         if (byField) {
-            TakeSpot(frames, box, 0);
-            TakeSpot(frames, box, 1);
+            TakeSpot(frames, place, 0);
+            TakeSpot(frames, place, 1);
         } else {
-            TakeSpot(frames, box, kBothFields);
+            TakeSpot(frames, place, kBothFields);
         }
     }
 }

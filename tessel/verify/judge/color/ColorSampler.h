@@ -1,7 +1,7 @@
 /// Pairs of colours, from the clip's pictures and the movie's.
 #pragma once
 
-#include "ColorModel.h"
+#include "hypotheses/Hypothesis.h"
 
 #include <tessel/verify/align/Alignment.h>
 #include <tessel/verify/reference/ClipPictures.h>
@@ -12,7 +12,8 @@
 namespace tessel::verify::judge {
 
 /// Takes the means of spots where the clip's picture has no edges nearby, so that neither blur nor subsampled
-/// chroma matters. Field by field where the clip is interlaced. Threads: one object, one thread at a time.
+/// chroma nor resampling matters. Field by field where the clip is interlaced. Threads: one object, one thread
+/// at a time.
 class ColorSampler {
 public:
     /// @param numbers  where the clip prints numbers, whose black and white are spots of their own
@@ -29,22 +30,32 @@ public:
     struct Spot {
         ColorPair pair;
         read::SampleFormat format;
+        double slope = 0; ///< how much R'G'B' changes from one pixel to the next
     };
     [[nodiscard]] const std::vector<Spot>& Spots() const noexcept { return mSpots; }
+
+    /// Whether pictures were scaled or moved by parts of a pixel, so that a spot's place is known less well.
+    [[nodiscard]] bool IsResampled() const noexcept { return mIsResampled; }
 
     /// The least alpha of all spots.
     [[nodiscard]] double LeastAlpha() const noexcept { return mLeastAlpha; }
 
 private:
+    /// Where spots are: on a grid over the picture, and in the number, whose strokes are narrow.
+    struct Place {
+        align::Box box;
+        bool isInNumber = false;
+    };
     struct Frames;
-    void TakeSpot(const Frames& frames, const align::Box& box, int parity);
+    void TakeSpot(const Frames& frames, const Place& place, int parity);
 
     reference::ClipFacts mFacts;
     reference::ClipPictures mPictures;
     std::int64_t mStride = 1;
-    std::vector<align::Box> mBoxes;
+    std::vector<Place> mPlaces;
     std::vector<Spot> mSpots;
     double mLeastAlpha = 1;
+    bool mIsResampled = false;
 };
 
 } // namespace tessel::verify::judge

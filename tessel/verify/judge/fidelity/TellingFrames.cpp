@@ -1,7 +1,7 @@
 #include "TellingFrames.h"
 
-#include <tessel/verify/judge/color/ColorModel.h>
-#include <tessel/verify/judge/color/Curves.h>
+#include <tessel/verify/judge/color/hypotheses/Coding.h>
+#include <tessel/verify/judge/color/hypotheses/Curves.h>
 
 #include <algorithm>
 #include <cmath>
