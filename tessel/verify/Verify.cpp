@@ -2,6 +2,7 @@
 
 #include <tessel/verify/align/Aligner.h>
 #include <tessel/verify/judge/color/ColorJudge.h>
+#include <tessel/verify/judge/color/detail/DetailJudge.h>
 #include <tessel/verify/judge/container/ContainerJudge.h>
 #include <tessel/verify/judge/fidelity/FidelityJudge.h>
 #include <tessel/verify/judge/fidelity/TellingFrames.h>
@@ -42,17 +43,18 @@ public:
     /// @param movie  facts, which may be completed while pictures are taken
     Inspection(const exporting::SignalSource& clip, const read::MovieFacts& movie, const VerifyJob& job)
         : mJob(job), mMovie(movie), mClip(reference::FactsOf(clip)),
-          mPrintsNumbers(align::PrintsNumbers(clip, mClip)), mAligner(mClip, mPrintsNumbers),
+          mPrintsNumbers(align::PrintsNumbers(clip, mClip)), mAligner(clip, mClip, mPrintsNumbers),
           mColors(clip, mClip, mAligner.Numbers()), mGuessed(clip, mClip, mAligner.Numbers()),
-          mGeometry(mAligner.Numbers()), mFields(clip, mClip, mPrintsNumbers ? &mAligner.Numbers() : nullptr),
-          mTelling(clip, mClip), mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
+          mDetail(clip, mClip), mGeometry(mAligner.Numbers()),
+          mFields(clip, mClip, mPrintsNumbers ? &mAligner.Numbers() : nullptr), mTelling(clip, mClip),
+          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
     {
     }
 
     void Take(const read::Picture& picture)
     {
         ++mPictureCount;
-        const align::PictureRecord& record = mAligner.Take(picture);
+        const align::PictureRecord& record = mAligner.Take(picture, mMovie.picture);
         if (mClip.hasPicture && record.frame >= 0) {
             TakeAligned(picture, record.frame);
         } else if (mClip.hasPicture && !mHasMatch && picture.index < mClip.frameCount &&
@@ -132,6 +134,9 @@ private:
                 mTelling.Take(picture, frame, *mMovie.picture);
             }
         }
+        if (mDetail.Wants(frame)) {
+            mDetail.Take(picture, frame, placement, *mMovie.picture);
+        }
         if (mPrintsNumbers && mGeometry.WantsMore()) {
             mGeometry.Take(picture, frame, placement);
         }
@@ -156,13 +161,18 @@ private:
 
     void JudgeAll(const align::Alignment& alignment, Findings& findings, Report& report)
     {
-        judge::JudgeContainer({mClip, mMovie, alignment, mSoundSamples, mJob.isStrict}, findings);
+        judge::DetailResult detail;
+        if (mMovie.picture && mClip.hasPicture) {
+            detail = judge::JudgeDetail(mDetail, *mMovie.picture, findings);
+        }
+        judge::JudgeContainer({mClip, mMovie, alignment, mSoundSamples, mJob.isStrict, detail.chroma},
+                              findings);
         judge::JudgeOrder(alignment, findings, report.alignment);
         if (mMovie.picture && mClip.hasPicture) {
             findings.AsExpected(id::kSignalOther);
             judge::JudgeGeometry(mGeometry, mAligner.Numbers(), *mMovie.picture, findings);
             judge::JudgeFields({mFields, mClip, *mMovie.picture, alignment}, findings);
-            judge::JudgeColor({mClip, *mMovie.picture, mColors}, findings);
+            judge::JudgeColor({mClip, *mMovie.picture, mColors, detail.lostStep, detail.chromaOff}, findings);
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
         }
     }
@@ -175,6 +185,7 @@ private:
     align::Aligner mAligner;
     judge::ColorSampler mColors;
     judge::ColorSampler mGuessed; ///< by place in the movie, for pictures whose number was not read
+    judge::DetailSampler mDetail;
     judge::GeometrySampler mGeometry;
     judge::FieldSampler mFields;
     judge::TellingFrames mTelling;

@@ -19,6 +19,32 @@ constexpr double kLikenessDrop = 0.02;
 /// The same of the numbers on each field's rows, which have half the samples.
 constexpr double kFieldsPlainlyThere = 0.85;
 
+/// Colours that are nearer than this to the clip's, in 8-bit codes, are the clip's.
+constexpr double kSameColors = 2.5;
+constexpr double kSure = 0.9;
+/// How near readings usually are to whole frames where they can be trusted.
+constexpr double kNearFrames = 0.12;
+constexpr double kNearlyAll = 0.9; // of the pictures
+
+std::int64_t FrameOf(const ColorReading& reading, std::int64_t frameCount) noexcept
+{
+    return std::clamp<std::int64_t>(std::llround(reading.frame), 0, frameCount - 1);
+}
+
+/// What nine tenths of the readings keep of a measure; with a half, its median.
+template <class Measure>
+double Usual(const std::vector<ColorReading>& readings, const Measure& measure, double share = 0.5)
+{
+    std::vector<double> values;
+    values.reserve(readings.size());
+    for (const ColorReading& reading : readings) {
+        values.push_back(measure(reading));
+    }
+    const auto place = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size()));
+    std::nth_element(values.begin(), values.begin() + place, values.end());
+    return values[static_cast<std::size_t>(place)];
+}
+
 /// Zeros and eights look the same mirrored and turned by half.
 bool TellsOrientation(std::int64_t number) noexcept
 {
@@ -40,8 +66,8 @@ Placement Plain(const reference::ClipFacts& clip)
 
 } // namespace
 
-Aligner::Aligner(const reference::ClipFacts& clip, bool printsNumbers)
-    : mClip(clip), mPrintsNumbers(printsNumbers), mNumbers(clip.width, clip.height)
+Aligner::Aligner(const exporting::SignalSource& source, const reference::ClipFacts& clip, bool printsNumbers)
+    : mSource(source), mClip(clip), mPrintsNumbers(printsNumbers), mNumbers(clip.width, clip.height)
 {
     mAlignment.frameCount = clip.frameCount;
     mAlignment.method = printsNumbers ? AlignmentMethod::Number : AlignmentMethod::Time;
@@ -157,8 +183,100 @@ void Aligner::Settle(const Placement& placement)
     }
 }
 
+void Aligner::ReadTime(const read::Picture& picture, PictureRecord& record) const
+{
+    if (!picture.seconds) {
+        if (picture.index < mClip.frameCount) {
+            record.frame = picture.index;
+            record.confidence = 0.25F;
+        }
+        return;
+    }
+    const double frame = std::floor((*picture.seconds - *mFirstSeconds) * mClip.rate.Value() + 0.5);
+    if (frame >= 0 && frame < static_cast<double>(mClip.frameCount)) {
+        record.frame = static_cast<std::int64_t>(frame);
+        record.confidence = 0.5F;
+    }
+}
+
+bool Aligner::ReadColors(const read::Picture& picture, const read::PictureFacts& movie, PictureRecord& record)
+{
+    if (!mIsTimelineAsked) {
+        mIsTimelineAsked = true;
+        auto timeline = std::make_unique<ColorTimeline>(mSource, mClip, movie);
+        if (timeline->Tells()) {
+            mTimeline = std::move(timeline);
+        }
+    }
+    if (!mTimeline) {
+        return false;
+    }
+    mSignatures.push_back(ColorTimeline::SignatureOf(picture));
+    const std::optional<ColorReading> reading = mTimeline->Read(mSignatures.back());
+    if (!reading || reading->distance > kSameColors || ConfidenceOf(*reading) < kSure) {
+        // Until all pictures are known, colours that were changed are compared by time. Where most are as they
+        // should be, this picture is none of the clip's.
+        return 2 * mColorsRead > static_cast<std::int64_t>(mSignatures.size());
+    }
+    ++mColorsRead;
+    record.frame = FrameOf(*reading, mClip.frameCount);
+    record.confidence = static_cast<float>(ConfidenceOf(*reading));
+    return true;
+}
+
+void Aligner::SettleColors()
+{
+    const auto readAll = [&](const ColorTimeline& timeline) {
+        std::vector<ColorReading> readings;
+        readings.reserve(mSignatures.size());
+        for (const ColorSignature& signature : mSignatures) {
+            readings.push_back(timeline.Read(signature).value_or(ColorReading{0, 1e9, 1e9}));
+        }
+        return readings;
+    };
+    const auto distance = [](const ColorReading& reading) { return reading.distance; };
+    std::vector<ColorReading> readings = readAll(*mTimeline);
+    const bool areChanged = Usual(readings, distance) > kSameColors;
+    if (areChanged) {
+        // All colours are changed. Forwards or backwards: what fits better.
+        std::vector<double> forwards;
+        std::vector<double> backwards;
+        const auto last = static_cast<double>(mClip.frameCount - 1);
+        for (std::size_t i = 0; i < mSignatures.size(); ++i) {
+            forwards.push_back(std::min(static_cast<double>(i), last));
+            backwards.push_back(last - forwards.back());
+        }
+        readings = readAll(mTimeline->Changed(mSignatures, forwards));
+        std::vector<ColorReading> other = readAll(mTimeline->Changed(mSignatures, backwards));
+        if (Usual(other, distance) < 0.7 * Usual(readings, distance)) {
+            readings = std::move(other);
+        }
+    }
+    const double usual = Usual(readings, distance);
+    const auto offFrame = [](const ColorReading& reading) {
+        return std::abs(reading.frame - std::round(reading.frame));
+    };
+    // Readings between frames come from noise, or from colours that were changed in some other way. Then time
+    // is left to go by.
+    const bool isNear = Usual(readings, offFrame) <= kNearFrames &&
+                        (!areChanged || Usual(readings, distance, kNearlyAll) <= kSameColors);
+    if (usual > kSameColors || !isNear) {
+        return;
+    }
+    mAlignment.method = AlignmentMethod::Color;
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        PictureRecord& record = mAlignment.pictures[i];
+        const bool isClips = readings[i].distance <= 3 * usual + kSameColors;
+        record.confidence = isClips ? static_cast<float>(ConfidenceOf(readings[i])) : 0;
+        record.frame = isClips ? FrameOf(readings[i], mClip.frameCount) : -1;
+    }
+}
+
 Alignment Aligner::Result()
 {
+    if (mTimeline && !mSignatures.empty()) {
+        SettleColors();
+    }
     if (!mAlignment.placement && mProvisional) {
         Settle(*mProvisional);
     }
@@ -171,7 +289,7 @@ Placement Aligner::PlacementFor(const read::Picture& picture) const
         Placement::Stretched(mClip.width, mClip.height, Orientation::Upright, picture.width, picture.height));
 }
 
-const PictureRecord& Aligner::Take(const read::Picture& picture)
+const PictureRecord& Aligner::Take(const read::Picture& picture, const std::optional<read::PictureFacts>& movie)
 {
     PictureRecord record;
     record.seconds = picture.seconds;
@@ -193,15 +311,8 @@ const PictureRecord& Aligner::Take(const read::Picture& picture)
         if (mAlignment.placement) {
             ReadInto(picture, record);
         }
-    } else if (picture.seconds) {
-        const double frame = std::floor((*picture.seconds - *mFirstSeconds) * mClip.rate.Value() + 0.5);
-        if (frame >= 0 && frame < static_cast<double>(mClip.frameCount)) {
-            record.frame = static_cast<std::int64_t>(frame);
-            record.confidence = 0.5F;
-        }
-    } else if (picture.index < mClip.frameCount) {
-        record.frame = picture.index;
-        record.confidence = 0.25F;
+    } else if (!movie || !ReadColors(picture, *movie, record)) {
+        ReadTime(picture, record);
     }
     mAlignment.pictures.push_back(record);
     return mAlignment.pictures.back();

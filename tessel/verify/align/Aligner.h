@@ -2,20 +2,25 @@
 #pragma once
 
 #include "Alignment.h"
+#include "ColorTimeline.h"
 
 #include <tessel/verify/reference/ClipPictures.h>
 
+#include <memory>
+
 namespace tessel::verify::align {
 
-/// By the printed number where the clip prints one; else by presentation time, which says nothing about the
-/// order. Threads: one object, one thread at a time.
+/// By the printed number where the clip prints one; else by colours that move from frame to frame; else by
+/// presentation time, which says nothing about the order. Threads: one object, one thread at a time.
 class Aligner {
 public:
+    /// @param source         borrowed
     /// @param printsNumbers  whether the clip's own pictures have numbers that can be read
-    Aligner(const reference::ClipFacts& clip, bool printsNumbers);
+    Aligner(const exporting::SignalSource& source, const reference::ClipFacts& clip, bool printsNumbers);
 
+    /// @param movie  facts of the movie's pictures, complete by the first one
     /// @return what is known of the picture now; also kept for `Result`.
-    const PictureRecord& Take(const read::Picture& picture);
+    const PictureRecord& Take(const read::Picture& picture, const std::optional<read::PictureFacts>& movie);
 
     /// Where frames lie in the pictures: as numbers told, else stretched over the whole picture.
     [[nodiscard]] Placement PlacementFor(const read::Picture& picture) const;
@@ -44,6 +49,10 @@ private:
     /// Nothing where either cannot be read.
     [[nodiscard]] std::optional<FieldReadings> ReadFields(const read::ComponentView& luma,
                                                           const Placement& placement) const;
+    void ReadTime(const read::Picture& picture, PictureRecord& record) const;
+    /// @return false where time is left to go by
+    bool ReadColors(const read::Picture& picture, const read::PictureFacts& movie, PictureRecord& record);
+    void SettleColors();
 
     /// A picture that waits for a number that tells left from right.
     struct Waiting {
@@ -51,6 +60,7 @@ private:
         read::Picture picture;
     };
 
+    const exporting::SignalSource& mSource;
     reference::ClipFacts mClip;
     bool mPrintsNumbers;
     NumberReader mNumbers;
@@ -62,6 +72,10 @@ private:
     double mUsualLikeness = 0; ///< of numbers in this movie
     bool mHasWovenPictures = false;
     std::optional<double> mFirstSeconds;
+    std::unique_ptr<ColorTimeline> mTimeline; ///< null: not asked yet, or colours do not tell frames
+    bool mIsTimelineAsked = false;
+    std::vector<ColorSignature> mSignatures; ///< of each picture
+    std::int64_t mColorsRead = 0;            ///< pictures whose colours told their frame at once
 };
 
 /// Whether numbers can be read in the clip's own pictures: its first and last one tell.

@@ -12,7 +12,7 @@
 
 namespace tessel::verify::align {
 
-/// What is remembered of a picture: a few bytes, however long the movie is.
+/// What is remembered of a picture: a few bytes.
 struct PictureRecord {
     std::optional<double> seconds; ///< presentation time
     std::int64_t frame = -1;       ///< of the clip; -1: not known. The earlier one where fields are of two

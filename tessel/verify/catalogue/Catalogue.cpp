@@ -222,8 +222,8 @@ constexpr std::array kChecks{
     CheckInfo{id::kColorDepth,
               Minor,
               "Codes are as fine as the movie's samples allow.",
-              "a gradient in 10 bits or more",
-              "a gradient in a 10-bit or float format",
+              "a gradient or a chart of many levels",
+              "a gradient or a swatch chart",
               "bits",
               {}},
     CheckInfo{id::kColorSubsampling,
@@ -330,6 +330,8 @@ constexpr std::array kOfRange{id::kColorClipped,    id::kColorGain,  id::kColorO
 constexpr std::array kOfGain{id::kColorClipped, id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfSubsampling{id::kColorSiting, id::kColorSaturation, TESSEL_LIKENESS};
 constexpr std::array kOfRate{id::kContainerDuration, id::kAudioPitch, id::kSyncDrift};
+constexpr std::array kOfConstantRate{id::kContainerRate, id::kContainerDuration, id::kSyncOffset,
+                                     id::kSyncDrift};
 constexpr std::array kOfMissing{id::kContainerDuration, id::kSyncOffset, id::kSyncDrift,
                                 id::kContainerConstantRate};
 constexpr std::array kOfCadence{id::kContainerRate,   id::kContainerDuration, id::kContainerConstantRate,
@@ -371,6 +373,7 @@ constexpr std::array kCauses{
     Causes{id::kContainerMatrix, kOfMatrixTag},
     Causes{id::kContainerRange, kOfRangeTag},
     Causes{id::kContainerDepth, kOfDepthTag},
+    Causes{id::kContainerConstantRate, kOfConstantRate},
     Causes{id::kContainerChannels, kOfChannels},
     Causes{id::kOrderMissing, kOfMissing},
     Causes{id::kOrderRepeated, kOfMissing},

@@ -1,6 +1,7 @@
 #include "ClipPictures.h"
 
 #include <tessel/export/convert/SourceFrame.h>
+#include <tessel/export/plan/VideoPlan.h>
 
 #include <numeric>
 
@@ -78,6 +79,9 @@ ClipFacts FactsOf(const exporting::SignalSource& clip)
     if (facts.hasPicture) {
         const exporting::FrameView frame = clip.RenderFrame(0);
         facts.frameKind = exporting::KindOf(frame.format);
+        document::ClipFacts asked = clip.Description();
+        asked.frameFormat = frame.format;
+        facts.fileKind = exporting::KindToKeep(asked);
         const exporting::SourceInfo source = exporting::SourceInfoOf(frame.format);
         facts.bits = source.type == exporting::SampleType::F32 ? 16 : source.bits;
     }

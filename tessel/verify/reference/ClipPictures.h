@@ -26,6 +26,7 @@ struct ClipFacts {
     int sampleRate = 0;
     int channels = 0;
     exporting::PixelKind frameKind; ///< of the frames as they are painted
+    exporting::PixelKind fileKind;  ///< of files that keep the clip's format: planar and DV clips have another
     int bits = 8;                   ///< of their samples; floats count as 16
     bool hasPicture = false;
 

@@ -51,8 +51,8 @@ std::optional<exporting::PictureLayout> LayoutFor(const read::SampleFormat& form
 
 exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts& movie)
 {
-    if (clip.frameKind.family == exporting::ColorFamily::YCbCr) {
-        return {clip.frameKind.matrix, false};
+    if (clip.fileKind.family == exporting::ColorFamily::YCbCr) {
+        return {clip.fileKind.matrix, false};
     }
     const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
     const bool isClips = clip.matrix != 2 && clip.matrix != 0;

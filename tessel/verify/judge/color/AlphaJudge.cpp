@@ -29,7 +29,7 @@ std::string MessageOf(const std::vector<ColorPair>& pairs, double off)
 
 } // namespace
 
-bool JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& findings)
+void JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& findings)
 {
     double off = 0;
     double least = 1;
@@ -44,7 +44,7 @@ bool JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& fin
         } else {
             findings.NotVisible(id::kColorAlpha);
         }
-        return true;
+        return;
     }
     const std::string message = MessageOf(pairs, off);
     Finding& finding =
@@ -54,7 +54,6 @@ bool JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& fin
     finding.expected = 0.0;
     finding.found = off;
     finding.uncertainty = noise;
-    return false;
 }
 
 } // namespace tessel::verify::judge

@@ -12,7 +12,6 @@ namespace tessel::verify::judge {
 /// Puts a finding of `color.alpha` about alpha itself; colours that were multiplied by it are the list's.
 /// @param pairs      spots of a clip and a movie that both have alpha
 /// @param noise      how far codes are off where nothing is wrong
-/// @return whether alpha is as expected
-bool JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& findings);
+void JudgeAlpha(const std::vector<ColorPair>& pairs, double noise, Findings& findings);
 
 } // namespace tessel::verify::judge

@@ -31,17 +31,18 @@ double NoiseOf(CodecClass codec) noexcept
 constexpr double kPlaceUncertainty = 0.35;
 
 /// What becomes of spots where colours change from row to row, in codes.
-double PlaceNoise(const ColorSampler& sampler)
+double PlaceNoise(const ColorCase& given)
 {
-    if (!sampler.IsResampled() || sampler.Spots().empty()) {
+    const ColorSampler& sampler = given.sampler;
+    const double pixels = given.chromaOff + (sampler.IsResampled() ? kPlaceUncertainty : 0);
+    if (pixels == 0 || sampler.Spots().empty()) {
         return 0;
     }
     double squares = 0;
     for (const ColorSampler::Spot& spot : sampler.Spots()) {
-        const double off = spot.slope * 255 * kPlaceUncertainty;
-        squares += off * off;
+        squares += spot.slope * spot.slope;
     }
-    return std::sqrt(squares / static_cast<double>(sampler.Spots().size()));
+    return 255 * pixels * std::sqrt(squares / static_cast<double>(sampler.Spots().size()));
 }
 
 /// Chroma multiplied by less than this is none.
@@ -51,19 +52,18 @@ constexpr double kNoChroma = 0.02;
 class Judging {
 public:
     Judging(const ColorCase& given, Findings& findings)
-        : mGiven(given), mFindings(findings),
-          mNoise(NoiseOf(findings.Limits().picture) + PlaceNoise(given.sampler)),
-          mTolerance(findings.Limits().Of(id::kColorMatrix) + given.lostStep / 2 + PlaceNoise(given.sampler))
+        : mGiven(given), mFindings(findings), mNoise(NoiseOf(findings.Limits().picture) + PlaceNoise(given)),
+          mTolerance(findings.Limits().Of(id::kColorMatrix) + given.lostStep / 2 + 2 * PlaceNoise(given))
     {
     }
 
     void Run()
     {
         ChooseCoding();
-        if (!mGiven.clip.frameKind.HasAlpha() || !mGiven.movie.format.hasAlpha) {
+        if (!mGiven.clip.fileKind.HasAlpha() || !mGiven.movie.format.hasAlpha) {
             mFindings.NotVisible(id::kColorAlpha);
         } else {
-            JudgeAlpha(mPairs, mNoise, mFindings);
+            JudgeAlpha(mPairs, NoiseOf(mFindings.Limits().picture), mFindings);
         }
         const double off = mResiduals.front();
         if (off <= mTolerance - mNoise) {

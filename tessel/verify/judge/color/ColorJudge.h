@@ -14,6 +14,7 @@ struct ColorCase {
     const ColorSampler& sampler;
     double lostStep =
         0; ///< of codes that lost bits, in 8-bit codes: what cutting them down moves is part of that
+    double chromaOff = 0; ///< pixels by which chroma is not where its colour belongs
 };
 
 /// Puts findings of the `color.` checks that flat colours can tell: the winner of the closed list where it

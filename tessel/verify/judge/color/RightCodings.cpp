@@ -12,9 +12,9 @@ std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::P
     if (movie.format.isRgb) {
         return {{true, 0, movie.fullRange.value_or(true), movie.format.isFloat}};
     }
-    const bool isYCbCrClip = clip.frameKind.family == exporting::ColorFamily::YCbCr;
+    const bool isYCbCrClip = clip.fileKind.family == exporting::ColorFamily::YCbCr;
     const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
-    const int ofClip = isYCbCrClip                            ? static_cast<int>(clip.frameKind.matrix)
+    const int ofClip = isYCbCrClip                            ? static_cast<int>(clip.fileKind.matrix)
                        : clip.matrix != 0 && clip.matrix != 2 ? clip.matrix
                        : isSaid                               ? movie.matrix
                                                               : 1;

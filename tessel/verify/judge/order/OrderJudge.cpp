@@ -51,7 +51,8 @@ std::string Named(std::string_view noun, std::int64_t count, const std::vector<S
     return fmt::format("{}{} {}", noun, count == 1 ? "" : "s", TextOf(spans));
 }
 
-std::string MessageOf(std::string_view kind, const Steps& steps, const EditScript& script)
+std::string MessageOf(std::string_view kind, const Steps& steps, const EditScript& script,
+                      AlignmentMethod method)
 {
     const auto frames = [&] { return Named("frame", steps.frames, steps.frameSpans); };
     const auto pictures = [&] { return Named("picture", steps.pictures, steps.pictureSpans); };
@@ -85,7 +86,10 @@ std::string MessageOf(std::string_view kind, const Steps& steps, const EditScrip
     if (kind == id::kOrderTail) {
         return fmt::format("{} {} missing at the end", frames(), Is(steps.frames));
     }
-    return fmt::format("{} {} no readable number", pictures(), steps.pictures == 1 ? "shows" : "show");
+    const bool isOne = steps.pictures == 1;
+    return method == AlignmentMethod::Color
+               ? fmt::format("{} {} colours of no frame", pictures(), isOne ? "has" : "have")
+               : fmt::format("{} {} no readable number", pictures(), isOne ? "shows" : "show");
 }
 
 /// What the unit of the check counts.
@@ -128,7 +132,7 @@ void JudgeOrder(const align::Alignment& alignment, Findings& findings, Alignment
             findings.AsExpected(kind);
             continue;
         }
-        Finding& finding = findings.Fault(kind, MessageOf(kind, steps, script));
+        Finding& finding = findings.Fault(kind, MessageOf(kind, steps, script, alignment.method));
         const bool isCadence = kind == id::kOrderCadence;
         finding.expected = isCadence ? Quantity(1.0) : Quantity(0.0);
         finding.found = isCadence ? Quantity(script.cadenceRatio) : Quantity(CountOf(kind, steps));

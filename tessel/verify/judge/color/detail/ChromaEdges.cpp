@@ -68,7 +68,8 @@ bool IsEdge(const Lines& lines, int place, double step) noexcept
     const int left = place - kReach;
     const int right = place + kReach;
     for (int i = 1; i <= kReach - kTransition; ++i) {
-        if (lines.OffFrom(left + i - 1, left) > kFlat * step || lines.OffFrom(right - i + 1, right) > kFlat * step) {
+        if (lines.OffFrom(left + i - 1, left) > kFlat * step ||
+            lines.OffFrom(right - i + 1, right) > kFlat * step) {
             return false;
         }
     }
@@ -165,6 +166,34 @@ ChromaPicture ChromaOf(const read::Picture& picture)
         }
     }
     return chroma;
+}
+
+void TakeRowSteps(const ChromaPicture& was, const ChromaPicture& is, RowSteps& steps)
+{
+    constexpr double kLeast = 0.1; // codes: what rounding leaves of a slow change
+    constexpr double kMost = 12;   // more is an edge
+    constexpr int kColumns = 16;
+    if (was.chromaWidth == 0 || was.chromaWidth != is.chromaWidth || was.chromaHeight != is.chromaHeight) {
+        return;
+    }
+    for (int row = 0; row + 1 < was.chromaHeight; ++row) {
+        for (int column = 0; column < kColumns; ++column) {
+            const std::size_t x = static_cast<std::size_t>(column * was.chromaWidth / kColumns);
+            const std::size_t here =
+                static_cast<std::size_t>(row) * static_cast<std::size_t>(was.chromaWidth) + x;
+            const std::size_t below = here + static_cast<std::size_t>(was.chromaWidth);
+            const double blue = was.blue[below] - was.blue[here];
+            const double red = was.red[below] - was.red[here];
+            const double step = std::hypot(blue, red);
+            if (step < kLeast || step > kMost) {
+                continue;
+            }
+            const double along =
+                ((is.blue[below] - is.blue[here]) * blue + (is.red[below] - is.red[here]) * red) / step;
+            (row % 2 == 0 ? steps.was : steps.wasNext) += step;
+            (row % 2 == 0 ? steps.is : steps.isNext) += along;
+        }
+    }
 }
 
 void FindEdges(const ChromaPicture& was, const ChromaPicture& is, Axis axis, std::size_t most,

@@ -31,8 +31,8 @@ enum class Axis : std::uint8_t {
 
 /// What stands across one edge, sample by sample of chroma, from the clip's picture and the movie's.
 struct EdgeProfile {
-    static constexpr int kReach = 6;              ///< samples on either side that are compared
-    static constexpr int kMargin = 6;             ///< more of them for filters
+    static constexpr int kReach = 6;  ///< samples on either side that are compared
+    static constexpr int kMargin = 6; ///< more of them for filters
     static constexpr int kHalf = kReach + kMargin;
     static constexpr int kLength = 2 * kHalf + 1;
 
@@ -53,6 +53,16 @@ struct LumaShift {
 
     [[nodiscard]] double Mean() const noexcept { return edges == 0 ? 0 : sum / edges; }
 };
+
+/// How chroma changes from row to row where it changes slowly: pictures with every second row alone, each shown
+/// twice, change between pairs of rows only.
+struct RowSteps {
+    double was = 0;     ///< sum of the clip's steps from an even row to the odd one below, in codes
+    double is = 0;      ///< of the movie's, in the clip's direction
+    double wasNext = 0; ///< likewise from an odd row to the even one below
+    double isNext = 0;
+};
+void TakeRowSteps(const ChromaPicture& was, const ChromaPicture& is, RowSteps& steps);
 
 /// Looks for edges between colours that are flat on both sides and differ in chroma.
 /// @param was   the clip's picture in the movie's samples

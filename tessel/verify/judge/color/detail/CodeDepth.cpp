@@ -10,8 +10,8 @@ namespace {
 constexpr int kFewestBits = 3;
 constexpr double kMost = 0.9995; // share of samples that obey: damaged ones and edges are forgiven
 
-/// Codes of `bits` bits in samples of `wide` bits: multiples of a power of two, as limited range and shifts have
-/// them, or spread over the whole range, as R'G'B' and repeated bits have them.
+/// Codes of `bits` bits in samples of `wide` bits: multiples of a power of two, as limited range and shifts
+/// have them, or spread over the whole range, as R'G'B' and repeated bits have them.
 bool IsMultiple(std::uint32_t code, int wide, int bits) noexcept
 {
     return code % (1U << static_cast<unsigned>(wide - bits)) == 0;

@@ -1,0 +1,25 @@
+/// What explains the edges of chroma along one axis: nothing, a shift, or fewer samples.
+#pragma once
+
+#include "ChromaEdges.h"
+
+#include <string_view>
+#include <vector>
+
+namespace tessel::verify::judge {
+
+struct ChromaFit {
+    int edges = 0;            ///< that are compared; the rest means nothing where there are none
+    double plainResidual = 0; ///< of the edges as they should be, in parts of their height
+    double shift = 0;         ///< chroma lies so many luma samples further right or down
+    double shiftUncertainty = 0;
+    double shiftedResidual = 0; ///< with that shift
+    int thinned = 1;            ///< of so many luma samples one chroma sample was kept, in the best case of it
+    double thinnedResidual = 0; ///< with that
+};
+
+/// @param isRgb     edges are of an R'G'B' picture, whose samples clip
+/// @param perChroma luma samples for each chroma sample along this axis
+[[nodiscard]] ChromaFit FitChroma(const std::vector<EdgeProfile>& profiles, bool isRgb, int perChroma);
+
+} // namespace tessel::verify::judge
