@@ -1,6 +1,6 @@
 """Colour faults that FFmpeg's own filters make, named."""
 
-from verify_support import VerifyTest, gradient, main
+from verify_support import FRAMES, VerifyTest, document, gradient, main
 
 TAGS = ("-color_primaries", "1", "-color_trc", "1", "-colorspace", "1", "-color_range", "tv")
 
@@ -52,6 +52,84 @@ class Color(VerifyTest):
         finding = self.fault("bgrx", "format=gbrp,lutrgb=r=gammaval(0.4545):g=gammaval(0.4545):b=gammaval(0.4545)",
                              "color.transfer", arguments=())
         self.assertIn("gamma 2.2", finding["message"])
+
+
+    def test_codes_cut_off_at_their_levels(self):
+        # 10-bit codes: 200 and 700 are 50 and 175 in 8-bit units.
+        finding = self.fault("v211", "lutyuv=y=clip(val\\,200\\,700)", "color.clipped")
+        self.assertEqual(finding["found"], "50..175")
+
+    def test_eight_bits_on_the_way_with_and_without_dither(self):
+        finding = self.fault("v211", "format=yuv422p,format=yuv422p10le", "color.depth")
+        self.assertEqual(finding["found"], 8)
+        finding = self.fault("v211", "lutyuv=y=bitand(val\\,1008):u=bitand(val\\,1008):v=bitand(val\\,1008)",
+                             "color.depth")
+        self.assertEqual(finding["found"], 6)
+        self.assertIn("without dither", finding["message"])
+
+    def test_chroma_subsampled_on_the_way(self):
+        finding = self.fault("bgrx", "format=yuv444p,format=yuv422p,format=yuv444p,format=gbrp", "color.subsampling",
+                             arguments=())
+        self.assertIn("4:2:2", finding["found"])
+
+    def test_grey_is_no_chroma_at_all(self):
+        self.fault("v211", "hue=s=0", "color.subsampling")
+
+    def test_alpha_that_is_lost_or_multiplied_twice(self):
+        root = document("bgra", (320, 180), rate=(25, 1), frames=6, number=True, upper=(1.0, 0.5, 0.25, 0.5))
+        finding = self.expect(self.verify(root, self.filtered(root, "lutrgb=a=maxval")), "color.alpha")
+        self.assertIn("opaque", finding["message"])
+        finding = self.expect(self.verify(root, self.filtered(root, "format=gbrap,premultiply=inplace=1")), "color.alpha")
+        self.assertIn("multiplied by alpha", finding["message"])
+
+    def test_chroma_location_that_is_only_said(self):
+        root = gradient("v211", (480, 270), frames=6)
+        whole = self.render(root, "whole.mkv", "--video-only")
+        movie = self.ffmpeg(whole, "said.mp4", "-c:v", "libx264", "-crf", "12", "-pix_fmt", "yuv420p10le",
+                            "-chroma_sample_location", "topleft", *TAGS)
+        self.expect(self.verify(root, movie, "--accept", "container.channels"), "container.siting")
+
+    def test_a_scaled_picture_keeps_its_colours(self):
+        root = gradient("v211", (640, 360), frames=6)
+        for video_filter in ("scale=480:270", "scale=426:240:flags=lanczos", "crop=600:320:16:12"):
+            report = self.verify(root, self.filtered(root, video_filter, *TAGS))
+            told = [finding["id"] for finding in report["findings"]]
+            told += [inner["id"] for finding in report["findings"] for inner in finding["consequences"]]
+            self.assertEqual([check for check in told if check.startswith("color.")], [], video_filter)
+
+    def test_what_one_colour_cannot_tell_apart_is_one_of(self):
+        # One grey: gain and offset look alike.
+        root = document("v211", (320, 180), rate=(25, 1), frames=4, upper=(0.5, 0.5, 0.5, 1.0))
+        finding = self.expect(self.verify(root, self.filtered(root, "lutyuv=y=val+48", *TAGS)), "color.offset")
+        self.assertIn("one of", finding["message"])
+
+
+class Alignment(VerifyTest):
+    """Clips without numbers, told by their colours."""
+
+    def moving(self, code="bgrx"):
+        return document(code, (320, 180), rate=(25, 1), frames=FRAMES, pattern="gradient")
+
+    def expect_told(self, video_filter, *ids):
+        report = self.verify(self.moving(), self.filtered(self.moving(), video_filter), "--accept", "container.duration")
+        self.assertEqual(report["alignment"]["method"], "color")
+        return self.expect(report, *ids) if ids else self.expect_clean(report, video_filter)
+
+    def test_order_is_seen_without_numbers(self):
+        self.expect_told("null")
+        finding = self.expect_told("select='not(between(n,12,13))',setpts=N/25/TB", "order.missing")
+        self.assertEqual([(span["first"], span["last"]) for span in finding["frames"]], [(12, 13)])
+        self.expect_told("reverse", "order.reversed")
+        self.expect_told("shuffleframes=" + " ".join(map(str, [*range(10), 11, 10, *range(12, FRAMES)])),
+                         "order.swapped")
+
+    def test_changed_colours_tell_frames_as_well(self):
+        self.expect_told("colorchannelmixer=rr=0:rb=1:br=1:bb=0", "color.channels")
+
+    def test_colours_that_stand_still_leave_time(self):
+        root = document("bgrx", (320, 180), rate=(25, 1), frames=8)
+        report = self.verify(root, self.render(root, "x.mkv"))
+        self.assertEqual(report["alignment"]["method"], "time")
 
 
 main()

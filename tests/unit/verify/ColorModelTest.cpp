@@ -1,10 +1,12 @@
 #include <tessel/verify/catalogue/Names.h>
+#include <tessel/verify/judge/color/hypotheses/Clipping.h>
 #include <tessel/verify/judge/color/hypotheses/Curves.h>
 #include <tessel/verify/judge/color/hypotheses/Hypothesis.h>
 #include <tessel/verify/judge/color/hypotheses/Levels.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tessel::verify::judge {
@@ -128,6 +130,119 @@ TEST(ColorModel, GreyTellsNeitherSaturationNorHue)
     const LevelFit fit = FitLevels(pairs, kBt709, 0.25);
     EXPECT_TRUE(fit.hasLuma);
     EXPECT_FALSE(fit.hasChroma);
+}
+
+TEST(ColorModel, GainIsFoundOnSaturatedColoursThatClip)
+{
+    // Every component is at an end of its range, before or afterwards.
+    constexpr Coding kRgb{true, 0, true};
+    std::vector<ColorPair> pairs;
+    for (const Triple& rgb : {Triple{1, 0, 0}, Triple{0, 1, 0}, Triple{0, 0, 1}, Triple{1, 1, 0},
+                              Triple{0, 1, 1}, Triple{1, 1, 1}, Triple{0, 0, 0}}) {
+        pairs.push_back({rgb, 1, {rgb[0] * 229.5, rgb[1] * 229.5, rgb[2] * 229.5}, 1, rgb});
+    }
+    const LevelFit fit = FitLevels(pairs, kRgb, 0.25);
+    EXPECT_NEAR(fit.gain, 0.9, 1e-6);
+    EXPECT_TRUE(fit.chromaIsLikeLuma);
+    EXPECT_EQ(fit.offset, 0);
+    EXPECT_EQ(fit.hueDegrees, 0);
+}
+
+TEST(ColorModel, OffsetIsFoundWhereWhiteClips)
+{
+    constexpr Coding kRgb{true, 0, true};
+    std::vector<ColorPair> pairs = Chart();
+    for (ColorPair& pair : pairs) {
+        for (std::size_t part = 0; part < 3; ++part) {
+            pair.found[part] = std::min(255.0, pair.rgb[part] * 255 + 40);
+        }
+    }
+    const LevelFit fit = FitLevels(pairs, kRgb, 0.25);
+    EXPECT_NEAR(fit.offset, 40, 0.01);
+    EXPECT_EQ(fit.gain, 1);
+}
+
+TEST(ColorModel, ExchangedChromaOfRgbIsToldByItsMatrix)
+{
+    // Red by BT.709: Y' 0.2126, Cb -0.1146, Cr 0.5. Exchanged: R' = 0.2126 - 1.5748 × 0.1146 = 0.0322,
+    // B' = 0.2126 + 1.8556 × 0.5 = 1.1404, which clips.
+    const std::vector<Hypothesis> list = Hypotheses({true, 0, true});
+    const ColorPair red{{1, 0, 0}, 1, {}, 1, {1, 0, 0}};
+    int seen = 0;
+    for (const Hypothesis& hypothesis : list) {
+        if (hypothesis.ids.size() == 1 && hypothesis.ids[0] == id::kColorChromaSwapped &&
+            hypothesis.message.find("BT.709") != std::string::npos) {
+            ++seen;
+            EXPECT_NEAR(hypothesis.predict(red)[0], 0.0322 * 255, 0.1);
+            EXPECT_EQ(hypothesis.predict(red)[2], 255);
+        }
+    }
+    EXPECT_EQ(seen, 1);
+}
+
+TEST(ColorModel, MixedChromaOfFieldsIsTheirMean)
+{
+    const std::vector<Hypothesis> list = Hypotheses(kBt709);
+    const ColorPair pair{{0.75, 0, 0}, 1, {}, 1, {0, 0, 0.75}};
+    const Triple own = Encode(kBt709, pair.rgb);
+    const Triple other = Encode(kBt709, pair.otherField);
+    int seen = 0;
+    for (const Hypothesis& hypothesis : list) {
+        if (hypothesis.ids.size() == 1 && hypothesis.ids[0] == id::kColorSubsampling) {
+            ++seen;
+            EXPECT_DOUBLE_EQ(hypothesis.predict(pair)[0], own[0]);
+            EXPECT_DOUBLE_EQ(hypothesis.predict(pair)[1], (own[1] + other[1]) / 2);
+        }
+    }
+    EXPECT_EQ(seen, 1);
+}
+
+/// Luma from below black to above white.
+std::vector<ColorPair> SuperWhites()
+{
+    std::vector<ColorPair> pairs;
+    for (const double level : {-0.06, -0.03, 0.0, 0.25, 0.5, 0.75, 1.0, 1.04, 1.08}) {
+        pairs.push_back({{level, level, level}, 1, {}, 1, {level, level, level}});
+    }
+    return pairs;
+}
+
+TEST(Clipping, LevelsAreWhereCodesWereCutOff)
+{
+    std::vector<ColorPair> pairs = SuperWhites();
+    for (ColorPair& pair : pairs) {
+        pair.found = Encode(kBt709, pair.rgb);
+        pair.found[0] = std::clamp(pair.found[0], 16.0, 235.0);
+    }
+    const auto fit = FitClipping(kBt709, pairs, 1.25);
+    ASSERT_TRUE(fit);
+    EXPECT_EQ(fit->patches, 4); // -0.06, -0.03, 1.04, 1.08
+    EXPECT_LT(fit->residual, 1e-9);
+    EXPECT_EQ(fit->hypothesis.found.front(), "16..235");
+    EXPECT_TRUE(ShowsClipping(kBt709, pairs, 1.25));
+}
+
+TEST(Clipping, CodesThatCameBackAreNotCutOff)
+{
+    std::vector<ColorPair> pairs = SuperWhites();
+    for (ColorPair& pair : pairs) {
+        pair.found = Encode(kBt709, pair.rgb);
+    }
+    EXPECT_FALSE(FitClipping(kBt709, pairs, 1.25));
+}
+
+TEST(Clipping, OneGreyThatMovedWasNotCutOff)
+{
+    const std::vector<ColorPair> pairs(5, {{0.5, 0.5, 0.5}, 1, {138, 128, 128}, 1, {0.5, 0.5, 0.5}});
+    EXPECT_FALSE(FitClipping(kBt709, pairs, 1.25));
+}
+
+TEST(Clipping, ColoursInsideTheRangeDoNotShowIt)
+{
+    std::vector<ColorPair> pairs = Chart();
+    EXPECT_FALSE(ShowsClipping(kBt709, pairs, 1.25));
+    EXPECT_FALSE(ShowsClipping({true, 0, true}, SuperWhites(), 1.25)); // integer R'G'B' holds nothing outside
+    EXPECT_TRUE(ShowsClipping({true, 0, true, true}, SuperWhites(), 1.25));
 }
 
 } // namespace

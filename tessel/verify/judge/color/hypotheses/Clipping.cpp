@@ -87,7 +87,12 @@ std::optional<ClippingFit> FitClipping(const Coding& expected, const std::vector
     const Limits widest = Widest(expected);
     ClippingFit fit;
     std::vector<Triple> clips;
+    bool hasInner = false;
     for (const ColorPair& pair : pairs) {
+        for (std::size_t part = 0; part < (expected.isRgb ? 3U : 1U); ++part) {
+            hasInner = hasInner || (pair.found[part] > limits.level.lowest + least &&
+                                    pair.found[part] < limits.level.highest - least);
+        }
         const Triple codes = clips.emplace_back(Cut(Encode(expected, pair.rgb), widest, expected.isRgb));
         const Triple cut = Cut(codes, limits, expected.isRgb);
         if (SquaredDistance(codes, cut) > least * least) {
@@ -96,7 +101,8 @@ std::optional<ClippingFit> FitClipping(const Coding& expected, const std::vector
             fit.plainDistance += SquaredDistance(codes, pair.found) / 3;
         }
     }
-    if (fit.patches == 0) {
+    // Where all codes are outermost ones, anything could have brought them there.
+    if (fit.patches == 0 || !hasInner) {
         return std::nullopt;
     }
     fit.residual = std::sqrt(fit.residual / fit.patches);

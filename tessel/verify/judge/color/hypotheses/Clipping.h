@@ -23,7 +23,7 @@ struct ClippingFit {
 /// Takes the levels from the codes: the outermost ones that came back. Where the clip has codes beyond them,
 /// and those came back at the levels, they were cut off there.
 /// @param least  how far beyond a level a code must be to count, in codes
-/// @return nothing where no code of the clip is beyond
+/// @return nothing where no code of the clip is beyond, or none is between the levels
 [[nodiscard]] std::optional<ClippingFit> FitClipping(const Coding& expected,
                                                      const std::vector<ColorPair>& pairs, double least);
 

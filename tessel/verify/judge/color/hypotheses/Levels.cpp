@@ -27,6 +27,21 @@ struct Point {
     Triple is{}; ///< `found` from black on, as far as clipping left it
 };
 
+/// The same as the codes meet it: chroma is multiplied and turned by two factors.
+struct Change {
+    explicit Change(const Levels& levels) noexcept
+        : gain(levels[kGain]), offset(levels[kOffset]),
+          alike(levels[kSaturation] * std::cos(levels[kHue] * std::numbers::pi / 180)),
+          turned(levels[kSaturation] * std::sin(levels[kHue] * std::numbers::pi / 180))
+    {
+    }
+
+    double gain;
+    double offset;
+    double alike;
+    double turned;
+};
+
 /// Codes after a change of levels, clipped to what samples hold.
 class LevelModel {
 public:
@@ -44,13 +59,11 @@ public:
 
     [[nodiscard]] Triple Decoded(const Triple& codes) const noexcept { return Decode(mExpected, codes); }
 
-    [[nodiscard]] Triple Predict(const Levels& levels, const Triple& was) const noexcept
+    [[nodiscard]] Triple Predict(const Change& change, const Triple& was) const noexcept
     {
-        const double angle = levels[kHue] * std::numbers::pi / 180;
-        const double alike = levels[kSaturation] * std::cos(angle);
-        const double turned = levels[kSaturation] * std::sin(angle);
-        Triple codes{mBlack + levels[kGain] * was[0] + levels[kOffset], 128 + alike * was[1] - turned * was[2],
-                     128 + turned * was[1] + alike * was[2]};
+        Triple codes{mBlack + change.gain * was[0] + change.offset,
+                     128 + change.alike * was[1] - change.turned * was[2],
+                     128 + change.turned * was[1] + change.alike * was[2]};
         if (mExpected.isRgb) {
             codes = Encode(mExpected, Decode(mDifferences, codes));
         }
@@ -70,9 +83,10 @@ private:
 
 double ResidualOf(const LevelModel& model, const std::vector<Point>& points, const Levels& levels)
 {
+    const Change change(levels);
     double squares = 0;
     for (const Point& point : points) {
-        squares += SquaredDistance(model.Predict(levels, point.was), point.found);
+        squares += SquaredDistance(model.Predict(change, point.was), point.found);
     }
     return std::sqrt(squares / static_cast<double>(points.size()) / 3);
 }
@@ -173,23 +187,28 @@ Levels Fit(const LevelModel& model, const std::vector<Point>& points, const Free
     for (int turn = 0; turn < kMostTurns && !directions.empty(); ++turn) {
         std::array<Levels, 4> matrix{}; // normal equations
         Levels right{};
+        const Change here(levels);
+        std::vector<Change> moved;
+        std::array<double, 4> steps{};
+        for (std::size_t i = 0; i < directions.size(); ++i) {
+            Levels there = levels;
+            for (std::size_t part = 0; part < 4; ++part) {
+                there[part] += directions[i][part] * kSteps[part];
+                steps[i] = std::max(steps[i], directions[i][part] * kSteps[part]);
+            }
+            moved.emplace_back(there);
+        }
         for (const Point& point : points) {
-            const Triple here = model.Predict(levels, point.was);
+            const Triple codes = model.Predict(here, point.was);
             std::array<Triple, 4> slopes{};
             for (std::size_t i = 0; i < directions.size(); ++i) {
-                Levels moved = levels;
-                double step = 0;
-                for (std::size_t part = 0; part < 4; ++part) {
-                    moved[part] += directions[i][part] * kSteps[part];
-                    step = std::max(step, directions[i][part] * kSteps[part]);
-                }
-                const Triple there = model.Predict(moved, point.was);
+                const Triple movedCodes = model.Predict(moved[i], point.was);
                 for (std::size_t part = 0; part < 3; ++part) {
-                    slopes[i][part] = (there[part] - here[part]) / step;
+                    slopes[i][part] = (movedCodes[part] - codes[part]) / steps[i];
                 }
             }
             for (std::size_t part = 0; part < 3; ++part) {
-                const double off = point.found[part] - here[part];
+                const double off = point.found[part] - codes[part];
                 for (std::size_t i = 0; i < directions.size(); ++i) {
                     right[i] += slopes[i][part] * off;
                     for (std::size_t j = 0; j < directions.size(); ++j) {
@@ -198,14 +217,14 @@ Levels Fit(const LevelModel& model, const std::vector<Point>& points, const Free
                 }
             }
         }
-        const std::optional<Levels> change = Solve(matrix, right, directions.size());
-        if (!change) {
+        const std::optional<Levels> solution = Solve(matrix, right, directions.size());
+        if (!solution) {
             break;
         }
         Levels next = levels;
         for (std::size_t i = 0; i < directions.size(); ++i) {
             for (std::size_t part = 0; part < 4; ++part) {
-                next[part] += directions[i][part] * (*change)[i];
+                next[part] += directions[i][part] * (*solution)[i];
             }
         }
         const double nextResidual = ResidualOf(model, points, next);
