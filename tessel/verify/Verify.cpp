@@ -2,6 +2,7 @@
 
 #include <tessel/verify/align/Aligner.h>
 #include <tessel/verify/judge/color/ColorJudge.h>
+#include <tessel/verify/judge/color/RightCodings.h>
 #include <tessel/verify/judge/color/detail/DetailJudge.h>
 #include <tessel/verify/judge/container/ContainerJudge.h>
 #include <tessel/verify/judge/fidelity/FidelityJudge.h>
@@ -36,6 +37,23 @@ constexpr std::int64_t kMeasuredEvery = 25;
 
 /// Colours this far from every explanation are those of something else, in 8-bit codes.
 constexpr double kOtherColors = 18;
+
+/// What the closed list knows to be done to colours, as aligners use it.
+std::vector<align::ColorChange> ColorChangesOf(const reference::ClipFacts& clip,
+                                               const read::PictureFacts& movie)
+{
+    std::vector<align::ColorChange> changes;
+    for (const judge::Coding& coding : judge::RightCodings(clip, movie)) {
+        for (const judge::Hypothesis& hypothesis : judge::Hypotheses(coding)) {
+            changes.emplace_back([coding, predict = hypothesis.predict](const judge::Triple& codes) {
+                judge::ColorPair pair;
+                pair.rgb = pair.otherField = judge::Decode(coding, codes);
+                return predict(pair);
+            });
+        }
+    }
+    return changes;
+}
 
 /// One movie on its way through the judges: `Take` what is decoded, then `Finish`.
 class Inspection {
@@ -74,6 +92,9 @@ public:
 
     [[nodiscard]] Report Finish()
     {
+        if (mMovie.picture && mClip.hasPicture && !mPrintsNumbers) {
+            mAligner.SetColorChanges(ColorChangesOf(mClip, *mMovie.picture));
+        }
         const align::Alignment alignment = mAligner.Result();
         Findings findings(TolerancesOf(mMovie, mJob));
         Report report;

@@ -237,18 +237,9 @@ void Aligner::SettleColors()
     const auto distance = [](const ColorReading& reading) { return reading.distance; };
     std::vector<ColorReading> readings = readAll(*mTimeline);
     const bool areChanged = Usual(readings, distance) > kSameColors;
-    if (areChanged) {
-        // All colours are changed. Forwards or backwards: what fits better.
-        std::vector<double> forwards;
-        std::vector<double> backwards;
-        const auto last = static_cast<double>(mClip.frameCount - 1);
-        for (std::size_t i = 0; i < mSignatures.size(); ++i) {
-            forwards.push_back(std::min(static_cast<double>(i), last));
-            backwards.push_back(last - forwards.back());
-        }
-        readings = readAll(mTimeline->Changed(mSignatures, forwards));
-        std::vector<ColorReading> other = readAll(mTimeline->Changed(mSignatures, backwards));
-        if (Usual(other, distance) < 0.7 * Usual(readings, distance)) {
+    for (std::size_t i = 0; areChanged && i < mColorChanges.size(); ++i) {
+        std::vector<ColorReading> other = readAll(mTimeline->Changed(mColorChanges[i]));
+        if (Usual(other, distance) < Usual(readings, distance)) {
             readings = std::move(other);
         }
     }

@@ -7,6 +7,8 @@
 #include <tessel/verify/reference/ClipPictures.h>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace tessel::verify::align {
 
@@ -21,6 +23,10 @@ public:
     /// @param movie  facts of the movie's pictures, complete by the first one
     /// @return what is known of the picture now; also kept for `Result`.
     const PictureRecord& Take(const read::Picture& picture, const std::optional<read::PictureFacts>& movie);
+
+    /// What may have been done to all colours of a movie. Clips without numbers are then aligned by the one
+    /// that explains its pictures best.
+    void SetColorChanges(std::vector<ColorChange> changes) { mColorChanges = std::move(changes); }
 
     /// Where frames lie in the pictures: as numbers told, else stretched over the whole picture.
     [[nodiscard]] Placement PlacementFor(const read::Picture& picture) const;
@@ -75,7 +81,8 @@ private:
     std::unique_ptr<ColorTimeline> mTimeline; ///< null: not asked yet, or colours do not tell frames
     bool mIsTimelineAsked = false;
     std::vector<ColorSignature> mSignatures; ///< of each picture
-    std::int64_t mColorsRead = 0;            ///< pictures whose colours told their frame at once
+    std::vector<ColorChange> mColorChanges;
+    std::int64_t mColorsRead = 0; ///< pictures whose colours told their frame at once
 };
 
 /// Whether numbers can be read in the clip's own pictures: its first and last one tell.

@@ -28,92 +28,6 @@ double DistanceSquared(const ColorSignature& a, const ColorSignature& b) noexcep
     return sum;
 }
 
-/// A mix of the three components and a constant for each component that comes out.
-using Mix = std::array<std::array<double, kComponents + 1>, kComponents>;
-constexpr Mix kUnchanged{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-
-ColorSignature Mixed(const ColorSignature& signature, const Mix& mix)
-{
-    ColorSignature result(signature.size());
-    for (std::size_t place = 0; place + kComponents <= signature.size(); place += kComponents) {
-        for (std::size_t part = 0; part < kComponents; ++part) {
-            double value = mix[part][kComponents];
-            for (std::size_t from = 0; from < kComponents; ++from) {
-                value += mix[part][from] * static_cast<double>(signature[place + from]);
-            }
-            result[place + part] = static_cast<float>(value);
-        }
-    }
-    return result;
-}
-
-/// The mix that makes `is` of `was` with the least squares. A little weight on no change at all keeps
-/// components apart that these colours do not.
-class MixFit {
-public:
-    void Take(const ColorSignature& was, const ColorSignature& is)
-    {
-        for (std::size_t place = 0; place + kComponents <= was.size(); place += kComponents) {
-            const std::array<double, 4> row{was[place], was[place + 1], was[place + 2], 1};
-            for (std::size_t i = 0; i < 4; ++i) {
-                for (std::size_t j = 0; j < 4; ++j) {
-                    mMatrix[i][j] += row[i] * row[j];
-                }
-                for (std::size_t part = 0; part < kComponents; ++part) {
-                    mRight[part][i] += row[i] * static_cast<double>(is[place + part]);
-                }
-            }
-        }
-    }
-
-    [[nodiscard]] Mix Solve() const
-    {
-        Mix mix = kUnchanged;
-        const double small = 1e-6 * (mMatrix[0][0] + mMatrix[1][1] + mMatrix[2][2] + mMatrix[3][3]) + 1e-9;
-        for (std::size_t part = 0; part < kComponents; ++part) {
-            auto matrix = mMatrix;
-            auto right = mRight[part];
-            for (std::size_t i = 0; i < 4; ++i) {
-                matrix[i][i] += small;
-                right[i] += small * kUnchanged[part][i];
-            }
-            for (std::size_t column = 0; column < 4; ++column) {
-                for (std::size_t row = 0; row < 4; ++row) {
-                    if (row == column) {
-                        continue;
-                    }
-                    const double factor = matrix[row][column] / matrix[column][column];
-                    for (std::size_t i = column; i < 4; ++i) {
-                        matrix[row][i] -= factor * matrix[column][i];
-                    }
-                    right[row] -= factor * right[column];
-                }
-            }
-            for (std::size_t i = 0; i < 4; ++i) {
-                mix[part][i] = right[i] / matrix[i][i];
-            }
-        }
-        return mix;
-    }
-
-private:
-    std::array<std::array<double, 4>, 4> mMatrix{};
-    std::array<std::array<double, 4>, kComponents> mRight{};
-};
-
-/// Of the distances of readings, without those of pictures that belong to nothing.
-double MedianDistance(const std::vector<ColorReading>& readings)
-{
-    std::vector<double> distances;
-    distances.reserve(readings.size());
-    for (const ColorReading& reading : readings) {
-        distances.push_back(reading.distance);
-    }
-    const auto middle = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
-    std::nth_element(distances.begin(), middle, distances.end());
-    return *middle;
-}
-
 } // namespace
 
 ColorTimeline::ColorTimeline(const exporting::SignalSource& clip, const reference::ClipFacts& facts,
@@ -239,44 +153,17 @@ std::optional<ColorReading> ColorTimeline::Read(const ColorSignature& signature)
     return best;
 }
 
-ColorTimeline ColorTimeline::Changed(const std::vector<ColorSignature>& signatures,
-                                     const std::vector<double>& guesses) const
+ColorTimeline ColorTimeline::Changed(const ColorChange& change) const
 {
-    constexpr int kTurns = 60;
-    constexpr double kFurther = 1.7; // of each step: frames and mix move along together, which takes long
-    constexpr double kStill = 0.005; // frames
-    constexpr std::size_t kMostFitted = 400; // pictures
-    const std::size_t stride = std::max<std::size_t>(1, signatures.size() / kMostFitted);
-    std::vector<double> frames;
-    std::vector<const ColorSignature*> fitted;
-    for (std::size_t i = 0; i < signatures.size(); i += stride) {
-        fitted.push_back(&signatures[i]);
-        frames.push_back(guesses[i]);
-    }
-    const auto last = static_cast<double>(mFrameCount - 1);
-    std::vector<ColorReading> readings(fitted.size());
     ColorTimeline changed = *this;
-    for (int turn = 0; turn < kTurns; ++turn) {
-        const double worst = turn == 0 ? 1e300 : 3 * MedianDistance(readings) + 1;
-        MixFit fit;
-        for (std::size_t i = 0; i < fitted.size(); ++i) {
-            if (readings[i].distance <= worst) { // pictures of nothing do not take part
-                fit.Take(At(std::clamp(frames[i], 0.0, last)), *fitted[i]);
+    for (ColorSignature& key : changed.mKeys) {
+        for (std::size_t place = 0; place + kComponents <= key.size(); place += kComponents) {
+            const std::array<double, kComponents> codes =
+                change({static_cast<double>(key[place]), static_cast<double>(key[place + 1]),
+                        static_cast<double>(key[place + 2])});
+            for (std::size_t part = 0; part < kComponents; ++part) {
+                key[place + part] = static_cast<float>(codes[part]);
             }
-        }
-        const Mix mix = fit.Solve();
-        for (std::size_t key = 0; key < mKeys.size(); ++key) {
-            changed.mKeys[key] = Mixed(mKeys[key], mix);
-        }
-        double moved = 0;
-        for (std::size_t i = 0; i < fitted.size(); ++i) {
-            readings[i] = changed.Read(*fitted[i]).value_or(ColorReading{frames[i], 1e9, 1e9});
-            const double step = kFurther * (readings[i].frame - frames[i]);
-            moved = std::max(moved, std::abs(step));
-            frames[i] += step;
-        }
-        if (moved < kStill) {
-            break;
         }
     }
     return changed;

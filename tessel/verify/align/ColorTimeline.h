@@ -7,7 +7,9 @@
 #include <tessel/verify/read/MovieFacts.h>
 #include <tessel/verify/reference/ClipPictures.h>
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -15,6 +17,9 @@ namespace tessel::verify::align {
 
 /// Codes at fixed places of a picture. Pictures whose signatures are alike look alike.
 using ColorSignature = std::vector<float>;
+
+/// What may have been done to all colours: three codes in 8-bit units, as they should be and as they came back.
+using ColorChange = std::function<std::array<double, 3>(const std::array<double, 3>&)>;
 
 /// Where on the way through the clip a signature stands.
 struct ColorReading {
@@ -44,12 +49,8 @@ public:
     /// The nearest point of the line. Signatures of another size give nothing.
     [[nodiscard]] std::optional<ColorReading> Read(const ColorSignature& signature) const;
 
-    /// The line as it is where all colours were changed in the same way: each component is taken for a mix of
-    /// the clip's three and a constant, which is fitted along with the pictures' frames.
-    /// @param signatures  of the movie's pictures; at least one
-    /// @param guesses     a frame for each of them to begin with
-    [[nodiscard]] ColorTimeline Changed(const std::vector<ColorSignature>& signatures,
-                                        const std::vector<double>& guesses) const;
+    /// The line as it is where all colours were changed in the same way.
+    [[nodiscard]] ColorTimeline Changed(const ColorChange& change) const;
 
     static constexpr int kRows = 96; ///< places from top to bottom
 

@@ -134,9 +134,9 @@ TEST(ColorModel, GreyTellsNeitherSaturationNorHue)
 
 TEST(ColorModel, GainIsFoundOnSaturatedColoursThatClip)
 {
-    // Every component is at an end of its range, before or afterwards.
+    // All but one component are at an end of their range, before or afterwards.
     constexpr Coding kRgb{true, 0, true};
-    std::vector<ColorPair> pairs;
+    std::vector<ColorPair> pairs{{{1, 0.5, 0}, 1, {229.5, 114.75, 0}, 1, {1, 0.5, 0}}};
     for (const Triple& rgb : {Triple{1, 0, 0}, Triple{0, 1, 0}, Triple{0, 0, 1}, Triple{1, 1, 0},
                               Triple{0, 1, 1}, Triple{1, 1, 1}, Triple{0, 0, 0}}) {
         pairs.push_back({rgb, 1, {rgb[0] * 229.5, rgb[1] * 229.5, rgb[2] * 229.5}, 1, rgb});
@@ -146,6 +146,17 @@ TEST(ColorModel, GainIsFoundOnSaturatedColoursThatClip)
     EXPECT_TRUE(fit.chromaIsLikeLuma);
     EXPECT_EQ(fit.offset, 0);
     EXPECT_EQ(fit.hueDegrees, 0);
+}
+
+TEST(ColorModel, GainAndOffsetLookAlikeWhereOnlyTheEndsAreSeen)
+{
+    // 0 stays 0 and 255 becomes 229.5, be it × 0.9 or - 25.5 with clipping.
+    constexpr Coding kRgb{true, 0, true};
+    std::vector<ColorPair> pairs;
+    for (const Triple& rgb : {Triple{1, 0, 0}, Triple{0, 1, 0}, Triple{0, 0, 1}, Triple{1, 1, 1}}) {
+        pairs.push_back({rgb, 1, {rgb[0] * 229.5, rgb[1] * 229.5, rgb[2] * 229.5}, 1, rgb});
+    }
+    EXPECT_TRUE(FitLevels(pairs, kRgb, 0.25).isGainOrOffset);
 }
 
 TEST(ColorModel, OffsetIsFoundWhereWhiteClips)

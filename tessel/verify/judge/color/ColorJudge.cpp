@@ -336,11 +336,14 @@ private:
             finding.found = std::string("4:0:0");
         }
         std::string offsetMessage = fmt::format("{:+.1f} codes are added to the levels", fit.offset);
-        if (!fit.hasLuma) {
+        if (!fit.hasLuma || fit.isGainOrOffset) {
             offsetMessage = fmt::format("one of: {}, or levels are multiplied", offsetMessage);
         }
-        TellLevel(id::kColorGain, fit.hasLuma, {1, fit.gain, fit.gainUncertainty},
-                  fmt::format("levels are multiplied by {:.3f}", fit.gain));
+        std::string gainMessage = fmt::format("levels are multiplied by {:.3f}", fit.gain);
+        if (fit.isGainOrOffset) {
+            gainMessage = fmt::format("one of: {}, or something is added to them", gainMessage);
+        }
+        TellLevel(id::kColorGain, fit.hasLuma, {1, fit.gain, fit.gainUncertainty}, std::move(gainMessage));
         TellLevel(id::kColorOffset, true, {0, fit.offset, fit.offsetUncertainty}, offsetMessage);
         TellLevel(id::kColorSaturation, fit.hasChroma, {1, saturation, fit.saturationUncertainty},
                   fmt::format("chroma is multiplied by {:.3f}", saturation));

@@ -23,6 +23,17 @@ std::uint32_t Spread(std::uint32_t level, int wide, int bits) noexcept
     return static_cast<std::uint32_t>(std::floor(level * scale + 0.5));
 }
 
+/// Bits that are repeated below themselves: abcdef becomes abcdefab.
+bool IsRepeated(std::uint32_t code, int wide, int bits) noexcept
+{
+    const int spare = wide - bits;
+    if (spare > bits) {
+        return false;
+    }
+    const std::uint32_t level = code >> static_cast<unsigned>(spare);
+    return (level << static_cast<unsigned>(spare) | level >> static_cast<unsigned>(bits - spare)) == code;
+}
+
 bool IsSpread(std::uint32_t code, int wide, int bits) noexcept
 {
     const double scale = (std::exp2(wide) - 1) / (std::exp2(bits) - 1);
@@ -40,13 +51,15 @@ int BitsOf(const Codes& codes, int wide)
     for (int bits = kFewestBits; bits < wide; ++bits) {
         std::int64_t multiples = 0;
         std::int64_t spread = 0;
+        std::int64_t repeated = 0;
         for (const auto& [code, count] : codes) {
             // White at the end of the samples is what 11111 becomes where codes are repeated or clipped.
             const bool isEnd = code == 0 || code == (1U << static_cast<unsigned>(wide)) - 1;
             multiples += isEnd || IsMultiple(code, wide, bits) ? count : 0;
             spread += IsSpread(code, wide, bits) ? count : 0;
+            repeated += IsRepeated(code, wide, bits) ? count : 0;
         }
-        if (static_cast<double>(std::max(multiples, spread)) >= kMost * static_cast<double>(all)) {
+        if (static_cast<double>(std::max({multiples, spread, repeated})) >= kMost * static_cast<double>(all)) {
             return bits;
         }
     }

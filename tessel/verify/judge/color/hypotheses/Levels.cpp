@@ -188,23 +188,32 @@ Levels Fit(const LevelModel& model, const std::vector<Point>& points, const Free
         std::array<Levels, 4> matrix{}; // normal equations
         Levels right{};
         const Change here(levels);
-        std::vector<Change> moved;
+        std::vector<Change> further;
+        std::vector<Change> back;
         std::array<double, 4> steps{};
         for (std::size_t i = 0; i < directions.size(); ++i) {
-            Levels there = levels;
+            Levels forwards = levels;
+            Levels backwards = levels;
             for (std::size_t part = 0; part < 4; ++part) {
-                there[part] += directions[i][part] * kSteps[part];
-                steps[i] = std::max(steps[i], directions[i][part] * kSteps[part]);
+                const double step = directions[i][part] * kSteps[part];
+                forwards[part] += step;
+                backwards[part] -= step;
+                steps[i] = std::max(steps[i], step);
             }
-            moved.emplace_back(there);
+            further.emplace_back(forwards);
+            back.emplace_back(backwards);
         }
         for (const Point& point : points) {
             const Triple codes = model.Predict(here, point.was);
             std::array<Triple, 4> slopes{};
             for (std::size_t i = 0; i < directions.size(); ++i) {
-                const Triple movedCodes = model.Predict(moved[i], point.was);
+                const Triple more = model.Predict(further[i], point.was);
+                const Triple less = model.Predict(back[i], point.was);
                 for (std::size_t part = 0; part < 3; ++part) {
-                    slopes[i][part] = (movedCodes[part] - codes[part]) / steps[i];
+                    // A code at the end of its samples moves in one direction alone.
+                    const double up = more[part] - codes[part];
+                    const double down = codes[part] - less[part];
+                    slopes[i][part] = (std::abs(up) > std::abs(down) ? up : down) / steps[i];
                 }
             }
             for (std::size_t part = 0; part < 3; ++part) {
@@ -315,6 +324,12 @@ LevelFit FitLevels(const std::vector<ColorPair>& pairs, const Coding& expected, 
             }
         }
     }
+    const Freedom gainAlone{true, false, false, fit.hasChroma ? Chroma::LikeLuma : Chroma::LeftAlone};
+    const Freedom offsetAlone{false, true, false, Chroma::LeftAlone};
+    const auto isEnough = [&](const Freedom& freedom) {
+        return ResidualOf(model, points, Fit(model, points, freedom)) <= enough;
+    };
+    fit.isGainOrOffset = fewest == 1 && fit.hasLuma && isEnough(gainAlone) && isEnough(offsetAlone);
     fit.gain = best[kGain];
     fit.offset = best[kOffset];
     fit.saturation = best[kSaturation];

@@ -20,6 +20,7 @@ struct LevelFit {
     double residual = 1e9;         ///< codes, root of the mean square
     bool hasLuma = false;          ///< enough different lumas to tell gain from offset
     bool hasChroma = false;        ///< enough chroma
+    bool isGainOrOffset = false;   ///< either explains the codes; the fit has one of them
     bool chromaIsLikeLuma = false; ///< `saturation` is `gain`: R'G'B' was multiplied
 };
 
