@@ -51,7 +51,7 @@ ChromaFit FitOf(const ChromaPicture& is, int perChroma = 1)
     FindEdges(Chart(0), is, Axis::Across, 400, profiles, luma);
     EXPECT_EQ(profiles.size(), 3U * kHeight);
     EXPECT_EQ(luma.edges, 0);
-    return FitChroma(profiles, /*isRgb=*/false, perChroma);
+    return FitChroma(profiles, /*clips=*/false, perChroma);
 }
 
 TEST(ChromaFit, ShiftsAreMeasuredWhateverTheFilter)

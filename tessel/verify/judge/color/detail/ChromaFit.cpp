@@ -73,7 +73,7 @@ Difference Clipped(double luma, const Difference& chroma) noexcept
     return {(blue - clippedLuma) / 1.8556, (red - clippedLuma) / 1.5748};
 }
 
-Course Predict(const EdgeProfile& profile, const Filter& filter, bool isRgb)
+Course Predict(const EdgeProfile& profile, const Filter& filter, bool clips)
 {
     const Scale scale(profile.was);
     Course course{};
@@ -81,7 +81,7 @@ Course Predict(const EdgeProfile& profile, const Filter& filter, bool isRgb)
         const int place = i - kReach;
         Difference chroma{filter(profile.was.blue, place, profile.place),
                           filter(profile.was.red, place, profile.place)};
-        if (isRgb) {
+        if (clips) {
             chroma = Clipped(At(profile.was.luma, place), chroma);
         }
         course[static_cast<std::size_t>(i)] = scale.Of(chroma);
@@ -161,22 +161,22 @@ Filter Thinned(int count, Keeping keeping, Return back)
 
 /// Root of the mean square over all edges; only the edge itself counts, not its flat sides.
 double ResidualOf(const std::vector<EdgeProfile>& profiles, const std::vector<Course>& found,
-                  const Filter& filter, bool isRgb)
+                  const Filter& filter, bool clips)
 {
     constexpr double kSamplesOfAnEdge = 4;
     double sum = 0;
     for (std::size_t i = 0; i < profiles.size(); ++i) {
-        sum += SquaresBetween(Predict(profiles[i], filter, isRgb), found[i]);
+        sum += SquaresBetween(Predict(profiles[i], filter, clips), found[i]);
     }
     return std::sqrt(sum / static_cast<double>(profiles.size()) / kSamplesOfAnEdge);
 }
 
 /// The shift of one edge, in samples: where the clip's edge is moved as far as the found one is.
-double ShiftOf(const EdgeProfile& profile, const Course& found, bool isRgb)
+double ShiftOf(const EdgeProfile& profile, const Course& found, bool clips)
 {
     const double target = PlaceOf(found);
-    const double plain = PlaceOf(Predict(profile, Shifted(0), isRgb));
-    if (!isRgb || std::abs(target - plain) < 1e-3) {
+    const double plain = PlaceOf(Predict(profile, Shifted(0), clips));
+    if (!clips || std::abs(target - plain) < 1e-3) {
         return target - plain;
     }
     // Clipping takes a part of the shift away: search for what gives the found place.
@@ -185,7 +185,7 @@ double ShiftOf(const EdgeProfile& profile, const Course& found, bool isRgb)
     double high = kMost;
     for (int turn = 0; turn < 14; ++turn) {
         const double middle = (low + high) / 2;
-        (PlaceOf(Predict(profile, Shifted(middle), isRgb)) < target ? low : high) = middle;
+        (PlaceOf(Predict(profile, Shifted(middle), clips)) < target ? low : high) = middle;
     }
     return (low + high) / 2;
 }
@@ -199,7 +199,7 @@ double MedianOf(std::vector<double> values)
 
 } // namespace
 
-ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool isRgb, int perChroma)
+ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool clips, int perChroma)
 {
     ChromaFit fit;
     std::vector<EdgeProfile> profiles;
@@ -211,7 +211,7 @@ ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool isRgb, int perChro
         }
         profiles.push_back(profile);
         found.push_back(Found(profile));
-        shifts.push_back(ShiftOf(profile, found.back(), isRgb));
+        shifts.push_back(ShiftOf(profile, found.back(), clips));
     }
     if (profiles.empty()) {
         return fit;
@@ -230,8 +230,8 @@ ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool isRgb, int perChro
     const double independent = std::min(25.0, std::max(1.0, fit.edges / 4.0));
     fit.shift = shift * perChroma;
     fit.shiftUncertainty = perChroma * (kOwnError + 2 * deviation / std::sqrt(independent));
-    fit.plainResidual = ResidualOf(profiles, found, Shifted(0), isRgb);
-    fit.shiftedResidual = ResidualOf(profiles, found, Shifted(shift), isRgb);
+    fit.plainResidual = ResidualOf(profiles, found, Shifted(0), clips);
+    fit.shiftedResidual = ResidualOf(profiles, found, Shifted(shift), clips);
     fit.thinnedResidual = 1e9;
     for (const int count : {2, 4}) {
         if (count * perChroma > 4) {
@@ -239,7 +239,7 @@ ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool isRgb, int perChro
         }
         for (const Keeping keeping : {Keeping::First, Keeping::Mean, Keeping::Tent}) {
             for (const Return back : {Return::Repeated, Return::LinearFromFirst, Return::LinearFromMiddle}) {
-                const double residual = ResidualOf(profiles, found, Thinned(count, keeping, back), isRgb);
+                const double residual = ResidualOf(profiles, found, Thinned(count, keeping, back), clips);
                 if (residual < fit.thinnedResidual) {
                     fit.thinnedResidual = residual;
                     fit.thinned = count * perChroma;

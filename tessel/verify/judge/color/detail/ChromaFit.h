@@ -18,8 +18,8 @@ struct ChromaFit {
     double thinnedResidual = 0; ///< with that
 };
 
-/// @param isRgb     edges are of an R'G'B' picture, whose samples clip
+/// @param clips     edges are of an R'G'B' picture whose samples end at black and white
 /// @param perChroma luma samples for each chroma sample along this axis
-[[nodiscard]] ChromaFit FitChroma(const std::vector<EdgeProfile>& profiles, bool isRgb, int perChroma);
+[[nodiscard]] ChromaFit FitChroma(const std::vector<EdgeProfile>& profiles, bool clips, int perChroma);
 
 } // namespace tessel::verify::judge

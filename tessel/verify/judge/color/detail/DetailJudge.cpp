@@ -125,7 +125,8 @@ double EdgeNoise(CodecClass codec) noexcept
 bool IsThinned(const ChromaFit& fit, CodecClass codec) noexcept
 {
     constexpr double kMuchBetter = 0.6;
-    return fit.edges > 0 && fit.shiftedResidual > EdgeNoise(codec) &&
+    constexpr double kMost = 0.25; // of an edge: what is further off is something else
+    return fit.edges > 0 && fit.shiftedResidual > EdgeNoise(codec) && fit.thinnedResidual < kMost &&
            fit.thinnedResidual < kMuchBetter * fit.shiftedResidual;
 }
 
@@ -167,8 +168,8 @@ public:
         : mSampler(sampler), mMovie(movie), mFindings(findings), mCodec(findings.Limits().picture),
           mIsRgb(movie.format.isRgb), mPerX(movie.format.isRgb ? 1 : 1 << movie.format.chromaShiftX),
           mPerY(movie.format.isRgb ? 1 : 1 << movie.format.chromaShiftY),
-          mAcross(FitChroma(sampler.Edges(Axis::Across), movie.format.isRgb, mPerX)),
-          mDown(FitChroma(sampler.Edges(Axis::Down), movie.format.isRgb, mPerY))
+          mAcross(FitChroma(sampler.Edges(Axis::Across), mIsRgb && !movie.format.isFloat, mPerX)),
+          mDown(FitChroma(sampler.Edges(Axis::Down), mIsRgb && !movie.format.isFloat, mPerY))
     {
     }
 
@@ -201,16 +202,28 @@ private:
         const int down = mHasPairsOfRows ? 2 : thinsDown ? mDown.thinned : mPerY;
         const std::string was = SubsamplingName(mPerX, mPerY, true);
         const std::string is = SubsamplingName(across, down, thinsDown || TellsThinned(mDown, mCodec));
+        const std::string what =
+            fmt::format("chroma was subsampled to {} on its way, where samples are {}", is, was);
         Finding& finding = mFindings.Fault(
             id::kColorSubsampling,
-            fmt::format(
-                "chroma was subsampled to {} on its way, where samples are {} (edges explained to {:.0f} % "
-                "of their height; without that to {:.0f} %)",
-                is, was, 100 * (thinsAcross ? mAcross : mDown).thinnedResidual,
-                100 * (thinsAcross ? mAcross : mDown).shiftedResidual));
+            isEither && !mHasPairsOfRows
+                ? fmt::format("one of: {}, or it lies {:.2f} luma pixels to the {} ({})", what,
+                              std::abs(mAcross.shift), mAcross.shift < 0 ? "left" : "right", Residuals())
+                : fmt::format("{} ({})", what, Residuals()));
         finding.expected = was;
         finding.found = is;
         return true;
+    }
+
+    /// What the edges, or the rows, tell; residuals are parts of an edge's height.
+    [[nodiscard]] std::string Residuals() const
+    {
+        const bool isAcross = mAcross.edges > 0 && mAcross.plainResidual > mDown.plainResidual;
+        const ChromaFit& told = isAcross ? mAcross : mDown;
+        return told.plainResidual > EdgeNoise(mCodec)
+                   ? fmt::format("residual {:.2f} of an edge; without that {:.2f}", told.thinnedResidual,
+                                 told.plainResidual)
+                   : std::string("rows of chroma come in pairs");
     }
 
     /// Chroma's shift beside luma's own along one axis.
