@@ -110,17 +110,6 @@ EncoderOptions OptionsOf(const VideoPlan& plan)
     return options;
 }
 
-PixelKind KindToKeep(const ClipFacts& clip)
-{
-    if (clip.pixelFormat != BR::PixelFormat::Unknown) {
-        const PixelKind named = KindOf(clip.pixelFormat);
-        if (named.storage == Storage::Planar420 || named.storage == Storage::Dv) {
-            return named;
-        }
-    }
-    return KindOf(clip.frameFormat);
-}
-
 void RequireRate(const ClipFacts& clip)
 {
     if (clip.timeScale < 1 || clip.sampleSize < 1) {

@@ -34,11 +34,6 @@ struct VideoPlan {
     RawWriter rawWriter = RawWriter::Libav;
 };
 
-/// The format that a file is to keep: that of the frames, except that frames which stand for a planar or DV
-/// file say so only in their document.
-/// @param clip  with the format of its frames
-[[nodiscard]] PixelKind KindToKeep(const document::ClipFacts& clip);
-
 /// @throws ExportError  for a clip whose frames last no time that can be told
 void RequireRate(const document::ClipFacts& clip);
 

@@ -1,7 +1,7 @@
 #include "ClipPictures.h"
 
 #include <tessel/export/convert/SourceFrame.h>
-#include <tessel/export/plan/VideoPlan.h>
+#include <tessel/export/plan/ClipConversion.h>
 
 #include <numeric>
 
