@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Measures where `tessel verify` ends: the smallest numbers it reads, the smallest faults it tells, the longest movie.
 
-Prints Markdown. With --document FILE the tables are written there, between the lines "<!-- limits -->" and
-"<!-- /limits -->".
+Prints Markdown. With --document FILE each table is written there, between the lines "<!-- limits: NAME -->" and
+"<!-- end of limits: NAME -->".
 """
 
 import argparse
@@ -19,8 +19,8 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from cells import Miss, Tools  # noqa: E402
 from clips import CLIPS, document, picture, tone  # noqa: E402
 
-HEIGHTS = (180, 135, 108, 90, 72, 54, 45)
-QUALITIES = {"h264": (18, 28, 36, 42, 48, 51), "hevc": (18, 28, 36, 42, 48, 51), "mpeg2": (2, 8, 16, 28)}
+HEIGHTS = (180, 108, 90, 72, 54, 44)
+QUALITIES = {"h264": (18, 28, 40, 51), "hevc": (28, 40, 51), "mpeg2": (2, 10, 28)}
 READ_FRAMES = 24
 
 # Of each fault: the clip, the amounts from large to small, and the unit. {} is the amount.
@@ -139,12 +139,13 @@ def memory_table(tools, lengths):
     return lines
 
 
-def write_into(path, text):
+def write_into(path, name, text):
+    begin, end = f"<!-- limits: {name} -->\n", f"<!-- end of limits: {name} -->"
     with open(path, encoding="utf-8") as file:
-        before, rest = file.read().split("<!-- limits -->\n", 1)
-        after = rest.split("<!-- /limits -->", 1)[1]
+        before, rest = file.read().split(begin, 1)
+    after = rest.split(end, 1)[1]
     with open(path, "w", encoding="utf-8") as file:
-        file.write(f"{before}<!-- limits -->\n{text}\n<!-- /limits -->{after}")
+        file.write(f"{before}{begin}{text}\n{end}{after}")
 
 
 def main():
@@ -153,6 +154,8 @@ def main():
     parser.add_argument("--plugin", required=True, help="the folder of its plug-in")
     parser.add_argument("--folder", required=True, help="for clips and movies")
     parser.add_argument("--document", help="where the tables stand")
+    parser.add_argument("--table", choices=("numbers", "faults", "memory"), action="append",
+                        help="which table; all where not said")
     parser.add_argument("--longest", type=int, default=100_000, help="pictures of the longest movie")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1)
     options = parser.parse_args()
@@ -163,10 +166,13 @@ def main():
         tools.save(name, CLIPS[name]())
     lengths = [frames for frames in (1_000, 10_000, 100_000) if frames <= options.longest]
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        text = "\n".join([*reading_table(tools, pool), "", *fault_table(tools, pool), "", *memory_table(tools, lengths)])
-    if options.document:
-        write_into(options.document, text)
-    print(text)
+        tables = {"numbers": lambda: reading_table(tools, pool), "faults": lambda: fault_table(tools, pool),
+                  "memory": lambda: memory_table(tools, lengths)}
+        for name in options.table or tables:
+            text = "\n".join(tables[name]())
+            print(text, flush=True)
+            if options.document:
+                write_into(options.document, name, text)
 
 
 if __name__ == "__main__":

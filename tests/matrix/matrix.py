@@ -128,11 +128,13 @@ def run_cell(cell, tools):
 class Results:
     """What earlier runs of the same program found, by cell."""
 
-    def __init__(self, path, program_key):
+    def __init__(self, path, program_key, from_anew):
         self.path = path
         self.program_key = program_key
         self.cells = {}
-        if path and os.path.exists(path):
+        if from_anew and os.path.exists(path):
+            os.remove(path)
+        if os.path.exists(path):
             with open(path, encoding="utf-8") as file:
                 for line in file:
                     try:
@@ -148,9 +150,8 @@ class Results:
     def put(self, cell, result):
         entry = {"cell": cell.name, "key": self._key(cell), **result}
         self.cells[cell.name] = entry
-        if self.path:
-            with open(self.path, "a", encoding="utf-8") as file:
-                file.write(json.dumps(entry) + "\n")
+        with open(self.path, "a", encoding="utf-8") as file:
+            file.write(json.dumps(entry) + "\n")
         return entry
 
     def _key(self, cell):
@@ -260,8 +261,8 @@ def main():
         sys.exit(f"{KNOWN} names cells that there are not: {', '.join(stale)}")
     for name, make in CLIPS.items():
         tools.save(name, make())
-    results = Results(None if options.slice else os.path.join(options.folder, "results.jsonl"),
-                      fingerprint(options.tessel, options.plugin))
+    results = Results(os.path.join(options.folder, "results.jsonl"), fingerprint(options.tessel, options.plugin),
+                      from_anew=options.slice)
     told = run_all(cells, tools, results, options.jobs)
     told = {cell.name: told[cell.name] for cell in cells}
     text = table(told, known)
