@@ -44,6 +44,14 @@ class Completion:
         self.assertEqual(self.complete("tessel render --video-codec pro"), {"prores"})
         self.assertEqual(self.complete("tessel render one.tessel --audio-codec fl"), {"flac"})
 
+    def test_keys_and_settings(self):
+        self.assertEqual(self.complete("tessel set one.tessel durat"), {"duration="})
+        self.assertEqual(self.complete("tessel set one.tessel mSteadyToneA"), {"mSteadyToneAmplitude="})
+        self.assertEqual(self.complete("tessel new out.tessel --set mNumC"), {"mNumChannels="})
+
+    def test_subjects_of_lists(self):
+        self.assertEqual(self.complete("tessel list pixel-f"), {"pixel-formats"})
+
     def test_a_clip_is_a_document(self):
         self.assertEqual(self.complete("tessel info on"), {"one.tessel"})
         self.assertEqual(self.complete("tessel info mov"), set())

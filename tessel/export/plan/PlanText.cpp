@@ -79,6 +79,11 @@ void AddLosses(const VideoPlan& video, const Container& container, std::vector<s
     if (saysColors && !Holds(kept, Keeps::Colors)) {
         losses.push_back(fmt::format("colours ({})", ColorText(tags)));
     }
+    // JPEG is BT.601 by its own rules, and readers keep to them whatever the container says.
+    const bool isBt601 = tags.matrix == h273::kBt470Bg || tags.matrix == h273::kBt601;
+    if (video.codec->isFullRange && !isBt601 && tags.matrix != h273::kUnspecified) {
+        losses.push_back(fmt::format("matrix {} (readers take JPEG for BT.601)", tags.matrix));
+    }
     // Readers take Y'CbCr for limited range, and R'G'B' for full range, unless they are told.
     const bool isRgb = InfoOf(video.conversion.target).family == ColorFamily::Rgb;
     if (!isRgb && tags.fullRange && !Holds(kept, Keeps::Range)) {
