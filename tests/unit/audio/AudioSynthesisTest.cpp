@@ -163,8 +163,8 @@ TEST_P(OddSampleRate, FillsTheBuffersAndNothingElseFromAnyPosition)
     }
 }
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+using audiotest::kInfinity;
+using audiotest::kNaN;
 
 INSTANTIATE_TEST_SUITE_P(Rates, OddSampleRate,
                          ::testing::Values(0.0F, -0.0F, 1e-45F, 1e-30F, 0.5F, 3.0F, 47999.7F, 48000.0F, 1e11F,

@@ -18,6 +18,9 @@
 
 namespace audiotest {
 
+inline constexpr float kInfinity = std::numeric_limits<float>::infinity();
+inline constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
 /// A value that no generator makes, about -1e8.
 inline constexpr std::uint32_t kPoison = 0xCCCCCCCC;
 

@@ -27,8 +27,8 @@ using ImporterTessel::Tone;
 using qelmediatypes::FrameRate;
 using qelmediatypes::TickTime;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+using audiotest::kInfinity;
+using audiotest::kNaN;
 
 std::vector<float> ReferenceFrom(std::int64_t position, std::size_t count, Tone tone, FrameRate rate)
 {

@@ -23,7 +23,7 @@ using audiotest::SineFrom;
 using ImporterTessel::SynthesizeStereoIdentification;
 using ImporterTessel::Tone;
 
-constexpr Tone kTone{1000.0F, 0.125F};
+constexpr Tone kStereoTone{1000.0F, 0.125F};
 constexpr std::int64_t kCycle = 144'000;    // 3 s at 48000 Hz
 constexpr std::int64_t kSounding = 132'000; // 2.75 s
 
@@ -39,7 +39,7 @@ Buffers Rendered(std::int64_t position, std::uint32_t count, float frequency = 1
 TEST(StereoIdentification, SoundsOnTheRightThroughout)
 {
     const Buffers buffers = Rendered(1234, 300'000);
-    EXPECT_TRUE(SameBits(buffers[1], SineFrom(1234, 300'000, kTone, RateOf(48000.0F))));
+    EXPECT_TRUE(SameBits(buffers[1], SineFrom(1234, 300'000, kStereoTone, RateOf(48000.0F))));
 }
 
 TEST(StereoIdentification, FallsSilentOnTheLeftForTheLastQuarterSecondOfEveryThree)
@@ -47,8 +47,8 @@ TEST(StereoIdentification, FallsSilentOnTheLeftForTheLastQuarterSecondOfEveryThr
     const Buffers buffers = Rendered(0, 3 * kCycle);
     for (std::int64_t cycle = 0; cycle < 3; ++cycle) {
         const std::span left = buffers[0].subspan(static_cast<std::size_t>(cycle * kCycle), kCycle);
-        EXPECT_TRUE(
-            SameBits(left.first(kSounding), SineFrom(cycle * kCycle, kSounding, kTone, RateOf(48000.0F))));
+        EXPECT_TRUE(SameBits(left.first(kSounding),
+                             SineFrom(cycle * kCycle, kSounding, kStereoTone, RateOf(48000.0F))));
         EXPECT_TRUE(IsSilent(left.subspan(kSounding)));
     }
 }
@@ -64,24 +64,25 @@ TEST(StereoIdentification, ThatStartsInTheSilenceIsSilentUpToTheNextCycle)
 {
     const Buffers buffers = Rendered(kSounding + 5000, 10'000);
     EXPECT_TRUE(IsSilent(buffers[0].first(7000)));
-    EXPECT_TRUE(SameBits(buffers[0].subspan(7000), SineFrom(kCycle, 3000, kTone, RateOf(48000.0F))));
+    EXPECT_TRUE(SameBits(buffers[0].subspan(7000), SineFrom(kCycle, 3000, kStereoTone, RateOf(48000.0F))));
 }
 
 TEST(StereoIdentification, SplitsARequestThatStraddlesTheSilenceAtItsBorders)
 {
     const Buffers buffers = Rendered(kSounding - 10, 12'020);
-    EXPECT_TRUE(SameBits(buffers[0].first(10), SineFrom(kSounding - 10, 10, kTone, RateOf(48000.0F))));
+    EXPECT_TRUE(SameBits(buffers[0].first(10), SineFrom(kSounding - 10, 10, kStereoTone, RateOf(48000.0F))));
     EXPECT_TRUE(IsSilent(buffers[0].subspan(10, 12'000)));
-    EXPECT_TRUE(SameBits(buffers[0].subspan(12'010), SineFrom(kCycle, 10, kTone, RateOf(48000.0F))));
+    EXPECT_TRUE(SameBits(buffers[0].subspan(12'010), SineFrom(kCycle, 10, kStereoTone, RateOf(48000.0F))));
 }
 
 TEST(StereoIdentification, CountsItsCyclesBackwardsFromTimeZeroToo)
 {
     const Buffers buffers = Rendered(-kCycle, 2 * kCycle);
-    EXPECT_TRUE(SameBits(buffers[0].first(kSounding), SineFrom(-kCycle, kSounding, kTone, RateOf(48000.0F))));
+    EXPECT_TRUE(
+        SameBits(buffers[0].first(kSounding), SineFrom(-kCycle, kSounding, kStereoTone, RateOf(48000.0F))));
     EXPECT_TRUE(IsSilent(buffers[0].subspan(kSounding, kCycle - kSounding)));
     EXPECT_TRUE(
-        SameBits(buffers[0].subspan(kCycle, kSounding), SineFrom(0, kSounding, kTone, RateOf(48000.0F))));
+        SameBits(buffers[0].subspan(kCycle, kSounding), SineFrom(0, kSounding, kStereoTone, RateOf(48000.0F))));
 }
 
 TEST(StereoIdentification, LeavesTheChannelsBeyondItsTwoAlone)
@@ -114,11 +115,11 @@ TEST(StereoIdentification, SoundsInEverySampleBeforeABorderBetweenSamplesAndInNo
             return buffers[0][static_cast<std::size_t>(sample - start)];
         };
         // Sample 30318 is a segment of its own: it takes its phase from its own time.
-        EXPECT_EQ(left(30'318), SineFrom(30'318, 1, kTone, RateOf(kRate))[0]);
+        EXPECT_EQ(left(30'318), SineFrom(30'318, 1, kStereoTone, RateOf(kRate))[0]);
         EXPECT_GT(std::abs(left(30'318)), 0.01F);
         EXPECT_TRUE(IsSilent(buffers[0].subspan(static_cast<std::size_t>(30'319 - start), 33'075 - 30'319)));
         EXPECT_TRUE(SameBits(buffers[0].subspan(static_cast<std::size_t>(33'075 - start)),
-                             SineFrom(33'075, 25, kTone, RateOf(kRate))));
+                             SineFrom(33'075, 25, kStereoTone, RateOf(kRate))));
     }
 }
 

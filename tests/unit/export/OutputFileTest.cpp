@@ -5,7 +5,6 @@
 #include <support/TemporaryFolder.h>
 
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string_view>
 
@@ -17,12 +16,6 @@ namespace fs = std::filesystem;
 void Write(OutputFile& file, std::string_view text)
 {
     file.Write(std::as_bytes(std::span(text)));
-}
-
-std::string ContentOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::set<std::string> NamesIn(const fs::path& folder)
@@ -47,7 +40,7 @@ TEST(OutputFile, AppearsWholeAndOnlyWhenCommitted)
         EXPECT_EQ(file.Size(), 7);
         file.Commit();
     }
-    EXPECT_EQ(ContentOf(path), "one six");
+    EXPECT_EQ(test::ReadFile(path), "one six");
     EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"x"});
 }
 
@@ -60,7 +53,7 @@ TEST(OutputFile, UncommittedLeavesNothingAndTheOldFileWhole)
         OutputFile file(path);
         Write(file, "new");
     }
-    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(test::ReadFile(path), "old");
     EXPECT_EQ(NamesIn(folder.Path()), std::set<std::string>{"x"});
 }
 

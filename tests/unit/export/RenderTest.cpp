@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -16,12 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string ContentOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(Render, Y4mHoldsEveryFrameOnceInOrderForAnyNumberOfThreads)
 {
     const test::TemporaryFolder folder;
@@ -29,7 +21,7 @@ TEST(Render, Y4mHoldsEveryFrameOnceInOrderForAnyNumberOfThreads)
     for (const int threads : {1, 3, 8}) {
         const fs::path path = folder.Path() / "x.y4m";
         Render(source, {{.container = ContainerNamed("y4m")}, path, {10, 50}, threads, nullptr});
-        const std::string file = ContentOf(path);
+        const std::string file = test::ReadFile(path);
         // A line of header; then for each frame "FRAME\n" and three planes.
         constexpr std::size_t kPlane = 16 * 8;
         std::size_t at = file.find('\n') + 1;
@@ -55,7 +47,7 @@ TEST(Render, SoundOfARangeStartsAndEndsWithItsFrames)
                     {7, 1},
                     1,
                     nullptr});
-    const std::string file = ContentOf(path);
+    const std::string file = test::ReadFile(path);
     const std::size_t data = file.find("data") + 8;
     // Frame 7 is samples 11211 to 12812, see the block test.
     ASSERT_EQ(file.size() - data, (12813U - 11211U) * 2 * sizeof(float));

@@ -12,8 +12,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -110,12 +108,6 @@ private:
     mutable std::atomic<int> mAsked{0};
 };
 
-std::string ContentOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(Repeats, AClipKnownToStandStillIsAskedForOneFrame)
 {
     const test::TemporaryFolder folder;
@@ -125,9 +117,9 @@ TEST(Repeats, AClipKnownToStandStillIsAskedForOneFrame)
         const StillSource unknown(false);
         const auto file = folder.Path() / name;
         Render(known, {{.container = container}, file, {0, 50}, 3, nullptr});
-        const std::string once = ContentOf(file);
+        const std::string once = test::ReadFile(file);
         Render(unknown, {{.container = container}, file, {0, 50}, 3, nullptr});
-        EXPECT_EQ(ContentOf(file), once) << name;
+        EXPECT_EQ(test::ReadFile(file), once) << name;
         EXPECT_EQ(known.Asked(), 1) << name;
         EXPECT_EQ(unknown.Asked(), 50) << name;
     }
@@ -138,10 +130,10 @@ TEST(Repeats, FilesOfASequenceAreWholeWhereTheirPicturesRepeat)
     const test::TemporaryFolder folder;
     const StillSource source(false);
     Render(source, {{.container = ContainerNamed("png")}, folder.Path() / "x_%d.png", {0, 7}, 2, nullptr});
-    const std::string first = ContentOf(folder.Path() / "x_0.png");
+    const std::string first = test::ReadFile(folder.Path() / "x_0.png");
     EXPECT_GT(first.size(), 100U);
     for (int frame = 1; frame < 7; ++frame) {
-        EXPECT_EQ(ContentOf(folder.Path() / ("x_" + std::to_string(frame) + ".png")), first) << frame;
+        EXPECT_EQ(test::ReadFile(folder.Path() / ("x_" + std::to_string(frame) + ".png")), first) << frame;
     }
 }
 

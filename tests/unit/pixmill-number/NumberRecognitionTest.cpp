@@ -16,7 +16,7 @@ struct FrameSize {
 
 // Steps are primes, so that all digits of a number change from one to the next.
 constexpr std::array<FrameSize, 3> kSizes{{{160, 106, 997}, {720, 480, 4999}, {3840, 2160, 33331}}};
-constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
+using testsupport::kOrange;
 
 /// Formats of one layout are read from the same samples. One format of each layout, and every one whose pixels
 /// share samples, gets all numbers; the others get some.

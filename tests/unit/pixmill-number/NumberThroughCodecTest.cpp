@@ -13,7 +13,7 @@ using namespace testsupport;
 
 namespace {
 
-constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
+using testsupport::kOrange;
 constexpr std::uint32_t kUYVY709 = 0x819;
 
 std::vector<std::int32_t> NumbersToTry(std::int32_t step)

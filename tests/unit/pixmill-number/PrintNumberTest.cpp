@@ -13,7 +13,7 @@ using pixmill::NumberLayout;
 
 namespace {
 
-constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F};
+using testsupport::kOrange;
 constexpr std::array<float, 4> kBlack{0.0F, 0.0F, 0.0F, 1.0F};
 constexpr std::array<float, 4> kWhite{1.0F, 1.0F, 1.0F, 1.0F};
 

@@ -14,6 +14,8 @@
 
 namespace testsupport {
 
+inline constexpr std::array<float, 4> kOrange{0.25F, 0.5F, 1.0F, 1.0F}; // blue, green, red, alpha
+
 enum class RowOrder { StepForwards, StepBackwards };
 
 class PrintedFrame {
