@@ -13,11 +13,12 @@ function(tessel_set_version target)
         SOVERSION "${TESSEL_SOVERSION}")
 endfunction()
 
-# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header...])
+# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header...] [ONE_PIECE])
 # A GoogleTest program; each of its tests is one CTest test. PRECOMPILE names headers that this program
-# precompiles for itself, where its libraries bring compiler flags that other tests have not.
+# precompiles for itself, where its libraries bring compiler flags that other tests have not. ONE_PIECE compiles
+# all files as one with TESSEL_FAST_BUILD, so no two of them may define the same name.
 function(tessel_add_test)
-    cmake_parse_arguments(arg "" "NAME" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
+    cmake_parse_arguments(arg "ONE_PIECE" "NAME" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_options test_options ${arg_LIBRARIES}
                                               GTest::gtest GTest::gtest_main)
@@ -26,6 +27,9 @@ function(tessel_add_test)
         target_precompile_headers(${arg_NAME} PRIVATE ${arg_PRECOMPILE})
     else()
         target_precompile_headers(${arg_NAME} REUSE_FROM test_headers)
+    endif()
+    if(arg_ONE_PIECE AND TESSEL_FAST_BUILD)
+        set_target_properties(${arg_NAME} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
     endif()
     set(cSources ${arg_SOURCES})
     list(FILTER cSources INCLUDE REGEX "\\.c$")

@@ -1,0 +1,1 @@
+// Empty: a target that owns precompiled headers needs a source file.

@@ -1,1 +1,0 @@
-// Empty: the target that owns the tests' precompiled headers needs a source file.
