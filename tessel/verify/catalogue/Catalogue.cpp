@@ -328,6 +328,8 @@ constexpr std::array kOfDepthTag{id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfRange{id::kColorClipped,    id::kColorGain,  id::kColorOffset,
                               id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfGain{id::kColorClipped, id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
+// What changes colours other than in proportion moves the middle of edges between them.
+constexpr std::array kOfCrookedColor{id::kColorSiting, id::kColorSubsampling, TESSEL_LIKENESS};
 constexpr std::array kOfSubsampling{id::kColorSiting, id::kColorSaturation, TESSEL_LIKENESS};
 constexpr std::array kOfRate{id::kContainerDuration, id::kAudioPitch, id::kSyncDrift};
 constexpr std::array kOfConstantRate{id::kContainerRate, id::kContainerDuration, id::kSyncOffset,
@@ -391,10 +393,10 @@ constexpr std::array kCauses{
     Causes{id::kFieldsInterlaced, kOfFields},
     Causes{id::kColorMatrix, kLikeness},
     Causes{id::kColorRange, kOfRange},
-    Causes{id::kColorClipped, kLikeness},
-    Causes{id::kColorChannels, kLikeness},
+    Causes{id::kColorClipped, kOfCrookedColor},
+    Causes{id::kColorChannels, kOfCrookedColor},
     Causes{id::kColorChromaSwapped, kLikeness},
-    Causes{id::kColorTransfer, kLikeness},
+    Causes{id::kColorTransfer, kOfCrookedColor},
     Causes{id::kColorGain, kOfGain},
     Causes{id::kColorOffset, kOfGain},
     Causes{id::kColorSaturation, kLikeness},
@@ -402,7 +404,7 @@ constexpr std::array kCauses{
     Causes{id::kColorDepth, kLikeness},
     Causes{id::kColorSubsampling, kOfSubsampling},
     Causes{id::kColorSiting, kLikeness},
-    Causes{id::kColorAlpha, kLikeness},
+    Causes{id::kColorAlpha, kOfCrookedColor},
     Causes{id::kAudioDownmix, kOfMix},
     Causes{id::kAudioUpmix, kOfMix},
     Causes{id::kAudioPitch, kOfPitch},
