@@ -8,6 +8,8 @@ set(pkgconfig "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 if(TARGET tessel)
     install(TARGETS tessel RUNTIME COMPONENT program)
+    # Started by `tessel` from there, not by people.
+    install(TARGETS tessel-movies RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/tessel" COMPONENT program)
 endif()
 # A plug-in is no library to link, so it stands in the host's own folder.
 install(TARGETS ImporterTessel LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT program)

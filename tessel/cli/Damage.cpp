@@ -1,9 +1,9 @@
 /// `tessel damage`: a clip with faults put in on purpose, for testing those who look for faults.
 
-#include "CommandLine.h"
 #include "Commands.h"
 #include "OutputOptions.h"
 #include "WholeText.h"
+#include "movies/MovieCommands.h"
 
 #include <kestrel/importhost/PathText.h>
 #include <tessel/damage/RenderDamaged.h>
@@ -21,14 +21,6 @@
 namespace tessel::cli {
 namespace {
 
-struct DamageOptions {
-    std::string clip;
-    std::string output;
-    OutputOptions out;
-    std::vector<std::string> faults;
-    bool list = false;
-};
-
 /// out.mov gets out.mov.truth.json beside it.
 std::filesystem::path TruthFile(const std::string& output)
 {
@@ -42,6 +34,8 @@ void WriteTruth(const std::string& output, const std::string& text)
     exporting::OutputFile file(TruthFile(output));
     WriteAndCommit(file, text);
 }
+
+} // namespace
 
 void RunDamage(const DamageOptions& options, Context& context)
 {
@@ -71,33 +65,6 @@ void RunDamage(const DamageOptions& options, Context& context)
     } catch (const damage::FaultError& error) {
         throw UsageError(error.what());
     }
-}
-
-} // namespace
-
-void AddDamageCommand(CommandLine& commandLine, Context& context)
-{
-    const auto options = std::make_shared<DamageOptions>();
-    const Command command = commandLine.AddCommand(
-        "damage", "Render a clip with faults put in on purpose, to test quality control");
-    command.AddOption("CLIP", options->clip, "Clip to render").TakesFile(FileKind::Clip);
-    command.StartGroup("Faults");
-    command
-        .AddOption("--fault", options->faults,
-                   "A fault to put in, as NAME or NAME=VALUE; several are put in in the order given")
-        .ValueName("FAULT");
-    command.AddFlag("--list", options->list, "List the faults and their values, and do nothing else");
-    command.StartGroup("Output");
-    command
-        .AddOption("-o,--output", options->output,
-                   "File to write, or - for standard output; the truth is written beside it, as OUT.truth.json")
-        .ValueName("OUT")
-        .TakesFile(FileKind::Any);
-    AddOutputOptions(command, options->out);
-    command.AddExample("tessel damage clip.tessel --fault order.missing=12 --fault audio.gain=-6 -o bad.mov",
-                       "Leaves picture 12 out and lowers the sound by 6 dB");
-    command.AddExample("tessel damage --list", "All faults");
-    command.OnRun([options, &context] { RunDamage(*options, context); });
 }
 
 } // namespace tessel::cli

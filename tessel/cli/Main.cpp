@@ -54,6 +54,7 @@ int Run(int argc, char** argv)
     try {
         CommandLine commandLine("tessel", "Exact test signals from small documents", TESSEL_VERSION);
         Context context;
+        context.arguments = argv;
         const Command shared = commandLine.Shared();
         shared.AddOption(kPluginOption, context.plugin, "The importer plug-in: its file or the folder it is in")
             .ValueName("PATH");

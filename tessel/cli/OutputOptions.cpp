@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
 
 namespace tessel::cli {
 
@@ -129,17 +128,6 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
         throw UsageError(error.what());
     }
     return request;
-}
-
-exporting::FrameRange FramesFor(const OutputOptions& options, const document::ClipFacts& clip)
-{
-    return exporting::ChooseFrames(clip, options.from, options.to, options.frames);
-}
-
-int ThreadCount(const OutputOptions& options)
-{
-    return options.threads > 0 ? options.threads
-                               : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }
 
 } // namespace tessel::cli

@@ -1,9 +1,12 @@
 /// `tessel render`: clips to files.
 
-#include "CommandLine.h"
 #include "Commands.h"
 #include "OutputOptions.h"
 #include "RenderTargets.h"
+#include "WholeText.h"
+#include "movies/FrameHashes.h"
+#include "movies/MovieCommands.h"
+#include "movies/TruthTable.h"
 
 #include <kestrel/importhost/Clip.h>
 #include <kestrel/qelcore/text/PathText.h>
@@ -30,22 +33,12 @@
 namespace tessel::cli {
 namespace {
 
+using Options = RenderOptions;
+
 namespace fs = std::filesystem;
 using exporting::Container;
 using exporting::ExportError;
 using qelcore::text::UTF8Text;
-
-/// The command line as typed.
-struct Options {
-    std::vector<std::string> clips;
-    std::string output;
-    OutputOptions out;
-    std::string timecode;
-    bool allowDefault = false;
-    bool dryRun = false;
-    bool noProgress = false;
-    bool quiet = false;
-};
 
 exporting::OutputRequest RequestOf(const Options& options, const Container& container)
 {
@@ -104,6 +97,110 @@ std::string ClosingLine(const std::string& name, const exporting::OutputPlan& pl
                               static_cast<double>(frames) / least, clipSeconds / least);
 }
 
+/// What a render tells beside its file: hashes, a comparison with earlier ones, the truth of each picture.
+class Witnesses {
+public:
+    /// Starts the files, so that a place that takes none ends the work before it begins.
+    explicit Witnesses(const Options& options)
+    {
+        if (!options.verify.empty()) {
+            mExpected.emplace(options.verify);
+        }
+        if (!options.hashes.empty()) {
+            mHashFile.emplace(options.hashes);
+        }
+        if (!options.truth.empty()) {
+            mTruthFile.emplace(options.truth);
+        }
+    }
+
+    /// What the render is to tell; null for nothing.
+    /// @param plan, facts  borrowed while this lives
+    const exporting::RenderRecord* Watch(const exporting::OutputPlan& plan, const document::OpenedClip& clip,
+                                         exporting::FrameRange frames)
+    {
+        if (!mExpected && !mHashFile && !mTruthFile) {
+            return nullptr;
+        }
+        if (mTruthFile && !plan.video) {
+            throw ExportError("--truth tells of pictures, and there are none: remove --truth");
+        }
+        mRecord.algorithm = mExpected ? mExpected->Algorithm() : mRecord.algorithm;
+        mRecord.digestsCoded = mExpected || mHashFile;
+        mRecord.digestsPainted = mTruthFile.has_value();
+        mHashes.emplace(plan, mRecord.algorithm);
+        if (mTruthFile) {
+            mTruth.emplace(clip.facts, clip.clip.File(), frames, plan);
+        }
+        mRecord.picture = [this, &plan](std::int64_t index, const exporting::PictureDigests& digests) {
+            if (mTruth) {
+                mTruth->AddPicture(index, digests.painted);
+            }
+            if (mRecord.digestsCoded) {
+                mHashes->AddPicture(index, digests.coded);
+                Compare(plan);
+            }
+        };
+        if (mRecord.digestsCoded) {
+            mRecord.sound = [this, &plan](std::int64_t start, std::int64_t count,
+                                          const exporting::Digest& digest) {
+                mHashes->AddSound(start, count, digest);
+                Compare(plan);
+            };
+        }
+        mRecord.beforeCommit = [this, &plan] {
+            if (mExpected) {
+                mExpected->RequireEnd(plan);
+            }
+        };
+        return &mRecord;
+    }
+
+    /// Writes the files of a render that has succeeded.
+    void Commit()
+    {
+        if (mHashFile) {
+            WriteAndCommit(*mHashFile, mHashes->Text());
+        }
+        if (mTruthFile) {
+            WriteAndCommit(*mTruthFile, mTruth->Text());
+        }
+    }
+
+private:
+    void Compare(const exporting::OutputPlan& plan)
+    {
+        if (mExpected) {
+            mExpected->Compare(mHashes->Lines().back(), plan);
+        }
+    }
+
+    exporting::RenderRecord mRecord;
+    std::optional<ExpectedHashes> mExpected;
+    std::optional<exporting::OutputFile> mHashFile;
+    std::optional<exporting::OutputFile> mTruthFile;
+    std::optional<FrameHashes> mHashes;
+    std::optional<TruthTable> mTruth;
+};
+
+/// @throws UsageError  where files of several clips, or of one render, would have the same name
+void CheckWitnesses(const Options& options)
+{
+    const bool hasWitness = !options.hashes.empty() || !options.verify.empty() || !options.truth.empty();
+    if (hasWitness && options.clips.size() > 1) {
+        throw UsageError("--hash, --verify and --truth are for one clip; render the clips one by one");
+    }
+    if (!options.hashes.empty() && options.hashes == options.truth) {
+        throw UsageError("--hash and --truth name the same file");
+    }
+    for (const fs::path& file : {options.hashes, options.truth}) {
+        if (!file.empty() && file == fs::path(options.output)) {
+            throw UsageError(
+                fmt::format("'{}' is the file that is rendered; give another name", UTF8Text(file)));
+        }
+    }
+}
+
 void RenderOne(const Options& options, const RenderTarget& target, const exporting::OutputRequest& request,
                Context& context)
 {
@@ -129,16 +226,19 @@ void RenderOne(const Options& options, const RenderTarget& target, const exporti
     }
     try {
         job.frames = FramesFor(options.out, clip.facts);
-        const exporting::PlannedRender render(source, job);
+        exporting::PlannedRender render(source, job);
         const exporting::OutputPlan& plan = render.Plan();
         if (options.dryRun) {
             WriteOut(Announcement(name, plan, job.frames.count));
             return;
         }
+        Witnesses witnesses(options);
+        render.Tell(witnesses.Watch(plan, clip, job.frames));
         const auto start = std::chrono::steady_clock::now();
         const std::int64_t bytes = render.Run();
         const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
         bar.reset();
+        witnesses.Commit();
         if (!options.quiet) {
             for (const std::string& loss : exporting::LossesOf(plan)) {
                 WriteNote(fmt::format("{}: {} files do not say this of the clip: {}", name,
@@ -154,9 +254,12 @@ void RenderOne(const Options& options, const RenderTarget& target, const exporti
     }
 }
 
-void RunRender(const Options& options, Context& context)
+} // namespace
+
+void RunRender(const RenderOptions& options, Context& context)
 {
     CheckOutputOptions(options.out);
+    CheckWitnesses(options);
     const TargetOptions where{options.clips, options.output, options.out.format};
     const std::vector<RenderTarget> targets = TargetsOf(where);
     // All targets are of one format.
@@ -174,46 +277,6 @@ void RunRender(const Options& options, Context& context)
         // Everything unfinished is gone by now.
         exporting::InterruptGuard::EndAsSignalled();
     }
-}
-
-} // namespace
-
-void AddRenderCommand(CommandLine& commandLine, Context& context)
-{
-    const auto options = std::make_shared<Options>();
-    const Command command =
-        commandLine.AddCommand("render", "Render clips into movie, sound and picture files");
-    command.AddOption("CLIP", options->clips, "Clips to render").Required().TakesFile(FileKind::Clip);
-    command.StartGroup("Output");
-    command
-        .AddOption("-o,--output", options->output,
-                   "File to write, or a folder, or - for standard output; sequences take a number, as in "
-                   "out/%06d.exr")
-        .ValueName("OUT")
-        .TakesFile(FileKind::Any);
-    command
-        .AddOption(
-            "--timecode", options->timecode,
-            "Of the file's first picture: 10:00:00:00, or 10:00:00;00 for drop frame; in mov, mxf and mkv")
-        .ValueName("TIMECODE");
-    AddOutputOptions(command, options->out);
-    command.StartGroup("How it runs");
-    command.AddFlag("--allow-default", options->allowDefault,
-                    "Render a document that cannot be read as the default clip");
-    command.AddFlag("--dry-run", options->dryRun,
-                    "Only say what would be written, and what of the clip the file would not say");
-    command.AddFlag("-q,--quiet", options->quiet, "No progress bar and no closing line");
-    command.AddFlag("--no-progress", options->noProgress, "No progress bar");
-    command.AddExample("tessel render clip.tessel -o clip.mkv", "Lossless: everything kept");
-    command.AddExample("tessel render clip.tessel -o clip.mov", "For an editor");
-    command.AddExample("tessel render clip.tessel -o out/%06d.exr --frames 3", "Pictures, float bit for bit");
-    command.AddExample("tessel render clip.tessel -o clip.mp4 --video-codec hevc --quality 20",
-                       "H.265, with a CRF of 20");
-    command.AddExample("tessel render clip.tessel samples/short.tessel -o out/ --format mov",
-                       "Several clips into a folder");
-    command.AddExample("tessel render clip.tessel -o clip.mxf --dry-run",
-                       "What would be written, and what lost");
-    command.OnRun([options, &context] { RunRender(*options, context); });
 }
 
 } // namespace tessel::cli

@@ -1,8 +1,9 @@
 /// `tessel verify`: what became of a clip on its way.
 
-#include "CommandLine.h"
 #include "Commands.h"
 #include "WholeText.h"
+#include "help/NearMisses.h"
+#include "movies/MovieCommands.h"
 
 #include <tessel/export/Progress.h>
 #include <tessel/export/SignalSource.h>
@@ -27,35 +28,20 @@
 namespace tessel::cli {
 namespace {
 
-using verify::Report;
+using Options = VerifyOptions;
 
-/// The command line as typed.
-struct Options {
-    std::string clip;
-    std::string movie;
-    std::vector<std::string> only;
-    std::vector<std::string> accept;
-    std::vector<std::string> tolerances;
-    std::string fidelity = "some";
-    std::string junit;
-    std::string html;
-    bool asJson = false;
-    bool isQuiet = false;
-    bool isStrict = false;
-    bool printList = false;
-    bool printSchema = false;
-    std::string visible;
-    bool allowDefault = false;
-    bool noProgress = false;
-    int threads = 0;
-};
+using verify::Report;
 
 const verify::CheckInfo& CheckNamed(const std::string& option, const std::string& name)
 {
     const verify::CheckInfo* check = verify::FindCheck(name);
     if (check == nullptr) {
-        throw UsageError(
-            fmt::format("{} {}: there is no such check; tessel verify --list names all", option, name));
+        std::vector<std::string> names;
+        for (const verify::CheckInfo& known : verify::Catalogue()) {
+            names.emplace_back(known.id);
+        }
+        throw UsageError(fmt::format("{} {}: there is no such check; tessel verify --list names all{}", option,
+                                     name, DidYouMean(name, names)));
     }
     return *check;
 }
@@ -186,7 +172,9 @@ void PrintVisible(const Options& options, Context& context)
     WriteOut(options.asJson ? verify::ReportAsJson(report) : text);
 }
 
-void RunVerify(const Options& options, Context& context)
+} // namespace
+
+void RunVerify(const VerifyOptions& options, Context& context)
 {
     if (options.printList || options.printSchema) {
         if (!options.clip.empty()) {
@@ -207,62 +195,6 @@ void RunVerify(const Options& options, Context& context)
         throw UsageError("verify needs a clip and a movie: tessel verify clip.tessel movie.mp4");
     }
     RunComparison(options, context);
-}
-
-} // namespace
-
-void AddVerifyCommand(CommandLine& commandLine, Context& context)
-{
-    const auto options = std::make_shared<Options>();
-    const Command command =
-        commandLine.AddCommand("verify", "Compare a movie that came back with its clip, and name what differs");
-    command.AddOption("CLIP", options->clip, "The clip that was sent").TakesFile(FileKind::Clip);
-    command
-        .AddOption("MOVIE", options->movie,
-                   "What came back: a movie, a sound file, - for standard input, or pictures with a number in "
-                   "their name, as in out/%06d.png")
-        .TakesFile(FileKind::Any);
-    command.AddFlag("--json", options->asJson, "Print the report as JSON (see --schema)");
-    command.AddOption("--junit", options->junit, "Also write the report as JUnit's XML")
-        .ValueName("FILE")
-        .TakesFile(FileKind::Any);
-    command.AddOption("--html", options->html, "Also write the report as one page with pictures")
-        .ValueName("FILE")
-        .TakesFile(FileKind::Any);
-    command.AddFlag("-q,--quiet", options->isQuiet, "Print nothing; the exit code tells");
-    command.AddOption("--only", options->only, "Judge this check alone; may be given several times")
-        .OneEach()
-        .ValueName("ID");
-    command.AddOption("--accept", options->accept, "This fault is fine; may be given several times")
-        .OneEach()
-        .ValueName("ID");
-    command
-        .AddOption("--tolerance", options->tolerances,
-                   "What is still fine, instead of the codec's default, as in color.gain=0.05")
-        .OneEach()
-        .ValueName("NAME=VALUE");
-    command.AddFlag("--strict", options->isStrict,
-                    "What the container or codec cannot say or carry is a fault too");
-    command
-        .AddChoice("--fidelity", options->fidelity, {"some", "all"},
-                   "Measure PSNR and SSIM of some pictures or of all")
-        .ShowDefault();
-    command.AddFlag("--list", options->printList, "Print all checks: name, severity, what makes it visible");
-    command.AddOption("--visible", options->visible, "Print what this clip can show and what it cannot")
-        .ValueName("CLIP")
-        .TakesFile(FileKind::Clip);
-    command.AddFlag("--schema", options->printSchema, "Print the JSON schema of --json");
-    command.AddFlag("--allow-default", options->allowDefault,
-                    "Compare with the default clip where the document cannot be read");
-    command.AddFlag("--no-progress", options->noProgress, "No progress bar");
-    command.AddNumber("--threads", options->threads, 1, "Threads to use; all cores where not said");
-    command.SetDescription(
-        "Exit code: 0 as expected, 3 not as expected, 4 undecided or nothing could be compared, 1 the "
-        "work failed, 2 the command line is wrong.");
-    command.AddExample("tessel render clip.tessel -o clip.mov && tessel verify clip.tessel clip.mov",
-                       "A clip and what became of it");
-    command.AddExample("tessel verify --list", "All checks");
-    command.OnRun([options, &context] { RunVerify(*options, context); });
 }
 
 } // namespace tessel::cli

@@ -7,6 +7,7 @@
 
 #include <tessel/document/SettingHint.h>
 #include <tessel/export/convert/FrameConverter.h>
+#include <tessel/export/encode/Digests.h>
 #include <tessel/export/encode/MovieWriter.h>
 #include <tessel/export/encode/VideoEncoder.h>
 #include <tessel/export/files/Interrupt.h>
@@ -42,10 +43,14 @@ void Report(const RenderJob& job, std::int64_t done, std::int64_t total, const c
 /// Feeds a writer with the samples of a span.
 class SoundTrack {
 public:
-    SoundTrack(const SignalSource& source, const AudioPlan& plan)
+    /// @param record  may be null
+    SoundTrack(const SignalSource& source, const AudioPlan& plan, const RenderRecord* record)
         : mPlan(plan), mReader(source, plan.sampleRate, source.Description().channelCount),
           mChannels(plan.hostChannels.size())
     {
+        if (record != nullptr && record->sound) {
+            mHasher.emplace(plan, record->algorithm, record->sound);
+        }
     }
 
     void StartAt(std::int64_t position) noexcept { mPosition = position; }
@@ -59,16 +64,48 @@ public:
                 mChannels[i] = mReader.Channel(mPlan.hostChannels[i]);
             }
             writer.WriteSamples(mChannels, count, mPosition);
+            if (mHasher) {
+                mHasher->Add(mChannels, count, mPosition);
+            }
             mPosition += count;
+        }
+    }
+
+    void Finish()
+    {
+        if (mHasher) {
+            mHasher->Finish();
         }
     }
 
 private:
     AudioPlan mPlan;
+    std::optional<SoundHasher> mHasher;
     AudioBlockReader mReader;
     std::vector<const float*> mChannels;
     std::int64_t mPosition = 0;
 };
+
+/// A picture, and what a record wants to know of it.
+struct MadePicture {
+    Picture picture;
+    PictureDigests digests;
+};
+
+void Tell(const RenderJob& job, std::int64_t index, const PictureDigests& digests)
+{
+    if (job.record != nullptr && job.record->picture) {
+        job.record->picture(index, digests);
+    }
+}
+
+void TellEnd(const RenderJob& job)
+{
+    StopIfInterrupted();
+    if (job.record != nullptr && job.record->beforeCommit) {
+        job.record->beforeCommit();
+    }
+}
 
 /// Results that wait for their turn: enough that no thread idles, few enough that pictures fit into memory.
 std::int64_t QueueLength(int threadCount) noexcept
@@ -96,29 +133,41 @@ std::vector<std::function<Result(std::int64_t)>> MakersFor(const SignalSource& s
 /// the last one it gives the same picture again. Threads: one object, one thread at a time.
 class FrameReader {
 public:
-    FrameReader(const SignalSource& source, const Conversion& conversion)
-        : mSource(source), mConverter(conversion)
+    /// @param record  may be null
+    FrameReader(const SignalSource& source, const VideoPlan& plan, const RenderRecord* record)
+        : mSource(source), mConverter(plan.conversion)
     {
+        if (record != nullptr && record->digestsCoded) {
+            mCodedHasher.emplace(plan, record->algorithm);
+        }
+        if (record != nullptr && record->digestsPainted) {
+            mPaintedHasher.emplace(record->algorithm);
+        }
     }
 
-    [[nodiscard]] Picture Read(std::int64_t frame)
+    [[nodiscard]] const MadePicture& Read(std::int64_t frame)
     {
-        if (mPicture && mSource.Description().isStill) {
-            return *mPicture;
+        if (mMade && mSource.Description().isStill) {
+            return *mMade;
         }
         FrameView view = mSource.RenderFrame(frame);
-        if (!mPicture || !IsSameFrame(mFrame, view)) {
-            mPicture = mConverter.Convert(view);
+        if (!mMade || !IsSameFrame(mFrame, view)) {
+            MadePicture made{mConverter.Convert(view), {}};
+            made.digests.coded = mCodedHasher ? mCodedHasher->Of(made.picture) : Digest{};
+            made.digests.painted = mPaintedHasher ? DigestOf(view, *mPaintedHasher) : Digest{};
+            mMade = std::move(made);
             mFrame = std::move(view);
         }
-        return *mPicture;
+        return *mMade;
     }
 
 private:
     const SignalSource& mSource;
     FrameConverter mConverter;
+    std::optional<PictureHasher> mCodedHasher;
+    std::optional<Hasher> mPaintedHasher;
     FrameView mFrame; ///< the last one that was converted
-    std::optional<Picture> mPicture;
+    std::optional<MadePicture> mMade;
 };
 
 /// Makes the pictures of a file, one after the other; owns a converter. Threads: [any-thread].
@@ -128,24 +177,24 @@ public:
         : mFirst(job.frames.first), mDetour(detour)
     {
         if (detour.picture) {
-            // A detour may write into its pictures: each is a new one.
+            // A detour may write into its pictures: each is a new one. Records are for clips as they are.
             mClean = [&source, converter = std::make_shared<FrameConverter>(plan.video->conversion)](
                          std::int64_t frame) { return converter->Convert(source.RenderFrame(frame)); };
         } else {
-            mClean = [reader = std::make_shared<FrameReader>(source, plan.video->conversion)](
-                         std::int64_t frame) { return reader->Read(frame); };
+            mReader = std::make_shared<FrameReader>(source, *plan.video, job.record);
         }
     }
 
-    [[nodiscard]] Picture operator()(std::int64_t index) const
+    [[nodiscard]] MadePicture operator()(std::int64_t index) const
     {
-        return mDetour.picture ? mDetour.picture(index, mClean) : mClean(mFirst + index);
+        return mReader ? mReader->Read(mFirst + index) : MadePicture{mDetour.picture(index, mClean), {}};
     }
 
 private:
     std::int64_t mFirst;
     const Detour& mDetour;
     Detour::CleanPicture mClean;
+    std::shared_ptr<FrameReader> mReader; ///< where there is no detour
 };
 
 /// A container that writes nothing needs no file either.
@@ -169,14 +218,15 @@ std::int64_t RenderSoundOnly(const SignalSource& source, const RenderJob& job, c
     const std::int64_t end =
         StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount, {0, end - start});
-    SoundTrack sound(source, *plan.audio);
+    SoundTrack sound(source, *plan.audio, job.record);
     sound.StartAt(start);
     const std::int64_t second = plan.audio->sampleRate;
     for (std::int64_t position = start; position < end; position += second) {
         sound.WriteTo(std::min(position + second, end), writer);
         Report(job, (position - start) / second, (end - start + second - 1) / second, "seconds");
     }
-    StopIfInterrupted();
+    sound.Finish();
+    TellEnd(job);
     return writer.Finish();
 }
 
@@ -188,7 +238,7 @@ std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const
     std::int64_t soundStart = 0;
     std::int64_t soundEnd = 0;
     if (plan.audio) {
-        sound.emplace(source, *plan.audio);
+        sound.emplace(source, *plan.audio, job.record);
         soundStart = StartSample(job.frames.first, clip, *plan.audio);
         sound->StartAt(soundStart);
         soundEnd =
@@ -196,11 +246,12 @@ std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const
     }
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount,
                        {job.frames.count, soundEnd - soundStart});
-    auto makers = MakersFor<Picture>(source, job, [&] { return PictureMaker(source, job, plan, detour); });
-    OrderedPipeline<Picture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
-    for (std::int64_t index = 0; const std::optional<Picture> picture = pictures.Take(); ++index) {
+    auto makers = MakersFor<MadePicture>(source, job, [&] { return PictureMaker(source, job, plan, detour); });
+    OrderedPipeline<MadePicture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
+    for (std::int64_t index = 0; const std::optional<MadePicture> made = pictures.Take(); ++index) {
         const std::int64_t time = detour.pictureTime ? detour.pictureTime(index) : index;
-        writer.WritePicture(*picture, detour.startFrames + time);
+        writer.WritePicture(made->picture, detour.startFrames + time);
+        Tell(job, index, made->digests);
         if (sound) {
             const std::int64_t next = StartSample(job.frames.first + index + 1, clip, *plan.audio);
             sound->WriteTo(std::min(next, soundEnd), writer);
@@ -209,8 +260,9 @@ std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const
     }
     if (sound) {
         sound->WriteTo(soundEnd, writer);
+        sound->Finish();
     }
-    StopIfInterrupted();
+    TellEnd(job);
     return writer.Finish();
 }
 
@@ -219,7 +271,7 @@ using File = std::shared_ptr<const Bytes>;
 
 /// A picture and the file that it became. Pictures that stand still are encoded once by each thread.
 struct EncodedPicture {
-    Picture picture;
+    MadePicture made;
     File file;
 };
 
@@ -228,30 +280,32 @@ std::int64_t RenderSequence(const SignalSource& source, const RenderJob& job, co
                             const Detour& detour)
 {
     SequenceWriter writer(job.target, job.frames.count);
-    auto makers = MakersFor<File>(source, job, [&] {
+    auto makers = MakersFor<EncodedPicture>(source, job, [&] {
         std::shared_ptr<VideoEncoder> encoder = VideoEncoder::Make(*plan.video, /*threadCount=*/1);
         const auto last = std::make_shared<EncodedPicture>();
         return [maker = PictureMaker(source, job, plan, detour), encoder, last](std::int64_t index) {
-            Picture picture = maker(index);
-            if (!last->file || !IsSamePicture(last->picture, picture)) {
+            MadePicture made = maker(index);
+            if (!last->file || !IsSamePicture(last->made.picture, made.picture)) {
                 auto file = std::make_shared<Bytes>();
-                encoder->Encode(picture, index, [&file](const AVPacket& packet) {
+                encoder->Encode(made.picture, index, [&file](const AVPacket& packet) {
                     const auto* bytes = reinterpret_cast<const std::byte*>(packet.data);
                     file->insert(file->end(), bytes, bytes + packet.size);
                 });
-                *last = {std::move(picture), std::move(file)};
+                last->file = std::move(file);
             }
-            return last->file;
+            last->made = std::move(made);
+            return *last;
         };
     });
     std::int64_t size = 0;
-    OrderedPipeline<File> files(job.frames.count, std::move(makers), QueueLength(job.threadCount));
-    for (std::int64_t index = 0; const std::optional<File> file = files.Take(); ++index) {
-        writer.Write(**file, job.frames.first + index);
-        size += static_cast<std::int64_t>((*file)->size());
+    OrderedPipeline<EncodedPicture> pictures(job.frames.count, std::move(makers), QueueLength(job.threadCount));
+    for (std::int64_t index = 0; const std::optional<EncodedPicture> encoded = pictures.Take(); ++index) {
+        writer.Write(*encoded->file, job.frames.first + index);
+        size += static_cast<std::int64_t>(encoded->file->size());
+        Tell(job, index, encoded->made.digests);
         Report(job, index + 1, job.frames.count, "frames");
     }
-    StopIfInterrupted();
+    TellEnd(job);
     writer.Finish();
     return size;
 }

@@ -3,6 +3,7 @@
 
 #include "AskedSource.h"
 #include "Progress.h"
+#include "RenderRecord.h"
 #include "SignalSource.h"
 
 #include <tessel/export/convert/Picture.h>
@@ -36,6 +37,7 @@ struct RenderJob {
     FrameRange frames;
     int threadCount = 1;                  ///< for synthesis, conversion and codecs
     ProgressListener* progress = nullptr; ///< may be null
+    const RenderRecord* record = nullptr; ///< null: nobody wants to know
 };
 
 /// A render whose plan is made, and can be looked at before it runs. Borrows the source.
@@ -45,6 +47,9 @@ public:
     PlannedRender(const SignalSource& source, const RenderJob& job);
 
     [[nodiscard]] const OutputPlan& Plan() const noexcept { return mPlan; }
+
+    /// Whom the run tells of its pictures and samples; null: nobody. Borrowed until it has run.
+    void Tell(const RenderRecord* record) noexcept { mJob.record = record; }
 
     /// As `Render`.
     std::int64_t Run() const;

@@ -122,6 +122,7 @@ class Help(ProgramTest):
                                 (["render", clip, "-o", "x.mov", "--format", "mvo"], "did you mean 'mov'?"),
                                 (["render", clip, "-o", "x.mov", "--video-codec", "h246"], "did you mean 'h264'?"),
                                 (["render", clip, "-o", "x.mov", "--audio-codec", "pcm25"], "did you mean 'pcm24'?"),
+                                (["verify", clip, "x.mov", "--only", "color.gian"], "did you mean 'color.gain'?"),
                                 (["edit", clip, "--theme", "drak"], "did you mean 'dark'?")):
             with self.subTest(arguments=arguments):
                 self.assert_failed(self.run_program(*arguments), 2, says)

@@ -405,6 +405,18 @@ class Lists(DocumentTest):
             for name in names:
                 self.assertTrue(re.fullmatch(r"[a-z0-9][a-z0-9.-]*", name), name)
 
+    def test_every_rate_and_ident_of_the_dialog_is_listed(self):
+        self.write("clip.tessel", document())
+        self.write("dump.script", f'dump "{self.path("state.json")}"\npress cancelButton\n')
+        self.run_program("edit", "clip.tessel", "--script", "dump.script", environment={"KESTREL_UI": "scripted"})
+        with open(self.path("state.json"), encoding="utf-8") as file:
+            text = file.read()
+        rates = set(re.findall(r'"[^"]*?([0-9.]+) fps', text))
+        self.assertGreaterEqual(len(rates), 14)
+        self.assertLessEqual(rates, {row["name"] for row in self.listed("frame-rates")})
+        stereo = {row["title"] for row in self.listed("idents") if row["channels"] == 2}
+        self.assertEqual({title for title in stereo if title in text}, stereo)
+
     def test_wrong_subjects_are_told_from_right_ones(self):
         self.assert_failed(self.run_program("list", "codec"), 2, "SUBJECT", "did you mean 'codecs'?")
         self.assert_failed(self.run_program("list"), 2, "SUBJECT is missing")

@@ -26,6 +26,9 @@ public:
     /// once.
     [[nodiscard]] std::int64_t SamplesPerPacket() const noexcept;
 
+    /// Whether all packets but the last have the same number of samples.
+    [[nodiscard]] bool HasPacketLength() const noexcept { return mContext->frame_size > 0; }
+
     /// @param channels       in the file's order, `count` samples each
     /// @param clipPosition   of the first one, in samples from the clip's start
     void Encode(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition,
