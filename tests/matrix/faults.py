@@ -79,7 +79,7 @@ FAULTS = [
     one("geometry.cropped=8:0:4:0", "gradient", Near(8)),
     one("geometry.padded=16", "gradient", Near(16)),
     one("geometry.shifted=2.5", "gradient", Near(2.5)),
-    one("geometry.shifted=0:-3", "gradient", Near(3)),
+    one("geometry.shifted=0:-3", "gradient", Near(-3)),
     one("geometry.flipped=left-right", "gradient", Text("horizontal")),
     one("geometry.flipped=top-bottom", "gradient", Text("vertical")),
     one("geometry.rotated=90", "gradient", Near(90)),
@@ -128,9 +128,9 @@ FAULTS = [
     one("audio.gain=3", "tone", Near(3), carriers=SOUND),
     one("audio.silence=0", "stereo", carriers=SOUND),
     one("audio.silence=2", "surround", carriers=SOUND),
-    # A quarter of full scale is cut at -24 dBFS, half of the tone's peak.
-    one("audio.clipping=-24", "tone", Near(-24, 0.1), carriers=SOUND),
-    one("audio.dc=0.01", "tone", Near(decibels(0.01)), carriers=SOUND),
+    # Half of the tone's peak, which is -18.06 dBFS.
+    one("audio.clipping=-24", "tone", Text("-24", "-23.9"), carriers=SOUND),
+    one("audio.dc=0.01", "tone", Near(decibels(0.01), 0.001), carriers=SOUND),
     one("audio.noise=-60", "tone", Near(-60), carriers=SOUND),
     one("audio.harmonics=1", "tone", Near(decibels(0.01), 0.2), carriers=SOUND),
     one("audio.pitch=4", "tone", Near(1.04), carriers=SOUND),
