@@ -25,9 +25,11 @@ class Foreign:
         self.extension = extension
 
     def make(self, tools, base):
-        clip, sent, returned = tools.clip(self.clip), base + ".sent.mkv", base + self.extension
+        # The chart is float R'G'B', which filters of Y'CbCr codes take as v210.
+        kind, codec = (".mov", "v210") if self.clip == "chart" else (".mkv", "ffv1")
+        clip, sent, returned = tools.clip(self.clip), base + ".sent" + kind, base + self.extension
         try:
-            tools.render(clip, sent, ("--video-codec", "ffv1"))
+            tools.render(clip, sent, ("--video-codec", codec))
             tools.make([word.replace("{in}", sent).replace("{out}", returned) for word in self.command])
         finally:
             tools.remove(sent)
@@ -45,6 +47,10 @@ def picture(name, clip, video_filter, expect, tags=TAGS, **more):
 
 def sound(name, clip, audio_filter, expect, **more):
     return ffmpeg(name, clip, ["-af", audio_filter, "-c:v", "copy"], expect, **more)
+
+
+def chart(name, video_filter, expect):
+    return picture(name, "chart", video_filter, expect, options=("--accept", "container.alpha"))
 
 
 def rgb(name, video_filter, expect):
@@ -86,10 +92,10 @@ FFMPEG = [
             tags=("-filter_threads", "1")),
     rgb("lutrgb gammaval", "format=gbrp,lutrgb=r=gammaval(0.4545):g=gammaval(0.4545):b=gammaval(0.4545)",
         {"color.transfer": Text("gamma 2.2")}),
-    picture("limiter", "chart", "limiter=min=64:max=940:planes=1", {"color.clipped": None}),
-    picture("format 4:2:0 and back", "chart", "format=yuv420p10le,format=yuv422p10le", {"color.subsampling": None}),
+    chart("limiter", "limiter=min=64:max=940:planes=1", {"color.clipped": None}),
+    chart("format 4:2:0 and back", "format=yuv420p10le,format=yuv422p10le", {"color.subsampling": None}),
     picture("format 8 bits and back", "gradient", "format=yuv422p,format=yuv422p10le", {"color.depth": Near(8)}),
-    picture("chromashift", "chart", "chromashift=cbh=2:crh=2:edge=smear", {"color.siting": None}),
+    chart("chromashift", "chromashift=cbh=2:crh=2:edge=smear", {"color.siting": None}),
     picture("lutrgb opaque", "alpha", "lutrgb=a=maxval", {"color.alpha": None}, tags=()),
     picture("premultiply", "alpha", "format=gbrap,premultiply=inplace=1", {"color.alpha": None}, tags=()),
     # Order and time.
@@ -104,7 +110,7 @@ FFMPEG = [
             {"order.frozen": Frames(11, 14, Near(4))}),
     picture("trim start", "gradient", "trim=start_frame=5,setpts=PTS-STARTPTS", {"order.head": Frames(0, 4)}),
     picture("trim end", "gradient", "trim=end_frame=25", {"order.tail": Frames(25, 29)}),
-    picture("fps 30", "gradient", "fps=30:round=down", {"order.cadence": Near(1.25, 0.01)}),
+    picture("fps 30", "gradient", f"settb=1/{RATE},setpts=N,fps=30", {"order.cadence": Near(1.25, 0.01)}),
     picture("framestep", "stereo", "framestep=2", {"order.cadence": Near(0.5, 0.01)}),
     picture("telecine", "stereo", "telecine=pattern=23", {"order.cadence": None}),
     picture("setpts", "gradient", f"setpts='(N+floor(N/10))/{RATE}/TB'", {"container.constant-rate": None},
