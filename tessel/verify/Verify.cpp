@@ -10,8 +10,12 @@
 #include <tessel/verify/judge/fields/FieldsJudge.h>
 #include <tessel/verify/judge/geometry/GeometryJudge.h>
 #include <tessel/verify/judge/order/OrderJudge.h>
+#include <tessel/verify/judge/sound/SoundJudge.h>
+#include <tessel/verify/judge/sound/SoundSampler.h>
+#include <tessel/verify/judge/sync/SyncJudge.h>
 #include <tessel/verify/read/Movie.h>
 #include <tessel/verify/reference/ClipPictures.h>
+#include <tessel/verify/reference/ClipSound.h>
 
 #include <fmt/format.h>
 
@@ -65,7 +69,7 @@ public:
           mColors(clip, mClip, mAligner.Numbers()), mGuessed(clip, mClip, mAligner.Numbers()),
           mDetail(clip, mClip), mGeometry(mAligner.Numbers()),
           mFields(clip, mClip, mPrintsNumbers ? &mAligner.Numbers() : nullptr), mTelling(clip, mClip),
-          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery)
+          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery), mSound(clip)
     {
     }
 
@@ -87,6 +91,7 @@ public:
 
     void Take(const read::Sound& sound)
     {
+        mSound.Take(sound);
         mSoundSamples += sound.channels.empty() ? 0 : static_cast<std::int64_t>(sound.channels.front().size());
     }
 
@@ -196,6 +201,16 @@ private:
             judge::JudgeColor({mClip, *mMovie.picture, mColors, detail.lostStep, detail.chromaOff}, findings);
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
         }
+        JudgeSound(alignment, findings);
+    }
+
+    void JudgeSound(const align::Alignment& alignment, Findings& findings)
+    {
+        const read::SoundFacts facts = mMovie.sound.value_or(read::SoundFacts{});
+        const double leastSamples = findings.Limits().Of(id::kAudioLost);
+        const judge::SoundEvidence sound = mSound.Finish(facts.bits, leastSamples);
+        judge::JudgeSound(sound, facts, findings);
+        judge::JudgeSync({mClip, mMovie, alignment, sound}, findings);
     }
 
     const VerifyJob& mJob;
@@ -211,9 +226,24 @@ private:
     judge::FieldSampler mFields;
     judge::TellingFrames mTelling;
     judge::FidelitySampler mFidelity;
+    judge::SoundSampler mSound;
     std::int64_t mPictureCount = 0;
     std::int64_t mSoundSamples = 0;
 };
+
+/// The clip's own sound, as long as the longest identification takes twice: what comes later is the same again.
+void TakeBeginning(reference::ClipSound clip, Inspection& inspection)
+{
+    const std::int64_t length = std::min<std::int64_t>(clip.Length(), 30 * std::int64_t{clip.SampleRate()});
+    for (std::int64_t at = 0; at < length; at += clip.SampleRate()) {
+        read::Sound sound;
+        sound.position = at;
+        sound.seconds = static_cast<double>(at) / clip.SampleRate();
+        sound.sampleRate = clip.SampleRate();
+        clip.Read(at, std::min<std::int64_t>(clip.SampleRate(), length - at), sound.channels);
+        inspection.Take(sound);
+    }
+}
 
 /// What a movie that loses nothing says of itself.
 read::MovieFacts PerfectMovie(const reference::ClipFacts& clip)
@@ -244,6 +274,7 @@ read::MovieFacts PerfectMovie(const reference::ClipFacts& clip)
         sound.codecClass = CodecClass::Lossless;
         sound.sampleRate = clip.sampleRate;
         sound.channels = clip.channels;
+        sound.bits = 24;
     }
     return movie;
 }
@@ -293,6 +324,9 @@ Report TellVisible(const exporting::SignalSource& clip, const std::string& clipN
             picture.seconds = facts.SecondsOf(frame);
             inspection.Take(picture);
         }
+    }
+    if (facts.channels > 0) {
+        TakeBeginning(reference::ClipSound(clip), inspection);
     }
     Report report = inspection.Finish();
     // What the frames between would have told is visible, too.

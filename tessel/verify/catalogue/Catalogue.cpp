@@ -275,7 +275,7 @@ constexpr std::array kChecks{
     CheckInfo{id::kAudioHarmonics, Minor, "Tones have no harmonics.", kTone, kUseSound, "dBc",
               Tolerance{-80, -70, -45}},
     CheckInfo{id::kAudioPitch, Major, "Tones have the clip's frequency.", kTone, kUseSound, "ratio",
-              Tolerance{0.0005, 0.0005, 0.0005}},
+              Tolerance{0.003, 0.003, 0.003}}, // 5 cents, which listeners begin to hear
     CheckInfo{id::kAudioDrift, Minor, "The sound runs as fast as the clip's.", kTone, "a clip of 10 s or more",
               "ppm", Tolerance{1, 1, 5}},
     CheckInfo{id::kAudioLost, Major, "No samples are missing.", kTone, kUseSound, "samples",
@@ -292,11 +292,16 @@ constexpr std::array kChecks{
               {}},
     CheckInfo{id::kAudioDownmix, Major, "No channels are mixed into others.", kIdent, kUseIdent, {}, {}},
     CheckInfo{id::kAudioUpmix, Major, "No channels are made from others.", kIdent, kUseIdent, {}, {}},
-    CheckInfo{
-        id::kAudioSegments, Major, "The identification's segments are in order.", kIdent, kUseIdent, {}, {}},
+    CheckInfo{id::kAudioSegments,
+              Major,
+              "The identification's segments are in order.",
+              "an identification of several frequencies",
+              "a BLITS identification",
+              {},
+              {}},
 
     CheckInfo{id::kSyncOffset, Major, "Sound and picture belong together.",
-              "a channel identification and printed numbers",
+              "beginnings and ends of tones: an identification",
               "a clip with a channel identification and printed numbers", "ms", Tolerance{1, 1, 3}},
     CheckInfo{id::kSyncDrift, Major, "Sound and picture stay together.",
               "a channel identification and printed numbers, some 10 s long",
@@ -324,7 +329,6 @@ constexpr std::array kOfRotated{id::kContainerSize,   id::kContainerAspect, id::
                                 id::kGeometryShifted, id::kGeometryFlipped, TESSEL_LIKENESS};
 constexpr std::array kOfMatrixTag{id::kColorMatrix, TESSEL_LIKENESS};
 constexpr std::array kOfRangeTag{id::kColorRange, TESSEL_LIKENESS};
-constexpr std::array kOfDepthTag{id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfRange{id::kColorClipped,    id::kColorGain,  id::kColorOffset,
                               id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
 constexpr std::array kOfGain{id::kColorClipped, id::kColorSaturation, id::kColorDepth, TESSEL_LIKENESS};
@@ -353,10 +357,23 @@ constexpr std::array kOfFields{
     id::kColorSaturation,   id::kColorHue,           TESSEL_LIKENESS};
 constexpr std::array kOfChannels{id::kContainerLayout};
 constexpr std::array kOfMix{id::kContainerChannels, id::kContainerLayout, id::kAudioOrder,
-                            id::kAudioGain,         id::kAudioSilence,    id::kAudioClipping};
+                            id::kAudioGain,         id::kAudioSilence,    id::kAudioClipping,
+                            id::kAudioPolarity,     id::kAudioDropout};
 constexpr std::array kOfPitch{id::kContainerDuration, id::kContainerSampleRate, id::kAudioDrift, id::kSyncDrift,
                               id::kSyncOffset};
+constexpr std::array kOfDrift{id::kSyncDrift, id::kSyncOffset, id::kContainerDuration};
 constexpr std::array kOfLostSound{id::kSyncOffset, id::kSyncDrift, id::kAudioDropout, id::kContainerDuration};
+// A bent or cut tone has harmonics, and what the fit does not know of them is noise.
+constexpr std::array kOfCut{id::kAudioGain, id::kAudioHarmonics, id::kAudioNoise, id::kAudioDc};
+constexpr std::array kOfNoise{id::kAudioHarmonics, id::kAudioDc};
+constexpr std::array kOfHarmonics{id::kAudioGain, id::kAudioNoise, id::kAudioDc};
+// Cutting bits off towards minus infinity moves the mean by half a step.
+constexpr std::array kOfSoundDepth{id::kAudioNoise, id::kAudioHarmonics, id::kAudioDc};
+constexpr std::array kOfContainerDepth{id::kColorDepth, id::kAudioDepth, TESSEL_LIKENESS};
+constexpr std::array kOfSegments{id::kAudioDropout, id::kAudioSilence};
+// Silence put before the sound makes it longer; the movie's times say that it starts later.
+constexpr std::array kOfSyncOffset{id::kContainerDuration, id::kContainerStart, id::kSyncDrift};
+constexpr std::array kOfSyncDrift{id::kContainerDuration, id::kSyncOffset};
 #undef TESSEL_LIKENESS
 
 struct Causes {
@@ -374,7 +391,7 @@ constexpr std::array kCauses{
     Causes{id::kContainerRate, kOfRate},
     Causes{id::kContainerMatrix, kOfMatrixTag},
     Causes{id::kContainerRange, kOfRangeTag},
-    Causes{id::kContainerDepth, kOfDepthTag},
+    Causes{id::kContainerDepth, kOfContainerDepth},
     Causes{id::kContainerConstantRate, kOfConstantRate},
     Causes{id::kContainerChannels, kOfChannels},
     Causes{id::kOrderMissing, kOfMissing},
@@ -410,6 +427,14 @@ constexpr std::array kCauses{
     Causes{id::kAudioPitch, kOfPitch},
     Causes{id::kAudioLost, kOfLostSound},
     Causes{id::kAudioInserted, kOfLostSound},
+    Causes{id::kAudioDrift, kOfDrift},
+    Causes{id::kAudioClipping, kOfCut},
+    Causes{id::kAudioNoise, kOfNoise},
+    Causes{id::kAudioHarmonics, kOfHarmonics},
+    Causes{id::kAudioDepth, kOfSoundDepth},
+    Causes{id::kAudioSegments, kOfSegments},
+    Causes{id::kSyncOffset, kOfSyncOffset},
+    Causes{id::kSyncDrift, kOfSyncDrift},
 };
 
 std::string ToleranceText(const CheckInfo& check)

@@ -102,9 +102,10 @@ private:
     /// What the movie cannot say: a note, or a fault for the strict.
     void Unsayable(std::string_view id, const std::string& what, const std::string& expected)
     {
+        const bool isSound = !mMovie.picture || id == id::kContainerLayout;
         const std::string line =
             fmt::format("{} with {} cannot {} ({})", mMovie.container.substr(0, mMovie.container.find(',')),
-                        mMovie.picture ? mMovie.picture->codec : mMovie.sound->codec, what, expected);
+                        isSound ? mMovie.sound->codec : mMovie.picture->codec, what, expected);
         if (mGiven.isStrict) {
             Fault(id, line, expected, std::string("cannot be said"));
         } else {
@@ -407,6 +408,20 @@ private:
                   static_cast<double>(mClip.sampleRate), static_cast<double>(sound.sampleRate));
         }
         JudgeLayout(sound);
+        JudgeSoundDepth(sound);
+    }
+
+    /// The clip's samples are floats: 24 bits of them are what sound files of whole numbers have at best.
+    void JudgeSoundDepth(const read::SoundFacts& sound)
+    {
+        constexpr int kBits = 24;
+        if (sound.bits == 0 || sound.bits >= kBits) {
+            mFindings.AsExpected(id::kContainerDepth); // lossy codecs have no bits to speak of
+        } else {
+            Fault(id::kContainerDepth,
+                  fmt::format("samples of the sound have {} bits, not {}", sound.bits, kBits),
+                  static_cast<double>(kBits), static_cast<double>(sound.bits));
+        }
     }
 
     void JudgeLayout(const read::SoundFacts& sound)
@@ -415,8 +430,19 @@ private:
                                      : mClip.channels == 2 ? "stereo"
                                      : mClip.channels == 6 ? "5.1"
                                                            : "";
-        if (expected.empty() || sound.channels != mClip.channels || sound.layout.empty()) {
+        if (expected.empty() || sound.channels != mClip.channels || mMovie.soundStreams > 1) {
             mFindings.NotVisible(id::kContainerLayout);
+            return;
+        }
+        if (sound.layout.empty()) {
+            if (mClip.channels <= 2) {
+                mFindings.AsExpected(id::kContainerLayout); // readers take it for mono or stereo
+            } else if (!mMovie.sayable.layout) {
+                Unsayable(id::kContainerLayout, "say the channel layout", expected);
+            } else {
+                Fault(id::kContainerLayout, fmt::format("the channel layout is not said; it is {}", expected),
+                      expected, std::string("not said"));
+            }
             return;
         }
         FaultUnless(sound.layout.substr(0, expected.size()) == expected, id::kContainerLayout,
@@ -448,11 +474,31 @@ private:
             return;
         }
         if (std::abs(found - expected) <= uncertainty) {
-            mFindings.AsExpected(id::kContainerDuration);
+            JudgeSoundDuration(expected, frame);
             return;
         }
         Finding& finding = mFindings.Fault(
             id::kContainerDuration, fmt::format("the movie lasts {:.3f} s, not {:.3f} s", found, expected));
+        finding.expected = expected;
+        finding.found = found;
+        finding.uncertainty = uncertainty;
+    }
+
+    /// The pictures are all there: the sound shall be as long.
+    void JudgeSoundDuration(double expected, double frame)
+    {
+        const bool hasSound = mMovie.sound && mMovie.sound->sampleRate > 0 && mClip.channels > 0;
+        const double found =
+            hasSound ? static_cast<double>(mGiven.soundSamples) / mMovie.sound->sampleRate : expected;
+        const double uncertainty =
+            hasSound && mMovie.sound->codecClass != CodecClass::Lossless ? 0.15 : frame / 2;
+        if (std::abs(found - expected) <= uncertainty) {
+            mFindings.AsExpected(id::kContainerDuration);
+            return;
+        }
+        Finding& finding =
+            mFindings.Fault(id::kContainerDuration,
+                            fmt::format("the sound lasts {:.3f} s, the pictures {:.3f} s", found, expected));
         finding.expected = expected;
         finding.found = found;
         finding.uncertainty = uncertainty;

@@ -1,0 +1,134 @@
+#include "SyncJudge.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace tessel::verify::judge {
+namespace {
+
+/// Drift is told from so much on.
+constexpr double kLeastSeconds = 2;
+
+/// By how much the pictures come late: `late` seconds at time `at`, growing by `drift` seconds per second.
+struct PictureTime {
+    double at = 0;
+    double late = 0;
+    double drift = 0;
+    double driftSigma = 0;
+    double span = 0; ///< seconds between the first and the last picture that tell
+    bool isByNumber = false;
+};
+
+/// Pictures whose frame is known by what they show; else the first one's time.
+PictureTime TimeOfPictures(const SyncCase& given)
+{
+    PictureTime time;
+    const std::string kind = given.movie.container.substr(0, given.movie.container.find(','));
+    const bool isFree = kind == "mpegts" || kind == "mpeg" || kind == "rtp" || kind == "rtsp";
+    time.late = isFree ? given.movie.startSeconds.value_or(0.0) : 0.0;
+    const auto method = given.alignment.method;
+    if (!given.clip.hasPicture || (method != AlignmentMethod::Number && method != AlignmentMethod::Color)) {
+        if (isFree && !given.alignment.pictures.empty()) {
+            time.late = given.alignment.pictures.front().seconds.value_or(time.late);
+        }
+        return time;
+    }
+    std::vector<double> at;
+    std::vector<double> late;
+    for (const align::PictureRecord& picture : given.alignment.pictures) {
+        if (picture.frame >= 0 && picture.seconds) {
+            at.push_back(*picture.seconds);
+            late.push_back(*picture.seconds - given.clip.SecondsOf(picture.frame));
+        }
+    }
+    if (at.empty()) {
+        return time;
+    }
+    time.isByNumber = true;
+    // Times are rounded to the container's unit: a second's mean tells better than one picture.
+    const std::size_t head = std::clamp<std::size_t>(at.size() / 4, 1, 30);
+    std::vector<double> first(late.begin(), late.begin() + static_cast<std::ptrdiff_t>(head));
+    std::nth_element(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(head / 2), first.end());
+    time.late = first[head / 2];
+    time.at = at.front();
+    time.span = at.back() - at.front();
+    const auto count = static_cast<double>(at.size());
+    double meanAt = 0;
+    double meanLate = 0;
+    for (std::size_t i = 0; i < at.size(); ++i) {
+        meanAt += at[i] / count;
+        meanLate += late[i] / count;
+    }
+    double xx = 0;
+    double xy = 0;
+    for (std::size_t i = 0; i < at.size(); ++i) {
+        xx += (at[i] - meanAt) * (at[i] - meanAt);
+        xy += (at[i] - meanAt) * (late[i] - meanLate);
+    }
+    if (xx > 0) {
+        time.drift = xy / xx;
+        double rest = 0;
+        for (std::size_t i = 0; i < at.size(); ++i) {
+            const double off = late[i] - meanLate - time.drift * (at[i] - meanAt);
+            rest += off * off;
+        }
+        // Rounding errs the same way for many pictures: as if only one in ten told something new.
+        time.driftSigma = std::sqrt(rest / count / xx * 10);
+    }
+    return time;
+}
+
+} // namespace
+
+void JudgeSync(const SyncCase& given, Findings& findings)
+{
+    const SoundEvidence& sound = given.sound;
+    if (sound.trouble != SoundTrouble::None) {
+        findings.NotVisible(id::kSyncOffset);
+        findings.NotVisible(id::kSyncDrift);
+        return;
+    }
+    const TimeMap& map = sound.map;
+    const PictureTime pictures = TimeOfPictures(given);
+    const bool hasFrames = given.clip.rate.numerator > 0;
+    if (!map.hasEdges) {
+        findings.NotVisible(id::kSyncOffset,
+                            "a channel identification (a steady tone tells only where it starts)");
+    } else {
+        // Sound of time t is the clip's of tempo × t + shift, so it is late by what is left.
+        const double at = std::max(pictures.at, sound.movie.start);
+        const double late = (at - map.tempo * at - map.pieces.front().shift) - pictures.late -
+                            pictures.drift * (at - pictures.at);
+        const double unit =
+            given.movie.picture && pictures.isByNumber ? given.movie.picture->timeUnitSeconds : 0;
+        const double uncertainty = std::min(3 * map.sigma + unit / 2 + 0.5 / sound.movie.rate, 1.0);
+        const double frames = hasFrames ? std::abs(late) * given.clip.rate.Value() : 0;
+        std::string text =
+            fmt::format("the sound is {:.1f} ms {}", std::abs(late) * 1000, late > 0 ? "late" : "early");
+        if (hasFrames && given.clip.hasPicture) {
+            text += fmt::format(" ({:.2f} frames at {:.6g} per second)", frames, given.clip.rate.Value());
+        }
+        if (!pictures.isByNumber) {
+            text += ", by the movie's times";
+        }
+        static_cast<void>(findings.Judge(id::kSyncOffset, {0, late * 1000, uncertainty * 1000}, text));
+    }
+    const double drift = (1 - map.tempo) - pictures.drift;
+    const double sigma = std::hypot(map.tempoSigma, pictures.driftSigma);
+    const double seconds = given.sound.mix.seconds;
+    if (map.tempoSigma <= 0 || !pictures.isByNumber || seconds < kLeastSeconds ||
+        3 * sigma * 1e6 > findings.Limits().Of(id::kSyncDrift)) {
+        findings.NotVisible(id::kSyncDrift);
+        return;
+    }
+    static_cast<void>(
+        findings.Judge(id::kSyncDrift, {0, drift * 1e6, 3 * sigma * 1e6},
+                       fmt::format("the sound {} the picture by {:.2f} ms a second",
+                                   drift > 0 ? "falls behind" : "runs ahead of", std::abs(drift) * 1000)));
+}
+
+} // namespace tessel::verify::judge
