@@ -208,7 +208,7 @@ private:
     {
         const read::SoundFacts facts = mMovie.sound.value_or(read::SoundFacts{});
         const double leastSamples = findings.Limits().Of(id::kAudioLost);
-        const judge::SoundEvidence sound = mSound.Finish(facts.bits, leastSamples);
+        const judge::SoundEvidence sound = mSound.Finish(facts, leastSamples);
         judge::JudgeSound(sound, facts, findings);
         judge::JudgeSync({mClip, mMovie, alignment, sound}, findings);
     }

@@ -282,6 +282,9 @@ void AddSoundFacts(MovieFacts& facts, const AVFormatContext& /*input*/, const AV
     sound.sampleRate = codec.sample_rate;
     sound.channels = codec.ch_layout.nb_channels;
     sound.layout = LayoutName(codec.ch_layout);
+    if (sound.layout.empty()) {
+        sound.layout = LayoutName(stream.codecpar->ch_layout); // what was learnt of the stream's first data
+    }
     sound.bits = sound.codecClass == CodecClass::Lossless
                      ? std::max(codec.bits_per_raw_sample, av_get_exact_bits_per_sample(codec.codec_id))
                      : 0;

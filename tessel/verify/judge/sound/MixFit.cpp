@@ -39,8 +39,9 @@ const ToneRun* Steady(const SoundTrack& track, std::size_t channel, double secon
 
 class Fitting {
 public:
-    Fitting(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map)
-        : mClip(clip), mMovie(movie), mMap(map), mSources(static_cast<Eigen::Index>(clip.channels.size())),
+    Fitting(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, LfeBand band)
+        : mClip(clip), mMovie(movie), mMap(map), mBand(band),
+          mSources(static_cast<Eigen::Index>(clip.channels.size())),
           mChannels(static_cast<Eigen::Index>(movie.channels.size()))
     {
     }
@@ -147,7 +148,10 @@ private:
         }
         for (std::size_t channel = 0; channel < mMovie.channels.size(); ++channel) {
             const ToneRun* run = Steady(mMovie, channel, seconds, kMargin / 2);
-            if (run == nullptr || run->isOther) {
+            constexpr double kLfeTop = 120; // Hz
+            const bool isCut = mBand == LfeBand::Low && mMovie.channels.size() == 6 && channel == 3 &&
+                               mMovie.frequencies[tone] > kLfeTop;
+            if (run == nullptr || run->isOther || isCut) {
                 continue;
             }
             moment.isKnown[channel] = true;
@@ -279,6 +283,7 @@ private:
     const SoundTrack& mClip;
     const SoundTrack& mMovie;
     const TimeMap& mMap;
+    LfeBand mBand;
     Eigen::Index mSources;
     Eigen::Index mChannels;
 };
@@ -321,9 +326,9 @@ const std::vector<KnownMix>& KnownMixes()
 
 } // namespace
 
-MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map)
+MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, LfeBand band)
 {
-    return Fitting(clip, movie, map).Run();
+    return Fitting(clip, movie, map, band).Run();
 }
 
 MixMatch NearestMix(const MixFit& fit, std::size_t clipChannels)

@@ -40,7 +40,11 @@ struct MixFit {
     double seconds = 0; ///< of sound that was compared
 };
 
-[[nodiscard]] MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map);
+/// Lossy codecs cut off what the LFE channel of 5.1 has above some 120 Hz.
+enum class LfeBand { Full, Low };
+
+[[nodiscard]] MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map,
+                            LfeBand band = LfeBand::Full);
 
 /// A matrix of the closed list.
 struct KnownMix {

@@ -430,6 +430,10 @@ private:
         std::string where;
         for (std::size_t m = 0; m < Channels(); ++m) {
             for (const Gap& gap : mMovie.channels[m].gaps) {
+                // Lossy codecs spread what begins and ends, and waver.
+                if (!IsLossless() && !gap.isSilent && gap.size < 0.5) {
+                    continue;
+                }
                 Add(places, ClipSpan(mMovie.SecondsOf(gap.first), mMovie.SecondsOf(gap.last)));
                 samples = std::max(samples, gap.last - gap.first + 1);
                 clicks += gap.isSilent ? 0U : 1U;

@@ -182,7 +182,7 @@ bool SoundSampler::IsSomethingElse(const SoundTrack& movie) const
     return other > known;
 }
 
-SoundEvidence SoundSampler::Finish(int sampleBits, double leastSamples)
+SoundEvidence SoundSampler::Finish(const read::SoundFacts& facts, double leastSamples)
 {
     if (mTrouble == SoundTrouble::None && mRate > 0 && !mIsTracking) {
         StartTracking();
@@ -207,9 +207,10 @@ SoundEvidence SoundSampler::Finish(int sampleBits, double leastSamples)
         evidence.trouble = SoundTrouble::SomethingElse;
         return evidence;
     }
-    evidence.clip = TrackOfClip(sampleBits, evidence.clipBits);
+    evidence.clip = TrackOfClip(facts.bits, evidence.clipBits);
     evidence.map = MapTime(evidence.clip, evidence.movie, mPitch, leastSamples / evidence.clip.rate);
-    evidence.mix = FitMix(evidence.clip, evidence.movie, evidence.map);
+    evidence.mix = FitMix(evidence.clip, evidence.movie, evidence.map,
+                          facts.codecClass == CodecClass::Lossless ? LfeBand::Full : LfeBand::Low);
     return evidence;
 }
 

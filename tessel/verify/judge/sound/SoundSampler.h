@@ -47,10 +47,10 @@ public:
 
     void Take(const read::Sound& sound);
 
-    /// @param sampleBits    of the movie's samples, 0: unknown or floats
+    /// @param facts         of the movie
     /// @param leastSamples  a loss of fewer is none
     /// Cost: renders all of the clip's sound once.
-    [[nodiscard]] SoundEvidence Finish(int sampleBits, double leastSamples);
+    [[nodiscard]] SoundEvidence Finish(const read::SoundFacts& facts, double leastSamples);
 
 private:
     void LearnTones();

@@ -46,6 +46,7 @@ struct Gap {
     double first = 0;      ///< sample
     double last = 0;       ///< the last one of them
     bool isSilent = false; ///< else a click
+    double size = 0; ///< of the largest sample's error, in amplitudes of the tone; of a click in silence, 0
 };
 
 /// What was measured over all steady stretches of one channel. Levels have full scale 1.

@@ -286,10 +286,12 @@ void ToneTracker::Resume()
     const double threshold = std::max({0.1 * loudest, 6 * completed.run.residual, 2 * mSetup.onLevel});
     std::size_t first = mKept.size();
     std::size_t last = 0;
+    double largest = 0;
     for (std::size_t i = 0; i < mKept.size(); ++i) {
         if (std::abs(static_cast<double>(mKept[i]) - expected[i]) > threshold) {
             first = std::min(first, i);
             last = i;
+            largest = std::max(largest, std::abs(static_cast<double>(mKept[i]) - expected[i]));
         }
     }
     mPending.clear();
@@ -303,8 +305,9 @@ void ToneTracker::Resume()
         wanted += expected[i] * expected[i];
     }
     const auto at = static_cast<double>(mKeptFirst);
-    mTrack.gaps.push_back({at + static_cast<double>(first), at + static_cast<double>(last),
-                           !completed.run.IsSilent() && found < 0.2 * wanted});
+    mTrack.gaps.push_back(
+        {at + static_cast<double>(first), at + static_cast<double>(last),
+         !completed.run.IsSilent() && found<0.2 * wanted, loudest> 0 ? largest / loudest : 0.0});
 }
 
 /// Another run begins somewhere in what is kept.
@@ -365,7 +368,7 @@ void ToneTracker::Change(Growing next)
     const double end = at + static_cast<double>(place.end);
     const double begin = at + static_cast<double>(place.begin);
     if (begin > end + 2) {
-        mTrack.gaps.push_back({end, begin - 1, true});
+        mTrack.gaps.push_back({end, begin - 1, true, 1});
     }
     Close(end);
     const double moved = next.run.begin - begin;

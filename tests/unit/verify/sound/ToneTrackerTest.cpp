@@ -116,6 +116,22 @@ TEST(ToneTracker, LevelsBesideTonesAreMeasured)
     EXPECT_NEAR(track.statistics.noise, 0.001 / std::sqrt(3.0), 1e-5);
 }
 
+TEST(ToneTracker, ChangesInsideBlocksAreNoNoise)
+{
+    for (std::size_t place = 0; place < 960; place += 53) {
+        // Silence, 0.2 s of tone, the same again from 1000 samples before, silence.
+        std::vector<float> samples = test::Silence(4800 + place);
+        const std::vector<float> tone = test::Tone(1000, 0.125, 60000);
+        samples.insert(samples.end(), tone.begin(), tone.begin() + 9600);
+        samples.insert(samples.end(), tone.begin() + 8600, tone.end());
+        test::Append(samples, test::Silence(9600));
+        const ChannelTrack track = Tracked(samples);
+        EXPECT_LT(track.statistics.noise, 1e-6) << place;
+        EXPECT_LT(track.statistics.harmonics, 1e-6) << place;
+        EXPECT_EQ(track.runs.size(), 4U) << place;
+    }
+}
+
 TEST(ToneTracker, WhatIsNeitherSilenceNorKnownTonesIsSomethingElse)
 {
     std::vector<float> samples(96000);
