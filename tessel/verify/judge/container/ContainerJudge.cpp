@@ -437,6 +437,8 @@ private:
         if (sound.layout.empty()) {
             if (mClip.channels <= 2) {
                 mFindings.AsExpected(id::kContainerLayout); // readers take it for mono or stereo
+            } else if (sound.codecClass != CodecClass::Lossless) {
+                mFindings.AsExpected(id::kContainerLayout); // these codecs have one order for six channels
             } else if (!mMovie.sayable.layout) {
                 Unsayable(id::kContainerLayout, "say the channel layout", expected);
             } else {
