@@ -201,16 +201,19 @@ private:
             judge::JudgeColor({mClip, *mMovie.picture, mColors, detail.lostStep, detail.chromaOff}, findings);
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
         }
-        JudgeSound(alignment, findings);
+        JudgeSound(alignment, findings, report);
     }
 
-    void JudgeSound(const align::Alignment& alignment, Findings& findings)
+    void JudgeSound(const align::Alignment& alignment, Findings& findings, Report& report)
     {
         const read::SoundFacts facts = mMovie.sound.value_or(read::SoundFacts{});
         const double leastSamples = findings.Limits().Of(id::kAudioLost);
         const judge::SoundEvidence sound = mSound.Finish(facts, leastSamples);
         judge::JudgeSound(sound, facts, findings);
         judge::JudgeSync({mClip, mMovie, alignment, sound}, findings);
+        if (mJob.keepsPictures && sound.trouble == judge::SoundTrouble::None) {
+            report.sounds = mSound.Waveforms(sound);
+        }
     }
 
     const VerifyJob& mJob;

@@ -88,6 +88,8 @@ RULES = [
          r"(?:kestrel/(?!qelcore/serialization/)|ImporterTessel/|tessel/)", forbidden=JSON),
     Rule("FFmpeg and zimg stay in the export and in the verification's reader",
          r"(?:kestrel/|ImporterTessel/|tessel/(?!export/|verify/read/))", forbidden=FFMPEG),
+    Rule("FFTW and Eigen stay in the sound's judge", r"(?:kestrel/|ImporterTessel/|tessel/(?!verify/judge/sound/))",
+         forbidden=re.compile(r"^(?:fftw3\.h$|Eigen/|unsupported/Eigen/)")),
     Rule("verification and damage share names and nothing else", r"tessel/verify/",
          forbidden=re.compile(r"^tessel/damage/")),
     Rule("damage knows of the verification its names alone", r"tessel/damage/",

@@ -1,3 +1,4 @@
+#include "HtmlWaveforms.h"
 #include "Markup.h"
 #include "Writers.h"
 
@@ -156,6 +157,7 @@ std::string ReportAsHtml(const Report& report)
         page += ImageOf(telling.actual, telling.width, telling.height, "actual");
         page += ImageOf(telling.difference, telling.width, telling.height, "difference, four times enlarged");
     }
+    page += WaveformsAsHtml(report.sounds);
     page += ListOf("Notes", report.notes);
     page += ListOf("As expected", report.asExpected);
     std::vector<std::string> hidden;

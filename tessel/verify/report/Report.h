@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TellingFrame.h"
+#include "TellingSound.h"
 
 #include <tessel/verify/catalogue/Catalogue.h>
 
@@ -104,6 +105,7 @@ struct Report {
     std::vector<std::string> notChecked; ///< ids that nothing was asked about, so nothing is known
     std::vector<std::string> notes;
     std::vector<TellingFrame> telling; ///< for the page alone; empty unless asked for
+    std::vector<TellingSound> sounds;    ///< the same of the sound
 };
 
 } // namespace tessel::verify

@@ -92,9 +92,10 @@ class OwnFaults(Sound):
 
     def test_time_of_blits(self):
         root = clip(BLITS)
-        finding = self.fault(root, "audio.pitch=4")
+        stereo = clip(EBU_STEREO, 4)  # sound of another speed takes long to make
+        finding = self.fault(stereo, "audio.pitch=4")
         self.assertAlmostEqual(finding["found"], 1.04, delta=finding["uncertainty"] + 1e-8)
-        finding = self.fault(root, "audio.drift=100")
+        finding = self.fault(stereo, "audio.drift=100")
         self.assertAlmostEqual(finding["found"], 100, delta=finding["uncertainty"] + 0.01)
         for fault in ("audio.lost=480", "audio.lost=501:4", "audio.inserted=480", "audio.inserted=13:2.5"):
             finding = self.fault(root, fault)
@@ -119,7 +120,7 @@ class OwnFaults(Sound):
             self.fault(root, fault)
 
     def test_a_steady_tone_shows_what_it_can(self):
-        root = clip(TONE, 4)
+        root = clip(TONE, 3)
         for fault in ("audio.polarity=0", "audio.gain=-6", "audio.silence=1", "audio.clipping=-14", "audio.noise=-60",
                       "audio.drift=50", "audio.pitch=-2", "audio.lost=11:2", "audio.dropout=100", "audio.depth=12",
                       "sync.offset=40"):
@@ -147,7 +148,7 @@ class ForeignFaults(Sound):
         finding = self.filtered_sound(root, "asetrate=48048,aresample=48000", "audio.drift")
         self.assertAlmostEqual(finding["found"], 1001 / 1000 * 1e6 - 1e6, delta=1)
         finding = self.filtered_sound(root, "aselect='not(between(n,40,41))',asetpts=N/SR/TB", "audio.lost")
-        self.assertAlmostEqual(finding["found"] % 1024, 0, delta=finding["uncertainty"])  # whole frames of samples
+        self.assertEqual(round(finding["found"]) % 227, 0)  # 4096 bytes of WAV are 227 samples of 6 × 3 bytes
         self.filtered_sound(root, "pan=stereo|FL=FL+0.707*FC+0.707*BL|FR=FR+0.707*FC+0.707*BR", "audio.downmix")
         self.filtered_sound(root, "aresample=44100", "container.sample-rate")
 
@@ -159,7 +160,7 @@ class ForeignFaults(Sound):
         self.filtered_sound(root, "pan=stereo|c0=c0|c1=0*c1", "audio.silence")
         self.filtered_sound(root, "asetrate=50000,aresample=48000", "audio.pitch")
         self.filtered_sound(root, "dcshift=0.02", "audio.dc")
-        self.filtered_sound(root, "acrusher=bits=6:mode=lin:mix=1", "audio.depth")
+        self.filtered_sound(root, "aformat=sample_fmts=u8p", "audio.depth")
 
 
 main()

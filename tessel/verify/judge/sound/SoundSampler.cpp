@@ -214,4 +214,37 @@ SoundEvidence SoundSampler::Finish(const read::SoundFacts& facts, double leastSa
     return evidence;
 }
 
+std::vector<TellingSound> SoundSampler::Waveforms(const SoundEvidence& evidence)
+{
+    constexpr std::size_t kMost = 8;
+    std::vector<TellingSound> sounds;
+    for (const bool isFault : {true, false}) {
+        for (std::size_t channel = 0; channel < evidence.movie.channels.size(); ++channel) {
+            for (const Excerpt& excerpt : evidence.movie.channels[channel].excerpts) {
+                if (excerpt.isFault != isFault || sounds.size() == kMost) {
+                    continue;
+                }
+                TellingSound sound;
+                sound.channel = reference::ChannelName(static_cast<int>(channel),
+                                                       static_cast<int>(evidence.movie.channels.size()));
+                sound.seconds = evidence.movie.SecondsOf(excerpt.first);
+                sound.duration = static_cast<double>(excerpt.samples.size()) / evidence.movie.rate;
+                sound.actual = excerpt.samples;
+                if (mClip && channel < evidence.clip.channels.size()) {
+                    reference::Samples samples;
+                    mClip->Read(std::llround(evidence.map.ClipSeconds(sound.seconds) * evidence.clip.rate),
+                                std::llround(sound.duration * evidence.map.tempo * evidence.clip.rate),
+                                samples);
+                    sound.expected = samples[channel];
+                }
+                sounds.push_back(std::move(sound));
+                if (!isFault) {
+                    break;
+                }
+            }
+        }
+    }
+    return sounds;
+}
+
 } // namespace tessel::verify::judge

@@ -9,6 +9,7 @@
 #include <tessel/export/SignalSource.h>
 #include <tessel/verify/read/Movie.h>
 #include <tessel/verify/reference/ClipSound.h>
+#include <tessel/verify/report/TellingSound.h>
 
 #include <cstdint>
 #include <memory>
@@ -51,6 +52,10 @@ public:
     /// @param leastSamples  a loss of fewer is none
     /// Cost: renders all of the clip's sound once.
     [[nodiscard]] SoundEvidence Finish(const read::SoundFacts& facts, double leastSamples);
+
+    /// What shows best how the movie's sound differs: jumps and gaps, then a beginning of a tone in each
+    /// channel.
+    [[nodiscard]] std::vector<TellingSound> Waveforms(const SoundEvidence& evidence);
 
 private:
     void LearnTones();

@@ -631,6 +631,9 @@ private:
         const double threshold = std::max({mLeast, 6 * sigma, 0.02 / mMovie.rate});
         double level = off.front();
         std::size_t since = 0;
+        const std::size_t firstStep = mMap.steps.size();
+        const bool isBeginning = pieces.empty();
+        piece.shift += level;
         pieces.push_back(piece);
         for (std::size_t i = 1; i < points.size(); ++i) {
             const double step = std::remainder(off[i] - level, 1 / points[i].frequency);
@@ -651,12 +654,30 @@ private:
                 mMap.steps.push_back(jump);
                 level = off[i];
                 since = i;
-                pieces.push_back({points[i].begin, piece.shift + step, 0});
+                pieces.push_back({points[i].begin, pieces.back().shift + step, 0});
             } else if (std::abs(step) <= threshold) {
                 offs.push_back(step);
                 level += step / static_cast<double>(i - since + 1);
             }
         }
+        if (isBeginning && mMap.steps.size() == firstStep + 1) {
+            SettleBeginning(mMap.steps.back(), pieces, 1 / points.front().frequency);
+        }
+    }
+
+    /// No edge lies before the first jump: whole periods more or less would do as well. A beginning that is in
+    /// its place is the simplest of these.
+    void SettleBeginning(TimeStep& step, std::vector<TimePiece>& pieces, double period) const
+    {
+        const bool hasEdge = std::any_of(mMovieEdges.begin(), mMovieEdges.end(),
+                                         [&](const ToneEdge& edge) { return edge.seconds < step.first; });
+        TimePiece& first = pieces.front();
+        const double inPlace = std::remainder(first.shift, period);
+        if (hasEdge || std::abs(inPlace) > mLeast || !mMap.hasEdges) {
+            return;
+        }
+        step.skipped += first.shift - inPlace;
+        first.shift = inPlace;
     }
 
     /// Where a tone jumps on its way, or is interrupted.

@@ -65,9 +65,17 @@ struct ChannelStatistics {
     int usedBits = 0;            ///< least bits that hold every sample; 0: all samples are zero, 25: floats
 };
 
+/// Samples around a change, kept for eyes.
+struct Excerpt {
+    double first = 0;     ///< sample
+    bool isFault = false; ///< a gap, a click, or a tone that jumps; else a tone that begins or ends
+    std::vector<float> samples;
+};
+
 struct ChannelTrack {
     std::vector<ToneRun> runs;
     std::vector<Gap> gaps;
+    std::vector<Excerpt> excerpts; ///< the first few of both kinds
     ChannelStatistics statistics;
 };
 

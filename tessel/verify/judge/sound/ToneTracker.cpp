@@ -305,6 +305,7 @@ void ToneTracker::Resume()
         wanted += expected[i] * expected[i];
     }
     const auto at = static_cast<double>(mKeptFirst);
+    KeepExcerpt(true);
     mTrack.gaps.push_back(
         {at + static_cast<double>(first), at + static_cast<double>(last),
          !completed.run.IsSilent() && found<0.2 * wanted, loudest> 0 ? largest / loudest : 0.0});
@@ -319,6 +320,9 @@ void ToneTracker::Change(Growing next)
         // better.
         next.run.isFirst = true;
         const double first = next.run.begin;
+        if (!next.run.tones.empty()) {
+            KeepExcerpt(false);
+        }
         mHasRun = true;
         mRun = std::move(next);
         if (first > static_cast<double>(mKeptFirst)) {
@@ -370,6 +374,7 @@ void ToneTracker::Change(Growing next)
     if (begin > end + 2) {
         mTrack.gaps.push_back({end, begin - 1, true, 1});
     }
+    KeepExcerpt(areTones);
     Close(end);
     const double moved = next.run.begin - begin;
     const auto count = static_cast<double>(next.blocks);
@@ -403,6 +408,16 @@ void ToneTracker::GiveUp()
     }
     mPending.clear();
     mKept.clear();
+}
+
+void ToneTracker::KeepExcerpt(bool isFault)
+{
+    constexpr std::ptrdiff_t kMost = 2;
+    const auto alike = std::count_if(mTrack.excerpts.begin(), mTrack.excerpts.end(),
+                                     [&](const Excerpt& other) { return other.isFault == isFault; });
+    if (alike < kMost) {
+        mTrack.excerpts.push_back({static_cast<double>(mKeptFirst), isFault, mKept});
+    }
 }
 
 void ToneTracker::Close(double end)

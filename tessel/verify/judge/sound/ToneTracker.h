@@ -73,6 +73,7 @@ private:
     void Change(Growing next);
     void GiveUp();
     void Close(double end);
+    void KeepExcerpt(bool isFault);
 
     const TrackerSetup& mSetup;
     std::vector<float> mPartial; ///< samples of a block that is not full
