@@ -6,6 +6,7 @@
 #include <tessel/verify/judge/color/detail/DetailJudge.h>
 #include <tessel/verify/judge/container/ContainerJudge.h>
 #include <tessel/verify/judge/fidelity/FidelityJudge.h>
+#include <tessel/verify/judge/fidelity/FrameWatch.h>
 #include <tessel/verify/judge/fidelity/TellingFrames.h>
 #include <tessel/verify/judge/fields/FieldsJudge.h>
 #include <tessel/verify/judge/geometry/GeometryJudge.h>
@@ -14,6 +15,7 @@
 #include <tessel/verify/judge/sound/SoundSampler.h>
 #include <tessel/verify/judge/sync/SyncJudge.h>
 #include <tessel/verify/read/Movie.h>
+#include <tessel/verify/read/MovieAhead.h>
 #include <tessel/verify/reference/ClipPictures.h>
 #include <tessel/verify/reference/ClipSound.h>
 
@@ -69,7 +71,8 @@ public:
           mColors(clip, mClip, mAligner.Numbers()), mGuessed(clip, mClip, mAligner.Numbers()),
           mDetail(clip, mClip), mGeometry(mAligner.Numbers()),
           mFields(clip, mClip, mPrintsNumbers ? &mAligner.Numbers() : nullptr), mTelling(clip, mClip),
-          mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery), mSound(clip)
+          mWatch(clip, mClip), mFidelity(clip, mClip, job.measuresAll ? 1 : kMeasuredEvery, job.threadCount),
+          mSound(clip)
     {
     }
 
@@ -101,6 +104,7 @@ public:
             mAligner.SetColorChanges(ColorChangesOf(mClip, *mMovie.picture));
         }
         const align::Alignment alignment = mAligner.Result();
+        mFidelity.Finish();
         Findings findings(TolerancesOf(mMovie, mJob));
         Report report;
         if (ShowsSomethingElse()) {
@@ -170,8 +174,13 @@ private:
             const bool isExact = !mGeometry.Placements().empty();
             mFields.Take(picture, frame, isExact ? mGeometry.Placements().back() : placement, *mMovie.picture);
         }
-        if (mFidelity.Wants(frame)) {
-            mFidelity.Take(picture, frame, *mMovie.picture);
+        // Every picture is compared with its frame, though most of them on a few rows only.
+        using Rows = judge::FidelitySampler::Rows;
+        const bool isLossless = mMovie.picture->codecClass == CodecClass::Lossless;
+        const bool isSuspicious = mWatch.IsSuspicious(picture, frame, *mMovie.picture);
+        if (isSuspicious || mFidelity.Wants(frame)) {
+            mFidelity.Take(picture, frame, *mMovie.picture,
+                           isSuspicious || isLossless ? Rows::All : Rows::InTurns);
         }
     }
 
@@ -196,7 +205,7 @@ private:
         judge::JudgeOrder(alignment, findings, report.alignment);
         if (mMovie.picture && mClip.hasPicture) {
             findings.AsExpected(id::kSignalOther);
-            judge::JudgeGeometry(mGeometry, mAligner.Numbers(), *mMovie.picture, findings);
+            judge::JudgeGeometry(mGeometry, alignment, mAligner.Numbers(), *mMovie.picture, findings);
             judge::JudgeFields({mFields, mClip, *mMovie.picture, alignment}, findings);
             judge::JudgeColor({mClip, *mMovie.picture, mColors, detail.lostStep, detail.chromaOff}, findings);
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
@@ -228,6 +237,7 @@ private:
     judge::GeometrySampler mGeometry;
     judge::FieldSampler mFields;
     judge::TellingFrames mTelling;
+    judge::FrameWatch mWatch;
     judge::FidelitySampler mFidelity;
     judge::SoundSampler mSound;
     std::int64_t mPictureCount = 0;
@@ -294,8 +304,9 @@ Report Verify(const exporting::SignalSource& clip, const VerifyJob& job)
     }
     read::Movie movie(job.movieName, options);
     Inspection inspection(clip, movie.Facts(), job);
+    read::MovieAhead ahead(movie);
     for (;;) {
-        const std::variant<std::monostate, read::Picture, read::Sound> next = movie.Next();
+        const read::MovieAhead::Item next = ahead.Next();
         if (const auto* picture = std::get_if<read::Picture>(&next)) {
             inspection.Take(*picture);
         } else if (const auto* sound = std::get_if<read::Sound>(&next)) {

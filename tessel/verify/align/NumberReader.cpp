@@ -20,6 +20,9 @@ constexpr float kNumberPosition = 0.05F;
 // Neighbouring spots of a blurred or blocky digit err together, so that fewer of them count.
 constexpr double kIndependentSpots = NumberReader::kGridX * NumberReader::kGridY / 8.0;
 
+/// Digits of more pixels in height than this have more of them than the grid has points.
+constexpr double kLargeDigit = 64;
+
 /// Between pixel centres, edges repeated.
 double Interpolated(const read::ComponentView& view, Point at) noexcept
 {
@@ -187,6 +190,13 @@ NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, con
     Cell cell;
     cell.spots.reserve(static_cast<std::size_t>(kGridX * kGridY));
     const double left = mCellLeft + index * mAdvance;
+    // Where a point moves by more than a pixel to the next one, the nearest pixel is as good as any between.
+    const bool isLarge = mDigitHeight * std::min(placement.scaleX, placement.scaleY) > kLargeDigit;
+    const auto valueAt = [&](Point at) {
+        return isLarge ? luma.At(std::clamp(static_cast<int>(at.x), 0, luma.width - 1),
+                                 std::clamp(static_cast<int>(at.y), 0, luma.height - 1))
+                       : Interpolated(luma, at);
+    };
     for (int row = 0; row < kGridY; ++row) {
         for (int column = 0; column < kGridX; ++column) {
             double sum = 0;
@@ -194,7 +204,7 @@ NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, con
                 for (int px = 0; px < kPoints; ++px) {
                     const double x = left + (column + (px + 0.5) / kPoints) / kGridX * mAdvance;
                     const double y = mCellTop + (row + (py + 0.5) / kPoints) / kGridY * mDigitHeight;
-                    sum += Interpolated(luma, placement.Map(Point{x, y}));
+                    sum += valueAt(placement.Map(Point{x, y}));
                 }
             }
             cell.spots.push_back(sum / (kPoints * kPoints));

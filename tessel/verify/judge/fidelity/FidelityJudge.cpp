@@ -5,56 +5,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <chrono>
+#include <utility>
 
 namespace tessel::verify::judge {
 namespace {
 
 constexpr double kEqualPsnr = 100; // dB
-
-/// A component's samples in a row-by-row array.
-std::vector<float> SamplesOf(const read::ComponentView& view)
-{
-    std::vector<float> samples;
-    samples.reserve(static_cast<std::size_t>(view.width) * static_cast<std::size_t>(view.height));
-    for (int y = 0; y < view.height; ++y) {
-        for (int x = 0; x < view.width; ++x) {
-            samples.push_back(static_cast<float>(view.At(x, y)));
-        }
-    }
-    return samples;
-}
-
-/// SSIM of one window (Wang et al. 2004), with its two small constants.
-double SsimOfWindow(const float* a, const float* b, int width, int size, double fullScale) noexcept
-{
-    double sumA = 0;
-    double sumB = 0;
-    double squaresA = 0;
-    double squaresB = 0;
-    double products = 0;
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            const double valueA = a[y * width + x];
-            const double valueB = b[y * width + x];
-            sumA += valueA;
-            sumB += valueB;
-            squaresA += valueA * valueA;
-            squaresB += valueB * valueB;
-            products += valueA * valueB;
-        }
-    }
-    const double count = size * size;
-    const double meanA = sumA / count;
-    const double meanB = sumB / count;
-    const double varianceA = std::max(0.0, squaresA / count - meanA * meanA);
-    const double varianceB = std::max(0.0, squaresB / count - meanB * meanB);
-    const double covariance = products / count - meanA * meanB;
-    const double c1 = 0.01 * fullScale * 0.01 * fullScale;
-    const double c2 = 0.03 * fullScale * 0.03 * fullScale;
-    return (2 * meanA * meanB + c1) * (2 * covariance + c2) /
-           ((meanA * meanA + meanB * meanB + c1) * (varianceA + varianceB + c2));
-}
 
 std::string PlaneName(const read::PictureFacts& movie, int plane)
 {
@@ -65,42 +23,10 @@ std::string PlaneName(const read::PictureFacts& movie, int plane)
 
 } // namespace
 
-PlaneLikeness Compare(const read::ComponentView& expected, const read::ComponentView& found)
-{
-    PlaneLikeness likeness;
-    const std::vector<float> a = SamplesOf(expected);
-    const std::vector<float> b = SamplesOf(found);
-    double squares = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const double off = a[i] - b[i];
-        squares += off * off;
-    }
-    likeness.isEqual = squares == 0;
-    const double fullScale = expected.isFloat ? 1.0 : std::exp2(expected.bits) - 1;
-    const double mean = squares / static_cast<double>(std::max<std::size_t>(1, a.size()));
-    likeness.psnr =
-        likeness.isEqual ? kEqualPsnr : std::min(kEqualPsnr, 10 * std::log10(fullScale * fullScale / mean));
-    constexpr int kWindow = 8;
-    if (likeness.isEqual || expected.width < kWindow || expected.height < kWindow) {
-        return likeness;
-    }
-    double sum = 0;
-    std::int64_t windows = 0;
-    for (int y = 0; y + kWindow <= expected.height; y += kWindow / 2) {
-        for (int x = 0; x + kWindow <= expected.width; x += kWindow / 2) {
-            const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(expected.width) +
-                            static_cast<std::size_t>(x);
-            sum += SsimOfWindow(a.data() + at, b.data() + at, expected.width, kWindow, fullScale);
-            ++windows;
-        }
-    }
-    likeness.ssim = sum / static_cast<double>(windows);
-    return likeness;
-}
-
 FidelitySampler::FidelitySampler(const exporting::SignalSource& clip, const reference::ClipFacts& facts,
-                                 std::int64_t stride)
-    : mClip(clip), mFacts(facts), mStride(std::max<std::int64_t>(1, stride))
+                                 std::int64_t stride, int threads)
+    : mClip(clip), mFacts(facts), mStride(std::max<std::int64_t>(1, stride)),
+      mThreads(static_cast<std::size_t>(std::max(1, threads)))
 {
 }
 
@@ -117,31 +43,58 @@ FidelitySampler::Sample FidelitySampler::Measure(const read::Picture& expected, 
             sample.planeCount = plane + 1;
         }
     }
+    const int telling = found.format.isRgb ? 1 : 0;
+    if (sample.planeCount > telling) {
+        sample.artefacts = MeasureArtefacts(expected.components[telling], found.components[telling]);
+    }
     return sample;
+}
+
+FidelitySampler::Renderer FidelitySampler::MakeRenderer(exporting::ChromaRows rows) const
+{
+    return std::make_unique<reference::ClipPictures>(mClip, *mLayout, mCoding, rows);
 }
 
 void FidelitySampler::Choose(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie)
 {
     mIsChosen = true;
-    const std::optional<exporting::PictureLayout> layout = reference::LayoutFor(picture.format);
-    if (!layout || picture.width != mFacts.width || picture.height != mFacts.height) {
+    if (picture.width != mFacts.width || picture.height != mFacts.height) {
+        return;
+    }
+    mLayout = reference::LayoutFor(picture.format);
+    mCoding = reference::CodingFor(mFacts, movie);
+    if (!mLayout || picture.format.chromaShiftY == 0) {
         return;
     }
     // Chroma of interlaced pictures may be subsampled by field or by frame; the nearer way is the movie's.
     double best = -1;
     for (const exporting::ChromaRows rows : {exporting::ChromaRows::Frame, exporting::ChromaRows::Field}) {
-        auto pictures = std::make_unique<reference::ClipPictures>(mClip, *layout,
-                                                                  reference::CodingFor(mFacts, movie), rows);
-        const Sample sample = Measure(pictures->Render(frame), picture, frame);
-        const double chroma = sample.planeCount > 1 ? sample.planes[1].psnr : sample.planes[0].psnr;
+        const Sample sample = Measure(MakeRenderer(rows)->Render(frame), picture, frame);
+        const double chroma = sample.planeCount > 1 ? sample.planes[1].psnr : 0;
         if (chroma > best) {
             best = chroma;
-            mPictures = std::move(pictures);
-        }
-        if (picture.format.chromaShiftY == 0) {
-            break;
+            mChromaRows = rows;
         }
     }
+}
+
+FidelitySampler::Sample FidelitySampler::MeasureFrame(const read::Picture& picture, std::int64_t frame)
+{
+    Renderer renderer;
+    {
+        const std::lock_guard lock(mIdleMutex);
+        if (!mIdle.empty()) {
+            renderer = std::move(mIdle.back());
+            mIdle.pop_back();
+        }
+    }
+    if (!renderer) {
+        renderer = MakeRenderer(mChromaRows);
+    }
+    const Sample sample = Measure(renderer->Render(frame), picture, frame);
+    const std::lock_guard lock(mIdleMutex);
+    mIdle.push_back(std::move(renderer));
+    return sample;
 }
 
 void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie)
@@ -149,10 +102,141 @@ void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, con
     if (!mIsChosen) {
         Choose(picture, frame, movie);
     }
-    if (mPictures && picture.width == mFacts.width && picture.height == mFacts.height) {
-        mSamples.push_back(Measure(mPictures->Render(frame), picture, frame));
+    if (!mLayout || picture.width != mFacts.width || picture.height != mFacts.height) {
+        return;
+    }
+    while (!mRunning.empty() &&
+           mRunning.front().wait_for(std::chrono::seconds(0)) == std::future_status::ready) {
+        mSamples.push_back(mRunning.front().get());
+        mRunning.pop_front();
+    }
+    const auto measure = [this, picture, frame] { return MeasureFrame(picture, frame); };
+    // With no thread to spare the caller waits for its own picture, so that no more than a few are held.
+    const bool hasThread = mRunning.size() + 1 < mThreads;
+    mRunning.push_back(std::async(hasThread ? std::launch::async : std::launch::deferred, measure));
+    if (!hasThread) {
+        mRunning.back().wait();
     }
 }
+
+void FidelitySampler::Finish()
+{
+    for (std::future<Sample>& running : mRunning) {
+        mSamples.push_back(running.get());
+    }
+    mRunning.clear();
+}
+
+namespace {
+
+/// The lowest of each plane over all samples, and where.
+struct Lowest {
+    int planes = 0;
+    std::array<double, 4> psnr{kEqualPsnr, kEqualPsnr, kEqualPsnr, kEqualPsnr};
+    std::array<double, 4> ssim{1, 1, 1, 1};
+    const FidelitySampler::Sample* worstPsnr = nullptr;
+    const FidelitySampler::Sample* worstSsim = nullptr;
+    int worstPsnrPlane = 0;
+    int worstSsimPlane = 0;
+};
+
+Lowest LowestOf(const std::vector<FidelitySampler::Sample>& samples)
+{
+    Lowest lowest;
+    double psnr = kEqualPsnr;
+    double ssim = 1;
+    lowest.worstPsnr = lowest.worstSsim = &samples.front();
+    for (const FidelitySampler::Sample& sample : samples) {
+        lowest.planes = std::max(lowest.planes, sample.planeCount);
+        for (int plane = 0; plane < sample.planeCount; ++plane) {
+            const auto at = static_cast<std::size_t>(plane);
+            const PlaneLikeness& likeness = sample.planes[at];
+            lowest.psnr[at] = std::min(lowest.psnr[at], likeness.psnr);
+            lowest.ssim[at] = std::min(lowest.ssim[at], likeness.ssim);
+            if (likeness.psnr < psnr) {
+                psnr = likeness.psnr;
+                lowest.worstPsnr = &sample;
+                lowest.worstPsnrPlane = plane;
+            }
+            if (likeness.ssim < ssim) {
+                ssim = likeness.ssim;
+                lowest.worstSsim = &sample;
+                lowest.worstSsimPlane = plane;
+            }
+        }
+    }
+    return lowest;
+}
+
+/// "column 320, row 64" of the picture: the middle of the worst window of a plane.
+std::string PlaceText(const FidelitySampler::Sample& sample, int plane, const read::PictureFacts& movie)
+{
+    constexpr int kHalfWindow = 4;
+    const PlaneLikeness& likeness = sample.planes[static_cast<std::size_t>(plane)];
+    const bool isChroma = !movie.format.isRgb && (plane == 1 || plane == 2);
+    return fmt::format("column {}, row {}",
+                       (likeness.worstX + kHalfWindow) << (isChroma ? movie.format.chromaShiftX : 0),
+                       (likeness.worstY + kHalfWindow) << (isChroma ? movie.format.chromaShiftY : 0));
+}
+
+void TellExact(const std::vector<FidelitySampler::Sample>& samples, Findings& findings)
+{
+    if (findings.Limits().picture != CodecClass::Lossless) {
+        findings.NotVisible(id::kFidelityExact);
+        return;
+    }
+    std::vector<std::int64_t> unequal;
+    for (const FidelitySampler::Sample& sample : samples) {
+        const auto end = sample.planes.begin() + sample.planeCount;
+        if (!std::all_of(sample.planes.begin(), end,
+                         [](const PlaneLikeness& plane) { return plane.isEqual; })) {
+            unequal.push_back(sample.frame);
+        }
+    }
+    if (unequal.empty()) {
+        findings.AsExpected(id::kFidelityExact);
+        return;
+    }
+    std::sort(unequal.begin(), unequal.end());
+    Finding& finding = findings.Fault(
+        id::kFidelityExact, fmt::format("{} of {} measured pictures are not the clip's to the last sample",
+                                        unequal.size(), samples.size()));
+    finding.expected = 0.0;
+    finding.found = static_cast<double>(unequal.size());
+    finding.uncertainty = 0;
+    finding.frames = SpansOf(unequal);
+}
+
+/// The numbers, whatever the verdict.
+void NoteNumbers(const std::vector<FidelitySampler::Sample>& samples, const Lowest& lowest,
+                 const read::PictureFacts& movie, Findings& findings)
+{
+    std::string psnr;
+    std::string ssim;
+    for (int plane = 0; plane < lowest.planes; ++plane) {
+        const auto at = static_cast<std::size_t>(plane);
+        const std::string_view comma = plane == 0 ? "" : ", ";
+        psnr += fmt::format("{}{} {:.1f}", comma, PlaneName(movie, plane), lowest.psnr[at]);
+        ssim += fmt::format("{}{} {:.4f}", comma, PlaneName(movie, plane), lowest.ssim[at]);
+    }
+    findings.Note(fmt::format("lowest PSNR of {} measured pictures: {} dB (worst: frame {})", samples.size(),
+                              psnr, lowest.worstPsnr->frame));
+    findings.Note(fmt::format("lowest SSIM of {} measured pictures: {} (worst: frame {}, near {})",
+                              samples.size(), ssim, lowest.worstSsim->frame,
+                              PlaceText(*lowest.worstSsim, lowest.worstSsimPlane, movie)));
+    double blocking = 0;
+    double banding = 0;
+    for (const FidelitySampler::Sample& sample : samples) {
+        blocking = std::max(blocking, sample.artefacts.blocking);
+        banding = std::max(banding, sample.artefacts.banding);
+    }
+    findings.Note(
+        fmt::format("errors at the edges of 8 x 8 blocks are up to {:.2f} times those inside; up to {:.0f} % "
+                    "of the steps from row to row are lost",
+                    blocking, banding * 100));
+}
+
+} // namespace
 
 void JudgeFidelity(const FidelitySampler& sampler, const read::PictureFacts& movie, Findings& findings)
 {
@@ -164,43 +248,10 @@ void JudgeFidelity(const FidelitySampler& sampler, const read::PictureFacts& mov
         }
         return;
     }
-    std::vector<std::int64_t> unequal;
-    double psnr = kEqualPsnr;
-    double ssim = 1;
-    std::int64_t worstFrame = samples.front().frame;
-    int worstPlane = 0;
-    for (const FidelitySampler::Sample& sample : samples) {
-        bool isEqual = true;
-        for (int plane = 0; plane < sample.planeCount; ++plane) {
-            const PlaneLikeness& likeness = sample.planes[static_cast<std::size_t>(plane)];
-            isEqual = isEqual && likeness.isEqual;
-            ssim = std::min(ssim, likeness.ssim);
-            if (likeness.psnr < psnr) {
-                psnr = likeness.psnr;
-                worstFrame = sample.frame;
-                worstPlane = plane;
-            }
-        }
-        if (!isEqual) {
-            unequal.push_back(sample.frame);
-        }
-    }
-    const std::string worst = fmt::format("{} of frame {}", PlaneName(movie, worstPlane), worstFrame);
-    if (findings.Limits().picture != CodecClass::Lossless) {
-        findings.NotVisible(id::kFidelityExact);
-    } else if (unequal.empty()) {
-        findings.AsExpected(id::kFidelityExact);
-    } else {
-        std::sort(unequal.begin(), unequal.end());
-        Finding& finding = findings.Fault(
-            id::kFidelityExact, fmt::format("{} of {} measured pictures are not the clip's to the last sample",
-                                            unequal.size(), samples.size()));
-        finding.expected = 0.0;
-        finding.found = static_cast<double>(unequal.size());
-        finding.uncertainty = 0;
-        finding.frames = SpansOf(unequal);
-    }
-    const auto judge = [&](std::string_view check, double found, const std::string& message) {
+    TellExact(samples, findings);
+    const Lowest lowest = LowestOf(samples);
+    const auto judge = [&](std::string_view check, double found, const FidelitySampler::Sample& sample,
+                           const std::string& message) {
         const double least = findings.Limits().Of(check);
         if (found >= least) {
             findings.AsExpected(check);
@@ -210,14 +261,19 @@ void JudgeFidelity(const FidelitySampler& sampler, const read::PictureFacts& mov
         finding.expected = least;
         finding.found = found;
         finding.uncertainty = 0;
-        finding.frames = {{worstFrame, worstFrame}};
+        finding.frames = {{sample.frame, sample.frame}};
     };
-    judge(id::kFidelityPsnr, psnr, fmt::format("the PSNR falls to {:.1f} dB, in {}", psnr, worst));
-    judge(id::kFidelitySsim, ssim, fmt::format("the SSIM falls to {:.3f}", ssim));
+    const double psnr = *std::min_element(lowest.psnr.begin(), lowest.psnr.end());
+    const double ssim = *std::min_element(lowest.ssim.begin(), lowest.ssim.end());
+    judge(id::kFidelityPsnr, psnr, *lowest.worstPsnr,
+          fmt::format("the PSNR of {} falls to {:.1f} dB in frame {}", PlaneName(movie, lowest.worstPsnrPlane),
+                      psnr, lowest.worstPsnr->frame));
+    judge(id::kFidelitySsim, ssim, *lowest.worstSsim,
+          fmt::format("the SSIM of {} falls to {:.3f} in frame {}, most of all near {}",
+                      PlaneName(movie, lowest.worstSsimPlane), ssim, lowest.worstSsim->frame,
+                      PlaceText(*lowest.worstSsim, lowest.worstSsimPlane, movie)));
     if (psnr < kEqualPsnr) {
-        findings.Note(
-            fmt::format("of {} measured pictures the lowest PSNR is {:.1f} dB ({}), the lowest SSIM {:.4f}",
-                        samples.size(), psnr, worst, ssim));
+        NoteNumbers(samples, lowest, movie, findings);
     }
 }
 

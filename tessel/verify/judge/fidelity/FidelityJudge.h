@@ -1,6 +1,8 @@
 /// Measures how near pictures are to the clip's.
 #pragma once
 
+#include "PlaneLikeness.h"
+
 #include <tessel/verify/align/Alignment.h>
 #include <tessel/verify/read/MovieFacts.h>
 #include <tessel/verify/reference/ClipPictures.h>
@@ -8,28 +10,23 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
+#include <future>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tessel::verify::judge {
 
-/// One plane of a picture against the clip's.
-struct PlaneLikeness {
-    double psnr = 0; ///< dB, at most 100 (equal)
-    double ssim = 1; ///< mean over windows of 8 × 8 samples, half overlapping
-    bool isEqual = false;
-};
-
-/// Both components have one size and one number of bits.
-[[nodiscard]] PlaneLikeness Compare(const read::ComponentView& expected, const read::ComponentView& found);
-
 /// Compares pictures with the clip's own in the movie's sample format.
 class FidelitySampler {
 public:
-    /// @param stride  pictures from one that is measured to the next
-    FidelitySampler(const exporting::SignalSource& clip, const reference::ClipFacts& facts,
-                    std::int64_t stride);
+    /// @param stride  frames from one that is measured to the next
+    /// @param threads  that measure at once, the caller's among them
+    FidelitySampler(const exporting::SignalSource& clip, const reference::ClipFacts& facts, std::int64_t stride,
+                    int threads);
 
     [[nodiscard]] bool Wants(std::int64_t frame) const noexcept { return frame % mStride == 0; }
 
@@ -37,23 +34,39 @@ public:
     /// @param movie  facts, complete by the first picture
     void Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie);
 
+    /// Waits for what is still being measured. Called once, behind the last picture.
+    void Finish();
+
     struct Sample {
         std::int64_t frame = 0;
         std::array<PlaneLikeness, 4> planes;
         int planeCount = 0;
+        Artefacts artefacts; ///< of Y', or G
     };
+    /// In the order of pictures. Complete once finished.
     [[nodiscard]] const std::vector<Sample>& Samples() const noexcept { return mSamples; }
 
 private:
+    /// Renders frames in the movie's layout, one thread at a time.
+    using Renderer = std::unique_ptr<reference::ClipPictures>;
+
     void Choose(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie);
+    [[nodiscard]] Renderer MakeRenderer(exporting::ChromaRows rows) const;
+    [[nodiscard]] Sample MeasureFrame(const read::Picture& picture, std::int64_t frame);
     [[nodiscard]] static Sample Measure(const read::Picture& expected, const read::Picture& found,
                                         std::int64_t frame);
 
     const exporting::SignalSource& mClip;
     reference::ClipFacts mFacts;
     std::int64_t mStride;
+    std::size_t mThreads;
     bool mIsChosen = false;
-    std::unique_ptr<reference::ClipPictures> mPictures; ///< null: the layout cannot be made
+    std::optional<exporting::PictureLayout> mLayout; ///< nothing: the layout cannot be made
+    exporting::YCbCrCoding mCoding;
+    exporting::ChromaRows mChromaRows = exporting::ChromaRows::Frame;
+    std::mutex mIdleMutex;
+    std::vector<Renderer> mIdle; ///< renderers that no thread uses now
+    std::deque<std::future<Sample>> mRunning;
     std::vector<Sample> mSamples;
 };
 

@@ -1,0 +1,99 @@
+#include <tessel/verify/align/FrameMatch.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace tessel::verify::align {
+namespace {
+
+constexpr int kWidth = 160;
+constexpr int kHeight = 106;
+
+struct Grey {
+    int width;
+    int height;
+    std::vector<std::uint8_t> samples;
+
+    Grey(int wide, int high, const std::function<double(int x, int y)>& scene) : width(wide), height(high)
+    {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                samples.push_back(static_cast<std::uint8_t>(std::lround(scene(x, y))));
+            }
+        }
+    }
+    [[nodiscard]] read::ComponentView View() const
+    {
+        read::ComponentView view;
+        view.first = reinterpret_cast<const std::byte*>(samples.data());
+        view.rowBytes = width;
+        view.step = 1;
+        view.width = width;
+        view.height = height;
+        return view;
+    }
+};
+
+/// A ramp from top to bottom under a black plate in the corner with two white strokes on it.
+double Scene(int x, int y)
+{
+    const bool isPlate = x >= 8 && x < 62 && y >= 5 && y < 22;
+    const bool isStroke = isPlate && y >= 7 && y < 20 && ((x >= 20 && x < 23) || (x >= 41 && x < 44));
+    return isStroke ? 235 : isPlate ? 16 : 60 + y;
+}
+
+/// Stripes, which tell rows apart and columns not.
+double Stripes(int /*x*/, int y)
+{
+    return 60 + 50 * (y * y / 9 % 3);
+}
+
+double Darker(double level)
+{
+    return 20 + 0.8 * level;
+}
+
+TEST(FrameMatch, FindsACropThatCutsThePlate)
+{
+    const Grey clip(kWidth, kHeight, Scene);
+    const Grey movie(128, 74, [](int x, int y) { return Darker(Scene(x + 16, y + 14)); });
+    const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->offsetX, -16);
+    EXPECT_EQ(found->offsetY, -14);
+    EXPECT_EQ(found->scaleX, 1);
+}
+
+TEST(FrameMatch, FindsAddedEdgesBesideACropInHeight)
+{
+    const Grey clip(kWidth, kHeight, Scene);
+    const Grey movie(kWidth + 20, kHeight - 12,
+                     [](int x, int y) { return x < 6 || x >= 6 + kWidth ? 16.0 : Scene(x - 6, y + 12); });
+    const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->offsetX, 6);
+    EXPECT_EQ(found->offsetY, -12);
+}
+
+TEST(FrameMatch, TakesTheMiddleWhereNothingTells)
+{
+    const Grey clip(kWidth, kHeight, Stripes);
+    const Grey movie(kWidth - 40, kHeight - 20, [](int x, int y) { return Stripes(x, y + 3); });
+    const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->offsetX, -20);
+    EXPECT_EQ(found->offsetY, -3);
+}
+
+TEST(FrameMatch, AScaledFrameIsNoCrop)
+{
+    const Grey clip(kWidth, kHeight, Scene);
+    const Grey movie(80, 53, [](int x, int y) { return Scene(2 * x, 2 * y); });
+    EXPECT_FALSE(MatchFrame(clip.View(), movie.View()));
+}
+
+} // namespace
+} // namespace tessel::verify::align
