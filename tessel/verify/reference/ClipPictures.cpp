@@ -111,6 +111,19 @@ read::Picture ClipPictures::RenderRows(std::int64_t frame, int first, int count,
     return Convert(view);
 }
 
+std::vector<read::Picture> ClipPictures::RenderBands(std::int64_t frame, const Bands& bands)
+{
+    const exporting::FrameView whole = mClip.RenderFrame(frame);
+    std::vector<read::Picture> pictures;
+    for (int top = bands.first; top + bands.rows <= whole.height; top += bands.distance) {
+        exporting::FrameView band = whole;
+        band.top += top * whole.rowBytes;
+        band.height = bands.rows;
+        pictures.push_back(Convert(band));
+    }
+    return pictures;
+}
+
 read::Picture ClipPictures::Convert(const exporting::FrameView& view)
 {
     if (!mConverter || view.format != mConversion.source || view.width != mConversion.width ||

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace tessel::verify::reference {
 
@@ -52,6 +53,15 @@ public:
     /// Every `step`th row from `first` on, as a picture of `count` rows. Only for layouts whose chroma is as
     /// high as their luma. Cost: painting the frame, and converting these rows.
     [[nodiscard]] read::Picture RenderRows(std::int64_t frame, int first, int count, int step = 1);
+
+    /// Every so many rows a band, as a picture of its own.
+    struct Bands {
+        int first = 0;    ///< row of the first band; both this and `rows` are multiples of 4, for chroma's sake
+        int rows = 16;    ///< of a band
+        int distance = 1; ///< from one band's first row to the next one's
+    };
+    /// The bands that lie wholly inside the frame. Cost: painting the frame, and converting these rows.
+    [[nodiscard]] std::vector<read::Picture> RenderBands(std::int64_t frame, const Bands& bands);
 
 private:
     [[nodiscard]] read::Picture Convert(const exporting::FrameView& view);

@@ -13,6 +13,18 @@ namespace tessel::verify::judge {
 namespace {
 
 constexpr double kEqualPsnr = 100; // dB
+constexpr int kBandRows = 16;
+constexpr int kTurns = 8;                              // frames until every band was measured
+constexpr int kLeastForTurns = 2 * kBandRows * kTurns; // rows; lower pictures are measured as a whole
+
+/// Some rows of a component.
+read::ComponentView RowsOf(const read::ComponentView& view, int first, int count) noexcept
+{
+    read::ComponentView rows = view;
+    rows.first += first * view.rowBytes;
+    rows.height = count;
+    return rows;
+}
 
 std::string PlaneName(const read::PictureFacts& movie, int plane)
 {
@@ -30,22 +42,43 @@ FidelitySampler::FidelitySampler(const exporting::SignalSource& clip, const refe
 {
 }
 
-FidelitySampler::Sample FidelitySampler::Measure(const read::Picture& expected, const read::Picture& found,
-                                                 std::int64_t frame)
+FidelitySampler::Sample FidelitySampler::Measure(reference::ClipPictures& clip, const read::Picture& found,
+                                                 std::int64_t frame, Rows rows)
 {
+    reference::ClipPictures::Bands bands{0, kBandRows, kBandRows * kTurns};
+    std::vector<read::Picture> expected;
+    if (rows == Rows::InTurns && found.height >= kLeastForTurns) {
+        bands.first = static_cast<int>(frame % kTurns) * kBandRows;
+        expected = clip.RenderBands(frame, bands);
+    } else {
+        expected.push_back(clip.Render(frame));
+    }
     Sample sample;
     sample.frame = frame;
+    const int telling = found.format.isRgb ? 1 : 0;
     for (int plane = 0; plane < 4; ++plane) {
-        const read::ComponentView& is = found.components[plane];
-        const read::ComponentView& was = expected.components[plane];
-        if (is && was && is.width == was.width && is.height == was.height) {
-            sample.planes[static_cast<std::size_t>(plane)] = Compare(was, is);
+        PlaneComparison comparison;
+        bool isCompared = false;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            const read::ComponentView& was = expected[i].components[plane];
+            const read::ComponentView& whole = found.components[plane];
+            if (!was || !whole || was.width != whole.width) {
+                continue;
+            }
+            // Chroma planes are lower, and the bands in them likewise.
+            const int top =
+                (bands.first + static_cast<int>(i) * bands.distance) * was.height / expected[i].height;
+            const read::ComponentView is = RowsOf(whole, top, was.height);
+            comparison.Add(was, is, top);
+            isCompared = true;
+            if (plane == telling) {
+                sample.artefacts += MeasureArtefacts(was, is);
+            }
+        }
+        if (isCompared) {
+            sample.planes[static_cast<std::size_t>(plane)] = comparison.Result();
             sample.planeCount = plane + 1;
         }
-    }
-    const int telling = found.format.isRgb ? 1 : 0;
-    if (sample.planeCount > telling) {
-        sample.artefacts = MeasureArtefacts(expected.components[telling], found.components[telling]);
     }
     return sample;
 }
@@ -69,7 +102,7 @@ void FidelitySampler::Choose(const read::Picture& picture, std::int64_t frame, c
     // Chroma of interlaced pictures may be subsampled by field or by frame; the nearer way is the movie's.
     double best = -1;
     for (const exporting::ChromaRows rows : {exporting::ChromaRows::Frame, exporting::ChromaRows::Field}) {
-        const Sample sample = Measure(MakeRenderer(rows)->Render(frame), picture, frame);
+        const Sample sample = Measure(*MakeRenderer(rows), picture, frame, Rows::InTurns);
         const double chroma = sample.planeCount > 1 ? sample.planes[1].psnr : 0;
         if (chroma > best) {
             best = chroma;
@@ -78,7 +111,8 @@ void FidelitySampler::Choose(const read::Picture& picture, std::int64_t frame, c
     }
 }
 
-FidelitySampler::Sample FidelitySampler::MeasureFrame(const read::Picture& picture, std::int64_t frame)
+FidelitySampler::Sample FidelitySampler::MeasureFrame(const read::Picture& picture, std::int64_t frame,
+                                                      Rows rows)
 {
     Renderer renderer;
     {
@@ -91,13 +125,14 @@ FidelitySampler::Sample FidelitySampler::MeasureFrame(const read::Picture& pictu
     if (!renderer) {
         renderer = MakeRenderer(mChromaRows);
     }
-    const Sample sample = Measure(renderer->Render(frame), picture, frame);
+    const Sample sample = Measure(*renderer, picture, frame, rows);
     const std::lock_guard lock(mIdleMutex);
     mIdle.push_back(std::move(renderer));
     return sample;
 }
 
-void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie)
+void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie,
+                           Rows rows)
 {
     if (!mIsChosen) {
         Choose(picture, frame, movie);
@@ -110,7 +145,7 @@ void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, con
         mSamples.push_back(mRunning.front().get());
         mRunning.pop_front();
     }
-    const auto measure = [this, picture, frame] { return MeasureFrame(picture, frame); };
+    const auto measure = [this, picture, frame, rows] { return MeasureFrame(picture, frame, rows); };
     // With no thread to spare the caller waits for its own picture, so that no more than a few are held.
     const bool hasThread = mRunning.size() + 1 < mThreads;
     mRunning.push_back(std::async(hasThread ? std::launch::async : std::launch::deferred, measure));
@@ -224,16 +259,14 @@ void NoteNumbers(const std::vector<FidelitySampler::Sample>& samples, const Lowe
     findings.Note(fmt::format("lowest SSIM of {} measured pictures: {} (worst: frame {}, near {})",
                               samples.size(), ssim, lowest.worstSsim->frame,
                               PlaceText(*lowest.worstSsim, lowest.worstSsimPlane, movie)));
-    double blocking = 0;
-    double banding = 0;
+    Artefacts artefacts;
     for (const FidelitySampler::Sample& sample : samples) {
-        blocking = std::max(blocking, sample.artefacts.blocking);
-        banding = std::max(banding, sample.artefacts.banding);
+        artefacts += sample.artefacts;
     }
-    findings.Note(
-        fmt::format("errors at the edges of 8 x 8 blocks are up to {:.2f} times those inside; up to {:.0f} % "
-                    "of the steps from row to row are lost",
-                    blocking, banding * 100));
+    findings.Note(fmt::format(
+        "errors change {:.2f} times as much at the edges of 8 x 8 blocks as inside them; {:.0f} % of "
+        "the clip's steps from row to row are lost",
+        artefacts.Blocking(), artefacts.Banding() * 100));
 }
 
 } // namespace

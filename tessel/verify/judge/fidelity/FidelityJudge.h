@@ -30,9 +30,15 @@ public:
 
     [[nodiscard]] bool Wants(std::int64_t frame) const noexcept { return frame % mStride == 0; }
 
+    /// Which rows of a picture are measured.
+    enum class Rows {
+        All,
+        InTurns, ///< every eighth band of 16, other bands in each frame, so that eight frames show all
+    };
+
     /// Pictures of another size or layout than the clip can be made in are passed over.
     /// @param movie  facts, complete by the first picture
-    void Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie);
+    void Take(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie, Rows rows);
 
     /// Waits for what is still being measured. Called once, behind the last picture.
     void Finish();
@@ -52,9 +58,9 @@ private:
 
     void Choose(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie);
     [[nodiscard]] Renderer MakeRenderer(exporting::ChromaRows rows) const;
-    [[nodiscard]] Sample MeasureFrame(const read::Picture& picture, std::int64_t frame);
-    [[nodiscard]] static Sample Measure(const read::Picture& expected, const read::Picture& found,
-                                        std::int64_t frame);
+    [[nodiscard]] Sample MeasureFrame(const read::Picture& picture, std::int64_t frame, Rows rows);
+    [[nodiscard]] static Sample Measure(reference::ClipPictures& clip, const read::Picture& found,
+                                        std::int64_t frame, Rows rows);
 
     const exporting::SignalSource& mClip;
     reference::ClipFacts mFacts;

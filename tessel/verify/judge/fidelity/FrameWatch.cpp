@@ -37,7 +37,7 @@ bool FrameWatch::IsSuspicious(const read::Picture& picture, std::int64_t frame, 
     if (!mPictures) {
         mPictures.emplace(mClip,
                           picture.format.isRgb ? exporting::PictureLayout::Gbrp16
-                                               : exporting::PictureLayout::Yuv444p16,
+                                               : exporting::PictureLayout::Yuv422p10,
                           reference::CodingFor(mFacts, movie), exporting::ChromaRows::Frame);
         mExpected.resize(static_cast<std::size_t>(mFacts.width));
         mFound.resize(mExpected.size());

@@ -3,6 +3,7 @@
 #include <tessel/verify/read/Rows.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -32,60 +33,53 @@ struct Sums {
     }
 };
 
-/// Sums of columns over a few rows, sample by sample, so that compilers make vectors of them.
+/// Rows side by side are taken in strips of so many columns, whose sums stay in the nearest cache.
+constexpr std::size_t kStrip = 256;
+static_assert(kStrip % kBlock == 0);
+
+/// Sums of the columns of a strip over a few rows, sample by sample, so that compilers make vectors of them.
 /// @tparam Sum  holds the squares of `kBlock` samples
 template <class Sample, class Sum>
 class ColumnSums {
 public:
-    explicit ColumnSums(int width) : mWidth(static_cast<std::size_t>(width))
-    {
-        for (std::vector<Sum>* sums : {&mA, &mB, &mAA, &mBB, &mAB}) {
-            sums->resize(mWidth);
-        }
-    }
-
     void Clear() noexcept
     {
-        for (std::vector<Sum>* sums : {&mA, &mB, &mAA, &mBB, &mAB}) {
-            std::fill(sums->begin(), sums->end(), Sum{});
+        for (std::array<Sum, kStrip>* sums : {&mA, &mB, &mAA, &mBB, &mAB}) {
+            sums->fill(Sum{});
         }
     }
 
-    void Add(const Sample* a, const Sample* b) noexcept
+    void Add(const Sample* a, const Sample* b, std::size_t count) noexcept
     {
-        Sum* const sumA = mA.data();
-        Sum* const sumB = mB.data();
-        Sum* const sumAA = mAA.data();
-        Sum* const sumBB = mBB.data();
-        Sum* const sumAB = mAB.data();
-        for (std::size_t x = 0; x < mWidth; ++x) {
+        for (std::size_t x = 0; x < count; ++x) {
             const auto valueA = static_cast<Sum>(a[x]);
             const auto valueB = static_cast<Sum>(b[x]);
-            sumA[x] += valueA;
-            sumB[x] += valueB;
-            sumAA[x] += valueA * valueA;
-            sumBB[x] += valueB * valueB;
-            sumAB[x] += valueA * valueB;
+            mA[x] += valueA;
+            mB[x] += valueB;
+            mAA[x] += valueA * valueA;
+            mBB[x] += valueB * valueB;
+            mAB[x] += valueA * valueB;
         }
     }
 
     [[nodiscard]] Sums Of(std::size_t first, std::size_t count) const noexcept
     {
-        Sums sums;
-        for (std::size_t x = first; x < first + count; ++x) {
-            sums += {static_cast<double>(mA[x]), static_cast<double>(mB[x]), static_cast<double>(mAA[x]),
-                     static_cast<double>(mBB[x]), static_cast<double>(mAB[x])};
-        }
-        return sums;
+        const auto total = [&](const std::array<Sum, kStrip>& sums) {
+            Sum sum{};
+            for (std::size_t x = first; x < first + count; ++x) {
+                sum += sums[x];
+            }
+            return static_cast<double>(sum);
+        };
+        return {total(mA), total(mB), total(mAA), total(mBB), total(mAB)};
     }
 
 private:
-    std::size_t mWidth;
-    std::vector<Sum> mA;
-    std::vector<Sum> mB;
-    std::vector<Sum> mAA;
-    std::vector<Sum> mBB;
-    std::vector<Sum> mAB;
+    alignas(64) std::array<Sum, kStrip> mA{};
+    alignas(64) std::array<Sum, kStrip> mB{};
+    alignas(64) std::array<Sum, kStrip> mAA{};
+    alignas(64) std::array<Sum, kStrip> mBB{};
+    alignas(64) std::array<Sum, kStrip> mAB{};
 };
 
 /// SSIM of one window (Wang et al. 2004), with its two small constants.
@@ -103,40 +97,44 @@ double SsimOf(const Sums& window, double fullScale) noexcept
            ((meanA * meanA + meanB * meanB + c1) * (varianceA + varianceB + c2));
 }
 
+} // namespace
+
 template <class Sample, class Sum>
-PlaneLikeness CompareAs(const read::ComponentView& expected, const read::ComponentView& found)
+void PlaneComparison::AddAs(const read::ComponentView& expected, const read::ComponentView& found, int firstRow)
 {
-    const int width = expected.width;
-    const int height = expected.height;
-    const double fullScale = expected.isFloat ? 1.0 : std::exp2(expected.bits) - 1;
-    const std::size_t blocks = static_cast<std::size_t>(width) / kBlock;
-    const std::size_t rest = static_cast<std::size_t>(width) % kBlock;
-    std::vector<Sample> rowA(static_cast<std::size_t>(width));
-    std::vector<Sample> rowB(rowA.size());
-    ColumnSums<Sample, Sum> columns(width);
+    const auto width = static_cast<std::size_t>(expected.width);
+    const std::size_t blocks = width / kBlock;
+    std::array<std::vector<Sample>, kBlock> rowsA;
+    std::array<std::vector<Sample>, kBlock> rowsB;
+    for (std::size_t row = 0; row < kBlock; ++row) {
+        rowsA[row].resize(width);
+        rowsB[row].resize(width);
+    }
+    ColumnSums<Sample, Sum> columns;
     std::vector<Sums> above(blocks);
     std::vector<Sums> here(blocks);
-    PlaneLikeness likeness;
-    bool isEqual = true;
-    double squares = 0;
-    double ssim = 0;
-    std::int64_t windows = 0;
-    for (int top = 0; top < height; top += kBlock) {
-        const int rows = std::min(kBlock, height - top);
-        columns.Clear();
-        for (int y = top; y < top + rows; ++y) {
-            read::LoadRow(expected, y, rowA.data());
-            read::LoadRow(found, y, rowB.data());
-            isEqual = isEqual && rowA == rowB;
-            columns.Add(rowA.data(), rowB.data());
+    for (int top = 0; top < expected.height; top += kBlock) {
+        const auto rows = static_cast<std::size_t>(std::min(kBlock, expected.height - top));
+        for (std::size_t row = 0; row < rows; ++row) {
+            read::LoadRow(expected, top + static_cast<int>(row), rowsA[row].data());
+            read::LoadRow(found, top + static_cast<int>(row), rowsB[row].data());
+            mIsEqual = mIsEqual && rowsA[row] == rowsB[row];
         }
         std::swap(above, here);
-        for (std::size_t block = 0; block < blocks; ++block) {
-            here[block] = columns.Of(block * kBlock, kBlock);
-            squares += here[block].aa + here[block].bb - 2 * here[block].ab;
+        for (std::size_t strip = 0; strip < width; strip += kStrip) {
+            const std::size_t count = std::min(kStrip, width - strip);
+            columns.Clear();
+            for (std::size_t row = 0; row < rows; ++row) {
+                columns.Add(rowsA[row].data() + strip, rowsB[row].data() + strip, count);
+            }
+            for (std::size_t x = 0; x < count; x += kBlock) {
+                const Sums sums = columns.Of(x, std::min<std::size_t>(kBlock, count - x));
+                mSquares += sums.aa + sums.bb - 2 * sums.ab;
+                if (x + kBlock <= count) {
+                    here[(strip + x) / kBlock] = sums;
+                }
+            }
         }
-        const Sums edge = columns.Of(blocks * kBlock, rest);
-        squares += edge.aa + edge.bb - 2 * edge.ab;
         if (top == 0 || rows < kBlock) {
             continue;
         }
@@ -145,47 +143,77 @@ PlaneLikeness CompareAs(const read::ComponentView& expected, const read::Compone
             window += above[block];
             window += here[block - 1];
             window += here[block];
-            const double value = SsimOf(window, fullScale);
-            ssim += value;
-            ++windows;
-            if (value < likeness.worstSsim) {
-                likeness.worstSsim = value;
-                likeness.worstX = static_cast<int>(block - 1) * kBlock;
-                likeness.worstY = top - kBlock;
+            const double value = SsimOf(window, mFullScale);
+            mSsim += value;
+            ++mWindows;
+            if (value < mWorst.worstSsim) {
+                mWorst.worstSsim = value;
+                mWorst.worstX = static_cast<int>(block - 1) * kBlock;
+                mWorst.worstY = firstRow + top - kBlock;
             }
         }
     }
-    likeness.isEqual = isEqual;
+    mSamples += static_cast<double>(width) * expected.height;
+}
+
+void PlaneComparison::Add(const read::ComponentView& expected, const read::ComponentView& found, int firstRow)
+{
+    mFullScale = expected.isFloat ? 1.0 : std::exp2(expected.bits) - 1;
+    if (expected.isFloat || found.isFloat) {
+        AddAs<float, double>(expected, found, firstRow);
+    } else if (std::max(expected.bits, found.bits) <= 14) {
+        // The squares of sixteen samples of up to 14 bits fit into 32 bits.
+        AddAs<std::uint16_t, std::uint32_t>(expected, found, firstRow);
+    } else {
+        AddAs<std::uint16_t, std::uint64_t>(expected, found, firstRow);
+    }
+}
+
+PlaneLikeness PlaneComparison::Result() const noexcept
+{
+    PlaneLikeness likeness = mWorst;
+    likeness.isEqual = mIsEqual;
     // Sums of floats may come out below what they are.
-    const double mean = std::max(squares, 1e-12) / (static_cast<double>(width) * height);
+    const double mean = std::max(mSquares, 1e-12) / std::max(1.0, mSamples);
     likeness.psnr =
-        likeness.isEqual ? kEqualPsnr : std::min(kEqualPsnr, 10 * std::log10(fullScale * fullScale / mean));
-    likeness.ssim = windows > 0 ? ssim / static_cast<double>(windows) : 1;
+        mIsEqual ? kEqualPsnr : std::min(kEqualPsnr, 10 * std::log10(mFullScale * mFullScale / mean));
+    likeness.ssim = mWindows > 0 ? mSsim / mWindows : 1;
     return likeness;
 }
 
-} // namespace
-
 PlaneLikeness Compare(const read::ComponentView& expected, const read::ComponentView& found)
 {
-    if (expected.isFloat || found.isFloat) {
-        return CompareAs<float, double>(expected, found);
-    }
-    // The squares of four samples of up to 15 bits fit into 32 bits.
-    return std::max(expected.bits, found.bits) <= 15 ? CompareAs<std::uint16_t, std::uint32_t>(expected, found)
-                                                     : CompareAs<std::uint16_t, std::uint64_t>(expected, found);
+    PlaneComparison comparison;
+    comparison.Add(expected, found);
+    return comparison.Result();
+}
+
+Artefacts& Artefacts::operator+=(const Artefacts& other) noexcept
+{
+    atEdges += other.atEdges;
+    edges += other.edges;
+    inside += other.inside;
+    insides += other.insides;
+    steps += other.steps;
+    lost += other.lost;
+    return *this;
+}
+
+double Artefacts::Blocking() const noexcept
+{
+    return edges > 0 && inside > 0 ? atEdges / edges / (inside / insides) : 1;
+}
+
+double Artefacts::Banding() const noexcept
+{
+    return steps > 0 ? lost / steps : 0;
 }
 
 Artefacts MeasureArtefacts(const read::ComponentView& expected, const read::ComponentView& found)
 {
     constexpr int kEvery = 4;
-    constexpr int kCodedBlock = 8;
-    double atEdges = 0;
-    double inside = 0;
-    std::int64_t edges = 0;
-    std::int64_t insides = 0;
-    std::int64_t steps = 0;
-    std::int64_t lost = 0;
+    constexpr std::size_t kCodedBlock = 8;
+    Artefacts artefacts;
     std::vector<float> a(static_cast<std::size_t>(expected.width));
     std::vector<float> b(a.size());
     std::vector<float> lastA(a.size());
@@ -196,22 +224,20 @@ Artefacts MeasureArtefacts(const read::ComponentView& expected, const read::Comp
         read::LoadRow(expected, y, a.data());
         read::LoadRow(found, y, b.data());
         for (std::size_t x = 1; x < a.size(); ++x) {
-            const double step =
-                std::abs(static_cast<double>(b[x] - a[x]) - static_cast<double>(b[x - 1] - a[x - 1]));
-            const bool isEdge = x % kCodedBlock == 0;
-            (isEdge ? atEdges : inside) += step;
-            ++(isEdge ? edges : insides);
+            const double change = static_cast<double>(std::abs((b[x] - a[x]) - (b[x - 1] - a[x - 1])));
+            if (x % kCodedBlock == 0) {
+                artefacts.atEdges += change;
+                ++artefacts.edges;
+            } else {
+                artefacts.inside += change;
+                ++artefacts.insides;
+            }
             if (x % kEvery == 0 && a[x] != lastA[x]) {
-                ++steps;
-                lost += b[x] == lastB[x] ? 1 : 0;
+                ++artefacts.steps;
+                artefacts.lost += b[x] == lastB[x] ? 1 : 0;
             }
         }
     }
-    Artefacts artefacts;
-    if (edges > 0 && inside > 0) {
-        artefacts.blocking = atEdges / static_cast<double>(edges) / (inside / static_cast<double>(insides));
-    }
-    artefacts.banding = steps > 0 ? static_cast<double>(lost) / static_cast<double>(steps) : 0;
     return artefacts;
 }
 

@@ -36,8 +36,10 @@ constexpr std::array kHypotheses = std::to_array<FieldHypothesis>({
     {FieldKind::Bobbed, LowerDoubled, UpperDoubled, MissingRows::Doubled},
     {FieldKind::Bobbed, UpperBetween, LowerBetween, MissingRows::Interpolated},
     {FieldKind::Bobbed, LowerBetween, UpperBetween, MissingRows::Interpolated},
-    {FieldKind::Bobbed, UpperAdaptive, LowerAdaptive, MissingRows::Interpolated},
-    {FieldKind::Bobbed, LowerAdaptive, UpperAdaptive, MissingRows::Interpolated},
+    {FieldKind::Bobbed, UpperAdaptive, LowerAdaptiveNext, MissingRows::Interpolated},
+    {FieldKind::Bobbed, LowerAdaptiveNext, UpperAdaptive, MissingRows::Interpolated},
+    {FieldKind::Bobbed, LowerAdaptive, UpperAdaptiveNext, MissingRows::Interpolated},
+    {FieldKind::Bobbed, UpperAdaptiveNext, LowerAdaptive, MissingRows::Interpolated},
     {FieldKind::Bobbed, UpperStretched, LowerStretched, MissingRows::Interpolated},
     {FieldKind::Bobbed, LowerStretched, UpperStretched, MissingRows::Interpolated},
 });

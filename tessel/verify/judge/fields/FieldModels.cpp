@@ -39,6 +39,7 @@ std::array<float, kFieldModels> Predict(const FieldReference& clip, std::size_t 
     const float partner = now(isUpper ? 1 : -1);
     const float between = (now(-1) + now(1)) / 2;
     const float adaptive = std::abs(here - last) > kChanged ? between : here;
+    const float adaptiveNext = std::abs(next - here) > kChanged ? between : here;
     const double moved = clip.movedDown;
     const auto whole = static_cast<std::ptrdiff_t>(std::floor(-moved));
     const auto part = static_cast<float>(-moved - static_cast<double>(whole));
@@ -57,6 +58,8 @@ std::array<float, kFieldModels> Predict(const FieldReference& clip, std::size_t 
     put(FieldModel::LowerBetween, isUpper ? between : here);
     put(FieldModel::UpperAdaptive, isUpper ? here : adaptive);
     put(FieldModel::LowerAdaptive, isUpper ? adaptive : here);
+    put(FieldModel::UpperAdaptiveNext, isUpper ? here : adaptiveNext);
+    put(FieldModel::LowerAdaptiveNext, isUpper ? adaptiveNext : here);
     put(FieldModel::UpperStretched, Stretched(now, isUpper ? 0 : -1, isUpper));
     put(FieldModel::LowerStretched, Stretched(now, isUpper ? 1 : 0, isUpper));
     put(FieldModel::LowerFromNext, isUpper ? here : next);

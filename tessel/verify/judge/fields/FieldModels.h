@@ -23,6 +23,8 @@ enum class FieldModel : std::uint8_t {
     LowerBetween,
     UpperAdaptive, ///< the same, but only where the frame differs from the one before it
     LowerAdaptive,
+    UpperAdaptiveNext, ///< likewise where the frame differs from the one behind it, as for a second field
+    LowerAdaptiveNext,
     UpperStretched, ///< the upper field enlarged to all rows, linearly
     LowerStretched,
     LowerFromNext, ///< upper rows of frame n, lower rows of frame n + 1
@@ -32,7 +34,7 @@ enum class FieldModel : std::uint8_t {
     MixedWithNext, ///< the mean of frames n and n + 1
     MixedWithLast,
 };
-inline constexpr std::size_t kFieldModels = 21;
+inline constexpr std::size_t kFieldModels = 23;
 
 /// Samples of some rows of a frame, row by row; `rows[0]` is an upper row.
 struct RowSamples {
