@@ -1,5 +1,7 @@
 #include "Aligner.h"
 
+#include "FrameMatch.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -13,9 +15,11 @@ constexpr double kPlainlyThere = 0.93;
 constexpr double kLeastLikeness = 0.7;
 constexpr int kMostSearches = 8;
 
+constexpr int kDigits = 6; // of a number
 constexpr std::size_t kMostWaiting = 3;
 constexpr std::int64_t kFieldsReadEvery = 5; // pictures
 constexpr double kLikenessDrop = 0.02;
+constexpr double kWeakestDrop = 0.05; // of a single digit
 /// The same of the numbers on each field's rows, which have half the samples.
 constexpr double kFieldsPlainlyThere = 0.85;
 
@@ -88,7 +92,7 @@ std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& pictur
     std::optional<Found> best;
     const auto consider = [&](Placement placement, double enough) {
         Reading reading = mNumbers.Read(luma, placement);
-        if (!reading.IsReadable()) {
+        if (!reading.IsReadable() || !CanBe(reading)) {
             return;
         }
         double likeness = mNumbers.Likeness(luma, placement, reading.number);
@@ -114,6 +118,14 @@ std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& pictur
             break; // upright comes first
         }
     }
+    if (!best && !mIsMatchAsked) {
+        mIsMatchAsked = true;
+        mMatched = MatchContent(picture);
+    }
+    if (!best && mMatched) {
+        consider(*mMatched, 0);
+        return best;
+    }
     if ((!best || best->likeness < kPlainlyThere) && picture.index >= mNextSearch &&
         mSearches < kMostSearches) {
         ++mSearches;
@@ -125,20 +137,40 @@ std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& pictur
     return best && best->likeness >= kLeastLikeness ? best : std::nullopt;
 }
 
+bool Aligner::CanBe(const Reading& reading) const noexcept
+{
+    std::int64_t most = 1; // numbers that the digits which are seen can tell
+    for (int digit = reading.hidden; digit < kDigits; ++digit) {
+        most *= 10;
+    }
+    return reading.number < mClip.frameCount && (reading.hidden == 0 || mClip.frameCount <= most);
+}
+
+std::optional<Placement> Aligner::MatchContent(const read::Picture& picture) const
+{
+    reference::ClipPictures pictures(mSource, exporting::PictureLayout::Gbrp16, {},
+                                     exporting::ChromaRows::Frame);
+    const read::Picture frame = pictures.Render(std::min(picture.index, mClip.frameCount - 1));
+    return MatchFrame(LumaOf(frame), LumaOf(picture));
+}
+
 void Aligner::ReadInto(const read::Picture& picture, PictureRecord& record)
 {
     const Reading reading = mNumbers.Read(LumaOf(picture), *mAlignment.placement);
     record.likeness = static_cast<float>(reading.likeness);
-    if (reading.IsReadable() && reading.number < mClip.frameCount) {
+    if (reading.IsReadable() && CanBe(reading)) {
         record.frame = reading.number;
         record.confidence = static_cast<float>(reading.confidence);
     }
     // Two numbers on top of each other look less like one: their fields tell them apart.
-    const bool isOdd = !reading.IsReadable() || reading.likeness < mUsualLikeness - kLikenessDrop;
+    // Where only the last digit differs, that one looks odd.
+    const bool isOdd = !reading.IsReadable() || reading.likeness < mUsualLikeness - kLikenessDrop ||
+                       reading.weakest < mUsualWeakest - kWeakestDrop;
     if (isOdd || mHasWovenPictures || picture.index % kFieldsReadEvery == 0) {
         ReadFieldsInto(picture, record);
     }
     mUsualLikeness = std::max(mUsualLikeness, reading.likeness);
+    mUsualWeakest = std::max(mUsualWeakest, reading.weakest);
 }
 
 std::optional<Aligner::FieldReadings> Aligner::ReadFields(const read::ComponentView& luma,
@@ -292,17 +324,24 @@ const PictureRecord& Aligner::Take(const read::Picture& picture, const std::opti
             const std::optional<Found> found = FindPlacement(picture);
             const bool isPlain = found && found->placement.orientation == Orientation::Upright &&
                                  found->likeness >= kPlainlyThere;
-            if (found && (isPlain || TellsOrientation(found->number))) {
+            if (found && (isPlain || mMatched || TellsOrientation(found->number))) {
                 Settle(found->placement);
             } else if (found && mWaiting.size() < kMostWaiting) {
                 mProvisional = found->placement;
                 mWaiting.push_back({mAlignment.pictures.size(), picture});
+            } else if (mMatched) {
+                // The number is cut off: what both show tells the place, and time the frame.
+                mAlignment.placement = mMatched;
+                mAlignment.isPlacedByContent = true;
+                mAlignment.method = AlignmentMethod::Time;
+                mPrintsNumbers = false;
             }
         }
-        if (mAlignment.placement) {
+        if (mAlignment.placement && mPrintsNumbers) {
             ReadInto(picture, record);
         }
-    } else if (!movie || !ReadColors(picture, *movie, record)) {
+    }
+    if (!mPrintsNumbers && (!movie || !ReadColors(picture, *movie, record))) {
         ReadTime(picture, record);
     }
     mAlignment.pictures.push_back(record);

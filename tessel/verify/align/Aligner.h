@@ -44,6 +44,10 @@ private:
         double likeness = 0;
     };
     [[nodiscard]] std::optional<Found> FindPlacement(const read::Picture& picture);
+    /// Whether a number may be one of the clip's, also where some of its digits are cut off.
+    [[nodiscard]] bool CanBe(const Reading& reading) const noexcept;
+    /// Where the frame lies in a picture of another size by what both show.
+    [[nodiscard]] std::optional<Placement> MatchContent(const read::Picture& picture) const;
     void Settle(const Placement& placement);
     void ReadInto(const read::Picture& picture, PictureRecord& record);
     void ReadFieldsInto(const read::Picture& picture, PictureRecord& record);
@@ -76,7 +80,10 @@ private:
     std::optional<Placement> mProvisional; ///< from numbers that look alike in several orientations
     std::vector<Waiting> mWaiting;
     double mUsualLikeness = 0; ///< of numbers in this movie
+    double mUsualWeakest = 0;  ///< of their least like digits
     bool mHasWovenPictures = false;
+    bool mIsMatchAsked = false;
+    std::optional<Placement> mMatched; ///< by content, where the number is cut off
     std::optional<double> mFirstSeconds;
     std::unique_ptr<ColorTimeline> mTimeline; ///< null: not asked yet, or colours do not tell frames
     bool mIsTimelineAsked = false;

@@ -27,6 +27,7 @@ struct Alignment {
     AlignmentMethod method = AlignmentMethod::None;
     std::int64_t frameCount = 0;        ///< of the clip
     std::optional<Placement> placement; ///< of the frame in the pictures, where it could be told
+    bool isPlacedByContent = false;     ///< to whole pixels, because no number could be read
     std::vector<PictureRecord> pictures;
 };
 

@@ -17,6 +17,9 @@ constexpr int kPoints = 3; // samples across each spot of the grid
 constexpr float kNumberHeight = 0.12F;
 constexpr float kNumberPosition = 0.05F;
 
+// A digit of which less than this share lies in the picture is not read.
+constexpr double kLeastSeen = 0.5;
+
 // Neighbouring spots of a blurred or blocky digit err together, so that fewer of them count.
 constexpr double kIndependentSpots = NumberReader::kGridX * NumberReader::kGridY / 8.0;
 
@@ -51,6 +54,26 @@ double Product(const std::vector<double>& a, const std::vector<double>& b) noexc
         sum += a[i] * b[i];
     }
     return sum;
+}
+
+/// The chosen values, normalised among themselves, and 0 in place of the others.
+std::vector<double> NormalizedWhere(const std::vector<bool>& chosen, const std::vector<double>& values)
+{
+    std::vector<double> some;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (chosen[i]) {
+            some.push_back(values[i]);
+        }
+    }
+    static_cast<void>(Normalize(some));
+    std::vector<double> all(values.size(), 0.0);
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (chosen[i]) {
+            all[i] = some[next++];
+        }
+    }
+    return all;
 }
 
 /// A small grey picture.
@@ -138,7 +161,8 @@ public:
 } // namespace
 
 struct NumberReader::Cell {
-    std::vector<double> spots; // normalised
+    std::vector<double> spots; // normalised; 0 outside the picture
+    std::vector<bool> isSeen;  // empty: all of them
     double lowest = 0;
     double highest = 0;
 };
@@ -197,8 +221,18 @@ NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, con
                                  std::clamp(static_cast<int>(at.y), 0, luma.height - 1))
                        : Interpolated(luma, at);
     };
+    const auto isInside = [&](Point at) {
+        return at.x >= 0 && at.y >= 0 && at.x < luma.width && at.y < luma.height;
+    };
+    const bool isWhole = isInside(placement.Map(Point{left, mCellTop})) &&
+                         isInside(placement.Map(Point{left + mAdvance, mCellTop + mDigitHeight}));
     for (int row = 0; row < kGridY; ++row) {
         for (int column = 0; column < kGridX; ++column) {
+            if (!isWhole) {
+                const Point middle = placement.Map(Point{left + (column + 0.5) / kGridX * mAdvance,
+                                                         mCellTop + (row + 0.5) / kGridY * mDigitHeight});
+                cell.isSeen.push_back(isInside(middle));
+            }
             double sum = 0;
             for (int py = 0; py < kPoints; ++py) {
                 for (int px = 0; px < kPoints; ++px) {
@@ -213,7 +247,11 @@ NumberReader::Cell NumberReader::SampleCell(const read::ComponentView& luma, con
     const auto [low, high] = std::minmax_element(cell.spots.begin(), cell.spots.end());
     cell.lowest = *low;
     cell.highest = *high;
-    static_cast<void>(Normalize(cell.spots));
+    if (cell.isSeen.empty()) {
+        static_cast<void>(Normalize(cell.spots));
+    } else {
+        cell.spots = NormalizedWhere(cell.isSeen, cell.spots);
+    }
     return cell;
 }
 
@@ -230,9 +268,21 @@ Reading NumberReader::Read(const read::ComponentView& luma, const Placement& pla
     reading.weakest = 1;
     for (int index = 0; index < mDigits; ++index) {
         const Cell cell = SampleCell(luma, placement, index);
+        const auto seen = static_cast<double>(std::count(cell.isSeen.begin(), cell.isSeen.end(), true));
+        const double share = cell.isSeen.empty() ? 1 : seen / (kGridX * kGridY);
+        if (share < kLeastSeen) {
+            // A digit that is cut off may be a leading zero; behind one that is seen it may be anything.
+            if (reading.hidden < index) {
+                return {};
+            }
+            ++reading.hidden;
+            continue;
+        }
         std::array<double, 10> alike{};
         for (std::size_t digit = 0; digit < alike.size(); ++digit) {
-            alike[digit] = Product(cell.spots, sShapes.Of(digit));
+            alike[digit] =
+                Product(cell.spots, cell.isSeen.empty() ? sShapes.Of(digit)
+                                                        : NormalizedWhere(cell.isSeen, sShapes.Of(digit)));
         }
         const auto best =
             static_cast<std::size_t>(std::max_element(alike.begin(), alike.end()) - alike.begin());
@@ -240,14 +290,19 @@ Reading NumberReader::Read(const read::ComponentView& luma, const Placement& pla
         alike[best] = -1;
         const double second = std::clamp(*std::max_element(alike.begin(), alike.end()), 0.0, 0.999);
         // Normal noise: the likelihoods differ by the ratio of what each shape leaves unexplained.
-        const double logRatio = kIndependentSpots / 2 * std::log((1 - second * second) / (1 - first * first));
+        const double logRatio =
+            share * kIndependentSpots / 2 * std::log((1 - second * second) / (1 - first * first));
         reading.number = reading.number * 10 + static_cast<std::int64_t>(best);
         reading.confidence *= 1 / (1 + std::exp(-logRatio));
-        reading.likeness += first / mDigits;
+        reading.likeness += first;
         reading.weakest = std::min(reading.weakest, first);
         lowest = std::min(lowest, cell.lowest);
         highest = std::max(highest, cell.highest);
     }
+    if (reading.hidden == mDigits) {
+        return {};
+    }
+    reading.likeness /= mDigits - reading.hidden;
     reading.contrast = (highest - lowest) / FullScale(luma);
     return reading;
 }
@@ -297,14 +352,27 @@ double NumberReader::Likeness(const read::ComponentView& luma, const Placement& 
     double sum = 0;
     double squares = 0;
     double product = 0;
+    double expected = 0;
+    double expectedSquares = 0;
+    double count = 0;
     for (std::size_t i = 0; i < ink.spots.size(); ++i) {
-        const double value = Interpolated(luma, placement.Map(ink.spots[i]));
+        const Point at = placement.Map(ink.spots[i]);
+        if (at.x < 0 || at.y < 0 || at.x >= luma.width || at.y >= luma.height) {
+            continue; // cut off
+        }
+        const double value = Interpolated(luma, at);
         sum += value;
         squares += value * value;
         product += value * ink.expected[i];
+        expected += ink.expected[i];
+        expectedSquares += ink.expected[i] * ink.expected[i];
+        ++count;
     }
-    const double spread = squares - sum * sum / static_cast<double>(ink.spots.size());
-    return spread > 1e-9 ? product / std::sqrt(spread) : 0.0;
+    if (2 * count < static_cast<double>(ink.spots.size())) {
+        return 0;
+    }
+    const double spread = (squares - sum * sum / count) * (expectedSquares - expected * expected / count);
+    return spread > 1e-9 ? (product - sum * expected / count) / std::sqrt(spread) : 0.0;
 }
 
 double NumberReader::Likeness(const read::ComponentView& luma, const Placement& placement,

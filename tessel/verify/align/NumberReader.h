@@ -17,6 +17,7 @@ struct Reading {
     double likeness = 0;   ///< -1..1: how like printed digits the place looks (mean correlation)
     double weakest = 0;    ///< the likeness of the digit that is least like one
     double contrast = 0;   ///< between ink and plate, as a share of the code range
+    int hidden = 0;        ///< leading digits that lie outside the picture, and count as zeros
 
     /// Whether the reading counts.
     [[nodiscard]] bool IsReadable() const noexcept;

@@ -265,7 +265,10 @@ private:
         const auto part = static_cast<double>(numbers.apart.size()) / static_cast<double>(numbers.read);
         if (part < kNearlyAll) {
             // Pulldown: frames are spread over fields in a pattern.
-            mFindings.Because(id::kOrderCadence, check);
+            for (const std::string_view consequence :
+                 {check, id::kFidelityExact, id::kFidelityPsnr, id::kFidelitySsim}) {
+                mFindings.Because(id::kOrderCadence, consequence);
+            }
         }
     }
 

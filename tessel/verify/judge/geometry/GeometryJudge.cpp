@@ -100,6 +100,7 @@ public:
         mUncertaintyY = scaleY.spread + kEdge / (exchanges ? plateWidth : plateHeight);
         mScaleX = Snapped(scaleX.value, mUncertaintyX);
         mScaleY = Snapped(scaleY.value, mUncertaintyY);
+        SnapToPicture();
         JudgeScale();
         JudgePlace();
     }
@@ -111,6 +112,26 @@ private:
     static double Snapped(double scale, double uncertainty) noexcept
     {
         return std::abs(scale - 1) <= uncertainty + 0.002 ? 1.0 : scale;
+    }
+
+    /// A frame that fills the picture as far as can be told is stretched over it, and then its scale is known.
+    void SnapToPicture()
+    {
+        const Placement stretched = Placement::Stretched(mFirst.clipWidth, mFirst.clipHeight,
+                                                         mFirst.orientation, mMovie.width, mMovie.height);
+        const align::Box found = mFirst.Map(mPlate);
+        const align::Box filling = stretched.Map(mPlate);
+        const bool isNear = std::abs(found.left - filling.left) < kEdge &&
+                            std::abs(found.top - filling.top) < kEdge &&
+                            std::abs(found.right - filling.right) < 2 * kEdge &&
+                            std::abs(found.bottom - filling.bottom) < 2 * kEdge;
+        if (isNear && (mScaleX != 1 || mScaleY != 1)) {
+            mFirst = stretched;
+            mScaleX = stretched.scaleX;
+            mScaleY = stretched.scaleY;
+            mUncertaintyX = kEdge / mMovie.width;
+            mUncertaintyY = kEdge / mMovie.height;
+        }
     }
 
     void JudgeTurn()
@@ -228,7 +249,7 @@ private:
     align::Box mPlate;
     const read::PictureFacts& mMovie;
     Findings& mFindings;
-    const Placement& mFirst;
+    Placement mFirst;
     double mScaleX = 1;
     double mScaleY = 1;
     double mUncertaintyX = 0;
@@ -237,16 +258,20 @@ private:
 
 } // namespace
 
-void JudgeGeometry(const GeometrySampler& sampler, const align::NumberReader& numbers,
-                   const read::PictureFacts& movie, Findings& findings)
+void JudgeGeometry(const GeometrySampler& sampler, const align::Alignment& alignment,
+                   const align::NumberReader& numbers, const read::PictureFacts& movie, Findings& findings)
 {
-    if (sampler.Placements().empty()) {
+    std::vector<Placement> placements = sampler.Placements();
+    if (placements.empty() && alignment.isPlacedByContent) {
+        placements.push_back(*alignment.placement);
+    }
+    if (placements.empty()) {
         for (const std::string_view check : kGeometryChecks) {
             findings.NotVisible(check);
         }
         return;
     }
-    Judging(sampler.Placements(), numbers.Plate(), movie, findings).Run();
+    Judging(placements, numbers.Plate(), movie, findings).Run();
 }
 
 } // namespace tessel::verify::judge

@@ -28,7 +28,8 @@ private:
 };
 
 /// Puts findings of all `geometry.` checks.
-void JudgeGeometry(const GeometrySampler& sampler, const align::NumberReader& numbers,
-                   const read::PictureFacts& movie, Findings& findings);
+/// @param alignment  whose placement stands in where no picture's number could be placed
+void JudgeGeometry(const GeometrySampler& sampler, const align::Alignment& alignment,
+                   const align::NumberReader& numbers, const read::PictureFacts& movie, Findings& findings);
 
 } // namespace tessel::verify::judge
