@@ -341,7 +341,7 @@ const PictureRecord& Aligner::Take(const read::Picture& picture, const std::opti
             ReadInto(picture, record);
         }
     }
-    if (!mPrintsNumbers && (!movie || !ReadColors(picture, *movie, record))) {
+    if (!mPrintsNumbers && (mAlignment.isPlacedByContent || !movie || !ReadColors(picture, *movie, record))) {
         ReadTime(picture, record);
     }
     mAlignment.pictures.push_back(record);

@@ -23,6 +23,13 @@ class Geometry(VerifyTest):
         self.assertEqual([(edge, round(float(pixels))) for edge, pixels in edges],
                          [("left", 16), ("top", 12), ("right", 24), ("bottom", 28)])
 
+    def test_a_crop_that_takes_the_number_along(self):
+        for size, cut in (((320, 180), 16), ((160, 106), 16)):
+            root = gradient(size=size, frames=6)
+            report = self.verify(root, self.filtered(root, f"crop={size[0] - 2 * cut}:{size[1] - 2 * cut}"))
+            finding = self.expect(report, "geometry.cropped")
+            self.assertAlmostEqual(finding["found"], cut, delta=0.5)
+
     def test_padded(self):
         finding = self.fault("pad=800:480:80:60", "geometry.padded")
         self.assertAlmostEqual(finding["found"], 80, delta=finding["uncertainty"] + 0.5)

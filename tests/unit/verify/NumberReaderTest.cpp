@@ -197,6 +197,27 @@ TEST(NumberReader, SearchFindsThePlateInCroppedPaddedScaledAndTurnedPictures)
     }
 }
 
+TEST(NumberReader, ReadsDigitsOfWhichACropLeavesMostAndTakesHiddenOnesInFrontForZeros)
+{
+    const NumberReader reader(kWidth, kHeight);
+    const Box plate = reader.Plate();
+    // The upper third of the plate is cut off, and its first two digits.
+    const int top = static_cast<int>(plate.top + (plate.bottom - plate.top) / 3);
+    const int left = static_cast<int>(plate.left + (plate.right - plate.left) * 0.34);
+    const GreyPicture picture = Moved(Printed(4715), kWidth - left, kHeight - top, [&](Point p) {
+        return Point{p.x + left, p.y + top};
+    });
+    Placement placement = Plain();
+    placement.offsetX = -left;
+    placement.offsetY = -top;
+    const Reading reading = reader.Read(picture.View(), placement);
+    EXPECT_EQ(reading.number, 4715);
+    EXPECT_EQ(reading.hidden, 2);
+    EXPECT_TRUE(reading.IsReadable());
+    placement.offsetX = -2 * kWidth; // nothing of it is left
+    EXPECT_FALSE(reader.Read(picture.View(), placement).IsReadable());
+}
+
 TEST(NumberReader, RefinePlacesThePictureToATenthOfAPixel)
 {
     const NumberReader reader(kWidth, kHeight);
