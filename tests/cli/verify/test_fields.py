@@ -85,7 +85,6 @@ class Fields(VerifyTest):
         self.filters(gradient("uyv7", SIZE, frames=24), [
             ("tinterlace=interleave_top", "fields.interlaced"),
             ("interlace", "fields.interlaced"),
-            ("telecine", "order.cadence"),
         ])
 
     def test_what_a_clip_can_show(self):

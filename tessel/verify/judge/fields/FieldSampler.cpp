@@ -15,6 +15,8 @@ constexpr int kAroundPlate = 10;          // rows
 
 /// Scales this near to 1 may be 1: a plate of thirty pixels does not tell.
 constexpr double kUnscaled = 0.02;
+/// Rows in the wrong places misplace the number by this much in pictures that have the clip's own size.
+constexpr double kUnscaledWhole = 0.08;
 
 double CodeOf(const read::ComponentView& view, int x, int y) noexcept
 {
@@ -105,13 +107,15 @@ const RowSamples& FieldSampler::ClipRows(std::int64_t frame)
 void FieldSampler::Take(const read::Picture& picture, std::int64_t frame, const align::Placement& placement,
                         const read::PictureFacts& movie)
 {
-    if (placement.orientation != align::Orientation::Upright || std::abs(placement.scaleY - 1) > kUnscaled) {
+    const bool hasClipsSize = picture.width == mFacts.width && picture.height == mFacts.height;
+    const double unscaled = hasClipsSize ? kUnscaledWhole : kUnscaled;
+    if (placement.orientation != align::Orientation::Upright || std::abs(placement.scaleY - 1) > unscaled) {
         return;
     }
     // Where the rows lie, told in the middle of what is looked at.
     const double middle = mFirstRow + mRowCount / 2.0;
     const double down = placement.Map(align::Point{0, middle}).y - middle;
-    const bool isWholeFrame = picture.height == mFacts.height && std::abs(down) < 1.5;
+    const bool isWholeFrame = picture.height == mFacts.height && std::abs(down) < 2;
     const int rowsDown = isWholeFrame ? 0 : static_cast<int>(std::floor(down + 0.5));
     if (mFirstRow + rowsDown < 0 || mFirstRow + rowsDown + mRowCount > picture.height) {
         return;

@@ -228,8 +228,12 @@ private:
         if (mDecision.best.kind == FieldKind::OneField) {
             finding.found = fmt::format("{} field", Kept());
         }
-        if (mDecision.best.kind == FieldKind::OneRowOff) {
-            mFindings.Because(id::kFieldsSwapped, id::kGeometryShifted);
+        if (mGiven.movie.width == mGiven.clip.width && mGiven.movie.height == mGiven.clip.height) {
+            // Rows in the wrong places move and stretch the number that tells where the frame lies.
+            for (const std::string_view geometry :
+                 {id::kGeometryScaled, id::kGeometryCropped, id::kGeometryPadded, id::kGeometryShifted}) {
+                mFindings.Because(check, geometry);
+            }
         }
         return true;
     }
