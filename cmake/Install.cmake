@@ -23,7 +23,7 @@ if(TARGET kestrelqt)
 endif()
 if(TARGET libtessel)
     install(TARGETS libtessel EXPORT TesselTargets
-        LIBRARY NAMELINK_COMPONENT development
+        LIBRARY COMPONENT program NAMELINK_COMPONENT development
         FILE_SET HEADERS COMPONENT development)
 endif()
 if(TARGET conformance)
