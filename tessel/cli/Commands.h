@@ -35,7 +35,7 @@ struct Context {
     std::filesystem::path plugin; ///< `--plugin`; empty: looked for
     bool noTestingPlugins = false;
     char* const* arguments = nullptr; ///< the program's own, its name first, ending in null
-    int exitCode = kDone; ///< what the program ends with when the command returns
+    int exitCode = kDone;             ///< what the program ends with when the command returns
 
     /// The plug-in, loaded at the first call. @throws importhost::HostError
     [[nodiscard]] std::shared_ptr<const importhost::Importer> LoadImporter();

@@ -44,7 +44,7 @@ class DryRun(RenderTest):
             self.assertEqual(self.probe(self.path(output), "audio")["codec_name"], sound)
             os.remove(self.path(output))
         self.assertIn("v210", self.announce(root, "x.mov"))
-        self.assertIn("H.264", self.announce(root, "x.mp4"))
+        self.assertIn("h264", self.announce(root, "x.mp4"))
 
     def test_what_the_file_will_not_say_is_said_before(self):
         text = self.announce(document("uyvy", order=1), "x.avi")
