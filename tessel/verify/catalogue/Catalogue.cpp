@@ -273,7 +273,7 @@ constexpr std::array kChecks{
     CheckInfo{id::kAudioNoise, Minor, "Nothing is added between the clip's tones.", kTone, kUseSound, "dBFS",
               Tolerance{-85, -80, -50}},
     CheckInfo{id::kAudioHarmonics, Minor, "Tones have no harmonics.", kTone, kUseSound, "dBc",
-              Tolerance{-80, -70, -45}},
+              Tolerance{-80, -70, -40}},
     CheckInfo{id::kAudioPitch, Major, "Tones have the clip's frequency.", kTone, kUseSound, "ratio",
               Tolerance{0.003, 0.003, 0.003}}, // 5 cents, which listeners begin to hear
     CheckInfo{id::kAudioDrift, Minor, "The sound runs as fast as the clip's.", kTone, "a clip of 10 s or more",

@@ -60,9 +60,8 @@ class Clean(Sound):
                     continue  # it has two channels at most
                 if codec == "libopus" and root["mSampleRate"] != 48000:
                     continue  # it resamples
-                layout = ("-channel_layout", "5.1") if codec == "libopus" and index < 2 else ()
-                layout = ("-af", "aformat=channel_layouts=5.1") if layout else ()
-                self.convert("clean.wav", f"clean.{kind}", *layout, "-c:a", codec, "-b:a", "384k")
+                layout = ("-af", "aformat=channel_layouts=5.1") if codec == "libopus" and index < 2 else ()
+                self.convert("clean.wav", f"clean.{kind}", *layout, "-c:a", codec)
                 report = self.heard(root, f"clean.{kind}")
                 self.expect_clean(report, f"{index} {codec}")
 
