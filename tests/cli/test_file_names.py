@@ -67,7 +67,7 @@ class FileNames(ProgramTest):
         self.assert_failed(self.run_program("info", "x" * 5000 + ".tessel"), 1, "cannot be read")
 
     def test_an_empty_name(self):
-        self.assert_failed(self.run_program("info", ""), 2, "clip: must not be empty")
+        self.assert_failed(self.run_program("info", ""), 2, "CLIP: must not be empty")
 
 
 if __name__ == "__main__":

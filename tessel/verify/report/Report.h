@@ -105,7 +105,7 @@ struct Report {
     std::vector<std::string> notChecked; ///< ids that nothing was asked about, so nothing is known
     std::vector<std::string> notes;
     std::vector<TellingFrame> telling; ///< for the page alone; empty unless asked for
-    std::vector<TellingSound> sounds;    ///< the same of the sound
+    std::vector<TellingSound> sounds;  ///< the same of the sound
 };
 
 } // namespace tessel::verify

@@ -158,8 +158,9 @@ private:
         std::string expected;
         std::string actual;
         for (std::size_t m = 0; m < Channels(); ++m) {
-            expected += (m == 0 ? "" : " ") + NameOf(m);
-            actual += (m == 0 ? "" : " ") + (found[m] < 0 ? "silence" : SourceName(found[m]));
+            const char* const gap = m == 0 ? "" : " ";
+            expected += fmt::format("{}{}", gap, NameOf(m));
+            actual += fmt::format("{}{}", gap, found[m] < 0 ? "silence" : SourceName(found[m]));
         }
         finding.expected = expected;
         finding.found = actual;
@@ -568,7 +569,10 @@ private:
                 place = m;
             }
         }
-        if (seconds <= 0) {
+        // The clip's frequencies are learnt from the same short time, and a small error of theirs looks like
+        // noise.
+        constexpr double kLeastSeconds = 0.25;
+        if (seconds < kLeastSeconds * static_cast<double>(Channels())) {
             mFindings.NotVisible(id::kAudioNoise);
             return;
         }
@@ -660,6 +664,9 @@ void JudgeSound(const SoundEvidence& evidence, const read::SoundFacts& movie, Fi
         break;
     case SoundTrouble::NoMovieSound:
         hide("a movie with sound");
+        break;
+    case SoundTrouble::TooShort:
+        hide("a movie with more of the sound");
         break;
     case SoundTrouble::Silent: {
         hide("a movie whose sound is heard");

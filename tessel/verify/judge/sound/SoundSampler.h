@@ -25,6 +25,7 @@ enum class SoundTrouble {
     NoClipSound,  ///< the clip has none, or only silence
     UnfitTone,    ///< a tone below 16 Hz, or too near to half the sample rate
     NoMovieSound, ///< nothing was read
+    TooShort,     ///< the movie's sound is heard, but for too short a time to tell its tones
     Silent,       ///< the movie's sound is silent throughout
     SomethingElse ///< its tones are not the clip's
 };
