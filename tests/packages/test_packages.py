@@ -106,7 +106,7 @@ class Contents(PackageTest):
             self.one("tessel", pattern)
 
     def test_headers_and_names_to_link_by_are_for_developers_alone(self):
-        for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/Kestrel/.*|.*/kestrel-conformance"
+        for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/(?:Kestrel|Tessel)/.*|.*/kestrel-conformance"
                                     # Examples are sources to build.
                                     r"|.*/kestrel/examples/.*|usr/share/doc/libkestrel-dev/.*")
         for package, paths in CONTENTS.items():

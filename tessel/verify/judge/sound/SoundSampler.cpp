@@ -102,7 +102,7 @@ void SoundSampler::StartTracking()
     mIsTracking = true;
     const std::vector<SpectralPeak> peaks = PeaksOf(mProbe, mRate, 10);
     if (peaks.empty() || peaks.front().amplitude < kSilent) {
-        mTrouble = mProbeHeard > 0 ? SoundTrouble::TooShort : SoundTrouble::Silent;
+        mTrouble = peaks.empty() && mProbeHeard > 0 ? SoundTrouble::TooShort : SoundTrouble::Silent;
         return;
     }
     mPitch = PitchRatio(peaks, mTones);
