@@ -85,10 +85,10 @@ void HarmonicMeter::TakeOther(const BlockTones& fit, bool isSilent)
     mSilentBlocks += isSilent ? 1 : 0;
 }
 
-void HarmonicMeter::FillIn(ChannelStatistics& statistics, double secondsPerBlock) const
+void HarmonicMeter::FillIn(ChannelStatistics& statistics, double samplesPerBlock) const
 {
-    statistics.toneSeconds = static_cast<double>(mToneBlocks) * secondsPerBlock;
-    statistics.silentSeconds = static_cast<double>(mSilentBlocks) * secondsPerBlock;
+    statistics.toneSamples = static_cast<double>(mToneBlocks) * samplesPerBlock;
+    statistics.silentSamples = static_cast<double>(mSilentBlocks) * samplesPerBlock;
     statistics.flatBlocks = mFlatBlocks;
     statistics.toneBlocks = mShapeBlocks;
     statistics.flatLevel = mFlatLevel;

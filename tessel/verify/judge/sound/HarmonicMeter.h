@@ -33,7 +33,7 @@ public:
     /// A block of several tones, or of none. @param fit  of all known tones
     void TakeOther(const BlockTones& fit, bool isSilent);
 
-    void FillIn(ChannelStatistics& statistics, double secondsPerBlock) const;
+    void FillIn(ChannelStatistics& statistics, double samplesPerBlock) const;
 
 private:
     void TakeRest(const BlockTones& fit);

@@ -560,10 +560,10 @@ private:
     {
         double worst = 0;
         std::size_t place = 0;
-        double seconds = 0;
+        double samples = 0;
         for (std::size_t m = 0; m < Channels(); ++m) {
             const ChannelStatistics& own = mMovie.channels[m].statistics;
-            seconds += own.toneSeconds + own.silentSeconds;
+            samples += own.toneSamples + own.silentSamples;
             if (own.noise > worst) {
                 worst = own.noise;
                 place = m;
@@ -572,7 +572,7 @@ private:
         // The clip's frequencies are learnt from the same short time, and a small error of theirs looks like
         // noise.
         constexpr double kLeastSeconds = 0.25;
-        if (seconds < kLeastSeconds * static_cast<double>(Channels())) {
+        if (samples < kLeastSeconds * mMovie.rate * static_cast<double>(Channels())) {
             mFindings.NotVisible(id::kAudioNoise);
             return;
         }
@@ -586,17 +586,17 @@ private:
         double worst = 0;
         double sigma = 0;
         std::size_t place = 0;
-        double seconds = 0;
+        double samples = 0;
         for (std::size_t m = 0; m < Channels(); ++m) {
             const ChannelStatistics& own = mMovie.channels[m].statistics;
-            seconds += own.toneSeconds;
+            samples += own.toneSamples;
             if (own.harmonics > worst) {
                 worst = own.harmonics;
                 sigma = own.harmonicsSigma;
                 place = m;
             }
         }
-        if (seconds <= 0) {
+        if (samples <= 0) {
             mFindings.NotVisible(id::kAudioHarmonics);
             return;
         }

@@ -56,8 +56,8 @@ struct ChannelStatistics {
     double noise = 0;            ///< RMS of what neither tones nor their harmonics explain
     double harmonics = 0;        ///< root of the sum of the squares of the harmonics 2 to 5, against the tone
     double harmonicsSigma = 0;   ///< of that
-    double toneSeconds = 0;      ///< measured with a single tone sounding
-    double silentSeconds = 0;    ///< measured in silence
+    double toneSamples = 0;      ///< measured with a single tone sounding
+    double silentSamples = 0;    ///< measured in silence
     double peak = 0;             ///< largest sample
     std::int64_t flatBlocks = 0; ///< blocks whose tops are flat
     std::int64_t toneBlocks = 0; ///< blocks that were looked at for it
