@@ -376,7 +376,10 @@ private:
         } else {
             mFindings.AsExpected(id::kAudioPitch);
         }
-        if (mMap.pitchSigma > 3e-5) {
+        // Where even a perfect clock would be undecided, the sound is too short, or too much changed, to show
+        // one.
+        const double drift = mFindings.Limits().Of(id::kAudioDrift);
+        if (uncertainty * 1e6 > drift && std::abs(ppm) <= drift + uncertainty * 1e6) {
             mFindings.NotVisible(id::kAudioDrift);
             return;
         }
