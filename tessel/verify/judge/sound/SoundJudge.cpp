@@ -376,10 +376,10 @@ private:
         } else {
             mFindings.AsExpected(id::kAudioPitch);
         }
-        // Where even a perfect clock would be undecided, the sound is too short, or too much changed, to show
-        // one.
+        // A measure is to be four times as fine as the tolerance. Else the sound is too short, or too much
+        // changed, to show a good clock; a bad one may show all the same.
         const double drift = mFindings.Limits().Of(id::kAudioDrift);
-        if (uncertainty * 1e6 > drift && std::abs(ppm) <= drift + uncertainty * 1e6) {
+        if (4 * uncertainty * 1e6 > drift && std::abs(ppm) <= drift + uncertainty * 1e6) {
             mFindings.NotVisible(id::kAudioDrift);
             return;
         }
