@@ -377,9 +377,11 @@ private:
             mFindings.AsExpected(id::kAudioPitch);
         }
         // A measure is to be four times as fine as the tolerance. Else the sound is too short, or too much
-        // changed, to show a good clock; a bad one may show all the same.
+        // changed, to show a good clock; a bad one may show all the same, but not where nothing is known well.
+        constexpr double kRough = 3e-5;
         const double drift = mFindings.Limits().Of(id::kAudioDrift);
-        if (4 * uncertainty * 1e6 > drift && std::abs(ppm) <= drift + uncertainty * 1e6) {
+        const bool isCoarse = 4 * uncertainty * 1e6 > drift;
+        if (mMap.pitchSigma > kRough || (isCoarse && std::abs(ppm) <= drift + uncertainty * 1e6)) {
             mFindings.NotVisible(id::kAudioDrift);
             return;
         }
