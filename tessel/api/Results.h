@@ -51,7 +51,7 @@ tessel_result Serve(tessel_result otherwise, Call&& call) noexcept
     } catch (const std::exception& error) {
         return Fail(otherwise, error.what());
     } catch (...) {
-        return Fail(otherwise, "an error that says nothing about itself");
+        return Fail(otherwise, "an exception of an unknown type");
     }
 }
 

@@ -128,7 +128,7 @@ typedef enum tessel_layout {
     TESSEL_LAYOUT_OWN = 0,
     TESSEL_LAYOUT_BGRA = 1, /* 8 bits; the names give the components in the order of memory */
     TESSEL_LAYOUT_ARGB = 2,
-    TESSEL_LAYOUT_BGRX = 3, /* X: a byte that says nothing */
+    TESSEL_LAYOUT_BGRX = 3, /* X: an unused byte */
     TESSEL_LAYOUT_XRGB = 4,
     TESSEL_LAYOUT_RGBA = 5,
     TESSEL_LAYOUT_RGB = 6,    /* three bytes a pixel */

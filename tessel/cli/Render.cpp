@@ -123,7 +123,7 @@ public:
             return nullptr;
         }
         if (mTruthFile && !plan.video) {
-            throw ExportError("--truth tells of pictures, and there are none: remove --truth");
+            throw ExportError("--truth describes pictures, but only sound is rendered: remove --truth");
         }
         mRecord.algorithm = mExpected ? mExpected->Algorithm() : mRecord.algorithm;
         mRecord.digestsCoded = mExpected || mHashFile;

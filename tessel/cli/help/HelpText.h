@@ -1,4 +1,4 @@
-/// What the program says of itself: commands, options, values, examples, topics.
+/// The program's help text as data: commands, options, values, examples, topics.
 ///
 /// The commands fill it while they are declared. Help pages, `tessel help --dump-json` and near misses all read
 /// it, so that no text is written twice. Plain data; deques, because declarations keep references to elements.

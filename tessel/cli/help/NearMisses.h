@@ -1,4 +1,4 @@
-/// What somebody meant who typed a word that is none.
+/// Suggestions for mistyped words: the known words that are nearest.
 #pragma once
 
 #include <span>

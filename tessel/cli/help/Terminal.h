@@ -1,4 +1,4 @@
-/// What the terminal says of itself.
+/// The width of the terminal.
 #pragma once
 
 #include <cstddef>
