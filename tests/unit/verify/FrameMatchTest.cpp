@@ -1,3 +1,5 @@
+#include "GreyPicture.h"
+
 #include <tessel/verify/align/FrameMatch.h>
 
 #include <gtest/gtest.h>
@@ -12,30 +14,17 @@ namespace {
 constexpr int kWidth = 160;
 constexpr int kHeight = 106;
 
-struct Grey {
-    int width;
-    int height;
-    std::vector<std::uint8_t> samples;
-
-    Grey(int wide, int high, const std::function<double(int x, int y)>& scene) : width(wide), height(high)
-    {
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                samples.push_back(static_cast<std::uint8_t>(std::lround(scene(x, y))));
-            }
+/// The scene's level, 0 to 255, at every place.
+GreyPicture Grey(int width, int height, const std::function<double(int x, int y)>& scene)
+{
+    GreyPicture picture{width, height, {}};
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            picture.samples.push_back(static_cast<std::uint8_t>(std::lround(scene(x, y))));
         }
     }
-    [[nodiscard]] read::ComponentView View() const
-    {
-        read::ComponentView view;
-        view.first = reinterpret_cast<const std::byte*>(samples.data());
-        view.rowBytes = width;
-        view.step = 1;
-        view.width = width;
-        view.height = height;
-        return view;
-    }
-};
+    return picture;
+}
 
 /// A ramp from top to bottom under a black plate in the corner with two white strokes on it.
 double Scene(int x, int y)
@@ -58,8 +47,8 @@ double Darker(double level)
 
 TEST(FrameMatch, FindsACropThatCutsThePlate)
 {
-    const Grey clip(kWidth, kHeight, Scene);
-    const Grey movie(128, 74, [](int x, int y) { return Darker(Scene(x + 16, y + 14)); });
+    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
+    const GreyPicture movie = Grey(128, 74, [](int x, int y) { return Darker(Scene(x + 16, y + 14)); });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
     EXPECT_EQ(found->offsetX, -16);
@@ -69,9 +58,10 @@ TEST(FrameMatch, FindsACropThatCutsThePlate)
 
 TEST(FrameMatch, FindsAddedEdgesBesideACropInHeight)
 {
-    const Grey clip(kWidth, kHeight, Scene);
-    const Grey movie(kWidth + 20, kHeight - 12,
-                     [](int x, int y) { return x < 6 || x >= 6 + kWidth ? 16.0 : Scene(x - 6, y + 12); });
+    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
+    const GreyPicture movie = Grey(kWidth + 20, kHeight - 12, [](int x, int y) {
+        return x < 6 || x >= 6 + kWidth ? 16.0 : Scene(x - 6, y + 12);
+    });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
     EXPECT_EQ(found->offsetX, 6);
@@ -80,8 +70,8 @@ TEST(FrameMatch, FindsAddedEdgesBesideACropInHeight)
 
 TEST(FrameMatch, TakesTheMiddleWhereNothingTells)
 {
-    const Grey clip(kWidth, kHeight, Stripes);
-    const Grey movie(kWidth - 40, kHeight - 20, [](int x, int y) { return Stripes(x, y + 3); });
+    const GreyPicture clip = Grey(kWidth, kHeight, Stripes);
+    const GreyPicture movie = Grey(kWidth - 40, kHeight - 20, [](int x, int y) { return Stripes(x, y + 3); });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
     EXPECT_EQ(found->offsetX, -20);
@@ -90,8 +80,8 @@ TEST(FrameMatch, TakesTheMiddleWhereNothingTells)
 
 TEST(FrameMatch, AScaledFrameIsNoCrop)
 {
-    const Grey clip(kWidth, kHeight, Scene);
-    const Grey movie(80, 53, [](int x, int y) { return Scene(2 * x, 2 * y); });
+    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
+    const GreyPicture movie = Grey(80, 53, [](int x, int y) { return Scene(2 * x, 2 * y); });
     EXPECT_FALSE(MatchFrame(clip.View(), movie.View()));
 }
 

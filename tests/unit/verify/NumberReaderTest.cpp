@@ -1,3 +1,5 @@
+#include "GreyPicture.h"
+
 #include <kestrel/pixmill/PrintNumber.h>
 #include <tessel/verify/align/NumberReader.h>
 
@@ -15,24 +17,6 @@ namespace {
 constexpr int kWidth = 640;
 constexpr int kHeight = 360;
 constexpr std::uint32_t kBgra8 = 0x0C; // the image library's code
-
-/// Grey samples in memory.
-struct GreyPicture {
-    int width;
-    int height;
-    std::vector<std::uint8_t> samples;
-
-    [[nodiscard]] read::ComponentView View() const
-    {
-        read::ComponentView view;
-        view.first = reinterpret_cast<const std::byte*>(samples.data());
-        view.rowBytes = width;
-        view.step = 1;
-        view.width = width;
-        view.height = height;
-        return view;
-    }
-};
 
 /// A picture with a ramp and a number printed on it by the host's own printer.
 GreyPicture Printed(std::int32_t number)

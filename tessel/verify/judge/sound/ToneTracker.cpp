@@ -271,14 +271,20 @@ void ToneTracker::TakeBlock(std::span<const float> samples)
     }
 }
 
+std::vector<double> ToneTracker::AllKeptAs(const Growing& completed) const
+{
+    std::vector<double> samples(mKept.size());
+    SteadySound(mSetup.frequencies, completed.run, completed.constant)
+        .Render(static_cast<double>(mKeptFirst), samples);
+    return samples;
+}
+
 /// The run goes on after something else: a gap, a click, or only a codec's trouble.
 void ToneTracker::Resume()
 {
     Growing completed = mRun;
     Complete(completed);
-    const SteadySound sound(mSetup.frequencies, completed.run, completed.constant);
-    std::vector<double> expected(mKept.size());
-    sound.Render(static_cast<double>(mKeptFirst), expected);
+    const std::vector<double> expected = AllKeptAs(completed);
     double loudest = 0;
     for (const Tone& tone : completed.run.tones) {
         loudest = std::max(loudest, tone.amplitude);
@@ -306,9 +312,9 @@ void ToneTracker::Resume()
     }
     const auto at = static_cast<double>(mKeptFirst);
     KeepExcerpt(true);
-    mTrack.gaps.push_back(
-        {at + static_cast<double>(first), at + static_cast<double>(last),
-         !completed.run.IsSilent() && found<0.2 * wanted, loudest> 0 ? largest / loudest : 0.0});
+    const bool isSilence = !completed.run.IsSilent() && found < 0.2 * wanted;
+    const double size = loudest > 0 ? largest / loudest : 0.0;
+    mTrack.gaps.push_back({at + static_cast<double>(first), at + static_cast<double>(last), isSilence, size});
 }
 
 /// Another run begins somewhere in what is kept.
@@ -328,10 +334,8 @@ void ToneTracker::Change(Growing next)
         if (first > static_cast<double>(mKeptFirst)) {
             Growing completed = mRun;
             Complete(completed);
-            std::vector<double> behind(mKept.size());
+            const std::vector<double> behind = AllKeptAs(completed);
             const std::vector<double> silence(mKept.size(), 0.0);
-            SteadySound(mSetup.frequencies, completed.run, completed.constant)
-                .Render(static_cast<double>(mKeptFirst), behind);
             const Transition place =
                 FindTransition(mKept, silence, behind, completed.run.residual, /*allowsGap=*/false);
             mRun.run.begin = static_cast<double>(mKeptFirst) + static_cast<double>(place.begin);
@@ -435,10 +439,8 @@ ChannelTrack ToneTracker::Finish()
         mKept.insert(mKept.end(), mPartial.begin(), mPartial.end());
         Growing completed = mRun;
         Complete(completed);
-        std::vector<double> before(mKept.size());
+        const std::vector<double> before = AllKeptAs(completed);
         const std::vector<double> silence(mKept.size(), 0.0);
-        SteadySound(mSetup.frequencies, completed.run, completed.constant)
-            .Render(static_cast<double>(mKeptFirst), before);
         const Transition place =
             FindTransition(mKept, before, silence, completed.run.residual, /*allowsGap=*/false);
         const bool isToEnd = mRun.run.tones.empty() || place.end + 2 >= mKept.size();

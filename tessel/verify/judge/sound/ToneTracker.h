@@ -68,6 +68,8 @@ private:
     [[nodiscard]] Growing Begun(const Block& block) const;
     void Add(Growing& growing, const Block& block) const;
     void Complete(Growing& growing) const;
+    /// The samples that are kept, as they would be if that run alone sounded.
+    [[nodiscard]] std::vector<double> AllKeptAs(const Growing& completed) const;
     void MeasureLast();
     void Resume();
     void Change(Growing next);
