@@ -8,7 +8,7 @@ import re
 import sys
 
 SOURCE_ENDINGS = (".cpp", ".c", ".S")
-FOLDERS = ("ImporterTessel", "benchmarks", "examples", "kestrel", "tessel", "tests")
+FOLDERS = ("ImporterTessel", "benchmarks", "examples", "integrations", "kestrel", "tessel", "tests")
 WORD = re.compile(r'[^\s()";]+')
 OWN_FOLDER = re.compile(r"\$\{CMAKE_CURRENT_(?:SOURCE|FUNCTION_LIST)_DIR\}/")
 
