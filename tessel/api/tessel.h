@@ -5,12 +5,12 @@
  *
  * Results     Every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one
  * line. What a failed call was to write is left alone, unless said otherwise. No exception leaves the library.
- * Ownership   `tessel_open_*` give a clip that the caller owns and closes. Texts belong to the library: those
- * of a clip live until it is closed. Structures  carry their size in their first member. The caller sets it to
- * `sizeof` before the call; the library writes no more, so that programs built with an older header go on
- * working. Threads     [thread-safe] may be called from any thread at any time, on one clip too. [any-thread]
- * may be called from any thread, but not on one object at the same time. Clips share nothing that a call
- * changes. Texts       are UTF-8 and end with a NUL.
+ * Ownership   `tessel_open_*` give a clip that the caller owns and closes, `tessel_document_new` a document.
+ * Texts belong to the library: those of a clip live until it is closed. Structures  carry their size in their
+ * first member. The caller sets it to `sizeof` before the call; the library writes no more, so that programs
+ * built with an older header go on working. Threads     [thread-safe] may be called from any thread at any
+ * time, on one clip too. [any-thread] may be called from any thread, but not on one object at the same time.
+ * Clips share nothing that a call changes. Texts       are UTF-8 and end with a NUL.
  */
 #ifndef TESSEL_API_TESSEL_H
 #define TESSEL_API_TESSEL_H
@@ -41,7 +41,8 @@ enum {
     TESSEL_NOT_OPENED = 2,   /* the plug-in cannot be found or loaded, or the document cannot be read */
     TESSEL_NOT_POSSIBLE = 3, /* the clip has no such picture or sound, or not in that layout */
     TESSEL_FAILED = 4,       /* the plug-in failed */
-    TESSEL_OUT_OF_MEMORY = 5
+    TESSEL_OUT_OF_MEMORY = 5,
+    TESSEL_REFUSED = 6 /* a setting that is none, or one with which the clip could not be played */
 };
 
 /* Why the last failed call of this thread failed; empty where none has. Valid until the thread's next failed
@@ -208,6 +209,51 @@ TESSEL_API tessel_result tessel_frame(tessel_clip* clip, int64_t frame, tessel_l
  * Threads: [thread-safe]; one request at a time is served. */
 TESSEL_API tessel_result tessel_samples(tessel_clip* clip, int64_t start, size_t count, float* const* channels,
                                         size_t channel_count);
+
+/* ---- Making documents ---- */
+
+/* A new document, as `tessel new` makes it. */
+typedef struct tessel_document tessel_document;
+
+/* What a document begins with: at most one of `template_name`, `file` and `text`; all null: the usual template.
+ */
+typedef struct tessel_document_options {
+    size_t size;
+    const char* template_name; /* as `tessel list templates` names it */
+    const char* file;          /* another document; its keys that are no settings stay */
+    const char* text;          /* the same in memory: `text_length` bytes of JSON */
+    size_t text_length;
+} tessel_document_options;
+
+/* Makes a document from settings as people name them. Each is "NAME=VALUE" with the names and values of
+ * `tessel new` ("size=1920x1080", "rate=29.97", "tone=1000:-18"), or a key of the document itself with a value
+ * in JSON ("mFramePAR.numerator=10"). Settings are applied in an order of their own, whatever order they are
+ * given in; keys follow them as they are given. Files of swatches are read at once; their names are relative to
+ * the working folder.
+ *
+ * options:  null for none
+ * settings: `setting_count` texts; null where there are none
+ * TESSEL_REFUSED: a setting that is none, or a clip that could not be played; the line says what would be
+ * right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_document_new(const tessel_document_options* options,
+                                             const char* const* settings, size_t setting_count,
+                                             tessel_document** document);
+
+/* Changes settings, given as above, all or none of them. Threads: [any-thread]. */
+TESSEL_API tessel_result tessel_document_set(tessel_document* document, const char* const* settings,
+                                             size_t setting_count);
+
+/* The document's text, for `tessel_open_text` or a file: JSON, keys in ascending order, ending in a newline.
+ * Valid until the document is changed or closed; empty for null.
+ * length: gets its bytes without the NUL at the end; may be null. Threads: [any-thread]. */
+TESSEL_API const char* tessel_document_text(const tessel_document* document, size_t* length);
+
+/* What works and is perhaps not meant, one line each; empty where all is well. Valid as the text is.
+ * Threads: [any-thread]. */
+TESSEL_API const char* tessel_document_warning(const tessel_document* document);
+
+/* Null is allowed. Threads: [any-thread]. */
+TESSEL_API void tessel_document_close(tessel_document* document);
 
 #ifdef __cplusplus
 }

@@ -1,11 +1,10 @@
 #include "ClipReport.h"
 
-#include "Names.h"
-
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
 #include <kestrel/qelcore/text/PathText.h>
+#include <tessel/typed/Names.h>
 
 #include <fmt/format.h>
 
@@ -21,6 +20,11 @@ using importhost::ClipDescription;
 using qelcore::serialization::AddToObject;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
+using typed::ChannelTypeName;
+using typed::FieldOrderName;
+using typed::FourCharacterText;
+using typed::PixelAspectName;
+using typed::PixelFormatName;
 
 Value Integer(std::int64_t number)
 {

@@ -3,7 +3,8 @@
 #include "Commands.h"
 #include "ValueChecks.h"
 #include "help/HelpPage.h"
-#include "help/NearMisses.h"
+
+#include <tessel/typed/NearMisses.h>
 
 #include <CLI/CLI.hpp>
 
@@ -13,6 +14,9 @@
 
 namespace tessel::cli {
 namespace {
+
+using typed::DidYouMean;
+using typed::NamesOfRows;
 
 constexpr char kUsualGroup[] = "Options";
 

@@ -66,8 +66,8 @@ void WriteNote(std::string_view line) noexcept;
 /// Called once, before any thread.
 void LetWritesFail() noexcept;
 
-/// Each declares one command. Running it throws `importhost::HostError` for work that failed and `UsageError`
-/// for a wrong command line; the context outlives the command line. @{
+/// Each declares one command. Running it throws `importhost::HostError` for work that failed, `UsageError` and
+/// `typed::SettingError` for a wrong command line; the context outlives the command line. @{
 void AddInfoCommand(CommandLine& commandLine, Context& context);
 void AddRenderCommand(CommandLine& commandLine, Context& context);
 void AddBenchCommand(CommandLine& commandLine, Context& context);

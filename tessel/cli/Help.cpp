@@ -4,8 +4,9 @@
 #include "Commands.h"
 #include "help/HelpData.h"
 #include "help/HelpPage.h"
-#include "help/NearMisses.h"
 #include "help/Topics.h"
+
+#include <tessel/typed/NearMisses.h>
 
 #include <memory>
 #include <string>
@@ -13,6 +14,9 @@
 
 namespace tessel::cli {
 namespace {
+
+using typed::DidYouMean;
+using typed::NamesOfRows;
 
 struct HelpOptions {
     std::string subject;

@@ -2,7 +2,6 @@
 
 #include "CommandLine.h"
 #include "Commands.h"
-#include "Names.h"
 
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/qelcore/serialization/Json.h>
@@ -15,6 +14,7 @@
 #include <tessel/export/plan/AudioCodec.h>
 #include <tessel/export/plan/Container.h>
 #include <tessel/export/plan/VideoCodec.h>
+#include <tessel/typed/Names.h>
 
 #include <fmt/format.h>
 
@@ -130,7 +130,7 @@ Listing PixelFormats()
                 return std::find(row.formats.begin(), row.formats.end(), info.constant) != row.formats.end();
             });
         listing.Add({Text(layout->name), Text(MatrixName(document::MatrixOf(info.format))),
-                     Text(FourCharacterText(info.sdkCode)), Integer(info.sdkCode), Text(info.constant)});
+                     Text(typed::FourCharacterText(info.sdkCode)), Integer(info.sdkCode), Text(info.constant)});
     }
     return listing;
 }
@@ -149,7 +149,7 @@ Listing PixelAspects()
 {
     Listing listing({"name", "numerator", "denominator"});
     for (const auto& named : qelmediatypes::kNamedPixelAspectRatios) {
-        listing.Add({Text(PixelAspectName(named.ratio)), Integer(named.ratio.GetNumerator()),
+        listing.Add({Text(typed::PixelAspectName(named.ratio)), Integer(named.ratio.GetNumerator()),
                      Integer(named.ratio.GetDenominator())});
     }
     return listing;

@@ -7,6 +7,7 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/logging/Log.h>
+#include <tessel/typed/SettingError.h>
 
 #include <exception>
 #include <new>
@@ -80,6 +81,8 @@ int Run(int argc, char** argv)
         FlushOut();
         return context.exitCode;
     } catch (const UsageError& error) {
+        return Fail(kWrongCommandLine, error.what());
+    } catch (const typed::SettingError& error) {
         return Fail(kWrongCommandLine, error.what());
     } catch (const std::bad_alloc&) {
         return Fail(kWorkFailed, "out of memory");

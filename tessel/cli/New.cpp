@@ -3,17 +3,14 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "EditedDocument.h"
-#include "help/NearMisses.h"
-#include "settings/Settings.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/text/PathText.h>
-#include <tessel/document/DocumentFacts.h>
-#include <tessel/document/settings/DocumentEditor.h>
-#include <tessel/document/settings/DocumentRules.h>
-#include <tessel/document/settings/NewDocument.h>
 #include <tessel/document/settings/Templates.h>
+#include <tessel/typed/NearMisses.h>
+#include <tessel/typed/NewClip.h>
+#include <tessel/typed/Settings.h>
 
 #include <fmt/format.h>
 
@@ -28,16 +25,16 @@ namespace tessel::cli {
 namespace {
 
 namespace fs = std::filesystem;
-using document::DocumentEditor;
 using importhost::DisplayName;
 using importhost::HostError;
+using typed::NamesOfRows;
 
 struct NewOptions {
     std::string target;
     std::string output; ///< `-o`, the same
     std::string templateName;
     fs::path from;
-    TypedSettings typed;
+    typed::TypedSettings typed;
     bool number = false;
     bool noNumber = false;
     std::vector<std::string> assignments;
@@ -64,91 +61,47 @@ std::string TargetOf(const NewOptions& options)
     return target;
 }
 
-DocumentEditor DocumentFrom(const fs::path& file)
-{
-    std::error_code error;
-    if (!fs::exists(file, error)) {
-        throw HostError(DisplayName(file) + ": no such file");
-    }
-    try {
-        DocumentEditor document(document::DocumentText(file));
-        if (const auto problem = document::ReadingProblem(document)) {
-            throw HostError(*problem);
-        }
-        return document;
-    } catch (const HostError& problem) {
-        throw HostError(DisplayName(file) + ": " + problem.what());
-    }
-}
-
-const document::Template& TemplateOf(const std::string& name)
-{
-    if (name.empty()) {
-        return document::AllTemplates().front();
-    }
-    const document::Template* found = document::TemplateNamed(name);
-    if (found == nullptr) {
-        const auto names = NamesOfRows(document::AllTemplates());
-        throw UsageError(fmt::format("--template: must be one of {}, not \"{}\"{}", fmt::join(names, ", "),
-                                     name, DidYouMean(name, names)));
-    }
-    return *found;
-}
-
-TypedSettings TypedOf(const NewOptions& options)
+typed::Changes ChangesOf(const NewOptions& options)
 {
     if (options.number && options.noNumber) {
         throw UsageError("--number and --no-number exclude each other");
     }
-    TypedSettings typed;
+    typed::Changes changes;
     for (const auto& [name, values] : options.typed) {
         if (!values.empty()) {
-            typed[name] = values;
+            changes.settings[name] = values;
         }
     }
     if (options.number || options.noNumber) {
-        typed["number"] = {options.number ? "on" : "off"};
+        changes.settings["number"] = {options.number ? "on" : "off"};
     }
-    return typed;
+    for (const std::string& assignment : options.assignments) {
+        changes.keys.push_back(typed::SplitAssignment(assignment));
+    }
+    return changes;
 }
 
-/// @throws UsageError  for a clip that cannot be played; says what would be right
-std::string MakeDocument(const NewOptions& options)
+typed::NewClip MakeClip(const NewOptions& options)
 {
     if (!options.from.empty() && !options.templateName.empty()) {
         throw UsageError("--from and --template exclude each other");
     }
-    const TypedSettings typed = TypedOf(options);
-    DocumentEditor document =
-        options.from.empty() ? DocumentEditor(document::NewDocument()) : DocumentFrom(options.from);
-    if (options.from.empty()) {
-        const document::Template& base = TemplateOf(options.templateName);
-        ApplySettings(Merged(ParseSettings(base.settings), typed), "--", document);
-    } else {
-        ApplySettings(typed, "--", document);
-    }
-    for (const std::string& assignment : options.assignments) {
-        const auto [key, value] = SplitAssignment(assignment);
-        ApplyKey(key, value, document);
-    }
-    if (const auto problem = document::ReadingProblem(document)) {
-        throw UsageError(*problem);
-    }
-    if (const auto problem = document::PlayingProblem(document)) {
-        throw UsageError(*problem);
-    }
-    for (const std::string& warning : document::DocumentWarnings(document)) {
-        WriteError("warning: " + warning);
-    }
-    return document.CanonicalText();
+    const typed::Changes changes = ChangesOf(options);
+    constexpr char kPrefix[] = "--";
+    return options.from.empty()
+               ? typed::ClipFromTemplate(options.templateName, changes, kPrefix)
+               : typed::ClipFromDocument(typed::ReadableDocumentFile(options.from), changes, kPrefix);
 }
 
 void RunNew(const NewOptions& options)
 {
     const std::string target = TargetOf(options);
-    const std::string text = MakeDocument(options);
+    const typed::NewClip made = MakeClip(options);
+    for (const std::string& warning : made.warnings) {
+        WriteError("warning: " + warning);
+    }
     if (target == kStandardOutput) {
-        WriteOut(text);
+        WriteOut(made.text);
         return;
     }
     const fs::path file = qelcore::text::PathOf(target);
@@ -156,7 +109,7 @@ void RunNew(const NewOptions& options)
     if (!options.force && fs::exists(fs::symlink_status(file, error))) {
         throw HostError(DisplayName(file) + ": is there already; --force replaces it");
     }
-    if (const auto failure = WriteDocument(file, text)) {
+    if (const auto failure = WriteDocument(file, made.text)) {
         throw HostError(DisplayName(file) + ": cannot be written: " + *failure);
     }
 }
@@ -191,7 +144,7 @@ void AddNewCommand(CommandLine& commandLine)
     command.AddFlag("--force", options->force, "Replace a file that is there");
     for (const char* group : {"Picture", "Time", "Sound"}) {
         command.StartGroup(group);
-        for (const Setting& setting : AllSettings()) {
+        for (const typed::Setting& setting : typed::AllSettings()) {
             if (setting.group != group) {
                 continue;
             }
@@ -206,7 +159,7 @@ void AddNewCommand(CommandLine& commandLine)
                                std::string(setting.text))
                     .OneEach()
                     .ValueName(std::string(setting.value))
-                    .TakesFile(setting.file);
+                    .TakesFile(setting.namesFiles ? FileKind::Any : FileKind::None);
             if (!setting.takesSeveral) {
                 option.Once();
             }

@@ -1,10 +1,10 @@
 #include "OutputOptions.h"
 
 #include "Commands.h"
-#include "help/NearMisses.h"
 
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
+#include <tessel/typed/NearMisses.h>
 
 #include <fmt/format.h>
 
@@ -15,6 +15,8 @@ namespace tessel::cli {
 
 using exporting::Container;
 using exporting::ExportError;
+using typed::DidYouMean;
+using typed::NamesOfRows;
 
 void AddOutputOptions(const Command& command, OutputOptions& options)
 {

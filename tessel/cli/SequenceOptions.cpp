@@ -1,7 +1,9 @@
 #include "SequenceOptions.h"
 
 #include "Commands.h"
-#include "settings/ValueReaders.h"
+
+#include <tessel/typed/SettingError.h>
+#include <tessel/typed/ValueReaders.h>
 
 #include <string>
 
@@ -9,14 +11,14 @@ namespace tessel::cli {
 namespace {
 
 template <class Number>
-void Store(Pair (*read)(std::string_view), std::string_view text, const char* option, Number& first,
+void Store(typed::Pair (*read)(std::string_view), std::string_view text, const char* option, Number& first,
            Number& second)
 {
     try {
-        const Pair pair = read(text);
+        const typed::Pair pair = read(text);
         first = static_cast<Number>(pair.first);
         second = static_cast<Number>(pair.second);
-    } catch (const UsageError& error) {
+    } catch (const typed::SettingError& error) {
         throw UsageError(std::string(option) + ": " + error.what());
     }
 }
@@ -27,9 +29,9 @@ importhost::SequenceValues ParseSequenceValues(std::string_view size, std::strin
                                                std::string_view pixelAspect)
 {
     importhost::SequenceValues values;
-    Store(ReadSize, size, "--size", values.width, values.height);
-    Store(ReadRate, rate, "--rate", values.timeScale, values.sampleSize);
-    Store(ReadPixelAspect, pixelAspect, "--par", values.parNumerator, values.parDenominator);
+    Store(typed::ReadSize, size, "--size", values.width, values.height);
+    Store(typed::ReadRate, rate, "--rate", values.timeScale, values.sampleSize);
+    Store(typed::ReadPixelAspect, pixelAspect, "--par", values.parNumerator, values.parDenominator);
     return values;
 }
 

@@ -3,8 +3,6 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "EditedDocument.h"
-#include "help/NearMisses.h"
-#include "settings/Settings.h"
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
@@ -12,11 +10,10 @@
 #include <tessel/document/DocumentFacts.h>
 #include <tessel/document/settings/DocumentEditor.h>
 #include <tessel/document/settings/DocumentRules.h>
-#include <tessel/document/settings/KeyTable.h>
+#include <tessel/typed/Settings.h>
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -38,43 +35,6 @@ struct SetOptions {
     std::vector<std::string> assignments;
 };
 
-[[noreturn]] void RefuseKey(const std::string& key)
-{
-    std::vector<std::string> names = NamesOfRows(AllSettings());
-    const std::size_t settingCount = names.size();
-    const std::string known =
-        fmt::format("{}", fmt::join(names.begin(), names.begin() + std::ptrdiff_t(settingCount), ", "));
-    for (const document::KeyInfo& info : document::AllKeys()) {
-        names.push_back(info.path);
-    }
-    throw UsageError(fmt::format("\"{}\" is no setting; there are {}, and the document's own keys{}", key,
-                                 known, DidYouMean(key, names)));
-}
-
-void Change(const std::vector<std::string>& assignments, DocumentEditor& document)
-{
-    TypedSettings typed;
-    std::vector<std::pair<std::string, std::string>> keys;
-    for (const std::string& assignment : assignments) {
-        auto [key, value] = SplitAssignment(assignment);
-        if (const Setting* setting = SettingNamed(key)) {
-            auto& values = typed[key];
-            if (!values.empty() && !setting->takesSeveral) {
-                throw UsageError(fmt::format("{} is given twice", key));
-            }
-            values.push_back(std::move(value));
-        } else if (document::FindKey(key) != nullptr) {
-            keys.emplace_back(std::move(key), std::move(value));
-        } else {
-            RefuseKey(key);
-        }
-    }
-    ApplySettings(typed, "", document);
-    for (const auto& [key, value] : keys) {
-        ApplyKey(key, value, document);
-    }
-}
-
 void RunSet(const SetOptions& options)
 {
     importhost::RequireUTF8Name(options.clip);
@@ -90,7 +50,8 @@ void RunSet(const SetOptions& options)
         throw HostError(name + ": " + error.what());
     }
     const auto playingBefore = document::PlayingProblem(*document);
-    Change(options.assignments, *document);
+    std::vector<std::string> warnings =
+        typed::ApplyChanges(typed::ReadChanges(options.assignments), /*prefix=*/"", *document);
     if (const auto problem = document::ReadingProblem(*document)) {
         throw HostError(name + ": " + *problem);
     }
@@ -99,9 +60,12 @@ void RunSet(const SetOptions& options)
         if (problem != playingBefore) {
             throw UsageError(name + ": " + *problem);
         }
-        WriteError("warning: " + name + ": " + *problem);
+        warnings.push_back(*problem);
     }
-    for (const std::string& warning : document::DocumentWarnings(*document)) {
+    for (std::string& warning : document::DocumentWarnings(*document)) {
+        warnings.push_back(std::move(warning));
+    }
+    for (const std::string& warning : warnings) {
         WriteError("warning: " + name + ": " + warning);
     }
     if (document->Text() == before) {
@@ -119,7 +83,7 @@ void AddSetCommand(CommandLine& commandLine)
     const auto options = std::make_shared<SetOptions>();
     const Command command = commandLine.AddCommand("set", "Change settings of a document");
     std::string settings;
-    for (const Setting& setting : AllSettings()) {
+    for (const typed::Setting& setting : typed::AllSettings()) {
         settings += fmt::format("  {:<14}{}\n", setting.name, setting.value);
     }
     command.SetDescription("A KEY is one of these, with values as tessel new takes them, or one of the "

@@ -1,6 +1,6 @@
 #include "ValueChecks.h"
 
-#include "help/NearMisses.h"
+#include <tessel/typed/NearMisses.h>
 
 #include <fmt/format.h>
 
@@ -47,7 +47,7 @@ ValueCheck OneOf(std::vector<std::string> words)
         return std::find(words.begin(), words.end(), text) != words.end()
                    ? std::string{}
                    : fmt::format("must be one of {}, not \"{}\"{}", fmt::join(words, ", "), text,
-                                 DidYouMean(text, words));
+                                 typed::DidYouMean(text, words));
     };
 }
 

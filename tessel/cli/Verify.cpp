@@ -2,12 +2,12 @@
 
 #include "Commands.h"
 #include "WholeText.h"
-#include "help/NearMisses.h"
 #include "movies/MovieCommands.h"
 
 #include <tessel/export/Progress.h>
 #include <tessel/export/SignalSource.h>
 #include <tessel/export/files/OutputFile.h>
+#include <tessel/typed/NearMisses.h>
 #include <tessel/verify/Verify.h>
 #include <tessel/verify/report/Writers.h>
 
@@ -41,7 +41,7 @@ const verify::CheckInfo& CheckNamed(const std::string& option, const std::string
             names.emplace_back(known.id);
         }
         throw UsageError(fmt::format("{} {}: there is no such check; tessel verify --list names all{}", option,
-                                     name, DidYouMean(name, names)));
+                                     name, typed::DidYouMean(name, names)));
     }
     return *check;
 }

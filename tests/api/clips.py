@@ -6,11 +6,16 @@ import os
 OWN, BGRA, ARGB, BGRX, XRGB, RGBA, RGB, RGBA64, RGB48, GBRP_F32, GBRAP_F32 = range(11)
 UYVY, YUYV, V210, YUV420P, YUV422P, YUV444P, YUV420P10, YUV422P10, YUV444P10, YUVA444P10 = range(11, 21)
 
-OK, BAD_ARGUMENT, NOT_OPENED, NOT_POSSIBLE, FAILED, OUT_OF_MEMORY = range(6)
+OK, BAD_ARGUMENT, NOT_OPENED, NOT_POSSIBLE, FAILED, OUT_OF_MEMORY, REFUSED = range(7)
 
 
 class OpenOptions(ctypes.Structure):
     _fields_ = [("size", ctypes.c_size_t), ("plugin", ctypes.c_char_p), ("allow_default", ctypes.c_int32)]
+
+
+class DocumentOptions(ctypes.Structure):
+    _fields_ = [("size", ctypes.c_size_t), ("template_name", ctypes.c_char_p), ("file", ctypes.c_char_p),
+                ("text", ctypes.c_char_p), ("text_length", ctypes.c_size_t)]
 
 
 class Description(ctypes.Structure):
@@ -49,6 +54,15 @@ LIBRARY.tessel_frame.argtypes = [ctypes.c_void_p, ctypes.c_int64, ctypes.c_int, 
                                  ctypes.POINTER(ctypes.c_ssize_t)]
 LIBRARY.tessel_samples.argtypes = [ctypes.c_void_p, ctypes.c_int64, ctypes.c_size_t, ctypes.POINTER(ctypes.c_void_p),
                                    ctypes.c_size_t]
+LIBRARY.tessel_document_new.argtypes = [ctypes.POINTER(DocumentOptions), ctypes.POINTER(ctypes.c_char_p),
+                                        ctypes.c_size_t, ctypes.POINTER(ctypes.c_void_p)]
+LIBRARY.tessel_document_set.argtypes = [ctypes.c_void_p, ctypes.POINTER(ctypes.c_char_p), ctypes.c_size_t]
+LIBRARY.tessel_document_text.restype = ctypes.c_char_p
+LIBRARY.tessel_document_text.argtypes = [ctypes.c_void_p, ctypes.POINTER(ctypes.c_size_t)]
+LIBRARY.tessel_document_warning.restype = ctypes.c_char_p
+LIBRARY.tessel_document_warning.argtypes = [ctypes.c_void_p]
+LIBRARY.tessel_document_close.argtypes = [ctypes.c_void_p]
+LIBRARY.tessel_document_close.restype = None
 
 
 class CallFailed(Exception):
@@ -118,3 +132,39 @@ class Clip:
         pointers = (ctypes.c_void_p * max(1, len(channels)))(*[ctypes.addressof(channel) for channel in channels])
         check(LIBRARY.tessel_samples(self.handle, start, count, pointers, len(channels)))
         return [channel.raw for channel in channels]
+
+
+def texts(lines):
+    return (ctypes.c_char_p * max(1, len(lines)))(*[os.fsencode(line) for line in lines])
+
+
+class Document:
+    """A new document. Options are those of DocumentOptions; settings are texts, or bytes as they are."""
+
+    def __init__(self, *settings, template=None, file=None, text=None):
+        options = sized(DocumentOptions)
+        options.template_name = template and template.encode()
+        options.file = file and os.fsencode(file)
+        options.text = text
+        options.text_length = len(text or b"")
+        self.handle = ctypes.c_void_p()
+        check(LIBRARY.tessel_document_new(options, texts(settings), len(settings), self.handle))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        LIBRARY.tessel_document_close(self.handle)
+        self.handle = ctypes.c_void_p()
+
+    def set(self, *settings):
+        check(LIBRARY.tessel_document_set(self.handle, texts(settings), len(settings)))
+
+    def text(self):
+        length = ctypes.c_size_t()
+        text = LIBRARY.tessel_document_text(self.handle, length)
+        assert len(text) == length.value
+        return text.decode("utf-8")
+
+    def warning(self):
+        return LIBRARY.tessel_document_warning(self.handle).decode("utf-8")

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tessel::cli {
+namespace tessel::typed {
 
 /// The candidate that is most like `word`: one that it begins, or one with at most one wrong, missing, extra
 /// or swapped letter in three. Case does not count. Empty where none is like it.
@@ -26,4 +26,4 @@ template <class Rows>
     return names;
 }
 
-} // namespace tessel::cli
+} // namespace tessel::typed

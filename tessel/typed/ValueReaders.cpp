@@ -1,9 +1,10 @@
 #include "ValueReaders.h"
 
+#include "Names.h"
+#include "SettingError.h"
+
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 #include <kestrel/qelmediatypes/TickTime.h>
-#include <tessel/cli/Commands.h>
-#include <tessel/cli/Names.h>
 #include <tessel/document/settings/FrameRates.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/plan/Names.h>
@@ -20,7 +21,7 @@
 #include <string>
 #include <system_error>
 
-namespace tessel::cli {
+namespace tessel::typed {
 namespace {
 
 using exporting::IsSameName;
@@ -29,7 +30,7 @@ constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
 
 [[noreturn]] void Refuse(std::string_view expected, std::string_view text)
 {
-    throw UsageError(fmt::format("must be {}, not \"{}\"", expected, text));
+    throw SettingError(fmt::format("must be {}, not \"{}\"", expected, text));
 }
 
 /// All of a text as a number.
@@ -329,4 +330,4 @@ bool ReadSwitch(std::string_view text)
     Refuse("on or off", text);
 }
 
-} // namespace tessel::cli
+} // namespace tessel::typed

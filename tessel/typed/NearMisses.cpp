@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-namespace tessel::cli {
+namespace tessel::typed {
 namespace {
 
 std::string Lower(std::string_view word)
@@ -72,4 +72,4 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> candi
     return nearest.empty() ? nearest : "; did you mean '" + nearest + "'?";
 }
 
-} // namespace tessel::cli
+} // namespace tessel::typed

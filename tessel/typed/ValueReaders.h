@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace tessel::cli {
+namespace tessel::typed {
 
 /// Two numbers, each 1..2147483647: width and height, numerator and denominator.
 using Pair = std::pair<std::int64_t, std::int64_t>;
@@ -20,7 +20,7 @@ struct Tone {
     float amplitude; ///< linear peak
 };
 
-/// Each throws UsageError for a text that is none: "must be ..., not "text"", without the name of what was
+/// Each throws SettingError for a text that is none: "must be ..., not "text"", without the name of what was
 /// given. Threads: [any-thread].
 /// @{
 
@@ -56,4 +56,4 @@ struct Tone {
 
 /// @}
 
-} // namespace tessel::cli
+} // namespace tessel::typed

@@ -1,11 +1,11 @@
-#include <tessel/cli/help/NearMisses.h>
+#include <tessel/typed/NearMisses.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-namespace tessel::cli {
+namespace tessel::typed {
 namespace {
 
 const std::vector<std::string> kCommands = {"info", "render", "verify", "new", "help"};
@@ -45,4 +45,4 @@ TEST(NearMisses, TheNearestOfSeveralIsMeant)
 }
 
 } // namespace
-} // namespace tessel::cli
+} // namespace tessel::typed

@@ -1,5 +1,8 @@
 #include "Settings.h"
 
+#include "Names.h"
+#include "NearMisses.h"
+#include "SettingError.h"
 #include "ValueReaders.h"
 
 #include <kestrel/brindle/PixelFormat.h>
@@ -8,9 +11,6 @@
 #include <kestrel/qelcore/serialization/Json.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
-#include <tessel/cli/Commands.h>
-#include <tessel/cli/Names.h>
-#include <tessel/cli/help/NearMisses.h>
 #include <tessel/document/DocumentFacts.h>
 #include <tessel/document/settings/ColorSpaceNames.h>
 #include <tessel/document/settings/DocumentRules.h>
@@ -31,7 +31,7 @@
 #include <optional>
 #include <system_error>
 
-namespace tessel::cli {
+namespace tessel::typed {
 namespace {
 
 using document::DocumentEditor;
@@ -71,7 +71,7 @@ std::int64_t IntegerAt(const DocumentEditor& document, std::string_view path, st
 [[noreturn]] void RefuseWord(const std::string& word, const std::string& expected,
                              const std::vector<std::string>& words)
 {
-    throw UsageError(fmt::format("must be {}, not \"{}\"{}", expected, word, DidYouMean(word, words)));
+    throw SettingError(fmt::format("must be {}, not \"{}\"{}", expected, word, DidYouMean(word, words)));
 }
 
 void ApplySize(const Values& values, DocumentEditor& document)
@@ -191,22 +191,27 @@ void ApplyRate(const Values& values, DocumentEditor& document)
     const auto [numerator, denominator] = ReadRate(values.front());
     const std::int64_t ticks = document::TicksPerFrame(numerator, denominator);
     if (ticks < 1) {
-        throw UsageError(fmt::format("{} frames a second are more than there are ticks", values.front()));
-    }
-    if (!document::IsExactRate(numerator, denominator)) {
-        WriteError(
-            fmt::format("warning: {} frames a second are no whole number of ticks; the nearest, {} ticks a "
-                        "frame, is written",
-                        values.front(), ticks));
+        throw SettingError(fmt::format("{} frames a second are more than there are ticks", values.front()));
     }
     document.Set("mVideoFrameRate.ticksperframe", Integer(ticks));
+}
+
+std::optional<std::string> RemarkOnRate(const Values& values)
+{
+    const auto [numerator, denominator] = ReadRate(values.front());
+    if (document::IsExactRate(numerator, denominator)) {
+        return std::nullopt;
+    }
+    return fmt::format("{} frames a second are no whole number of ticks; the nearest, {} ticks a frame, is "
+                       "written",
+                       values.front(), document::TicksPerFrame(numerator, denominator));
 }
 
 void ApplyDuration(const Values& values, DocumentEditor& document)
 {
     const std::int64_t perFrame = IntegerAt(document, "mVideoFrameRate.ticksperframe", 0);
     if (perFrame <= 0) {
-        throw UsageError("needs a frame rate: give one, too");
+        throw SettingError("needs a frame rate: give one, too");
     }
     document.Set("mVideoDuration.ticks", Integer(ReadDuration(values.front(), perFrame)));
 }
@@ -238,9 +243,9 @@ void ApplyColors(const Values& values, DocumentEditor& document)
         return;
     }
     if (picture == document::kRenderSwatches) {
-        throw UsageError("has no effect on a swatch chart, whose colours are in its files: give swatches");
+        throw SettingError("has no effect on a swatch chart, whose colours are in its files: give swatches");
     }
-    throw UsageError(
+    throw SettingError(
         fmt::format("{} colours were given; field colours have 1 or 2 (upper, lower), a gradient 2 or 4 "
                     "(top start, top end, bottom start, bottom end)",
                     colors.size()));
@@ -258,13 +263,13 @@ void LoadSwatchFile(const std::string& name, DocumentEditor& document)
 {
     const std::filesystem::path file = qelcore::text::PathOf(name);
     if (std::error_code error; !std::filesystem::exists(file, error)) {
-        throw UsageError(importhost::DisplayName(file) + ": no such file");
+        throw SettingError(importhost::DisplayName(file) + ": no such file");
     }
     std::optional<DocumentEditor> swatches;
     try {
         swatches.emplace(document::DocumentText(file));
     } catch (const importhost::HostError& error) {
-        throw UsageError(importhost::DisplayName(file) + ": " + error.what());
+        throw SettingError(importhost::DisplayName(file) + ": " + error.what());
     }
     const Value list = swatches->Find("");
     const bool isCoordinates = swatches->Find("colorSwatches").IsObject();
@@ -276,8 +281,8 @@ void LoadSwatchFile(const std::string& name, DocumentEditor& document)
         }
         const Value part = document.Find(info.path);
         if (part.IsNothing() || !document::TypeFits(info.type, part)) {
-            throw UsageError(fmt::format("{}: \"{}\": expected {}", importhost::DisplayName(file),
-                                         info.path.substr(key.size() + 1), document::TypeText(info.type)));
+            throw SettingError(fmt::format("{}: \"{}\": expected {}", importhost::DisplayName(file),
+                                           info.path.substr(key.size() + 1), document::TypeText(info.type)));
         }
     }
 }
@@ -396,7 +401,8 @@ constexpr std::array<Setting, 15> kSettings{{
      .value = "RATE",
      .text = "Frames a second: 25, 29.97, 30000/1001",
      .choices = RateChoices,
-     .apply = ApplyRate},
+     .apply = ApplyRate,
+     .remark = RemarkOnRate},
     {.name = "duration",
      .group = kTime,
      .value = "DURATION",
@@ -406,7 +412,7 @@ constexpr std::array<Setting, 15> kSettings{{
      .group = kPicture,
      .value = "FILE",
      .text = "A swatch chart: its coordinates and its colours, given one after the other; or bars",
-     .file = FileKind::Any,
+     .namesFiles = true,
      .takesSeveral = true,
      .apply = ApplySwatches},
     {.name = "picture",
@@ -457,6 +463,51 @@ constexpr std::array<Setting, 15> kSettings{{
      .apply = ApplySampleRate},
 }};
 
+/// Sets a key of the document itself: "mFrameWidth", "mFieldType", "mFramePAR.numerator". The value is JSON,
+/// one of the key's names, or for texts the text.
+void ApplyKey(std::string_view key, std::string_view value, DocumentEditor& document)
+{
+    const KeyInfo* info = document::FindKey(key);
+    if (info == nullptr) {
+        std::vector<std::string> names;
+        for (const KeyInfo& known : document::AllKeys()) {
+            names.push_back(known.path);
+        }
+        throw SettingError(fmt::format("\"{}\" is no key of a document; tessel schema names all{}", key,
+                                       DidYouMean(key, names)));
+    }
+    for (const document::KeyValue& known : info->values) {
+        if (IsSameName(known.name, value)) {
+            document.Set(key, Integer(known.value));
+            return;
+        }
+    }
+    const Value parsed = qelcore::serialization::JSONParse(value);
+    if (document::TypeFits(info->type, parsed)) {
+        document.Set(key, parsed);
+        return;
+    }
+    const Value text{std::string(value)};
+    if ((info->type == document::KeyType::Text || info->type == document::KeyType::Base64) &&
+        document::TypeFits(info->type, text)) {
+        document.Set(key, text);
+        return;
+    }
+    throw SettingError(
+        fmt::format("\"{}\": expected {}, not \"{}\"", key, document::TypeText(info->type), value));
+}
+
+[[noreturn]] void RefuseKey(const std::string& key)
+{
+    std::vector<std::string> names = NamesOfRows(AllSettings());
+    const std::string known = fmt::format("{}", fmt::join(names, ", "));
+    for (const KeyInfo& info : document::AllKeys()) {
+        names.push_back(info.path);
+    }
+    throw SettingError(fmt::format("\"{}\" is no setting; there are {}, and the document's own keys{}", key,
+                                   known, DidYouMean(key, names)));
+}
+
 } // namespace
 
 std::span<const Setting> AllSettings()
@@ -471,11 +522,33 @@ const Setting* SettingNamed(std::string_view name)
     return found != kSettings.end() ? found : nullptr;
 }
 
-void ApplySettings(const TypedSettings& typed, std::string_view prefix, DocumentEditor& document)
+Changes ReadChanges(std::span<const std::string> assignments)
 {
-    if (typed.contains("tone") && typed.contains("ident")) {
-        throw UsageError(fmt::format("{0}tone and {0}ident exclude each other", prefix));
+    Changes changes;
+    for (const std::string& assignment : assignments) {
+        auto [key, value] = SplitAssignment(assignment);
+        if (const Setting* setting = SettingNamed(key)) {
+            auto& values = changes.settings[key];
+            if (!values.empty() && !setting->takesSeveral) {
+                throw SettingError(fmt::format("{} is given twice", key));
+            }
+            values.push_back(std::move(value));
+        } else if (document::FindKey(key) != nullptr) {
+            changes.keys.emplace_back(std::move(key), std::move(value));
+        } else {
+            RefuseKey(key);
+        }
     }
+    return changes;
+}
+
+std::vector<std::string> ApplyChanges(const Changes& changes, std::string_view prefix, DocumentEditor& document)
+{
+    const TypedSettings& typed = changes.settings;
+    if (typed.contains("tone") && typed.contains("ident")) {
+        throw SettingError(fmt::format("{0}tone and {0}ident exclude each other", prefix));
+    }
+    std::vector<std::string> remarks;
     for (const Setting& setting : kSettings) {
         const auto found = typed.find(setting.name);
         if (found == typed.end()) {
@@ -483,10 +556,17 @@ void ApplySettings(const TypedSettings& typed, std::string_view prefix, Document
         }
         try {
             setting.apply(found->second, document);
-        } catch (const UsageError& error) {
-            throw UsageError(fmt::format("{}{}: {}", prefix, setting.name, error.what()));
+        } catch (const SettingError& error) {
+            throw SettingError(fmt::format("{}{}: {}", prefix, setting.name, error.what()));
+        }
+        if (auto remark = setting.remark != nullptr ? setting.remark(found->second) : std::nullopt) {
+            remarks.push_back(*std::move(remark));
         }
     }
+    for (const auto& [key, value] : changes.keys) {
+        ApplyKey(key, value, document);
+    }
+    return remarks;
 }
 
 TypedSettings ParseSettings(std::string_view settings)
@@ -521,45 +601,13 @@ TypedSettings Merged(const TypedSettings& base, const TypedSettings& typed)
     return merged;
 }
 
-void ApplyKey(std::string_view key, std::string_view value, DocumentEditor& document)
-{
-    const KeyInfo* info = document::FindKey(key);
-    if (info == nullptr) {
-        std::vector<std::string> names;
-        for (const KeyInfo& known : document::AllKeys()) {
-            names.push_back(known.path);
-        }
-        throw UsageError(fmt::format("\"{}\" is no key of a document; tessel schema names all{}", key,
-                                     DidYouMean(key, names)));
-    }
-    for (const document::KeyValue& known : info->values) {
-        if (IsSameName(known.name, value)) {
-            document.Set(key, Integer(known.value));
-            return;
-        }
-    }
-    const Value parsed = qelcore::serialization::JSONParse(value);
-    if (document::TypeFits(info->type, parsed)) {
-        document.Set(key, parsed);
-        return;
-    }
-    const Value text{std::string(value)};
-    if ((info->type == document::KeyType::Text || info->type == document::KeyType::Base64) &&
-        document::TypeFits(info->type, text)) {
-        document.Set(key, text);
-        return;
-    }
-    throw UsageError(
-        fmt::format("\"{}\": expected {}, not \"{}\"", key, document::TypeText(info->type), value));
-}
-
 std::pair<std::string, std::string> SplitAssignment(const std::string& text)
 {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0) {
-        throw UsageError(fmt::format("\"{}\": expected KEY=VALUE, as in rate=25", text));
+        throw SettingError(fmt::format("\"{}\": expected KEY=VALUE, as in rate=25", text));
     }
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-} // namespace tessel::cli
+} // namespace tessel::typed

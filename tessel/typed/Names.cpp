@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tessel::cli {
+namespace tessel::typed {
 std::string_view PixelFormatName(BR::PixelFormat format) noexcept
 {
     const auto formats = BR::AllPixelFormats();
@@ -58,4 +58,4 @@ std::string_view ChannelTypeName(std::int32_t channelType) noexcept
     }
 }
 
-} // namespace tessel::cli
+} // namespace tessel::typed

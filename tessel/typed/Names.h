@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace tessel::cli {
+namespace tessel::typed {
 
 /// The host constant's name, "KsPixelFormat_BGRA_4444_8u"; "unknown" for no format.
 [[nodiscard]] std::string_view PixelFormatName(BR::PixelFormat format) noexcept;
@@ -26,4 +26,4 @@ namespace tessel::cli {
 /// "stereo" for 2, "5.1" for 3; empty for any other code.
 [[nodiscard]] std::string_view ChannelTypeName(std::int32_t channelType) noexcept;
 
-} // namespace tessel::cli
+} // namespace tessel::typed

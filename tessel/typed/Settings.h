@@ -1,16 +1,18 @@
 /// A clip's settings by the names that people use for them: `tessel new --rate 25` and `tessel set rate=25`.
 #pragma once
 
-#include <tessel/cli/help/HelpText.h>
 #include <tessel/document/settings/DocumentEditor.h>
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-namespace tessel::cli {
+namespace tessel::typed {
 
 /// Settings as typed, by name. Most have one value.
 using TypedSettings = std::map<std::string, std::vector<std::string>, std::less<>>;
@@ -22,10 +24,12 @@ struct Setting {
     std::string_view value; ///< what help calls its value: "RATE"
     std::string_view text;
     std::vector<std::string> (*choices)() = nullptr; ///< the words it takes; null: no list says them
-    FileKind file = FileKind::None;
+    bool namesFiles = false;                         ///< its value is a file
     bool takesSeveral = false;
-    /// Changes the document. @throws UsageError  for a value that is none, without the setting's name
+    /// Changes the document. @throws SettingError  for a value that is none, without the setting's name
     void (*apply)(const std::vector<std::string>& values, document::DocumentEditor& document) = nullptr;
+    /// What a person should know of a value that was applied; may be null.
+    std::optional<std::string> (*remark)(const std::vector<std::string>& values) = nullptr;
 };
 
 /// All, in the order in which they are applied: a duration in frames comes after the rate.
@@ -34,10 +38,22 @@ struct Setting {
 /// Null for what is none.
 [[nodiscard]] const Setting* SettingNamed(std::string_view name);
 
-/// Applies settings in the order of the table, however they were typed.
+/// What is to change in a document.
+struct Changes {
+    TypedSettings settings;
+    std::vector<std::pair<std::string, std::string>> keys; ///< of the document itself, with their values
+};
+
+/// "KEY=VALUE" texts, where a key is a setting's name or one of the document's own.
+/// @throws SettingError  for a text that is none, an unknown key, and a setting that is given twice
+[[nodiscard]] Changes ReadChanges(std::span<const std::string> assignments);
+
+/// Applies settings in the order of the table, however they were typed, and then the keys.
 /// @param prefix  what stands before a setting's name in messages: "--"
-/// @throws UsageError  for values that are none, and for settings that exclude each other
-void ApplySettings(const TypedSettings& typed, std::string_view prefix, document::DocumentEditor& document);
+/// @return what a person should know of the result, a line each
+/// @throws SettingError  for keys and values that are none, and for settings that exclude each other
+[[nodiscard]] std::vector<std::string> ApplyChanges(const Changes& changes, std::string_view prefix,
+                                                    document::DocumentEditor& document);
 
 /// `settings` as a template has them: "size=1920x1080 rate=25".
 [[nodiscard]] TypedSettings ParseSettings(std::string_view settings);
@@ -46,12 +62,7 @@ void ApplySettings(const TypedSettings& typed, std::string_view prefix, document
 /// round, with the channels that go with it.
 [[nodiscard]] TypedSettings Merged(const TypedSettings& base, const TypedSettings& typed);
 
-/// Sets a key of the document itself: "mFrameWidth=1920", "mFieldType=upper", "mFramePAR.numerator=10". The
-/// value is JSON, one of the key's names, or for texts the text.
-/// @throws UsageError  for what is no key, and for a value of another type
-void ApplyKey(std::string_view key, std::string_view value, document::DocumentEditor& document);
-
-/// "KEY=VALUE" at its first equals sign. @throws UsageError  where there is none
+/// "KEY=VALUE" at its first equals sign. @throws SettingError  where there is none
 [[nodiscard]] std::pair<std::string, std::string> SplitAssignment(const std::string& text);
 
-} // namespace tessel::cli
+} // namespace tessel::typed
