@@ -90,7 +90,7 @@ constexpr std::array<float, 2> kNumberPosition{0.05F, 0.05F};
     return flipped;
 }
 
-/// Paints what the settings ask for. A render format that is none of the known ones paints nothing.
+/// Paints what the settings ask for. An unknown render format paints nothing.
 ///
 /// @return the view in which the number is to be printed, or nothing where the picture cannot be made.
 [[nodiscard]] std::optional<FrameView> PaintPicture(const FrameView& view, const TesselInfo& info,

@@ -46,8 +46,8 @@ struct KESTRELHOST_API ClipDescription {
 /// What frames are filled with before the plug-in paints them.
 enum class FrameFilling { Zero, Poison };
 
-/// What a program knows of a clip beyond what the plug-in reports, for instance from the clip's document. The
-/// host takes the program's word for it.
+/// What a program knows about a clip beyond what the plug-in reports, for instance from the clip's document.
+/// The host takes the program's word for it.
 struct ClipKnowledge {
     /// The plug-in paints every byte of every picture, so new frames need not be zeroed.
     bool paintsWholeFrames = false;

@@ -12,7 +12,7 @@
 
 namespace importhost {
 
-/// What a plug-in's property list, read from its file without running it, says of it.
+/// The facts in a plug-in's property list, read from its file without running it.
 struct PluginIdentity {
     std::string nameKey;     ///< localisation key with its default text after "="
     std::string displayName; ///< that default text

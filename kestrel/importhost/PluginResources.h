@@ -1,4 +1,4 @@
-/// What a plug-in's file says of the plug-in, without running it.
+/// The resources in a plug-in's file, read without running the plug-in.
 #pragma once
 
 #include "Importer.h"

@@ -52,7 +52,7 @@ exporting::OutputRequest RequestOf(const Options& options, const Container& cont
     return request;
 }
 
-/// What a dry run says of a file.
+/// What a dry run prints about a file.
 std::string Announcement(const std::string& name, const exporting::OutputPlan& plan, std::int64_t frames)
 {
     std::string text =

@@ -11,7 +11,7 @@ namespace tessel::damage {
 /// Renders as `exporting::Render`, with every fault of `faults` ("NAME" or "NAME=VALUE") put in, in their
 /// order.
 /// @return the truth: a JSON document that says what was put in, and where
-/// @throws FaultError for a fault that is none or that the clip cannot have, and what `exporting::Render`
+/// @throws FaultError for an unknown fault, or one that the clip cannot have, and what `exporting::Render`
 /// throws
 [[nodiscard]] std::string RenderDamaged(const exporting::SignalSource& source, const exporting::RenderJob& job,
                                         const std::vector<std::string>& faults);

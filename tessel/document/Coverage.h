@@ -1,4 +1,4 @@
-/// What documents say of all their frames at once.
+/// What holds for every frame of a clip, read from its document.
 #pragma once
 
 #include "DocumentFacts.h"

@@ -13,7 +13,7 @@ constexpr std::string_view kWrapper = "SerializerWrappedObject";
 /// Read from documents of version 0 and written as "mColorSpace".
 constexpr std::string_view kOldColorSpace = "mPredefinedColorSpace";
 
-/// The object that holds the settings; nothing of text that has none.
+/// The object that holds the settings; empty where the text has no such object.
 Value SettingsOf(std::string_view text)
 {
     const Value root = qelcore::serialization::JSONParse(text);

@@ -20,7 +20,7 @@ inline constexpr char kPluginStem[] = "ImporterTessel";
 /// Whether files of this type are `.tessel` documents.
 [[nodiscard]] bool IsTesselDocument(const importhost::FileType& type) noexcept;
 
-/// Everything that the program knows of a clip.
+/// Everything that the program knows about a clip.
 struct ClipFacts : importhost::ClipDescription {
     /// The clip's file is a `.tessel` document, whose keys a message may name.
     bool isTesselDocument = false;
@@ -29,7 +29,8 @@ struct ClipFacts : importhost::ClipDescription {
     /// The format that the document names, as the host's four-character code; 0 where no document says it.
     /// The frames of a planar or DV clip come in another format.
     std::uint32_t pixelFormatCode = 0;
-    BR::PixelFormat pixelFormat = BR::PixelFormat::Unknown; ///< the same; `Unknown` where the code is none
+    BR::PixelFormat pixelFormat =
+        BR::PixelFormat::Unknown; ///< the same; `Unknown` where the code is not a pixel format's
     /// Every frame shows the same picture, says the document.
     bool isStill = false;
     /// The format in which frames come, once somebody has asked a frame for it.

@@ -86,7 +86,7 @@ private:
     std::int64_t mPosition = 0;
 };
 
-/// A picture, and what a record wants to know of it.
+/// A picture, and the facts that a record needs.
 struct MadePicture {
     Picture picture;
     PictureDigests digests;

@@ -48,7 +48,7 @@ public:
 
     [[nodiscard]] const OutputPlan& Plan() const noexcept { return mPlan; }
 
-    /// Whom the run tells of its pictures and samples; null: nobody. Borrowed until it has run.
+    /// Receives the facts of each picture and of the samples; null: no record. Borrowed until it has run.
     void Tell(const RenderRecord* record) noexcept { mJob.record = record; }
 
     /// As `Render`.

@@ -1,4 +1,4 @@
-/// What a render tells of pictures and samples beside the file that it writes.
+/// What a render records about pictures and samples, beside the file that it writes.
 #pragma once
 
 #include <tessel/export/encode/Digest.h>

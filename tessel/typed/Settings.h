@@ -26,16 +26,17 @@ struct Setting {
     std::vector<std::string> (*choices)() = nullptr; ///< the words it takes; null: no list says them
     bool namesFiles = false;                         ///< its value is a file
     bool takesSeveral = false;
-    /// Changes the document. @throws SettingError  for a value that is none, without the setting's name
+    /// Changes the document. @throws SettingError  for an invalid value; its text does not repeat the setting's
+    /// name
     void (*apply)(const std::vector<std::string>& values, document::DocumentEditor& document) = nullptr;
-    /// What a person should know of a value that was applied; may be null.
+    /// A warning about a value that was applied; may be null.
     std::optional<std::string> (*remark)(const std::vector<std::string>& values) = nullptr;
 };
 
 /// All, in the order in which they are applied: a duration in frames comes after the rate.
 [[nodiscard]] std::span<const Setting> AllSettings();
 
-/// Null for what is none.
+/// Null for an unknown name.
 [[nodiscard]] const Setting* SettingNamed(std::string_view name);
 
 /// What is to change in a document.
@@ -45,13 +46,13 @@ struct Changes {
 };
 
 /// "KEY=VALUE" texts, where a key is a setting's name or one of the document's own.
-/// @throws SettingError  for a text that is none, an unknown key, and a setting that is given twice
+/// @throws SettingError  for a text of another form, an unknown key, and a setting that is given twice
 [[nodiscard]] Changes ReadChanges(std::span<const std::string> assignments);
 
 /// Applies settings in the order of the table, however they were typed, and then the keys.
 /// @param prefix  what stands before a setting's name in messages: "--"
-/// @return what a person should know of the result, a line each
-/// @throws SettingError  for keys and values that are none, and for settings that exclude each other
+/// @return warnings about the result, a line each
+/// @throws SettingError  for unknown keys, invalid values, and for settings that exclude each other
 [[nodiscard]] std::vector<std::string> ApplyChanges(const Changes& changes, std::string_view prefix,
                                                     document::DocumentEditor& document);
 

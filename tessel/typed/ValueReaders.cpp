@@ -100,7 +100,7 @@ std::optional<Pair> ParseRate(std::string_view text)
     return pair ? pair : ParseDecimal(text);
 }
 
-/// Frames of a timecode at the rate of so many ticks a frame; nothing for what is none.
+/// Frames of a timecode at the rate of so many ticks a frame; empty for a text that is not a timecode.
 std::optional<std::int64_t> ParseTimecode(std::string_view text, std::int64_t ticksPerFrame)
 {
     const std::int64_t divisor = std::gcd(ticksPerFrame, qelmediatypes::kTicksPerSecond);

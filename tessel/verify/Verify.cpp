@@ -121,7 +121,7 @@ public:
         return report;
     }
 
-    /// "picture" or "sound" where the movie has a stream of it and nothing of that could be decoded; else
+    /// "picture" or "sound" where the movie has such a stream and none of it could be decoded; else
     /// empty.
     [[nodiscard]] std::string_view Undecoded() const
     {
@@ -258,7 +258,7 @@ void TakeBeginning(reference::ClipSound clip, Inspection& inspection)
     }
 }
 
-/// What a movie that loses nothing says of itself.
+/// The note on a movie whose codec loses nothing.
 read::MovieFacts PerfectMovie(const reference::ClipFacts& clip)
 {
     read::MovieFacts movie;

@@ -185,7 +185,7 @@ class New(DocumentTest):
         self.refuse(["--duration", "10"], "--duration: must be", "250f, 10s")
         self.refuse(["--duration", "0s"], "--duration: must be")
         self.refuse(["--rate", "12.5", "--duration", "00:00:10:00"], "--duration: must be")
-        self.refuse(["--rate", "29.97", "--duration", "8760h"], "frames", "can be counted")
+        self.refuse(["--rate", "29.97", "--duration", "8760h"], "frames", "can be counted; choose a shorter duration")
         self.refuse(["--channels", "65"], "1 to 64")
         self.refuse(["--tone", "loud"], "--tone: must be", "1000:-18")
         self.refuse(["--sample-rate", "-1"], "--sample-rate: must be")

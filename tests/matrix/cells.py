@@ -142,7 +142,7 @@ class Cell:
         try:
             clip, movie = self.make(tools, base)
             told = self.judge(tools.verify(clip, movie, self.options))
-            # What a file says of itself depends on the file; all else is the clip's to show.
+            # The container's checks depend on the file; all others on what the clip shows.
             hidden = [check for check in self.expected
                       if not check.startswith("container.") and check not in tools.shown_by(clip)]
             if hidden:

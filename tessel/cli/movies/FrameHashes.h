@@ -42,7 +42,7 @@ private:
 /// Hashes that were kept, to be compared with those of a render while it runs.
 class ExpectedHashes {
 public:
-    /// @throws importhost::HostError  for a file that cannot be read or is none of these
+    /// @throws importhost::HostError  for a file that cannot be read or is in another format
     explicit ExpectedHashes(const std::filesystem::path& file);
 
     /// As FFmpeg calls it: "SHA256".

@@ -13,7 +13,7 @@ namespace id = verify::id;
 using exporting::OutputPlan;
 using exporting::VideoPlan;
 
-/// Changes what the file says of its pictures, not the pictures.
+/// Changes the file's tags and facts, not its pictures.
 template <class Change>
 void Announce(DamagePlan& plan, Change change)
 {

@@ -33,7 +33,7 @@ struct Fault {
 [[nodiscard]] std::vector<Fault> AllFaults();
 
 /// Adds what `text`, NAME or NAME=VALUE, asks for.
-/// @throws FaultError  for a name or value that is none, and for a fault that this clip cannot have
+/// @throws FaultError  for an unknown name or an invalid value, and for a fault that this clip cannot have
 void AddFault(DamagePlan& plan, const std::string& text);
 
 } // namespace tessel::damage

@@ -10,7 +10,7 @@
 
 namespace tessel::damage {
 
-/// A fault or a value that is none; one line for a person that says what would be right.
+/// An unknown fault or an invalid value; one line for a person that says what would be right.
 class FaultError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

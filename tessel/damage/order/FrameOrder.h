@@ -7,7 +7,7 @@
 
 namespace tessel::damage {
 
-/// A picture of the file: a frame of the clip, or one that is none.
+/// A picture of the file: a frame of the clip, or a foreign picture.
 struct OrderedPicture {
     enum class Kind : std::uint8_t {
         Frame, ///< as the clip has it

@@ -25,7 +25,8 @@ struct NamedColorSpace {
 [[nodiscard]] std::vector<NamedColorSpace> AllColorSpaces();
 
 /// By its name or its title; case, blanks and punctuation do not count. Also by a beginning that one space
-/// alone has, or that is a whole name: "rec601" is none, "rec601-pal" and "bt709" are.
+/// alone has, or that is a whole name: "rec601" is refused because two begin so; "rec601-pal" and "bt709" are
+/// accepted.
 [[nodiscard]] std::optional<NamedColorSpace> ColorSpaceNamed(std::string_view text);
 
 } // namespace tessel::document

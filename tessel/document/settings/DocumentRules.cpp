@@ -101,8 +101,9 @@ std::optional<std::string> LengthProblem(const DocumentEditor& document)
     const std::int64_t unit = perFrame / std::gcd(perFrame, qelmediatypes::kTicksPerSecond);
     const std::int64_t most = std::numeric_limits<std::int32_t>::max() / unit;
     if (frames > most && unit < std::numeric_limits<std::int32_t>::max()) {
-        return "the clip has " + std::to_string(frames) + " frames; at this rate " + std::to_string(most) +
-               " can be counted";
+        return "the clip has " + std::to_string(frames) + " frames, and with " + std::to_string(perFrame) +
+               " ticks a frame at most " + std::to_string(most) +
+               " can be counted; choose a shorter duration or a rate of tessel list frame-rates";
     }
     return std::nullopt;
 }

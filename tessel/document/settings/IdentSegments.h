@@ -9,7 +9,7 @@ namespace tessel::document {
 /// The part of an identification's cycle at a time: the channels that its tone is on ("L", "LFE", "L+R",
 /// "all"), or "silence". In "EBU Multichannel (5.1)" the low-frequency channel sounds all the time and does not
 /// count.
-/// @param format  "mIdentifierFormat"; empty for a number that is none
+/// @param format  "mIdentifierFormat"; empty for an unknown number
 /// @param ticks   since the clip's start, 0 or more
 /// Threads: [thread-safe].
 [[nodiscard]] std::string_view IdentSegmentAt(std::int32_t format, std::int64_t ticks) noexcept;

@@ -41,7 +41,7 @@ struct KeyInfo {
 
 /// All keys. Static storage. Threads: [thread-safe]. @{
 [[nodiscard]] const std::vector<KeyInfo>& AllKeys();
-/// Null for what is none.
+/// Null for an unknown name.
 [[nodiscard]] const KeyInfo* FindKey(std::string_view path);
 /// @}
 

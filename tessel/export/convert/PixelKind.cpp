@@ -35,7 +35,7 @@ PixelKind KindOf(BR::PixelFormat format)
 {
     const std::uint32_t code = PM_QELPixelFormatToPMPixelFormat(format);
     if (code == 0) {
-        throw ExportError("the frames come in a pixel format that is none of the host's 48");
+        throw ExportError("the frames come in a pixel format that is not one of the host's 48");
     }
     PixelKind kind;
     kind.storage = StorageOf(code);

@@ -83,7 +83,7 @@ std::optional<Aligner::Found> Aligner::FindPlacement(const read::Picture& pictur
     const Placement plain =
         Placement::Stretched(mClip.width, mClip.height, Orientation::Upright, picture.width, picture.height);
     if (const std::optional<FieldReadings> fields = ReadFields(luma, plain)) {
-        // Woven frames have a number on each field's rows, and their sum is none.
+        // Woven frames have a number on each field's rows, and the sum of the rows is not a number.
         const double likeness = std::min(fields->upper.likeness, fields->lower.likeness);
         if (fields->upper.number != fields->lower.number && likeness >= kFieldsPlainlyThere) {
             return Found{plain, std::min(fields->upper.number, fields->lower.number), 1};
@@ -247,7 +247,7 @@ bool Aligner::ReadColors(const read::Picture& picture, const read::PictureFacts&
     const std::optional<ColorReading> reading = mTimeline->Read(mSignatures.back());
     if (!reading || reading->distance > kSameColors || ConfidenceOf(*reading) < kSure) {
         // Until all pictures are known, colours that were changed are compared by time. Where most are as they
-        // should be, this picture is none of the clip's.
+        // should be, this picture is not one of the clip's.
         return 2 * mColorsRead > static_cast<std::int64_t>(mSignatures.size());
     }
     ++mColorsRead;

@@ -363,7 +363,7 @@ constexpr std::array kOfPitch{id::kContainerDuration, id::kContainerSampleRate, 
                               id::kSyncOffset};
 constexpr std::array kOfDrift{id::kSyncDrift, id::kSyncOffset, id::kContainerDuration};
 constexpr std::array kOfLostSound{id::kSyncOffset, id::kSyncDrift, id::kAudioDropout, id::kContainerDuration};
-// A bent or cut tone has harmonics, and what the fit does not know of them is noise.
+// A bent or cut tone has harmonics, and the part of them that the fit leaves over counts as noise.
 constexpr std::array kOfCut{id::kAudioGain, id::kAudioHarmonics, id::kAudioNoise, id::kAudioDc};
 constexpr std::array kOfNoise{id::kAudioHarmonics, id::kAudioDc};
 constexpr std::array kOfHarmonics{id::kAudioGain, id::kAudioNoise, id::kAudioDc};

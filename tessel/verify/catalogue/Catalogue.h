@@ -51,7 +51,7 @@ struct CheckInfo {
 /// All checks, in the order of `id::kAll`.
 [[nodiscard]] std::span<const CheckInfo> Catalogue() noexcept;
 
-/// @return null for a name that is none.
+/// @return null for an unknown name.
 [[nodiscard]] const CheckInfo* FindCheck(std::string_view id) noexcept;
 
 /// What follows of necessity from a fault: where `cause` is reported, findings of these ids are part of it and

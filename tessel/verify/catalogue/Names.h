@@ -1,5 +1,5 @@
 /// The names of everything that can be wrong with a signal on its return. Who puts faults in on purpose and who
-/// finds them share these names and nothing else, so this header includes nothing of either.
+/// finds them share these names and nothing else, so this header includes neither.
 #pragma once
 
 #include <array>

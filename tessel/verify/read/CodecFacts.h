@@ -1,4 +1,4 @@
-/// What FFmpeg says of containers and codecs, in the terms of `MovieFacts`.
+/// FFmpeg's facts about containers and codecs, in the terms of `MovieFacts`.
 #pragma once
 
 #include "MovieFacts.h"

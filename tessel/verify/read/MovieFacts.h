@@ -1,4 +1,4 @@
-/// What a movie says of itself, as its container and codec have it.
+/// The facts that a movie's container and codec state: size, rate, tags and the like.
 #pragma once
 
 #include <tessel/verify/catalogue/Catalogue.h>

@@ -30,7 +30,7 @@ double NoiseOf(CodecClass codec) noexcept
 /// In resampled pictures a spot's place is known to so many pixels.
 constexpr double kPlaceUncertainty = 0.35;
 
-/// What becomes of spots where colours change from row to row, in codes.
+/// How far codes may differ at spots where colours change from row to row.
 double PlaceNoise(const ColorCase& given)
 {
     const ColorSampler& sampler = given.sampler;
@@ -45,7 +45,7 @@ double PlaceNoise(const ColorCase& given)
     return 255 * pixels * std::sqrt(squares / static_cast<double>(sampler.Spots().size()));
 }
 
-/// Chroma multiplied by less than this is none.
+/// A picture whose chroma is multiplied by less than this counts as grey.
 constexpr double kNoChroma = 0.02;
 
 /// The judgement of one movie's colours.
@@ -313,7 +313,7 @@ private:
         return messages;
     }
 
-    /// A change that the codes do without is none, whatever its uncertainty.
+    /// A change that the codes are explained without is not reported, whatever its uncertainty.
     void TellLevel(std::string_view check, bool isVisible, const Measured& value, std::string message)
     {
         if (!isVisible) {

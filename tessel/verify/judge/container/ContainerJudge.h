@@ -1,4 +1,4 @@
-/// Judges what a movie says of itself against what the clip is.
+/// Compares the facts that a movie's container and codec state with the clip's.
 #pragma once
 
 #include <tessel/verify/align/Alignment.h>

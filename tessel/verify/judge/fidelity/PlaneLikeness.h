@@ -55,9 +55,9 @@ struct Artefacts {
 
     Artefacts& operator+=(const Artefacts& other) noexcept;
 
-    /// As a multiple of the changes inside blocks: 1 is none.
+    /// As a multiple of the changes inside blocks: 1 where there is no blocking.
     [[nodiscard]] double Blocking() const noexcept;
-    /// As a share of the clip's steps: 0 is none.
+    /// As a share of the clip's steps: 0 where there is no banding.
     [[nodiscard]] double Banding() const noexcept;
 };
 

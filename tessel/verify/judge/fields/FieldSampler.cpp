@@ -124,7 +124,7 @@ void FieldSampler::Take(const read::Picture& picture, std::int64_t frame, const 
         const bool isRgb = picture.format.isRgb;
         mPictures.emplace(mClip, isRgb ? exporting::PictureLayout::Gbrp16 : exporting::PictureLayout::Yuv444p16,
                           reference::CodingFor(mFacts, movie), exporting::ChromaRows::Frame);
-        // A row of chroma that belongs to two rows tells nothing of either.
+        // A row of chroma that belongs to two rows cannot be ascribed to either.
         mComponents = picture.components[1] && (isRgb || picture.format.chromaShiftY == 0) ? 3 : 1;
     }
     const FieldReference clip{ClipRows(frame - 1), ClipRows(frame), ClipRows(frame + 1),

@@ -53,7 +53,7 @@ struct TimeMap {
 
 /// @param clip,movie    tracks with the same list of tones
 /// @param pitch         the movie's frequencies in relation to the clip's, about
-/// @param leastSeconds  a step smaller than that is none
+/// @param leastSeconds  a smaller step does not count
 [[nodiscard]] TimeMap MapTime(const SoundTrack& clip, const SoundTrack& movie, double pitch,
                               double leastSeconds);
 

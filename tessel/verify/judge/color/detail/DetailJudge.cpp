@@ -14,7 +14,7 @@ namespace {
 // --- depth
 
 constexpr int kManyCodes = 12;      // different codes of the clip that a loss would change: no chance
-constexpr int kFewCodes = 3;        // enough where each one is exactly what the loss makes of it
+constexpr int kFewCodes = 3;        // enough where each is exactly as the loss predicts
 constexpr double kNearlyAll = 0.98; // of samples
 constexpr double kHalfOfTheStairs = 0.5;
 constexpr int kMostLost = 5; // bits
@@ -246,7 +246,7 @@ private:
         }
         const double tolerance = mFindings.Limits().Of(id::kColorSiting);
         const auto isKnown = [&](const ChromaFit& fit, const Measured& shift) {
-            // Courses that even a shift does not explain tell nothing of it.
+            // Courses that even a shift does not explain give no evidence for one.
             return fit.edges > 0 && fit.shiftedResidual < 2 * EdgeNoise(mCodec) + std::abs(shift.found);
         };
         const bool knowsRight = isKnown(mAcross, right);
