@@ -105,6 +105,8 @@ RULES = [
     Rule("plans know what a conversion is, not the converter", r"tessel/export/plan/",
          forbidden=re.compile(r"^tessel/export/(?!plan/|ExportError\.h|"
                               r"convert/(?:Conversion|Dither|Picture|PixelKind)\.h)")),
+    Rule("movies in memory know neither files nor encoders", r"tessel/export/virtual/",
+         forbidden=re.compile(r"^tessel/export/(?:files|encode)/")),
     Rule("the files know no other room of the export", r"tessel/export/files/",
          forbidden=re.compile(r"^tessel/export/(?!files/|ExportError\.h)")),
     Rule("the encoders know the other rooms, not who drives them", r"tessel/export/encode/",
@@ -115,7 +117,7 @@ RULES = [
          r"(?:kestrel/|ImporterTessel/|tessel/(?!cli/CommandLine\.cpp$))",
          forbidden=COMMAND_LINE),
     Rule("the C interface stands on documents and the signal: no files, no judging, no commands", r"tessel/api/",
-         forbidden=re.compile(r"^tessel/(?!api/|document/|typed/|export/(?:[A-Z]|convert/|plan/))")),
+         forbidden=re.compile(r"^tessel/(?!api/|document/|typed/|export/(?:[A-Z]|convert/|plan/|virtual/))")),
     Rule("the C header includes C's headers only", r"tessel/api/tessel\.h$", allowed=[re.compile(r"^std(?:int|def)\.h$")]),
     Rule("integrations know the C interface alone", r"integrations/",
          forbidden=re.compile(r"^(?:kestrel|ImporterTessel|tessel/(?!api/tessel\.h$))")),
