@@ -142,6 +142,7 @@ class Contents(MovieTest):
         self.assertEqual((video["FrameCount"], video["FrameRate"]), ("7", "25.000"))
         self.assertEqual(video["PixelAspectRatio"], "1.067")
         self.assertEqual((audio["Channels"], audio["BitDepth"], audio["SamplingRate"]), ("6", "24", "48000"))
+        self.assertEqual(audio["ChannelLayout"], "L R C LFE Ls Rs")
         self.assertEqual(tracks["General"]["IsStreamable"], "Yes")  # its index stands first
 
 
