@@ -3,15 +3,19 @@
  * A clip is opened from a document, describes itself, and gives its pictures and its sound into the caller's
  * memory: the same values that `tessel render` writes.
  *
- * Results     Every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one
- * line. What a failed call was to write is left alone, unless said otherwise. No exception leaves the library.
- * Ownership   `tessel_open_*` give a clip that the caller owns and closes, `tessel_movie_open` a movie,
+ * Results: every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one line.
+ * A failed call leaves what it was to write as it was, unless said otherwise. No exception leaves the library.
+ *
+ * Ownership: `tessel_open_*` give a clip that the caller owns and closes, `tessel_movie_open` a movie,
  * `tessel_document_new` a document. Texts belong to the library: those of a clip live until it is closed.
- * Structures  carry their size in their first member. The caller sets it to `sizeof` before the call; the
- * library writes no more, so that programs built with an older header go on working. Threads     [thread-safe]
- * may be called from any thread at any time, on one clip too. [any-thread] may be called from any thread, but
- * not on one object at the same time. Clips share nothing that a call changes. Texts       are UTF-8 and end
- * with a NUL.
+ *
+ * Structures carry their size in their first member. The caller sets it to `sizeof` before the call; the
+ * library writes no more, so that programs built with an older header go on working.
+ *
+ * Threads: [thread-safe] may be called from any thread at any time, on one clip too. [any-thread] may be called
+ * from any thread, but not on one object at the same time. Clips share nothing that a call changes.
+ *
+ * Texts are UTF-8 and end with a NUL.
  */
 #ifndef TESSEL_API_TESSEL_H
 #define TESSEL_API_TESSEL_H
@@ -43,7 +47,7 @@ enum {
     TESSEL_NOT_POSSIBLE = 3, /* the clip has no such picture or sound, or not in that layout */
     TESSEL_FAILED = 4,       /* the plug-in failed */
     TESSEL_OUT_OF_MEMORY = 5,
-    TESSEL_REFUSED = 6 /* a setting that is none, or one with which the clip could not be played */
+    TESSEL_REFUSED = 6 /* an unknown setting, a wrong value, or a clip that could not be played */
 };
 
 /* Why the last failed call of this thread failed; empty where none has. Valid until the thread's next failed
@@ -268,8 +272,8 @@ typedef struct tessel_document_options {
  *
  * options:  null for none
  * settings: `setting_count` texts; null where there are none
- * TESSEL_REFUSED: a setting that is none, or a clip that could not be played; the line says what would be
- * right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
+ * TESSEL_REFUSED: an unknown setting, a wrong value, or a clip that could not be played; the line says what
+ * would be right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_document_new(const tessel_document_options* options,
                                              const char* const* settings, size_t setting_count,
                                              tessel_document** document);
