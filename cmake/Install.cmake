@@ -1,6 +1,6 @@
-# What `cmake --install` puts into a prefix, in three components: "program" (the program, the plug-in and the host's
+# What `cmake --install` puts into a prefix, in components: "program" (the program, the plug-in and the host's
 # libraries), "windows" (what needs Qt) and "development" (the SDK: public headers, the CMake package and the
-# pkg-config files). The tree may be moved.
+# pkg-config files); the modules in `integrations` install themselves, each as a component. The tree may be moved.
 include(CMakePackageConfigHelpers)
 
 set(package "${CMAKE_INSTALL_LIBDIR}/cmake/Kestrel")

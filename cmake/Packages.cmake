@@ -21,6 +21,9 @@ set(CPACK_COMPONENTS_ALL program development)
 if(TARGET kestrelqt)
     list(APPEND CPACK_COMPONENTS_ALL windows)
 endif()
+if(TARGET tessel_python)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -59,5 +62,20 @@ set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Importer plug-ins and a host for them 
 What it takes to write an importer plug-in for video-editing hosts, or a
 program that loads one: headers, a CMake package, pkg-config files, a
 program that checks importers, and an example.")
+
+if(TARGET tessel_python)
+    get_target_property(pythonVersion tessel_python TESSEL_PYTHON_VERSION)
+    get_target_property(nextPythonVersion tessel_python TESSEL_NEXT_PYTHON_VERSION)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-tessel)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    # An extension module is for one minor version of Python.
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "tessel ${sameVersion}, python3-numpy, python3 (>= ${pythonVersion}), python3 (<< ${nextPythonVersion})")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-pytest)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+        "${PROJECT_SOURCE_DIR}/packaging/debian/python/postinst" "${PROJECT_SOURCE_DIR}/packaging/debian/python/prerm")
+    set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Exact test signals from small documents - Python
+The package tessel: clips as numpy arrays, movies compared with clips, and a
+plug-in for pytest.")
+endif()
 
 include(CPack)

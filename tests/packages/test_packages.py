@@ -1,7 +1,7 @@
 """The Debian packages as files: what is in which, what they need, and that an unpacked one works.
 
-Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS: 1 where the build has the Qt toolkit. PACKAGES names a
-folder of packages to look into, instead of making them.
+Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON: 1 where the build has the Qt toolkit, the
+Python module. PACKAGES names a folder of packages to look into, instead of making them.
 """
 
 import gzip
@@ -15,7 +15,9 @@ import unittest
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SAMPLE = os.path.join(ROOT, "samples", "hd-2997.tessel")
 HAS_WINDOWS = os.environ.get("HAS_WINDOWS", "1") == "1"
-NAMES = ["libkestrel-dev", "tessel"] + (["tessel-qt"] if HAS_WINDOWS else [])
+HAS_PYTHON = os.environ.get("HAS_PYTHON", "1") == "1"
+NAMES = sorted(["libkestrel-dev", "tessel"] + (["tessel-qt"] if HAS_WINDOWS else []) +
+               (["python3-tessel"] if HAS_PYTHON else []))
 NEEDED = ("dpkg-deb", "dpkg-shlibdeps", "readelf", "gzip")
 
 
@@ -96,6 +98,16 @@ class Contents(PackageTest):
         for library in ("kestrel", "kestrelui", "kestrelhost"):
             self.one("tessel", rf"usr/lib/(?:[^/]+/)?lib{library}\.so\.[0-9.]+\.[0-9]+\.[0-9]+")
 
+    @unittest.skipUnless(HAS_PYTHON, "the build has no Python module")
+    def test_the_python_package_is_where_debians_python_looks(self):
+        for pattern in (r"tessel/__init__\.py", r"tessel/py\.typed", r"tessel/_tessel\.cpython-.*\.so", r"pytest_tessel\.py",
+                        r"tessel-[0-9.]+\.dist-info/METADATA", r"tessel-[0-9.]+\.dist-info/entry_points\.txt"):
+            self.one("python3-tessel", r"usr/lib/python3(?:\.[0-9]+)?/dist-packages/" + pattern)
+        self.assertFalse([path for path in CONTENTS["python3-tessel"] if path.endswith(".pyc")])
+        scripts = output("dpkg-deb", "-I", FILES["python3-tessel"])
+        self.assertIn("postinst", scripts)
+        self.assertIn("prerm", scripts)
+
     def test_manual_pages_are_compressed_and_completions_stand_where_shells_look(self):
         pages = [path for path in CONTENTS["tessel"] if path.startswith("usr/share/man/")]
         self.assertIn("usr/share/man/man1/tessel-render.1.gz", pages)
@@ -109,9 +121,10 @@ class Contents(PackageTest):
         for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/(?:Kestrel|Tessel)/.*|.*/kestrel-conformance"
                                     # Examples are sources to build.
                                     r"|.*/kestrel/examples/.*|usr/share/doc/libkestrel-dev/.*")
+        plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so")
         for package, paths in CONTENTS.items():
             for path in paths:
-                if path.endswith("kestrel/ImporterTessel.so"):
+                if plug_ins.fullmatch(path):
                     continue
                 self.assertEqual(bool(for_developers.fullmatch(path)), package == "libkestrel-dev", f"{package}: {path}")
 
@@ -164,6 +177,9 @@ class Control(PackageTest):
         for package in NAMES:
             if package != "tessel":
                 self.assertIn(same, self.field(package, "Depends"))
+        if HAS_PYTHON:
+            self.assertRegex(self.field("python3-tessel", "Depends"),
+                             r"python3 \(>= 3\.[0-9]+\), python3 \(<< 3\.[0-9]+\)")
         if HAS_WINDOWS:
             self.assertIn("libqt6widgets6", self.field("tessel-qt", "Depends"))
 
