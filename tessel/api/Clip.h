@@ -29,6 +29,7 @@ public:
     Clip& operator=(const Clip&) = delete;
 
     [[nodiscard]] const std::string& Warning() const noexcept { return mOpened.warning; }
+    [[nodiscard]] const exporting::SignalSource& Source() const noexcept { return mSource; }
     [[nodiscard]] tessel_description Describe() const noexcept;
     [[nodiscard]] tessel_picture DescribePicture(tessel_layout layout);
     void Frame(std::int64_t frame, tessel_layout layout, void* const* planes, const std::ptrdiff_t* strides);

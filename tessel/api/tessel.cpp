@@ -2,7 +2,7 @@
 
 #include "tessel.h"
 
-#include "Clip.h"
+#include "Handles.h"
 #include "Results.h"
 #include "SharedImporter.h"
 #include "Structures.h"
@@ -11,13 +11,10 @@
 #include <kestrel/importhost/PathText.h>
 
 #include <filesystem>
+#include <memory>
 #include <span>
 #include <string_view>
-
-/// What callers hold.
-struct tessel_clip {
-    tessel::api::Clip clip;
-};
+#include <utility>
 
 namespace {
 
@@ -36,8 +33,9 @@ tessel_clip* Open(const std::filesystem::path& file, const tessel_open_options* 
     importhost::RequireUTF8Name(file);
     const auto importer = tessel::api::ShareImporter(options.plugin != nullptr ? PathOf(options.plugin)
                                                                                : std::filesystem::path{});
-    return new tessel_clip{tessel::api::Clip(
-        tessel::document::OpenClip(importer, file, {.allowDefault = options.allow_default != 0}))};
+    auto clip = std::make_shared<tessel::api::Clip>(
+        tessel::document::OpenClip(importer, file, {.allowDefault = options.allow_default != 0}));
+    return std::make_unique<tessel_clip>(tessel_clip{std::move(clip)}).release();
 }
 
 } // namespace
@@ -77,14 +75,14 @@ void tessel_close(tessel_clip* clip)
 
 const char* tessel_warning(const tessel_clip* clip)
 {
-    return clip != nullptr ? clip->clip.Warning().c_str() : "";
+    return clip != nullptr ? clip->clip->Warning().c_str() : "";
 }
 
 tessel_result tessel_describe(const tessel_clip* clip, tessel_description* description)
 {
     return Serve(TESSEL_FAILED, [&] {
         Require(clip != nullptr, "the clip is a null pointer");
-        tessel::api::Give(clip->clip.Describe(), description);
+        tessel::api::Give(clip->clip->Describe(), description);
     });
 }
 
@@ -92,7 +90,7 @@ tessel_result tessel_describe_picture(tessel_clip* clip, tessel_layout layout, t
 {
     return Serve(TESSEL_FAILED, [&] {
         Require(clip != nullptr, "the clip is a null pointer");
-        tessel::api::Give(clip->clip.DescribePicture(layout), picture);
+        tessel::api::Give(clip->clip->DescribePicture(layout), picture);
     });
 }
 
@@ -103,7 +101,7 @@ tessel_result tessel_frame(tessel_clip* clip, int64_t frame, tessel_layout layou
         Require(clip != nullptr && planes != nullptr && strides != nullptr,
                 "the clip, the planes or the strides are a null pointer");
         Require(frame >= 0, "frames are counted from 0");
-        clip->clip.Frame(frame, layout, planes, strides);
+        clip->clip->Frame(frame, layout, planes, strides);
     });
 }
 
@@ -116,6 +114,6 @@ tessel_result tessel_samples(tessel_clip* clip, int64_t start, size_t count, flo
         for (float* const channel : std::span(channels, channel_count)) {
             Require(channel != nullptr, "a channel is a null pointer");
         }
-        clip->clip.Samples(start, count, {channels, channel_count});
+        clip->clip->Samples(start, count, {channels, channel_count});
     });
 }

@@ -3,14 +3,19 @@
  * A clip is opened from a document, describes itself, and gives its pictures and its sound into the caller's
  * memory: the same values that `tessel render` writes.
  *
- * Results     Every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one
- * line. What a failed call was to write is left alone, unless said otherwise. No exception leaves the library.
- * Ownership   `tessel_open_*` give a clip that the caller owns and closes, `tessel_document_new` a document.
- * Texts belong to the library: those of a clip live until it is closed. Structures  carry their size in their
- * first member. The caller sets it to `sizeof` before the call; the library writes no more, so that programs
- * built with an older header go on working. Threads     [thread-safe] may be called from any thread at any
- * time, on one clip too. [any-thread] may be called from any thread, but not on one object at the same time.
- * Clips share nothing that a call changes. Texts       are UTF-8 and end with a NUL.
+ * Results: every call that can fail returns a `tessel_result`; `tessel_error_text` then says why, in one line.
+ * A failed call leaves what it was to write as it was, unless said otherwise. No exception leaves the library.
+ *
+ * Ownership: `tessel_open_*` give a clip that the caller owns and closes, `tessel_movie_open` a movie,
+ * `tessel_document_new` a document. Texts belong to the library: those of a clip live until it is closed.
+ *
+ * Structures carry their size in their first member. The caller sets it to `sizeof` before the call; the
+ * library writes no more, so that programs built with an older header go on working.
+ *
+ * Threads: [thread-safe] may be called from any thread at any time, on one clip too. [any-thread] may be called
+ * from any thread, but not on one object at the same time. Clips share nothing that a call changes.
+ *
+ * Texts are UTF-8 and end with a NUL.
  */
 #ifndef TESSEL_API_TESSEL_H
 #define TESSEL_API_TESSEL_H
@@ -42,7 +47,7 @@ enum {
     TESSEL_NOT_POSSIBLE = 3, /* the clip has no such picture or sound, or not in that layout */
     TESSEL_FAILED = 4,       /* the plug-in failed */
     TESSEL_OUT_OF_MEMORY = 5,
-    TESSEL_REFUSED = 6 /* a setting that is none, or one with which the clip could not be played */
+    TESSEL_REFUSED = 6 /* an unknown setting, a wrong value, or a clip that could not be played */
 };
 
 /* Why the last failed call of this thread failed; empty where none has. Valid until the thread's next failed
@@ -210,6 +215,40 @@ TESSEL_API tessel_result tessel_frame(tessel_clip* clip, int64_t frame, tessel_l
 TESSEL_API tessel_result tessel_samples(tessel_clip* clip, int64_t start, size_t count, float* const* channels,
                                         size_t channel_count);
 
+/* ---- Movies ---- */
+
+/* A clip as the bytes of a QuickTime movie, for whatever reads movies from memory. The movie is never written:
+ * its pictures and its sound are made when their bytes are read. */
+typedef struct tessel_movie tessel_movie;
+
+typedef struct tessel_movie_options {
+    size_t size;
+    /* "raw", "v210", "v408", or "none" for sound alone. Null: the one that keeps most of the clip's samples;
+     * clips of floats become 16-bit R'G'B'A, or v210. */
+    const char* video_codec;
+    /* "pcm16", "pcm24", "pcm32", "pcmfloat", or "none" for the picture alone. Null: pcm24. */
+    const char* audio_codec;
+} tessel_movie_options;
+
+/* Opens a clip as a movie with the packets, times and tags of the file that `tessel render` writes with the
+ * same codecs. The clip may be closed before the movie. options: null for none TESSEL_NOT_POSSIBLE: a clip that
+ * cannot be such a movie. Threads: [thread-safe]. Cost: one frame, and some 16 bytes of memory for each frame
+ * of the clip. */
+TESSEL_API tessel_result tessel_movie_open(tessel_clip* clip, const tessel_movie_options* options,
+                                           tessel_movie** movie);
+
+/* Bytes in all; 0 for null. Threads: [thread-safe]. */
+TESSEL_API int64_t tessel_movie_size(const tessel_movie* movie);
+
+/* Fills the buffer from byte `offset` on (0 or more), as far as the movie goes.
+ * got: gets how many bytes were filled: fewer than `count` only at the end, 0 behind it
+ * TESSEL_FAILED may leave the buffer half filled. Threads: [thread-safe]. */
+TESSEL_API tessel_result tessel_movie_read(tessel_movie* movie, int64_t offset, void* buffer, size_t count,
+                                           size_t* got);
+
+/* Null is allowed. No call on the movie may be under way. Threads: [any-thread]. */
+TESSEL_API void tessel_movie_close(tessel_movie* movie);
+
 /* ---- Making documents ---- */
 
 /* A new document, as `tessel new` makes it. */
@@ -233,8 +272,8 @@ typedef struct tessel_document_options {
  *
  * options:  null for none
  * settings: `setting_count` texts; null where there are none
- * TESSEL_REFUSED: a setting that is none, or a clip that could not be played; the line says what would be
- * right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
+ * TESSEL_REFUSED: an unknown setting, a wrong value, or a clip that could not be played; the line says what
+ * would be right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_document_new(const tessel_document_options* options,
                                              const char* const* settings, size_t setting_count,
                                              tessel_document** document);

@@ -18,6 +18,10 @@ class DocumentOptions(ctypes.Structure):
                 ("text", ctypes.c_char_p), ("text_length", ctypes.c_size_t)]
 
 
+class MovieOptions(ctypes.Structure):
+    _fields_ = [("size", ctypes.c_size_t), ("video_codec", ctypes.c_char_p), ("audio_codec", ctypes.c_char_p)]
+
+
 class Description(ctypes.Structure):
     _fields_ = [("size", ctypes.c_size_t)] + [(name, ctypes.c_int32) for name in (
         "width", "height", "pixel_aspect_numerator", "pixel_aspect_denominator", "field_order", "rate_numerator",
@@ -63,6 +67,13 @@ LIBRARY.tessel_document_warning.restype = ctypes.c_char_p
 LIBRARY.tessel_document_warning.argtypes = [ctypes.c_void_p]
 LIBRARY.tessel_document_close.argtypes = [ctypes.c_void_p]
 LIBRARY.tessel_document_close.restype = None
+LIBRARY.tessel_movie_open.argtypes = [ctypes.c_void_p, ctypes.POINTER(MovieOptions), ctypes.POINTER(ctypes.c_void_p)]
+LIBRARY.tessel_movie_size.restype = ctypes.c_int64
+LIBRARY.tessel_movie_size.argtypes = [ctypes.c_void_p]
+LIBRARY.tessel_movie_read.argtypes = [ctypes.c_void_p, ctypes.c_int64, ctypes.c_void_p, ctypes.c_size_t,
+                                      ctypes.POINTER(ctypes.c_size_t)]
+LIBRARY.tessel_movie_close.argtypes = [ctypes.c_void_p]
+LIBRARY.tessel_movie_close.restype = None
 
 
 class CallFailed(Exception):
@@ -168,3 +179,33 @@ class Document:
 
     def warning(self):
         return LIBRARY.tessel_document_warning(self.handle).decode("utf-8")
+
+
+class Movie:
+    """A clip as a movie."""
+
+    def __init__(self, clip, video_codec=None, audio_codec=None):
+        options = sized(MovieOptions)
+        options.video_codec = video_codec and video_codec.encode()
+        options.audio_codec = audio_codec and audio_codec.encode()
+        self.handle = ctypes.c_void_p()
+        check(LIBRARY.tessel_movie_open(clip.handle, options, self.handle))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def close(self):
+        LIBRARY.tessel_movie_close(self.handle)
+        self.handle = ctypes.c_void_p()
+
+    def size(self):
+        return LIBRARY.tessel_movie_size(self.handle)
+
+    def read(self, offset, count):
+        buffer = ctypes.create_string_buffer(max(1, count))
+        got = ctypes.c_size_t()
+        check(LIBRARY.tessel_movie_read(self.handle, offset, buffer, count, got))
+        return buffer.raw[:got.value]

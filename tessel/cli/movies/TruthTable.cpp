@@ -1,12 +1,8 @@
 #include "TruthTable.h"
 
-#include <kestrel/importhost/HostError.h>
-#include <kestrel/qelcore/serialization/Value.h>
 #include <kestrel/qelmediatypes/TickTime.h>
-#include <tessel/document/DocumentFacts.h>
 #include <tessel/document/settings/IdentSegments.h>
 #include <tessel/export/AudioBlocks.h>
-#include <tessel/export/ExportError.h>
 #include <tessel/export/plan/Timecode.h>
 
 #include <fmt/format.h>
@@ -22,43 +18,18 @@ namespace {
 constexpr bool kDropFrames = true;
 constexpr bool kAllFrames = false;
 
-/// The number of the channel identification that the clip's document asks for; none for a steady tone, and for
-/// other importers' clips, whose documents say nothing.
-std::optional<std::int32_t> IdentOf(const std::filesystem::path& clip)
-{
-    try {
-        const document::DocumentEditor settings(document::DocumentText(clip));
-        const auto read = [&settings](std::string_view key) {
-            return static_cast<std::int32_t>(
-                qelcore::serialization::FindInteger(settings.Find(key)).value_or(0));
-        };
-        return read("mToneFormat") == 1 ? std::optional(read("mIdentifierFormat")) : std::nullopt;
-    } catch (const importhost::HostError&) {
-        return std::nullopt;
-    }
-}
-
-bool HasTimecodes(const document::ClipFacts& facts)
-{
-    try {
-        static_cast<void>(exporting::Timecode::Parse("00:00:00:00", facts.timeScale, facts.sampleSize));
-        return true;
-    } catch (const exporting::ExportError&) {
-        return false;
-    }
-}
-
 } // namespace
 
 TruthTable::TruthTable(const document::ClipFacts& facts, const std::filesystem::path& clip,
                        exporting::FrameRange frames, const exporting::OutputPlan& plan)
     : mFacts(facts), mFrames(frames),
       mHasDropFrames(exporting::Timecode::HasDropFrames(facts.timeScale, facts.sampleSize)),
-      mIdent(IdentOf(clip)), mText("frame,seconds,timecode,drop_frame_timecode,picture_sha256,sample,ident\r\n")
+      mIdent(document::IdentOf(clip)),
+      mText("frame,seconds,timecode,drop_frame_timecode,picture_sha256,sample,ident\r\n")
 {
     if (plan.timecode) {
         mFirstTimecode = plan.timecode->FrameNumber();
-    } else if (HasTimecodes(facts)) {
+    } else if (exporting::Timecode::Counts(facts.timeScale, facts.sampleSize)) {
         mFirstTimecode = frames.first;
     }
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <tessel/document/OpenClip.h>
-#include <tessel/document/settings/DocumentEditor.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/encode/Digest.h>
 #include <tessel/export/plan/OutputPlan.h>

@@ -1,6 +1,11 @@
 #include "IdentSegments.h"
 
+#include "DocumentEditor.h"
+
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/qelcore/serialization/Value.h>
 #include <kestrel/qelmediatypes/TickTime.h>
+#include <tessel/document/DocumentFacts.h>
 
 #include <array>
 #include <cstddef>
@@ -64,6 +69,20 @@ std::string_view IdentSegmentAt(std::int32_t format, std::int64_t ticks) noexcep
         name = part.name;
     }
     return name;
+}
+
+std::optional<std::int32_t> IdentOf(const std::filesystem::path& clip)
+{
+    try {
+        const DocumentEditor settings(DocumentText(clip));
+        const auto read = [&settings](std::string_view key) {
+            return static_cast<std::int32_t>(
+                qelcore::serialization::FindInteger(settings.Find(key)).value_or(0));
+        };
+        return read("mToneFormat") == 1 ? std::optional(read("mIdentifierFormat")) : std::nullopt;
+    } catch (const importhost::HostError&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace tessel::document

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 
 namespace tessel::document {
@@ -13,5 +15,9 @@ namespace tessel::document {
 /// @param ticks   since the clip's start, 0 or more
 /// Threads: [thread-safe].
 [[nodiscard]] std::string_view IdentSegmentAt(std::int32_t format, std::int64_t ticks) noexcept;
+
+/// The number of the channel identification that a clip's document asks for; none for a steady tone, and for
+/// other importers' clips, whose documents say nothing. Opens and parses the file.
+[[nodiscard]] std::optional<std::int32_t> IdentOf(const std::filesystem::path& clip);
 
 } // namespace tessel::document

@@ -97,6 +97,9 @@ public:
         context.strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
         context.flags |= AV_CODEC_FLAG_BITEXACT;
         SetTags(context, plan);
+        if (plan.codec->rule == LayoutRule::KeepRaw) {
+            context.codec_tag = TagCode(plan.tag); // by which the encoder arranges samples
+        }
         if (plan.headersOutOfBand) {
             context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         }

@@ -13,9 +13,10 @@ constexpr std::array kAnyRaw{Bgra,       Argb,      Bgr0,    Zrgb,      Gbrap16,
                              Yuva444p16, Yuv444p16, Yuv422p, Yuv422p10, Yuv420p, Yuv411p, Uyvy,     Yuyv};
 // QuickTime and AVI name raw layouts by codes of which readers know only a few.
 constexpr std::array kFewRaw{Bgra, Uyvy, Yuyv, Yuv422p, Yuv420p, Yuv411p};
+constexpr std::array kQuickTimeRaw{Bgra, Rgba64be, Uyvy, Yuyv, Yuv422p, Yuv420p, Yuv411p};
 constexpr std::array kY4mRaw{Yuv444p, Yuv444p16, Yuv422p, Yuv422p10, Yuv420p, Yuv411p};
 
-constexpr std::array<RawTag, 2> kQuickTimeTags{{{Uyvy, "2vuy"}, {Yuyv, "yuvs"}}};
+constexpr std::array<RawTag, 3> kQuickTimeTags{{{Rgba64be, "b64a"}, {Uyvy, "2vuy"}, {Yuyv, "yuvs"}}};
 
 constexpr DefaultVideoCodecs Always(std::string_view codec)
 {
@@ -89,7 +90,7 @@ constexpr std::array<Container, 13> kContainers{{
      .headersOutOfBand = true,
      .videoCodecs = kQuickTime,
      .audioCodec = "pcm24",
-     .rawLayouts = kFewRaw,
+     .rawLayouts = kQuickTimeRaw,
      .rawTags = kQuickTimeTags,
      .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode},
     {.name = "mp4",

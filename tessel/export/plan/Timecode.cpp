@@ -27,12 +27,7 @@ int Digits(std::string_view text) noexcept
 
 void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
 {
-    // What files and their readers know.
-    constexpr std::array<std::int64_t, 9> kRates{24, 25, 30, 48, 50, 60, 100, 120, 150};
-    const std::int64_t nominal = NominalRate(numerator, denominator);
-    const bool isWhole = std::int64_t{numerator} == nominal * denominator;
-    const bool isSlowed = std::int64_t{numerator} * 1001 == nominal * 1000 * denominator;
-    if (std::find(kRates.begin(), kRates.end(), nominal) == kRates.end() || (!isWhole && !isSlowed)) {
+    if (!Timecode::Counts(numerator, denominator)) {
         throw ExportError(
             fmt::format("timecodes count 24, 25, 30, 48, 50, 60, 100, 120 or 150 frames a second, or "
                         "1000/1001 of that, but the clip has {}/{}: remove --timecode",
@@ -46,6 +41,19 @@ Timecode::Timecode(std::int32_t rateNumerator, std::int32_t rateDenominator, boo
     : mNominalRate(std::max<std::int64_t>(NominalRate(rateNumerator, rateDenominator), 1)),
       mDropped(drop ? mNominalRate / 15 : 0)
 {
+}
+
+bool Timecode::Counts(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept
+{
+    if (rateNumerator <= 0 || rateDenominator <= 0) {
+        return false;
+    }
+    // What files and their readers know.
+    constexpr std::array<std::int64_t, 9> kRates{24, 25, 30, 48, 50, 60, 100, 120, 150};
+    const std::int64_t nominal = NominalRate(rateNumerator, rateDenominator);
+    const bool isWhole = std::int64_t{rateNumerator} == nominal * rateDenominator;
+    const bool isSlowed = std::int64_t{rateNumerator} * 1001 == nominal * 1000 * rateDenominator;
+    return std::find(kRates.begin(), kRates.end(), nominal) != kRates.end() && (isWhole || isSlowed);
 }
 
 bool Timecode::HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept

@@ -24,6 +24,9 @@ public:
     /// Frames from 00:00:00:00 to this one.
     [[nodiscard]] std::int64_t FrameNumber() const noexcept { return mFirstFrame; }
 
+    /// Whether a rate has timecodes at all.
+    [[nodiscard]] static bool Counts(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept;
+
     /// Whether a rate has drop-frame timecodes.
     [[nodiscard]] static bool HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenominator) noexcept;
 

@@ -76,6 +76,7 @@ TEST(VideoPlan, ChosenCodecsGetTheLayoutThatKeepsMost)
         {PixelFormat::ARGB_4444_8u, "mkv", "raw", PictureLayout::Argb},
         {PixelFormat::XRGB_4444_8u, "nut", "raw", PictureLayout::Zrgb},
         {PixelFormat::XRGB_4444_8u, "mov", "raw", PictureLayout::Bgra},
+        {PixelFormat::BGRA_4444_32f, "mov", "raw", PictureLayout::Rgba64be},
         {PixelFormat::BGRA_4444_32f, "avi", "raw", PictureLayout::Bgra},
         {PixelFormat::VUYA_4444_8u, "mov", "raw", PictureLayout::Uyvy},
         {PixelFormat::VUYX_4444_32f, "avi", "raw", PictureLayout::Uyvy},

@@ -4,13 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <optional>
 
 namespace tessel::verify::judge {
 namespace {
 
-constexpr double kTwoPi = 2 * std::numbers::pi;
 /// Moments at which levels are compared, and how long before and behind nothing may change.
 constexpr double kStep = 0.04;
 constexpr double kMargin = 0.03;

@@ -1,0 +1,473 @@
+#include "MovieHeader.h"
+
+#include "AtomWriter.h"
+#include "UncodedPicture.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+namespace tessel::exporting {
+namespace {
+
+using importhost::FieldOrder;
+
+constexpr std::int64_t kMovieScale = 1000; ///< units a second of the movie's own times
+constexpr std::int64_t kMost32 = std::numeric_limits<std::uint32_t>::max();
+
+/// What both kinds of tracks have.
+struct Track {
+    std::uint32_t number = 1;
+    std::int64_t scale = 1;  ///< units a second of its times
+    std::int64_t length = 0; ///< in those
+    bool isPicture = true;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+std::int64_t ToMovieScale(const Track& track) noexcept
+{
+    // Whole seconds apart: the product of a long track and 1000 needs more than 64 bits.
+    const std::int64_t rest = track.length % track.scale * kMovieScale;
+    return track.length / track.scale * kMovieScale + (rest + track.scale - 1) / track.scale;
+}
+
+/// Times need 64 bits.
+std::uint32_t VersionFor(std::int64_t length) noexcept
+{
+    return length >= std::numeric_limits<std::int32_t>::max() ? 1 : 0;
+}
+
+class HeaderWriter {
+public:
+    HeaderWriter(const OutputPlan& plan, const PacketPlaces& places) : mPlan(plan), mPlaces(places) {}
+
+    /// @param base        where packets begin
+    /// @param wideOffsets  places need 64 bits
+    [[nodiscard]] std::vector<std::byte> Write(std::int64_t base, bool wideOffsets)
+    {
+        mBase = base;
+        mWideOffsets = wideOffsets;
+        mOut = {};
+        mOut.Atom("ftyp", [this] {
+            mOut.PutText("qt  ");
+            mOut.Put32(0x200);
+            mOut.PutText("qt  ");
+        });
+        mOut.Atom("moov", [this] { PutMovie(); });
+        const std::int64_t size = mPlaces.Size() + 8;
+        if (wideOffsets) {
+            mOut.Put32(1);
+            mOut.PutText("mdat");
+            mOut.Put64(static_cast<std::uint64_t>(size + 8));
+        } else {
+            mOut.Atom("wide", [] {});
+            mOut.Put32(static_cast<std::uint64_t>(size));
+            mOut.PutText("mdat");
+        }
+        return mOut.Take();
+    }
+
+private:
+    [[nodiscard]] Track PictureTrack() const noexcept
+    {
+        const PictureGeometry& geometry = mPlan.video->geometry;
+        Track track;
+        // Fine enough for times that are not whole frames.
+        constexpr std::int64_t kLeastScale = 10'000;
+        std::int64_t unitsPerFrame = geometry.rateDenominator;
+        track.scale = geometry.rateNumerator;
+        while (track.scale < kLeastScale) {
+            track.scale *= 2;
+            unitsPerFrame *= 2;
+        }
+        track.length = mPlaces.Shape().pictureCount * unitsPerFrame;
+        track.width = geometry.width;
+        track.height = geometry.height;
+        return track;
+    }
+
+    [[nodiscard]] Track SoundTrack() const noexcept
+    {
+        Track track;
+        track.number = mPlan.video ? 2 : 1;
+        track.scale = mPlan.audio->sampleRate;
+        track.length = mPlaces.Shape().sampleCount;
+        track.isPicture = false;
+        return track;
+    }
+
+    void PutMatrix()
+    {
+        for (const std::uint64_t value : {0x10000, 0, 0, 0, 0x10000, 0, 0, 0, 0x40000000}) {
+            mOut.Put32(value);
+        }
+    }
+
+    /// Of 32 or 64 bits, as the atom's version says.
+    void PutTime(std::int64_t time, std::uint32_t version)
+    {
+        version == 0 ? mOut.Put32(static_cast<std::uint64_t>(time))
+                     : mOut.Put64(static_cast<std::uint64_t>(time));
+    }
+
+    void PutDates(std::uint32_t version) { mOut.PutZeros(version == 0 ? 8 : 16); }
+
+    void PutMovie()
+    {
+        std::int64_t length = 0;
+        std::uint32_t tracks = 0;
+        if (mPlan.video) {
+            length = ToMovieScale(PictureTrack());
+            ++tracks;
+        }
+        if (mPlan.audio) {
+            length = std::max(length, ToMovieScale(SoundTrack()));
+            ++tracks;
+        }
+        const std::uint32_t version = VersionFor(length);
+        mOut.FullAtom("mvhd", version, 0, [&] {
+            PutDates(version);
+            mOut.Put32(kMovieScale);
+            PutTime(length, version);
+            mOut.Put32(0x10000); // plays at its own speed
+            mOut.Put16(0x100);   // and at its own volume
+            mOut.PutZeros(10);
+            PutMatrix();
+            mOut.PutZeros(24);
+            mOut.Put32(tracks + 1); // the number of the next track
+        });
+        if (mPlan.video) {
+            PutTrack(PictureTrack());
+        }
+        if (mPlan.audio) {
+            PutTrack(SoundTrack());
+        }
+    }
+
+    void PutTrack(const Track& track)
+    {
+        mOut.Atom("trak", [&] {
+            const std::int64_t length = ToMovieScale(track);
+            const std::uint32_t version = VersionFor(length);
+            constexpr std::uint32_t kEnabledInMovie = 3;
+            mOut.FullAtom("tkhd", version, kEnabledInMovie, [&] {
+                PutDates(version);
+                mOut.Put32(track.number);
+                mOut.Put32(0);
+                PutTime(length, version);
+                mOut.PutZeros(10);
+                mOut.Put16(track.isPicture ? 0 : 1); // one group of alternatives for each kind
+                mOut.Put16(track.isPicture ? 0 : 0x100);
+                mOut.Put16(0);
+                PutMatrix();
+                PutFixed(track.width);
+                PutFixed(track.height);
+            });
+            mOut.Atom("edts", [&] {
+                mOut.FullAtom("elst", version, 0, [&] {
+                    mOut.Put32(1);
+                    PutTime(length, version);
+                    PutTime(0, version);
+                    mOut.Put32(0x10000);
+                });
+            });
+            PutMedia(track);
+            if (track.isPicture) {
+                PutApertures();
+            }
+        });
+    }
+
+    /// A number of pixels as 16.16 fixed point.
+    void PutFixed(std::int64_t number) { mOut.Put32(static_cast<std::uint64_t>(number) << 16U); }
+
+    /// For pixels that are not square: the size at which the picture shows.
+    void PutApertures()
+    {
+        const PictureGeometry& geometry = mPlan.video->geometry;
+        const std::int64_t numerator = geometry.aspectNumerator;
+        const std::int64_t denominator = geometry.aspectDenominator;
+        if (numerator == 0 || numerator == denominator) {
+            return;
+        }
+        const std::int64_t shown = (2 * geometry.width * numerator + denominator) / (2 * denominator);
+        mOut.Atom("tapt", [&] {
+            for (const std::string_view type : {"clef", "prof", "enof"}) {
+                mOut.FullAtom(type, 0, 0, [&] {
+                    PutFixed(type == "enof" ? geometry.width : shown);
+                    PutFixed(geometry.height);
+                });
+            }
+        });
+    }
+
+    void PutHandler(std::string_view component, std::string_view kind, std::string_view name)
+    {
+        mOut.FullAtom("hdlr", 0, 0, [&] {
+            mOut.PutText(component);
+            mOut.PutText(kind);
+            mOut.PutZeros(12);
+            mOut.Put8(static_cast<std::uint32_t>(name.size()));
+            mOut.PutText(name);
+        });
+    }
+
+    void PutMedia(const Track& track)
+    {
+        mOut.Atom("mdia", [&] {
+            const std::uint32_t version = VersionFor(track.length);
+            mOut.FullAtom("mdhd", version, 0, [&] {
+                constexpr std::uint32_t kNoLanguage = 0x7FFF;
+                PutDates(version);
+                mOut.Put32(static_cast<std::uint64_t>(track.scale));
+                PutTime(track.length, version);
+                mOut.Put16(kNoLanguage);
+                mOut.Put16(0);
+            });
+            PutHandler("mhlr", track.isPicture ? "vide" : "soun",
+                       track.isPicture ? "VideoHandler" : "SoundHandler");
+            mOut.Atom("minf", [&] {
+                if (track.isPicture) {
+                    mOut.FullAtom("vmhd", 0, 1, [this] { mOut.PutZeros(8); });
+                } else {
+                    mOut.FullAtom("smhd", 0, 0, [this] { mOut.PutZeros(4); });
+                }
+                PutHandler("dhlr", "url ", "DataHandler");
+                mOut.Atom("dinf", [this] {
+                    mOut.FullAtom("dref", 0, 0, [this] {
+                        mOut.Put32(1);
+                        mOut.FullAtom("url ", 0, 1, [] {}); // this file
+                    });
+                });
+                mOut.Atom("stbl", [&] { PutTables(track); });
+            });
+        });
+    }
+
+    void PutTables(const Track& track)
+    {
+        const MovieShape& shape = mPlaces.Shape();
+        const std::int64_t entries = track.isPicture ? shape.pictureCount : shape.sampleCount;
+        mOut.FullAtom("stsd", 0, 0, [&] {
+            mOut.Put32(1);
+            track.isPicture ? PutPictureDescription() : PutSoundDescription();
+        });
+        mOut.FullAtom("stts", 0, 0, [&] {
+            mOut.Put32(1);
+            mOut.Put32(static_cast<std::uint64_t>(entries));
+            mOut.Put32(static_cast<std::uint64_t>(track.length / entries));
+        });
+        PutChunkLengths(track);
+        mOut.FullAtom("stsz", 0, 0, [&] {
+            mOut.Put32(static_cast<std::uint64_t>(track.isPicture ? shape.pictureBytes : shape.sampleBytes));
+            mOut.Put32(static_cast<std::uint64_t>(entries));
+        });
+        PutChunkPlaces(track);
+    }
+
+    template <class Take>
+    void ForEachChunk(const Track& track, const Take& take) const
+    {
+        track.isPicture ? mPlaces.ForEachPictureChunk(take) : mPlaces.ForEachSoundChunk(take);
+    }
+
+    /// How many entries chunks have: a row where that changes.
+    void PutChunkLengths(const Track& track)
+    {
+        std::uint64_t rows = 0;
+        std::int64_t last = 0;
+        ForEachChunk(track, [&](const Chunk& chunk) {
+            rows += chunk.entries != last ? 1 : 0;
+            last = chunk.entries;
+        });
+        mOut.FullAtom("stsc", 0, 0, [&] {
+            mOut.Put32(rows);
+            std::uint64_t number = 0;
+            last = 0;
+            ForEachChunk(track, [&](const Chunk& chunk) {
+                ++number;
+                if (chunk.entries != last) {
+                    mOut.Put32(number);
+                    mOut.Put32(static_cast<std::uint64_t>(chunk.entries));
+                    mOut.Put32(1); // the one sample description
+                }
+                last = chunk.entries;
+            });
+        });
+    }
+
+    void PutChunkPlaces(const Track& track)
+    {
+        std::uint64_t count = 0;
+        ForEachChunk(track, [&](const Chunk&) { ++count; });
+        mOut.FullAtom(mWideOffsets ? "co64" : "stco", 0, 0, [&] {
+            mOut.Put32(count);
+            ForEachChunk(track,
+                         [&](const Chunk& chunk) { PutTime(mBase + chunk.offset, mWideOffsets ? 1 : 0); });
+        });
+    }
+
+    void PutPictureDescription()
+    {
+        const VideoPlan& plan = *mPlan.video;
+        const UncodedPicture picture = UncodedPictureOf(plan);
+        const PictureGeometry& geometry = plan.geometry;
+        mOut.Atom(picture.type, [&] {
+            mOut.PutZeros(6);
+            mOut.Put16(1); // the one data reference
+            mOut.Put16(picture.isPackedYcbcr ? 2 : 0);
+            mOut.Put16(0);
+            mOut.PutText("FFMP");
+            mOut.Put32(0);
+            mOut.Put32(0x400); // lossless
+            mOut.Put16(static_cast<std::uint32_t>(geometry.width));
+            mOut.Put16(static_cast<std::uint32_t>(geometry.height));
+            PutFixed(72); // dots an inch
+            PutFixed(72);
+            mOut.Put32(0);
+            mOut.Put16(1);     // frame in a packet
+            mOut.PutZeros(32); // no name of a compressor
+            mOut.Put16(static_cast<std::uint32_t>(picture.depth));
+            mOut.Put16(0xFFFF); // no palette
+            mOut.Atom("fiel", [&] {
+                const bool isProgressive = geometry.order == FieldOrder::Progressive;
+                mOut.Put8(isProgressive ? 1 : 2);
+                // Fields lie interleaved; the upper or the lower one is shown first.
+                mOut.Put8(isProgressive ? 0 : geometry.order == FieldOrder::UpperFirst ? 9 : 14);
+            });
+            mOut.Atom("colr", [&] {
+                mOut.PutText("nclc");
+                mOut.Put16(static_cast<std::uint32_t>(plan.tags.primaries));
+                mOut.Put16(static_cast<std::uint32_t>(plan.tags.transfer));
+                mOut.Put16(static_cast<std::uint32_t>(plan.tags.matrix));
+            });
+            if (geometry.aspectNumerator != 0) {
+                mOut.Atom("pasp", [&] {
+                    mOut.Put32(static_cast<std::uint64_t>(geometry.aspectNumerator));
+                    mOut.Put32(static_cast<std::uint64_t>(geometry.aspectDenominator));
+                });
+            }
+            if (picture.isPackedYcbcr) {
+                mOut.Atom("clap", [&] {
+                    for (const std::int32_t number : {geometry.width, 1, geometry.height, 1, 0, 1, 0, 1}) {
+                        mOut.Put32(static_cast<std::uint64_t>(number));
+                    }
+                });
+            }
+        });
+    }
+
+    /// Rates beyond 16 bits have a sample description of version 2, samples of more than 16 bits one of
+    /// version 1.
+    void PutSoundDescription()
+    {
+        const AudioPlan& plan = *mPlan.audio;
+        const int bits = plan.codec->bits == 0 ? 32 : plan.codec->bits;
+        const auto bytes = static_cast<std::uint64_t>(bits / 8);
+        const auto channels = static_cast<std::uint32_t>(plan.hostChannels.size());
+        const bool isFast = plan.sampleRate > std::numeric_limits<std::uint16_t>::max();
+        const bool isWide = bits > 16;
+        std::string_view type = "sowt";
+        if (plan.codec->bits == 0) {
+            type = "fl32";
+        } else if (isWide) {
+            type = bits == 24 ? "in24" : "in32";
+        }
+        mOut.Atom(isFast ? "lpcm" : type, [&] {
+            mOut.PutZeros(6);
+            mOut.Put16(1); // the one data reference
+            mOut.Put16(isFast ? 2 : isWide ? 1 : 0);
+            mOut.PutZeros(6);
+            if (isFast) {
+                constexpr std::uint64_t kSize = 72;
+                constexpr std::uint32_t kFloat = 1;
+                constexpr std::uint32_t kSigned = 4;
+                constexpr std::uint32_t kPacked = 8;
+                mOut.Put16(3);
+                mOut.Put16(16);
+                mOut.Put16(0xFFFE);
+                mOut.Put16(0);
+                mOut.Put32(0x10000);
+                mOut.Put32(kSize);
+                mOut.PutDouble(plan.sampleRate);
+                mOut.Put32(channels);
+                mOut.Put32(0x7F000000);
+                mOut.Put32(static_cast<std::uint64_t>(bits));
+                mOut.Put32(kPacked | (plan.codec->bits == 0 ? kFloat : kSigned));
+                mOut.Put32(bytes * channels);
+                mOut.Put32(1);
+            } else {
+                mOut.Put16(channels);
+                mOut.Put16(16);
+                mOut.PutZeros(4);
+                PutFixed(plan.sampleRate);
+                if (isWide) {
+                    mOut.Put32(1); // sample in a packet
+                    mOut.Put32(bytes);
+                    mOut.Put32(bytes * channels);
+                    mOut.Put32(2);
+                    PutLittleEndian(type);
+                }
+            }
+            PutSpeakers();
+        });
+    }
+
+    void PutLittleEndian(std::string_view type)
+    {
+        mOut.Atom("wave", [&] {
+            mOut.Atom("frma", [&] { mOut.PutText(type); });
+            mOut.Atom("enda", [this] { mOut.Put16(1); });
+            mOut.Put32(8); // the end of the list
+            mOut.Put32(0);
+        });
+    }
+
+    void PutSpeakers()
+    {
+        // Apple's tags of channel layouts; L R C LFE Ls Rs is "MPEG 5.1 A".
+        std::uint64_t tag = 0;
+        switch (mPlan.audio->layout) {
+        case SpeakerLayout::Mono:
+            tag = 0x640001;
+            break;
+        case SpeakerLayout::Stereo:
+            tag = 0x650002;
+            break;
+        case SpeakerLayout::Surround51:
+            tag = 0x790006;
+            break;
+        case SpeakerLayout::None:
+            return;
+        }
+        mOut.FullAtom("chan", 0, 0, [&] {
+            mOut.Put32(tag);
+            mOut.Put32(0);
+            mOut.Put32(0);
+        });
+    }
+
+    const OutputPlan& mPlan;
+    const PacketPlaces& mPlaces;
+    std::int64_t mBase = 0;
+    bool mWideOffsets = false;
+    AtomWriter mOut;
+};
+
+} // namespace
+
+std::vector<std::byte> MovieHeader(const OutputPlan& plan, const PacketPlaces& places)
+{
+    HeaderWriter writer(plan, places);
+    // Only the widths of numbers change the size, not their values.
+    auto size = static_cast<std::int64_t>(writer.Write(0, /*wideOffsets=*/false).size());
+    const bool wideOffsets = size + places.Size() > kMost32;
+    if (wideOffsets) {
+        size = static_cast<std::int64_t>(writer.Write(0, wideOffsets).size());
+    }
+    return writer.Write(size, wideOffsets);
+}
+
+} // namespace tessel::exporting

@@ -1,0 +1,84 @@
+/// How often values occur in a picture: the grids that waveform, parade, vectorscope and histogram draw.
+#pragma once
+
+#include "Signal.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tessel::scopes {
+
+/// Equal steps from `bottom` to `top`; values beyond fall into the first or the last one, so that nothing of a
+/// picture is lost from sight.
+class Steps {
+public:
+    /// @param count  1 or more
+    constexpr Steps(float bottom, float top, int count) noexcept
+        : mBottom(bottom), mFactor(static_cast<float>(count) / (top - bottom)), mCount(count)
+    {
+    }
+
+    /// The step of a value, 0 at the bottom. A NaN is in step 0.
+    [[nodiscard]] constexpr int Of(float value) const noexcept
+    {
+        const float place = (value - mBottom) * mFactor;
+        // Written so that a NaN gives 0.
+        return !(place > 0.0F) ? 0 : place < static_cast<float>(mCount) ? static_cast<int>(place) : mCount - 1;
+    }
+    [[nodiscard]] constexpr int Count() const noexcept { return mCount; }
+
+private:
+    float mBottom;
+    float mFactor;
+    int mCount;
+};
+
+/// The levels that waveform, parade and histogram show, black at 0 and white at 1: from -0.1 to 1.1, which
+/// holds all codes of 8 and 10 bits (at 8 bits code 0 is -0.073, code 255 is 1.091).
+inline constexpr float kLowestLevel = -0.1F;
+inline constexpr float kHighestLevel = 1.1F;
+
+/// Counts over a rectangle of cells. Row 0 is the lowest value.
+class CountGrid {
+public:
+    CountGrid(int columns, int rows)
+        : mColumns(columns), mRows(rows),
+          mCounts(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows))
+    {
+    }
+
+    void Clear() { mCounts.assign(mCounts.size(), 0); }
+    void Add(int column, int row) noexcept
+    {
+        ++mCounts[static_cast<std::size_t>(row) * static_cast<std::size_t>(mColumns) +
+                  static_cast<std::size_t>(column)];
+    }
+    [[nodiscard]] std::uint32_t At(int column, int row) const noexcept
+    {
+        return mCounts[static_cast<std::size_t>(row) * static_cast<std::size_t>(mColumns) +
+                       static_cast<std::size_t>(column)];
+    }
+    [[nodiscard]] int Columns() const noexcept { return mColumns; }
+    [[nodiscard]] int Rows() const noexcept { return mRows; }
+    [[nodiscard]] std::uint32_t Highest() const noexcept;
+
+private:
+    int mColumns;
+    int mRows;
+    std::vector<std::uint32_t> mCounts;
+};
+
+/// Adds a component's levels, each in the column of its place in the picture: a waveform.
+void AddWaveform(const Plane& plane, CountGrid& grid);
+
+/// Chroma that the vectorscope shows at its edges: 1.2 times the chroma of full colours, in both directions.
+inline constexpr float kVectorReach = 0.6F;
+
+/// Adds each pair of chroma samples: Cb to the right, Cr upwards, both 0 in the middle.
+void AddVectors(const Signal& signal, CountGrid& grid);
+
+/// Counts a component's levels. @param bins  zeroed by the caller, or counted on
+void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins);
+
+} // namespace tessel::scopes

@@ -1,0 +1,69 @@
+#include "FrameNames.h"
+
+#include <tessel/export/ExportError.h>
+#include <tessel/export/plan/Timecode.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace tessel::view {
+namespace {
+
+using exporting::ExportError;
+using exporting::Timecode;
+
+bool HasTimecodes(const FrameScale& scale) noexcept
+{
+    return Timecode::Counts(scale.rateNumerator, scale.rateDenominator);
+}
+
+std::int64_t Number(std::string_view digits, std::string_view whole)
+{
+    std::int64_t number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (error == std::errc::result_out_of_range) {
+        return INT64_MAX / 2;
+    }
+    if (error != std::errc() || stop != end || digits.empty() || digits.front() == '-') {
+        throw ExportError(
+            fmt::format("'{}' is no frame: write a number, a timecode as in 00:00:04:12, or +25 and -25 "
+                        "for steps",
+                        whole));
+    }
+    return number;
+}
+
+} // namespace
+
+std::string TimecodeOf(const FrameScale& scale, std::int64_t frame)
+{
+    if (!HasTimecodes(scale) || frame < 0) {
+        return {};
+    }
+    const bool drops = Timecode::HasDropFrames(scale.rateNumerator, scale.rateDenominator);
+    return Timecode(scale.rateNumerator, scale.rateDenominator, drops).After(frame);
+}
+
+std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current)
+{
+    const std::int64_t last = std::max<std::int64_t>(scale.count - 1, 0);
+    if (text.find(':') != std::string_view::npos || text.find(';') != std::string_view::npos) {
+        if (!HasTimecodes(scale)) {
+            throw ExportError(
+                fmt::format("'{}': the clip's rate has no timecodes; write a frame number", text));
+        }
+        const Timecode named = Timecode::Parse(text, scale.rateNumerator, scale.rateDenominator);
+        return std::min(named.FrameNumber(), last);
+    }
+    if (text.starts_with('+') || text.starts_with('-')) {
+        const std::int64_t step = Number(text.substr(1), text);
+        return std::clamp<std::int64_t>(current + (text.front() == '+' ? step : -step), 0, last);
+    }
+    return std::min(Number(text, text), last);
+}
+
+} // namespace tessel::view

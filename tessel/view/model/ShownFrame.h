@@ -1,0 +1,81 @@
+/// Everything that a window shows of one frame, made off the window's thread.
+#pragma once
+
+#include "ViewedClip.h"
+
+#include <tessel/export/convert/FrameConverter.h>
+#include <tessel/export/convert/Picture.h>
+#include <tessel/scopes/CodeCheck.h>
+#include <tessel/scopes/Counts.h>
+#include <tessel/scopes/Signal.h>
+#include <tessel/verify/reference/ClipSound.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessel::view {
+
+/// What the scopes draw.
+struct ScopeCounts {
+    static constexpr int kColumns = 360;
+    static constexpr int kLevels = 288; ///< 240 of them from black to white
+    static constexpr int kVectors = 288;
+
+    scopes::CountGrid waveform{kColumns, kLevels};
+    scopes::CountGrid red{kColumns / 3, kLevels};
+    scopes::CountGrid green{kColumns / 3, kLevels};
+    scopes::CountGrid blue{kColumns / 3, kLevels};
+    scopes::CountGrid vectors{kVectors, kVectors};
+    /// Of Y', R', G', B'.
+    std::vector<std::uint32_t> histograms[4] = {
+        std::vector<std::uint32_t>(kLevels), std::vector<std::uint32_t>(kLevels),
+        std::vector<std::uint32_t>(kLevels), std::vector<std::uint32_t>(kLevels)};
+    exporting::Matrix matrix = exporting::Matrix::Bt709;
+    int rowStep = 1; ///< every so many rows were counted
+};
+
+/// What is wanted of a frame.
+struct FrameWish {
+    bool scopes = false;
+    bool codeCheck = false;
+    int scopeRowStep = 1; ///< more costs less
+
+    bool operator==(const FrameWish&) const = default;
+};
+
+struct ShownFrame {
+    std::int64_t frame = 0;
+    FrameWish wish;
+    exporting::FrameView pixels; ///< as the plug-in painted them
+    exporting::Picture screen;   ///< R'G'B' of 8 bits in the layout `Bgra`; its alpha is not to be applied
+    std::shared_ptr<const ScopeCounts> scopes;
+    std::shared_ptr<const scopes::CodeFaults> faults;
+    std::vector<double> peaksDb; ///< of each channel in the frame's time, in the order of files
+    std::string identSegment;    ///< of the channel identification; empty: the document has none
+};
+
+/// Makes frames of one clip. Threads: one object, one thread at a time.
+class FrameMaker {
+public:
+    explicit FrameMaker(std::shared_ptr<const ViewedClip> clip);
+
+    /// @throws importhost::HostError, exporting::ExportError, std::bad_alloc
+    [[nodiscard]] ShownFrame Make(std::int64_t frame, const FrameWish& wish);
+
+private:
+    [[nodiscard]] std::shared_ptr<const ScopeCounts> Count(const exporting::FrameView& pixels, int rowStep);
+    void MeasureSound(ShownFrame& shown);
+
+    std::shared_ptr<const ViewedClip> mClip;
+    exporting::FrameConverter mToScreen;
+    std::optional<scopes::SignalReader> mScopeReader; ///< for `mScopeRowStep`
+    int mScopeRowStep = 0;
+    std::optional<scopes::SignalReader> mCheckReader;
+    std::optional<verify::reference::ClipSound> mSound;
+    verify::reference::Samples mSamples;
+};
+
+} // namespace tessel::view

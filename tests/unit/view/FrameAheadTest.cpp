@@ -1,0 +1,103 @@
+#include <kestrel/importhost/Importer.h>
+#include <tessel/scopes/Colorimetry.h>
+#include <tessel/view/model/FrameAhead.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <mutex>
+#include <numeric>
+
+namespace tessel::view {
+namespace {
+
+std::shared_ptr<const ViewedClip> Sample(const char* name)
+{
+    static const std::shared_ptr<const importhost::Importer> importer =
+        importhost::Importer::Load(TEST_PLUGIN, importhost::TestingPlugins::Allowed);
+    return std::make_shared<const ViewedClip>(importer, std::filesystem::path(TEST_SAMPLES) / name);
+}
+
+/// Waits for frames, for at most ten seconds.
+class Waiter {
+public:
+    void Notify()
+    {
+        const std::lock_guard lock(mMutex);
+        mChanged.notify_all();
+    }
+    std::shared_ptr<const ShownFrame> Wait(const FrameAhead& ahead, std::int64_t frame)
+    {
+        std::unique_lock lock(mMutex);
+        std::shared_ptr<const ShownFrame> shown;
+        for (int i = 0; i < 1000 && !shown; ++i) {
+            shown = ahead.Ready(frame);
+            if (!shown) {
+                mChanged.wait_for(lock, std::chrono::milliseconds(10));
+            }
+        }
+        return shown;
+    }
+
+private:
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+};
+
+TEST(FrameAhead, MakesWhatIsWantedAndForgetsTheRest)
+{
+    Waiter waiter;
+    FrameAhead ahead(Sample("sd-pal-interlaced.tessel"), 2, [&waiter] { waiter.Notify(); });
+    ahead.Want({3, 4, 5}, {});
+    for (const std::int64_t frame : {3, 4, 5}) {
+        const auto shown = waiter.Wait(ahead, frame);
+        ASSERT_NE(shown, nullptr);
+        EXPECT_EQ(shown->frame, frame);
+        EXPECT_EQ(shown->screen.width, shown->pixels.width);
+    }
+    ahead.Want({5}, {});
+    EXPECT_NE(ahead.Ready(5), nullptr);
+    EXPECT_EQ(ahead.Ready(3), nullptr);
+}
+
+TEST(FrameAhead, AnotherWishIsMadeAnew)
+{
+    Waiter waiter;
+    FrameAhead ahead(Sample("sd-pal-interlaced.tessel"), 2, [&waiter] { waiter.Notify(); });
+    ahead.Want({0}, {});
+    ASSERT_NE(waiter.Wait(ahead, 0), nullptr);
+    ahead.Want({0}, {.scopes = true, .codeCheck = true});
+    const auto shown = waiter.Wait(ahead, 0);
+    ASSERT_NE(shown, nullptr);
+    ASSERT_NE(shown->scopes, nullptr);
+    ASSERT_NE(shown->faults, nullptr);
+    const std::uint64_t samples = std::accumulate(shown->scopes->histograms[0].begin(),
+                                                  shown->scopes->histograms[0].end(), std::uint64_t{0});
+    EXPECT_EQ(samples, static_cast<std::uint64_t>(shown->pixels.width) *
+                           static_cast<std::uint64_t>(shown->pixels.height));
+}
+
+TEST(FrameMaker, MetersReadTheTonesLevelAndTheSegmentsName)
+{
+    // BLITS: the first tone is on the left channel alone.
+    const std::shared_ptr<const ViewedClip> clip = Sample("surround-blits.tessel");
+    FrameMaker maker(clip);
+    const ShownFrame shown = maker.Make(2, {});
+    EXPECT_EQ(shown.identSegment, "L");
+    EXPECT_EQ(clip->ChannelNames(), (std::vector<std::string>{"L", "R", "C", "LFE", "Ls", "Rs"}));
+    ASSERT_EQ(shown.peaksDb.size(), 6U);
+    // The identification's tones have the amplitude 1/8: -18.06 dBFS.
+    EXPECT_NEAR(shown.peaksDb[0], 20 * std::log10(0.125), 0.005);
+    EXPECT_LT(shown.peaksDb[1], -200.0);
+}
+
+TEST(ViewedClip, SaysWhatIsShown)
+{
+    EXPECT_EQ(Sample("hd-v210.tessel")->Description(),
+              "1920x1080 V210_422_10u_709, BT.709 matrix, limited range, no display profile");
+}
+
+} // namespace
+} // namespace tessel::view
