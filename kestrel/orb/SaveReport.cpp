@@ -24,14 +24,18 @@ ScopedSaveListener::~ScopedSaveListener()
 
 void ReportSave(const SaveReport& report) noexcept
 {
-    if (tListener == nullptr) {
+    ScopedSaveListener* const listener = tListener;
+    if (listener == nullptr) {
         return;
     }
+    // What a handler reports goes to the next older listener, so that it can pass a report on.
+    tListener = listener->mPrevious;
     try {
-        tListener->mHandler(report);
+        listener->mHandler(report);
     } catch (...) {
         qelcore::logging::LogCurrentException("ORB::ReportSave");
     }
+    tListener = listener;
 }
 
 } // namespace ORB

@@ -17,7 +17,8 @@ struct SaveReport {
 };
 
 /// Receives the result of each save on its own thread, from construction to destruction.
-/// Only the newest listener receives a report.
+/// Only the newest listener receives a report; calling `ReportSave` in its handler passes it on to the next
+/// older.
 class KESTREL_API ScopedSaveListener {
 public:
     using Handler = std::function<void(const SaveReport&)>;

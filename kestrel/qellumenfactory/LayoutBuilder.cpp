@@ -33,7 +33,9 @@ void SetUpNumber(qelui::UI_NumberView& number, const LayoutNode& node)
     number.SetLimits(node.Number(Key::MinValue), node.Number(Key::MaxValue));
     number.SetZeroAllowed(node.Truth(Key::AllowZero, false));
     number.SetDecimalPlaces(Whole(node, Key::DecimalPlaces, 0));
-    number.SetStep(node.Number(Key::Step, 1.0));
+    if (const std::optional<double> step = node.Number(Key::Step)) {
+        number.SetStep(*step);
+    }
     number.SetPostLabel(node.Text(Key::PostLabel));
     number.SetValue(node.Number(Key::Value, 0.0));
 }

@@ -7,6 +7,7 @@
 #include "script/PersonEvents.h"
 #include "style/Theme.h"
 
+#include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 #include <kestrel/qelui/dialogs/UI_MessageBox.h>
 #include <kestrel/qelui/script/ScriptRunner.h>
@@ -102,7 +103,8 @@ void QtToolkit::RunModal(qelui::UI_Dialog& dialog)
 
 std::optional<std::u16string> QtToolkit::RunFileDialog(const qelui::FileDialogRequest& request)
 {
-    QFileDialog dialog(NativeParent(request.parent));
+    QFileDialog dialog(NativeParent(request.parent), QString::fromStdString(request.title),
+                       QString::fromStdString(qelcore::text::UTF8Text(request.folder)));
     dialog.setAcceptMode(request.saveAs ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(request.saveAs ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     QStringList filters;
@@ -155,7 +157,8 @@ int QtToolkit::RunMessageBox(const qelui::MessageBoxRequest& request)
 
 std::optional<qelui::sharedui::PickerColor> QtToolkit::RunColorPicker(const qelui::ColorPickerRequest& request)
 {
-    ColorPickerWindow picker(request.color, NativeParent(request.parent));
+    const auto alpha = request.offersAlpha ? ColorPickerWindow::Alpha::Offered : ColorPickerWindow::Alpha::Kept;
+    ColorPickerWindow picker(request.color, alpha, NativeParent(request.parent));
     if (request.script != nullptr) {
         const auto answer = request.script->TakeColorAnswer();
         OnceOpen(picker, [&picker, answer] {
@@ -166,6 +169,9 @@ std::optional<qelui::sharedui::PickerColor> QtToolkit::RunColorPicker(const qelu
             const float channels[] = {answer->red, answer->green, answer->blue, answer->alpha};
             for (std::size_t channel = 0; channel < ColorPickerWindow::kChannels; ++channel) {
                 QLineEdit& field = picker.Field(channel);
+                if (field.isHidden()) {
+                    continue; // a script may give alpha also where it is kept
+                }
                 Focus(field);
                 field.selectAll();
                 TypeText(field, ShortestText(channels[channel]));

@@ -2,12 +2,22 @@
 
 #include <kestrel/qellumenfactory/LayoutBuilder.h>
 #include <kestrel/qellumenfactory/Parser.h>
+#include <kestrel/qelui/controls/UI_StaticText.h>
+#include <kestrel/qt/controls/AltLetters.h>
+#include <kestrel/qt/controls/ElidedLabel.h>
 #include <kestrel/qt/dialogs/ColorPickerWindow.h>
+#include <kestrel/qt/dialogs/StatusBar.h>
 
 #include <QAccessible>
+#include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <vector>
 
@@ -171,6 +181,147 @@ TEST_F(SettingsDialog, NothingIsCutAtItsNaturalSize)
     }
 }
 
+/// The dialog on a screen that leaves it so much room, in logical pixels.
+class SettingsDialogOn : public SettingsDialog, public testing::WithParamInterface<QSize> {
+protected:
+    void SetUp() override
+    {
+        SettingsDialog::SetUp();
+        for (qelui::UI_ControlView* const control : mDialog->AllControls()) {
+            if (auto* const popup = dynamic_cast<qelui::UI_Popup*>(control)) {
+                popup->AddItem("KsPixelFormat_YUV_420_MPEG2_FRAME_PICTURE_PLANAR_8u_601");
+            } else if (auto* const text = dynamic_cast<qelui::UI_StaticText*>(control)) {
+                text->SetValue("/a/path/through/folders/with/long/names/that/leads/to/a/file/in/the/end.json");
+            }
+        }
+        mWindow = nullptr; // before its successor observes the dialog
+        mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, GetParam());
+        ui_qt::ShowAndActivate(*mWindow);
+        mScroll = mWindow->findChild<QScrollArea*>();
+        ASSERT_NE(mScroll, nullptr);
+    }
+
+    QScrollArea* mScroll = nullptr;
+};
+
+TEST_P(SettingsDialogOn, NothingIsCutSideways)
+{
+    EXPECT_LE(mWindow->width(), GetParam().width());
+    EXPECT_LE(mWindow->height(), GetParam().height());
+    EXPECT_EQ(mScroll->horizontalScrollBar()->maximum(), 0) << "pixels to scroll sideways";
+    const QRect sides = mScroll->widget()->rect();
+    for (const QWidget* const widget : mScroll->widget()->findChildren<QWidget*>()) {
+        const QRect place(widget->mapTo(mScroll->widget(), QPoint(0, 0)), widget->size());
+        EXPECT_TRUE(sides.left() <= place.left() && place.right() <= sides.right()) << Describe(*widget);
+        EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << Describe(*widget);
+    }
+    for (const QLabel* const label : mScroll->widget()->findChildren<QLabel*>()) {
+        EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+    }
+}
+
+TEST_P(SettingsDialogOn, OkAndTheStatusLineAreInSight)
+{
+    for (const char* const name : {"okButton", "cancelButton", "statusLine"}) {
+        const auto& widget = *mWindow->findChild<QWidget*>(QString::fromLatin1(name));
+        const QRect place(widget.mapTo(mWindow.get(), QPoint(0, 0)), widget.size());
+        EXPECT_TRUE(mWindow->rect().contains(place)) << name;
+    }
+}
+
+TEST_P(SettingsDialogOn, NumbersStandBesideTheirLabels)
+{
+    for (const QLabel* const label : mWindow->findChildren<QLabel*>()) {
+        const auto* const field = qobject_cast<const QLineEdit*>(label->buddy());
+        if (field != nullptr) {
+            constexpr int kFarAway = 200; // from the end of the label to the end of the field
+            const int labelEnd = label->mapTo(mWindow.get(), QPoint(label->width(), 0)).x();
+            const int fieldEnd = field->mapTo(mWindow.get(), QPoint(field->width(), 0)).x();
+            EXPECT_LT(fieldEnd - labelEnd, kFarAway) << label->text().toStdString();
+        }
+    }
+}
+
+// 1920x1080, 1366x768, and 1920x1080 at scale 2, without what a desktop takes.
+INSTANTIATE_TEST_SUITE_P(Screens, SettingsDialogOn,
+                         testing::Values(QSize(1904, 1020), QSize(1350, 708), QSize(944, 480)));
+
+TEST_F(SettingsDialog, AllIsInSightAtOnceOnAFullHdScreen)
+{
+    mWindow = nullptr;
+    mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, QSize(1904, 1020));
+    ui_qt::ShowAndActivate(*mWindow);
+    EXPECT_EQ(mWindow->findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0) << "pixels to scroll";
+}
+
+TEST_F(SettingsDialog, AButtonAndThePathChosenWithItShareARow)
+{
+    mWindow = nullptr;
+    mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, QSize(1350, 708));
+    ui_qt::ShowAndActivate(*mWindow);
+    for (const auto& [button, text] : {std::pair("swatchColorsFileButtonID", "swatchColorsFilePathTextID"),
+                                       std::pair("saveToPathButtonID", "saveToPathStaticTextID")}) {
+        const auto& first = *mWindow->findChild<QWidget*>(QString::fromLatin1(button));
+        const auto& second = *mWindow->findChild<QWidget*>(QString::fromLatin1(text));
+        const QPoint from = first.mapTo(mWindow.get(), first.rect().center());
+        const QPoint to = second.mapTo(mWindow.get(), second.rect().center());
+        EXPECT_LT(std::abs(to.y() - from.y()), first.height()) << button;
+        EXPECT_GT(to.x(), from.x()) << button;
+    }
+}
+
+TEST_F(SettingsDialog, AltLettersDifferAndReachAlmostEverything)
+{
+    std::map<QChar, std::string> taken;
+    int withLetter = 0;
+    for (const auto& [control, letter] : kestrelqt::ChooseAltLetters(*mDialog)) {
+        EXPECT_TRUE(taken.emplace(letter, control->Identifier()).second)
+            << control->Identifier() << " and " << taken[letter];
+        ++withLetter;
+    }
+    EXPECT_EQ(taken[QLatin1Char('O')], "okButton");
+    EXPECT_EQ(taken[QLatin1Char('C')], "cancelButton");
+    // 34 controls, of which the eight colour channels share their labels in pairs.
+    EXPECT_GE(withLetter, 22);
+}
+
+TEST_F(SettingsDialog, TheStatusLineExplainsTheControlWithTheFocus)
+{
+    const auto& control = mDialog->GetControl<qelui::UI_NumberEdit>("frameHeightID");
+    kestrelqt::Focus(*mWindow->BindingOf(control)->Widget());
+    EXPECT_EQ(mWindow->Status().Shown(), "Height of a frame in pixels, from 16 to 100000.");
+}
+
+TEST_F(SettingsDialog, APathKeepsItsFileNameAndCanBeCopied)
+{
+    auto& text = mDialog->GetControl<qelui::UI_StaticText>("saveToPathStaticTextID");
+    const std::string path =
+        "/a/path/that/is/far/too/long/for/the/room/that/it/has/in/this/dialog/on/a/screen/clip.tessel";
+    text.SetValue(path);
+    QWidget& label = *mWindow->BindingOf(text)->Widget();
+    const QString shown = kestrelqt::ElidedPath(QString::fromStdString(path), label.fontMetrics(), 200);
+    EXPECT_TRUE(shown.endsWith(QLatin1String("/clip.tessel"))) << shown.toStdString();
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(shown), 200);
+    kestrelqt::Focus(label);
+    ASSERT_TRUE(label.hasFocus());
+    PressKey(label, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), path);
+}
+
+TEST_F(SettingsDialog, TheChipOfAColorButtonFollowsItsChannels)
+{
+    const auto chip = [this](const char* button) {
+        const auto& widget = *mWindow->findChild<QPushButton*>(QString::fromLatin1(button));
+        return widget.icon().pixmap(QSize(28, 14)).toImage().pixelColor(10, 7);
+    };
+    EXPECT_EQ(chip("chooseColorButtonID0"), QColor(0, 0, 0));
+    mDialog->GetControl<qelui::UI_NumberEdit>("chooseColorRedTextID0")
+        .SetValue(1.5); // more than a screen shows
+    mDialog->GetControl<qelui::UI_NumberEdit>("chooseColorBlueTextID0").SetValue(0.6); // 0.6 × 255 = 153
+    EXPECT_EQ(chip("chooseColorButtonID0"), QColor(255, 0, 153));
+    EXPECT_EQ(chip("chooseColorButtonID1"), QColor(0, 0, 0));
+}
+
 TEST_F(SettingsDialog, OkStaysInSightOnASmallScreen)
 {
     mWindow->resize(600, 320);
@@ -204,7 +355,8 @@ TEST_F(SettingsDialog, TabScrollsWhatItReachesIntoSight)
 TEST(ColorPickerAccessibility, EveryFocusableControlHasANameAndTabReachesIt)
 {
     ui_qt::Toolkit();
-    kestrelqt::ColorPickerWindow picker({0.5F, 0.5F, 0.5F, 1.0F}, nullptr);
+    kestrelqt::ColorPickerWindow picker({0.5F, 0.5F, 0.5F, 1.0F}, kestrelqt::ColorPickerWindow::Alpha::Offered,
+                                        nullptr);
     ui_qt::ShowAndActivate(picker);
     auto reachable = Reachable(picker);
     for (QWidget* const widget : reachable) {

@@ -24,7 +24,7 @@ namespace {
 std::unique_ptr<ColorPickerWindow> Open(const PickerColor& color)
 {
     ui_qt::Toolkit();
-    auto picker = std::make_unique<ColorPickerWindow>(color, nullptr);
+    auto picker = std::make_unique<ColorPickerWindow>(color, ColorPickerWindow::Alpha::Offered, nullptr);
     ui_qt::ShowAndActivate(*picker);
     return picker;
 }

@@ -8,9 +8,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEventLoop>
+#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
+#include <QWheelEvent>
 #include <functional>
 #include <new>
 #include <stdexcept>
@@ -89,6 +91,67 @@ TEST(DialogWindow, EscapeIsOneCancel)
 {
     OkCancelDialog test;
     RunWith(test.dialog, [](QWidget& window) { PressKey(ButtonOf(window, "act"), Qt::Key_Escape); });
+    EXPECT_EQ(test.cancels, 1);
+}
+
+void Escape(QWidget& window)
+{
+    PressKey(*window.findChild<QPushButton*>("act"), Qt::Key_Escape);
+}
+
+TEST(DialogWindow, AfterAChangeTheSecondEscapeCancels)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [&test](QWidget& window) {
+        ButtonOf(window, "act").click();
+        Escape(window);
+        EXPECT_FALSE(test.dialog.IsClosed());
+        EXPECT_EQ(test.dialog.Status().Text(), "Close again to discard the changes");
+        EXPECT_EQ(window.findChild<QLabel*>("statusLine")->text(), "Close again to discard the changes");
+        window.close();
+    });
+    EXPECT_EQ(test.cancels, 1);
+}
+
+TEST(DialogWindow, AnActBetweenTwoEscapesTakesTheWarningBack)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [&test](QWidget& window) {
+        ButtonOf(window, "act").click();
+        Escape(window);
+        ButtonOf(window, "act").click();
+        EXPECT_EQ(test.dialog.Status().Report(), "");
+        Escape(window);
+        EXPECT_FALSE(test.dialog.IsClosed()) << "warned of the new change";
+        Escape(window);
+    });
+    EXPECT_EQ(test.cancels, 1);
+}
+
+TEST(DialogWindow, AChangeThatWasTakenBackIsNone)
+{
+    OkCancelDialog test;
+    std::string document = "as it was";
+    test.dialog.SetDocument([&document] { return document; });
+    test.dialog.GetControl<qelui::UI_Button>("act").NotifyWhenChanged(
+        [&document] { document = document == "changed" ? "as it was" : "changed"; });
+    RunWith(test.dialog, [&test](QWidget& window) {
+        ButtonOf(window, "act").click();
+        Escape(window);
+        EXPECT_FALSE(test.dialog.IsClosed());
+        ButtonOf(window, "act").click();
+        Escape(window);
+    });
+    EXPECT_EQ(test.cancels, 1);
+}
+
+TEST(DialogWindow, TheCancelButtonCancelsAtOnce)
+{
+    OkCancelDialog test;
+    RunWith(test.dialog, [](QWidget& window) {
+        ButtonOf(window, "act").click();
+        ButtonOf(window, "cancelButton").click();
+    });
     EXPECT_EQ(test.cancels, 1);
 }
 
@@ -185,7 +248,7 @@ TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
     OkCancelDialog test;
     int documents = 0;
     test.dialog.SetDocument([&documents]() -> std::string {
-        if (++documents == 2) {
+        if (++documents == 3) {
             throw std::bad_alloc();
         }
         return {};
@@ -202,7 +265,7 @@ TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
         });
     });
     userInterface.SetPreviewRenderer({});
-    EXPECT_EQ(documents, 3) << "at first, after the change, at the end";
+    EXPECT_EQ(documents, 4) << "to see changes by, at first, after the change, at the end";
     EXPECT_EQ(test.oks, 1);
     EXPECT_EQ(test.cancels, 0);
 }
@@ -305,7 +368,60 @@ TEST_F(Popup, FollowsCodeThatChangesItemsAndChoice)
     EXPECT_EQ(mChanges, 0);
 }
 
-TEST_F(Popup, IsWideEnoughForItsLongestItem)
+TEST_F(Popup, TypingFindsLettersInsideNames)
+{
+    TypeText(*mBox, "short");
+    EXPECT_EQ(mPopup->GetValue(), 3);
+}
+
+TEST_F(Popup, TypingFindsLettersInsideNamesInTheOpenList)
+{
+    mBox->showPopup();
+    ui_qt::Settle();
+    TypeText(*mBox->view(), "err");
+    EXPECT_EQ(mBox->view()->currentIndex().row(), 2) << "Cherry";
+    PressKey(*mBox->view(), Qt::Key_Return);
+    EXPECT_EQ(mPopup->GetValue(), 2);
+}
+
+TEST_F(Popup, ReturnOpensTheListAndPressesNothing)
+{
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        PressKey(*mBox, key);
+        ui_qt::Settle();
+        EXPECT_TRUE(mBox->view()->isVisible());
+        mBox->hidePopup();
+    }
+    EXPECT_EQ(mChanges, 0);
+}
+
+TEST_F(Popup, TheWheelChangesNothingWhileTheListIsClosed)
+{
+    ASSERT_TRUE(mBox->hasFocus());
+    for (const int notch : {-120, 120, -240}) {
+        QWheelEvent event(QPointF(5, 5), mBox->mapToGlobal(QPointF(5, 5)), {}, {0, notch}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(mBox, &event);
+        EXPECT_FALSE(event.isAccepted()) << "the dialog scrolls instead";
+    }
+    EXPECT_EQ(mPopup->GetValue(), 0);
+    EXPECT_EQ(mChanges, 0);
+}
+
+TEST_F(Popup, ShrinksBelowItsLongestItemAndShowsThatInItsList)
+{
+    const int widest = mBox->fontMetrics().horizontalAdvance(mBox->itemText(3));
+    EXPECT_LT(mBox->minimumSizeHint().width(), widest);
+    mBox->setFixedWidth(mBox->minimumSizeHint().width());
+    mBox->showPopup();
+    ui_qt::Settle();
+    EXPECT_GT(mBox->view()->width(), widest);
+    mBox->hidePopup();
+    mPopup->SetValue(3);
+    EXPECT_TRUE(mBox->toolTip().startsWith(mBox->itemText(3))) << "the whole name of what is cut";
+}
+
+TEST_F(Popup, IsWideEnoughForItsLongestItemWhereThereIsRoom)
 {
     int widest = 0;
     for (int index = 0; index < mBox->count(); ++index) {

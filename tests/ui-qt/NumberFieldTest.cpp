@@ -1,7 +1,10 @@
 #include "QtFixture.h"
 
+#include <kestrel/qt/dialogs/StatusBar.h>
+
 #include <QLineEdit>
 #include <QPushButton>
+#include <cmath>
 
 using kestrelqt::Focus;
 using kestrelqt::PressKey;
@@ -133,9 +136,79 @@ TEST_F(NumberField, ArrowsStepByOneAndPageKeysByTen)
 
 TEST_F(NumberField, AnArrowStepsFromWhatHasBeenTyped)
 {
+    mNumber->SetStep(1.0);
     TypeText(*mField, "30");
     PressKey(*mField, Qt::Key_Up);
     EXPECT_EQ(mNumber->GetValue(), 31.0);
+}
+
+TEST_F(NumberField, AStepFitsTheDecimalsUnlessTheLayoutSaysOtherwise)
+{
+    mNumber->SetValue(0.5);
+    PressKey(*mField, Qt::Key_Up);
+    EXPECT_EQ(mNumber->GetValue(), 0.51);
+    mNumber->SetDecimalPlaces(0);
+    PressKey(*mField, Qt::Key_Up);
+    EXPECT_EQ(mNumber->GetValue(), 2.0) << "0.51 and 1, rounded to a whole number";
+}
+
+// As durations are moved to whole frames: a step of 0.01 s would otherwise end where it began.
+TEST_F(NumberField, AStepThatAHandlerTakesBackBecomesLarger)
+{
+    mNumber->NotifyWhenChanged(
+        [this] { mNumber->SetValue(std::floor(mNumber->GetValue() / 0.5 + 0.5) * 0.5); });
+    mNumber->SetValue(2.0);
+    PressKey(*mField, Qt::Key_Up);
+    EXPECT_EQ(mNumber->GetValue(), 2.5);
+    PressKey(*mField, Qt::Key_Down);
+    EXPECT_EQ(mNumber->GetValue(), 2.0);
+}
+
+TEST_F(NumberField, ControlZUndoesTypingAndLeavesEveryBit)
+{
+    TypeText(*mField, "7");
+    EXPECT_EQ(mField->text(), "7");
+    for (int press = 0; press < 3; ++press) {
+        PressKey(*mField, Qt::Key_Z, Qt::ControlModifier);
+    }
+    EXPECT_EQ(mField->text(), "12.35");
+    Focus(mOpen.Find<QLineEdit>("other"));
+    EXPECT_EQ(mNumber->GetValue(), kStored) << "what was undone is not entered";
+    EXPECT_EQ(mChanges, 0);
+}
+
+TEST_F(NumberField, ControlZBringsBackNothingFromBeforeAnEntry)
+{
+    TypeText(*mField, "7");
+    PressKey(*mField, Qt::Key_Return);
+    mNumber->SetValue(9.0);
+    PressKey(*mField, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(mField->text(), "9.00");
+}
+
+TEST_F(NumberField, AKeyThatPressesOkEntersWhatIsTypedFirst)
+{
+    auto& ok = mOpen.Dialog().GetControl<qelui::UI_Button>("okButton");
+    double atOk = 0.0;
+    ok.NotifyWhenChanged([&] { atOk = mNumber->GetValue(); });
+    TypeText(*mField, "8");
+    mOpen.Find<QPushButton>("okButton").click(); // as its Alt key does, which leaves the focus in the field
+    EXPECT_EQ(atOk, 8.0);
+}
+
+TEST_F(NumberField, TheStatusLineTellsWhatBecameOfAnEntry)
+{
+    const auto enter = [this](const char* text) {
+        Focus(*mField);
+        mField->selectAll();
+        TypeText(*mField, text);
+        Focus(mOpen.Find<QLineEdit>("other")); // the report outlives the move of the focus
+        return mOpen.Window().Status().Shown();
+    };
+    EXPECT_EQ(enter("200"), "Number: kept within -5..100");
+    EXPECT_EQ(enter("many"), "Number: not a number, 100.00 kept");
+    EXPECT_EQ(enter("1.005e1"), "") << "it is taken as it is";
+    EXPECT_EQ(enter("7.126"), "Number: rounded to 7.13");
 }
 
 TEST_F(NumberField, CodeThatChangesTheNumberIsFollowedUnrounded)

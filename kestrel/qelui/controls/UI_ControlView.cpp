@@ -1,5 +1,6 @@
 #include "UI_ControlView.h"
 
+#include <kestrel/qelui/controls/PersonalAct.h>
 #include <kestrel/qelui/controls/UI_Group.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 
@@ -107,20 +108,29 @@ void UI_ControlView::ChangedLook()
 void UI_ControlView::NotifyChanged()
 {
     UI_Dialog* const dialog = Dialog();
-    if (dialog != nullptr && dialog->IsClosed()) {
+    if (dialog == nullptr) {
+        RunHandlers();
+        return;
+    }
+    if (dialog->IsClosed()) {
         return;
     }
     try {
-        // A copy, because a handler may add handlers.
-        const std::vector<ChangeHandler> handlers = mHandlers;
-        for (const ChangeHandler& handler : handlers) {
-            handler();
-        }
+        dialog->NoteAct();
+        PersonalAct act(*dialog, *this);
+        RunHandlers();
+        act.Finish();
     } catch (...) {
-        if (dialog == nullptr) {
-            throw;
-        }
         dialog->KeepException(std::current_exception());
+    }
+}
+
+void UI_ControlView::RunHandlers()
+{
+    // A copy, because a handler may add handlers.
+    const std::vector<ChangeHandler> handlers = mHandlers;
+    for (const ChangeHandler& handler : handlers) {
+        handler();
     }
 }
 

@@ -91,11 +91,14 @@ protected:
 
     /// Reports to the window's observer that the control has changed.
     void ChangedLook();
-    /// Runs the handlers, unless the control's dialog is closed already.
+    /// A person changed the control: runs the handlers, unless the control's dialog is closed already, and has
+    /// the dialog's status line say what came of it.
     void NotifyChanged();
 
 private:
     friend class UI_Group;
+    void RunHandlers();
+
     ControlKind mKind;
     std::string mIdentifier;
     std::string mLabel;

@@ -1,5 +1,7 @@
 #include "UI_Number.h"
 
+#include <kestrel/qelui/dialogs/UI_Dialog.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -8,6 +10,24 @@
 #include <utility>
 
 namespace qelui {
+
+namespace {
+
+/// The shortest text that reads back as the same number, as limits are written: "0.1", "100000".
+std::string ShortText(double value)
+{
+    std::array<char, 32> buffer{};
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    std::string text = error == std::errc{} ? std::string(buffer.data(), end) : std::string();
+    // to_chars prefers "1e+05" where that is shorter.
+    constexpr double kLongestWhole = 1e15;
+    if (text.find('e') != std::string::npos && std::abs(value) < kLongestWhole && std::round(value) == value) {
+        text = FormatNumber(value, 0);
+    }
+    return text;
+}
+
+} // namespace
 
 std::string FormatNumber(double value, int decimals)
 {
@@ -107,6 +127,57 @@ void UI_NumberView::EnterValue(double value)
     }
     SetValue(Constrain(value));
     NotifyChanged();
+    if (const std::string fate = FateOf(value); !fate.empty()) {
+        ReportFate(fate);
+    }
+}
+
+void UI_NumberView::EnterText(std::string_view text)
+{
+    if (const std::optional<double> value = ParseNumber(text)) {
+        EnterValue(*value);
+        if (RoundToDecimals(*value, mDecimalPlaces) != *value) {
+            ReportFate("rounded to " + ShownText());
+        }
+    } else if (IsEnabled()) {
+        if (UI_Dialog* const dialog = Dialog()) {
+            dialog->Status().Report({});
+        }
+        ReportFate("not a number, " + ShownText() + " kept");
+    }
+}
+
+void UI_NumberView::ReportFate(const std::string& fate)
+{
+    UI_Dialog* const dialog = Dialog();
+    if (dialog != nullptr && !dialog->IsClosed() && dialog->Status().Report().empty()) {
+        dialog->Status().ReportOf(*this, fate);
+    }
+}
+
+double UI_NumberView::Step() const noexcept
+{
+    if (mStep) {
+        return *mStep;
+    }
+    return mDecimalPlaces == 0 ? 1.0 : mDecimalPlaces == 1 ? 0.1 : 0.01;
+}
+
+std::string UI_NumberView::FateOf(double entered) const
+{
+    const double rounded = RoundToDecimals(entered, mDecimalPlaces);
+    const double constrained = Constrain(entered);
+    if (constrained != rounded) {
+        if (mMinimum && mMaximum) {
+            return "kept within " + ShortText(*mMinimum) + ".." + ShortText(*mMaximum);
+        }
+        return mMinimum && rounded < *mMinimum ? "kept at " + ShortText(*mMinimum) + ", the smallest value"
+                                               : "kept at " + ShortText(*mMaximum) + ", the largest value";
+    }
+    const std::string accepted = FormatNumber(constrained, mDecimalPlaces);
+    const std::string shown = ShownText();
+    // A handler may have moved the number, such as to whole frames.
+    return accepted == shown ? std::string() : accepted + " was moved to " + shown;
 }
 
 std::string UI_NumberView::ShownText() const

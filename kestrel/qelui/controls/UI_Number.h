@@ -45,8 +45,9 @@ public:
     void SetZeroAllowed(bool allowed) noexcept { mZeroAllowed = allowed; }
     /// @}
 
-    /// The step of an arrow key or a drag; initially 1. @{
-    [[nodiscard]] double Step() const noexcept { return mStep; }
+    /// The step of an arrow key or a drag. Unless it is set, it fits the decimals: 1 without decimals, 0.1 with
+    /// one, else 0.01. @{
+    [[nodiscard]] double Step() const noexcept;
     void SetStep(double step) noexcept { mStep = step; }
     /// @}
 
@@ -59,8 +60,12 @@ public:
     [[nodiscard]] double Constrain(double entered) const noexcept;
 
     /// A person enters a number: it is constrained and stored, and the handlers run, also if the number is
-    /// the same as before. Does nothing if the control is disabled or the number is not finite.
+    /// the same as before. The status line says so if the number is another one afterwards. Does nothing if the
+    /// control is disabled or the number is not finite.
     void EnterValue(double value);
+
+    /// A person enters a text. If it is no number, the value stays and the status line says so.
+    void EnterText(std::string_view text);
 
     [[nodiscard]] std::string ShownText() const override;
 
@@ -68,12 +73,17 @@ protected:
     using UI_ControlView::UI_ControlView;
 
 private:
+    /// What became of an entered number that is not the value now; empty where it is.
+    [[nodiscard]] std::string FateOf(double entered) const;
+    /// Puts it into the status line, which keeps the first report of an act.
+    void ReportFate(const std::string& fate);
+
     double mValue = 0.0;
     std::optional<double> mMinimum;
     std::optional<double> mMaximum;
     int mDecimalPlaces = 0;
     bool mZeroAllowed = false;
-    double mStep = 1.0;
+    std::optional<double> mStep;
     std::string mPostLabel;
 };
 

@@ -8,8 +8,8 @@
 
 namespace qelui::sharedui {
 
-ColorPickerDialog::ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool /*flag*/)
-    : mSupplier(supplier), mParent(parent)
+ColorPickerDialog::ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool offersAlpha)
+    : mSupplier(supplier), mParent(parent), mOffersAlpha(offersAlpha)
 {
 }
 
@@ -17,6 +17,7 @@ bool ColorPickerDialog::RunModal()
 {
     ColorPickerRequest request;
     request.color = mColor;
+    request.offersAlpha = mOffersAlpha;
     request.drawSupplier = mSupplier;
     request.parent = mParent;
     if (const auto* const dialog = dynamic_cast<UI_Dialog*>(mParent)) {
@@ -24,7 +25,9 @@ bool ColorPickerDialog::RunModal()
     }
     const std::optional<PickerColor> picked = UserInterface::Get().GetToolkit().RunColorPicker(request);
     if (picked) {
+        const float alpha = mOffersAlpha ? picked->alpha : mColor.alpha;
         mColor = *picked;
+        mColor.alpha = alpha;
     }
     return picked.has_value();
 }

@@ -19,8 +19,8 @@ struct PickerColor {
 /// Life: built, given a colour, run once, read.
 class KESTRELUI_API ColorPickerDialog {
 public:
-    /// @param flag  Reserved by the host; everybody passes false.
-    ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool flag);
+    /// @param offersAlpha  Whether a person can edit alpha, too; without it alpha stays as it was set.
+    ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool offersAlpha);
 
     void SetColor(const PickerColor& color) noexcept { mColor = color; }
     /// The colour set, or what the person made of it; channels that nobody touched keep every bit.
@@ -33,6 +33,7 @@ public:
 private:
     DrawSupplier mSupplier;
     TopLevelWindow* mParent; // borrowed
+    bool mOffersAlpha;
     PickerColor mColor;
 };
 

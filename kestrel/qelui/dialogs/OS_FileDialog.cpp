@@ -18,6 +18,8 @@ int OS_FileDialog::RunModal()
     request.saveAs = mPurpose == Purpose::SaveAs;
     request.filters = mFilters;
     request.proposedName = mProposedName;
+    request.title = Title();
+    request.folder = UserInterface::Get().FileFolder();
     request.parent = mParent;
     if (const auto* const dialog = dynamic_cast<UI_Dialog*>(mParent)) {
         request.script = dialog->Script();
@@ -28,6 +30,12 @@ int OS_FileDialog::RunModal()
     }
     mFile = qelcore::filesupport::File(std::move(*path));
     return kResponseConfirmed;
+}
+
+std::string OS_FileDialog::Title() const
+{
+    const std::string what = mFilters.empty() ? "File" : mFilters.front().description;
+    return mPurpose == Purpose::SaveAs ? "Save " + what + " As" : "Open " + what;
 }
 
 } // namespace qelui::dialogs

@@ -39,6 +39,9 @@ protected:
     std::u16string mProposedName;
 
 private:
+    /// Says what is opened or saved, in the words of the first filter: "Open Swatch Colors File".
+    [[nodiscard]] std::string Title() const;
+
     Purpose mPurpose;
     TopLevelWindow* mParent; // borrowed
     std::vector<FileFilter> mFilters;

@@ -33,6 +33,7 @@ void UI_Dialog::RunModal()
         runner = std::make_unique<script::ScriptRunner>(file, *this);
     }
     mScript = runner.get();
+    mFirstDocument = DocumentNow();
     try {
         toolkit.RunModal(*this);
     } catch (...) {
@@ -70,6 +71,28 @@ void UI_Dialog::RequestCancel()
         cancel->Press();
     }
     Close();
+}
+
+void UI_Dialog::RequestClose()
+{
+    if (!mWasWarned && HasChanges()) {
+        mWasWarned = true;
+        mStatus.Report("Close again to discard the changes");
+        return;
+    }
+    RequestCancel();
+}
+
+void UI_Dialog::NoteAct() noexcept
+{
+    mWasUsed = true;
+    mWasWarned = false;
+}
+
+bool UI_Dialog::HasChanges() const noexcept
+{
+    // Without a document, every act counts as a change.
+    return mWasUsed && (!mFirstDocument || DocumentNow() != mFirstDocument);
 }
 
 std::optional<std::string> UI_Dialog::DocumentNow() const noexcept

@@ -5,6 +5,7 @@
 #include <kestrel/qelui/DrawSupplier.h>
 #include <kestrel/qelui/TopLevelWindow.h>
 #include <kestrel/qelui/controls/UI_Group.h>
+#include <kestrel/qelui/dialogs/StatusLine.h>
 
 #include <exception>
 #include <functional>
@@ -29,6 +30,8 @@ public:
     /// of its widget. This is also called for the widget that the person has just used. Signals that a widget
     /// sends during the update must not be entered into the model.
     virtual void OnControlChanged(UI_ControlView& control) = 0;
+    /// The text of `UI_Dialog::Status` has changed.
+    virtual void OnStatusChanged() {}
     /// The dialog is closed: end the modal run.
     virtual void OnDialogClosed() = 0;
 };
@@ -65,9 +68,17 @@ public:
     void Close();
     [[nodiscard]] bool IsClosed() const noexcept { return mClosed; }
 
-    /// Presses `cancelButton` if there is one, then closes the dialog if it is still open. For closing the
-    /// window, Escape and failed scripts.
+    /// Presses `cancelButton` if there is one, then closes the dialog if it is still open. For scripts.
     void RequestCancel();
+
+    /// A person closes the window or presses Escape: cancels a dialog in which nothing has changed. After
+    /// changes the status line says that the next such call cancels; any act in between takes this back.
+    void RequestClose();
+
+    /// The line at the foot of the dialog. @{
+    [[nodiscard]] StatusLine& Status() noexcept { return mStatus; }
+    [[nodiscard]] const StatusLine& Status() const noexcept { return mStatus; }
+    /// @}
 
     /// Set by the toolkit while it shows the dialog, null otherwise.
     void SetObserver(WindowObserver* observer) noexcept { mObserver = observer; }
@@ -85,8 +96,12 @@ public:
 
 private:
     friend class UI_ControlView;
+    friend class StatusLine;
     void KeepException(std::exception_ptr exception) noexcept;
     [[nodiscard]] std::optional<std::string> DocumentNow() const noexcept;
+    /// A person has used a control.
+    void NoteAct() noexcept;
+    [[nodiscard]] bool HasChanges() const noexcept;
 
     std::string mTitle;
     TopLevelWindow* mParentWindow = nullptr;
@@ -94,7 +109,11 @@ private:
     WindowObserver* mObserver = nullptr;
     script::ScriptRunner* mScript = nullptr;
     Document mDocument;
+    std::optional<std::string> mFirstDocument; ///< as the dialog opened
+    bool mWasUsed = false;
+    bool mWasWarned = false; ///< that closing discards changes
     bool mClosed = false;
+    StatusLine mStatus{*this};
     std::exception_ptr mKeptException;
 };
 

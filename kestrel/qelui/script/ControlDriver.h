@@ -49,6 +49,8 @@ public:
     ControlDriver& operator=(const ControlDriver&) = delete;
 
     [[nodiscard]] virtual SeenState See(UI_ControlView& control) = 0;
+    /// What the status line shows: its report where there is one, else its explanation.
+    [[nodiscard]] virtual std::string SeeStatus() = 0;
 
     virtual void Press(UI_Button& button) = 0;
     virtual void Press(UI_RadioButton& button) = 0;
@@ -56,7 +58,7 @@ public:
     virtual void Check(UI_CheckBox& box, bool checked) = 0;
     /// The item exists and is enabled; it may be the chosen one already.
     virtual void Choose(UI_Popup& popup, int index) = 0;
-    /// Replaces the control's text by `text`, which is a number, and confirms it.
+    /// Replaces the control's text by `text`, which need not be a number, and confirms it.
     virtual void Type(UI_NumberView& number, std::string_view text) = 0;
 
     /// Saves a picture of the whole window. @return false where there is none to save or it cannot be

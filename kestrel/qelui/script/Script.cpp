@@ -186,6 +186,11 @@ constexpr CommandForm kForms[] = {
          return Choose{std::move(identifier), words.Quoted()};
      }},
     {"press", "press IDENTIFIER", [](Arguments& words) -> Action { return Press{words.Plain()}; }},
+    {"type", "type IDENTIFIER \"TEXT\"",
+     [](Arguments& words) -> Action {
+         std::string identifier = words.Plain();
+         return Type{std::move(identifier), words.Quoted()};
+     }},
     {"answer",
      "answer file \"PATH\" | answer file cancel | answer color RED GREEN BLUE ALPHA | answer color cancel | "
      "answer box yes | answer box no",
@@ -212,6 +217,8 @@ constexpr CommandForm kForms[] = {
          std::string text = words.Quoted();
          return ExpectItem{std::move(identifier), index, std::move(text), words.Truth()};
      }},
+    {"expect-status", "expect-status \"TEXT\"",
+     [](Arguments& words) -> Action { return ExpectStatus{words.Quoted()}; }},
     {"dump", "dump \"FILE\"", [](Arguments& words) -> Action { return Dump{words.Quoted()}; }},
     {"screenshot", "screenshot \"FILE\"",
      [](Arguments& words) -> Action { return Screenshot{words.Quoted()}; }},

@@ -25,6 +25,10 @@ struct Choose {
 struct Press {
     std::string identifier;
 };
+struct Type {
+    std::string identifier;
+    std::string text; ///< need not be a number
+};
 struct AnswerFile {
     std::optional<std::string> path; ///< nothing: cancel
 };
@@ -52,6 +56,9 @@ struct ExpectItem {
     std::string text;
     bool enabled = false;
 };
+struct ExpectStatus {
+    std::string text;
+};
 struct Dump {
     std::string file;
 };
@@ -62,8 +69,8 @@ struct Screenshot {
 
 struct Command {
     int line = 0; ///< counted from 1
-    std::variant<Set, Choose, Press, AnswerFile, AnswerColor, AnswerBox, Expect, ExpectText, ExpectEnabled,
-                 ExpectItem, Dump, Screenshot>
+    std::variant<Set, Choose, Press, Type, AnswerFile, AnswerColor, AnswerBox, Expect, ExpectText,
+                 ExpectEnabled, ExpectItem, ExpectStatus, Dump, Screenshot>
         action;
 };
 

@@ -169,6 +169,15 @@ struct ScriptRunner::Visitor {
         }
     }
 
+    void operator()(const Type& command) const
+    {
+        auto* const number = dynamic_cast<UI_NumberView*>(&FindEnabled(command.identifier));
+        if (number == nullptr) {
+            throw CommandError{command.identifier + " is no field to type into"};
+        }
+        driver.Type(*number, command.text);
+    }
+
     void operator()(const AnswerFile& answer) const { runner.mFileAnswers.push_back({runner.mLine, answer}); }
     void operator()(const AnswerColor& answer) const { runner.mColorAnswers.push_back({runner.mLine, answer}); }
     void operator()(const AnswerBox& answer) const { runner.mBoxAnswers.push_back({runner.mLine, answer}); }
@@ -230,6 +239,13 @@ struct ScriptRunner::Visitor {
         if (seen.items[index].enabled != command.enabled) {
             throw CommandError{command.identifier + ": item " + InQuotes(command.text) +
                                (seen.items[index].enabled ? " is enabled" : " is disabled")};
+        }
+    }
+
+    void operator()(const ExpectStatus& command) const
+    {
+        if (const std::string seen = driver.SeeStatus(); seen != command.text) {
+            throw CommandError{"the status line shows " + InQuotes(seen) + ", not " + InQuotes(command.text)};
         }
     }
 

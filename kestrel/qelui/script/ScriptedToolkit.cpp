@@ -9,31 +9,39 @@
 
 namespace qelui::script {
 
+std::string ModelDriver::SeeStatus()
+{
+    return mDialog.Status().Text();
+}
+
 void ModelDriver::Press(UI_Button& button)
 {
+    mDialog.Status().Explain(button);
     button.Press();
 }
 
 void ModelDriver::Press(UI_RadioButton& button)
 {
+    mDialog.Status().Explain(button);
     button.Press();
 }
 
 void ModelDriver::Check(UI_CheckBox& box, bool checked)
 {
+    mDialog.Status().Explain(box);
     box.EnterChecked(checked);
 }
 
 void ModelDriver::Choose(UI_Popup& popup, int index)
 {
+    mDialog.Status().Explain(popup);
     popup.Choose(index);
 }
 
 void ModelDriver::Type(UI_NumberView& number, std::string_view text)
 {
-    if (const std::optional<double> value = ParseNumber(text)) {
-        number.EnterValue(*value);
-    }
+    mDialog.Status().Explain(number);
+    number.EnterText(text);
 }
 
 bool ModelDriver::SaveScreenshot(const std::filesystem::path& /*file*/, std::string& whyNot)
@@ -45,7 +53,8 @@ bool ModelDriver::SaveScreenshot(const std::filesystem::path& /*file*/, std::str
 void ScriptedToolkit::RunModal(UI_Dialog& dialog)
 {
     if (ScriptRunner* const script = dialog.Script()) {
-        ModelDriver driver;
+        ModelDriver driver(dialog);
+        dialog.Status().ExplainFirst();
         script->Play(driver);
     }
 }

@@ -7,11 +7,12 @@
 /// 2. shows the window over `dialog.ParentWindow()` (through `NativeWindow()`, null allowed), sets
 ///    `dialog.SetNativeWindow` for nested dialogs, and runs its event loop;
 /// 3. for every act of a person calls the model's function: `UI_Button::Press`, `UI_CheckBox::EnterChecked`,
-///    `UI_RadioButton::Press`, `UI_Popup::Choose`, `UI_NumberView::EnterValue`. The verb limits, stores and
-///    runs the handlers. Handlers change other controls, which arrive as `OnControlChanged`; they open nested
-///    dialogs, which arrive as the other functions of `Toolkit` before the verb returns; they close the
-///    dialog, which arrives as `OnDialogClosed`;
-/// 4. where the person closes the window or presses Escape, calls `dialog.RequestCancel()`, and does not
+///    `UI_RadioButton::Press`, `UI_Popup::Choose`, `UI_NumberView::EnterValue` or `EnterText`. The verb limits,
+///    stores and runs the handlers. Handlers change other controls, which arrive as `OnControlChanged`; they
+///    open nested dialogs, which arrive as the other functions of `Toolkit` before the verb returns; they close
+///    the dialog, which arrives as `OnDialogClosed`; It calls `dialog.Status().Explain` where the focus moves
+///    to a control, and shows the status line, whose changes arrive as `OnStatusChanged`;
+/// 4. where the person closes the window or presses Escape, calls `dialog.RequestClose()`, and does not
 ///    close the window itself;
 /// 5. returns once `OnDialogClosed` was heard and the window is gone, with observer and native window set
 ///    back to null.
@@ -34,6 +35,7 @@
 #include <kestrel/qelui/dialogs/ColorPickerDialog.h>
 #include <kestrel/qelui/dialogs/OS_FileDialog.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,7 +50,9 @@ class ScriptRunner;
 struct FileDialogRequest {
     bool saveAs = false; ///< a file to write, else one to open
     std::vector<dialogs::FileFilter> filters;
-    std::u16string proposedName; ///< save as only; a name without folder
+    std::u16string proposedName;  ///< save as only; a name without folder
+    std::string title;            ///< what the file is for
+    std::filesystem::path folder; ///< where to begin; empty lets the toolkit choose
     TopLevelWindow* parent = nullptr;
     script::ScriptRunner* script = nullptr;
 };
@@ -65,6 +69,7 @@ struct MessageBoxRequest {
 
 struct ColorPickerRequest {
     sharedui::PickerColor color;
+    bool offersAlpha = false; ///< a field for alpha is shown
     DrawSupplier drawSupplier;
     TopLevelWindow* parent = nullptr;
     script::ScriptRunner* script = nullptr;

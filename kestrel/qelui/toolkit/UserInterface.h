@@ -3,6 +3,7 @@
 
 #include <kestrel/Export.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/dialogs/Adviser.h>
 #include <kestrel/qelui/dialogs/PreviewPicture.h>
 
 #include <filesystem>
@@ -75,6 +76,17 @@ public:
     void SetPreviewRenderer(PreviewRenderer renderer) { mPreviewRenderer = std::move(renderer); }
     /// @}
 
+    /// The program's sentences for status lines; empty if the program has none. @{
+    [[nodiscard]] const Adviser& GetAdviser() const noexcept { return mAdviser; }
+    void SetAdviser(Adviser adviser) { mAdviser = std::move(adviser); }
+    /// @}
+
+    /// The folder in which file dialogs begin, such as that of the edited file; empty lets the toolkit choose.
+    /// @{
+    [[nodiscard]] const std::filesystem::path& FileFolder() const noexcept { return mFileFolder; }
+    void SetFileFolder(std::filesystem::path folder) { mFileFolder = std::move(folder); }
+    /// @}
+
     UserInterface(const UserInterface&) = delete;
     UserInterface& operator=(const UserInterface&) = delete;
 
@@ -91,6 +103,8 @@ private:
     std::optional<ScriptFailure> mFailure;
     std::optional<std::string> mLastDocument;
     PreviewRenderer mPreviewRenderer;
+    Adviser mAdviser;
+    std::filesystem::path mFileFolder;
 };
 
 } // namespace qelui

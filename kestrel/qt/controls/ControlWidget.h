@@ -26,6 +26,15 @@ public:
     virtual void Follow() = 0;
     /// The state that the widget shows.
     [[nodiscard]] virtual qelui::script::SeenState See() const = 0;
+
+    /// The letter that with Alt leads to the control; null for none. Where the control has a caption, it is
+    /// underlined there, else in the label. @{
+    [[nodiscard]] QChar AltLetter() const noexcept { return mAltLetter; }
+    void SetAltLetter(QChar letter) noexcept { mAltLetter = letter; }
+    /// @}
+
+private:
+    QChar mAltLetter;
 };
 
 /// Makes the widget of a control. @return null for groups, which have none.

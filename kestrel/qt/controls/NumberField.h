@@ -18,14 +18,21 @@ public:
     /// Updates text and enabled state from the model; discards an unfinished edit.
     void Follow();
 
-    /// Whether a person has changed the text since the last update from the model.
+    /// Whether a person has typed since the last update from the model. Typing that was undone is no edit: the
+    /// model's value may have more digits than the field shows, and keeps them.
     [[nodiscard]] bool IsEdited() const noexcept { return mEdited; }
+
+    /// Enters an unfinished edit, as leaving the field does.
+    void CommitEdit();
+
+    /// As wide as the longest number that the limits allow.
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     [[nodiscard]] qelui::UI_NumberView& Number() const noexcept { return mNumber; }
     /// Enters the model's value moved by so many steps.
     void StepBy(double steps);
-    void CommitEdit();
 
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -33,7 +40,12 @@ protected:
 
 private:
     qelui::UI_NumberView& mNumber;
+    QString mFollowed; ///< the model's text
     bool mEdited = false;
 };
+
+/// Enters the unfinished edit of the field that has the focus in the window, if one has it. Keys that press a
+/// button leave the focus in the field.
+void CommitTyping(const QWidget& window);
 
 } // namespace kestrelqt

@@ -1,5 +1,8 @@
 #include "PressableWidgets.h"
 
+#include "AltLetters.h"
+#include "NumberField.h"
+
 #include <kestrel/qt/EventSeam.h>
 
 #include <QCheckBox>
@@ -10,20 +13,14 @@ namespace kestrelqt {
 
 namespace {
 
-/// Escapes ampersands, which Qt would take for mnemonics.
-QString Caption(const std::string& label)
-{
-    return QString::fromStdString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
 std::string CaptionText(const QAbstractButton& button)
 {
-    return button.text().replace(QLatin1String("&&"), QLatin1String("&")).toStdString();
+    return WithoutAltLetter(button.text()).toStdString();
 }
 
-void FollowCaption(QAbstractButton& button, const qelui::UI_ControlView& model)
+void FollowCaption(QAbstractButton& button, const qelui::UI_ControlView& model, QChar altLetter)
 {
-    button.setText(Caption(model.Label()));
+    button.setText(WithAltLetter(model.Label(), altLetter));
     button.setEnabled(model.IsEnabled());
     button.setAccessibleName(AccessibleNameOf(model.Label()));
 }
@@ -36,7 +33,12 @@ ButtonWidget::ButtonWidget(qelui::UI_Button& button, QWidget* parent)
     DressWidget(*mWidget, button);
     KeepLeastSize(*mWidget, button);
     mWidget->setAutoDefault(true); // Return presses the button that has the focus
-    QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] { AtSeam([this] { mModel.Press(); }); });
+    QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] {
+        AtSeam([this] {
+            CommitTyping(*mWidget); // OK must not lose what is typed when a key presses it
+            mModel.Press();
+        });
+    });
     Follow();
 }
 
@@ -47,7 +49,7 @@ QWidget* ButtonWidget::Widget() const
 
 void ButtonWidget::Follow()
 {
-    FollowCaption(*mWidget, mModel);
+    FollowCaption(*mWidget, mModel, AltLetter());
 }
 
 qelui::script::SeenState ButtonWidget::See() const
@@ -62,6 +64,7 @@ CheckBoxWidget::CheckBoxWidget(qelui::UI_CheckBox& box, QWidget* parent)
     KeepLeastSize(*mWidget, box);
     QObject::connect(mWidget, &QCheckBox::clicked, mWidget, [this](bool checked) {
         AtSeam([this, checked] {
+            CommitTyping(*mWidget);
             mModel.EnterChecked(checked);
             Follow();
         });
@@ -76,7 +79,7 @@ QWidget* CheckBoxWidget::Widget() const
 
 void CheckBoxWidget::Follow()
 {
-    FollowCaption(*mWidget, mModel);
+    FollowCaption(*mWidget, mModel, AltLetter());
     mWidget->setChecked(mModel.IsChecked());
 }
 
@@ -96,6 +99,7 @@ RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* par
     mWidget->setAutoExclusive(false);
     QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
         AtSeam([this] {
+            CommitTyping(*mWidget);
             mModel.Press();
             Follow(); // because Qt unchecks a chosen button that is clicked
         });
@@ -110,7 +114,7 @@ QWidget* RadioButtonWidget::Widget() const
 
 void RadioButtonWidget::Follow()
 {
-    FollowCaption(*mWidget, mModel);
+    FollowCaption(*mWidget, mModel, AltLetter());
     mWidget->setChecked(mModel.GetValue() == 1);
 }
 

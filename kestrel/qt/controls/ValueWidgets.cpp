@@ -1,75 +1,16 @@
 #include "ValueWidgets.h"
 
+#include "ChoiceBox.h"
 #include "ElidedLabel.h"
 #include "ScrubField.h"
 
 #include <kestrel/qt/EventSeam.h>
 
-#include <QAbstractItemView>
-#include <QComboBox>
-#include <QMouseEvent>
 #include <QStandardItemModel>
-#include <QStyleOptionComboBox>
-#include <QWheelEvent>
 
 namespace kestrelqt {
 
 namespace {
-
-/// A combo box as wide as its longest item, and at least as large as its model says. Scrolling the dialog
-/// with the wheel does not change it. A click on a disabled item does nothing, whereas Qt would choose the
-/// current item again.
-class ChoiceBox final : public QComboBox {
-public:
-    ChoiceBox(const qelui::UI_Popup& popup, QWidget* parent)
-        : QComboBox(parent), mLeast(popup.MinWidth(), popup.MinHeight())
-    {
-        // Its width comes from `sizeHint`: the policies that look at the items shrink the box at each change.
-        setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        view()->viewport()->installEventFilter(this);
-    }
-
-    [[nodiscard]] QSize sizeHint() const override
-    {
-        int widest = 0;
-        for (int index = 0; index < count(); ++index) {
-            widest = qMax(widest, fontMetrics().horizontalAdvance(itemText(index)));
-        }
-        QStyleOptionComboBox option;
-        initStyleOption(&option);
-        const QSize contents(widest + kTextMargin, fontMetrics().height());
-        return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this).expandedTo(mLeast);
-    }
-    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
-
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        const bool isClick =
-            event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease;
-        if (isClick && watched == view()->viewport()) {
-            const QPoint at = static_cast<QMouseEvent*>(event)->position().toPoint();
-            const QModelIndex item = view()->indexAt(at);
-            if (item.isValid() && !item.flags().testFlag(Qt::ItemIsEnabled)) {
-                return true;
-            }
-        }
-        return QComboBox::eventFilter(watched, event);
-    }
-
-protected:
-    void wheelEvent(QWheelEvent* event) override
-    {
-        if (hasFocus()) {
-            QComboBox::wheelEvent(event);
-        } else {
-            event->ignore();
-        }
-    }
-
-private:
-    static constexpr int kTextMargin = 8; // logical pixels between text and arrow
-    QSize mLeast;
-};
 
 NumberField* MakeField(qelui::UI_NumberView& number, QWidget* parent)
 {
@@ -127,6 +68,10 @@ void PopupWidget::Follow()
         rows->item(index)->setEnabled(item.enabled);
     }
     mWidget->setCurrentIndex(mModel.GetValue());
+    // The whole name, which the box may have to cut, before the explanation.
+    const QString name = mWidget->currentText();
+    const QString explanation = QString::fromStdString(mModel.Tooltip());
+    mWidget->setToolTip(name.isEmpty() ? explanation : name + QLatin1Char('\n') + explanation);
     mWidget->setEnabled(mModel.IsEnabled());
 }
 
@@ -149,7 +94,6 @@ NumberWidget::NumberWidget(qelui::UI_NumberView& number, QWidget* parent)
     DressWidget(*mWidget, number);
     KeepLeastSize(*mWidget, number);
     mWidget->setToolTip(Spoken(number));
-    mWidget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 QWidget* NumberWidget::Widget() const
@@ -183,9 +127,7 @@ QWidget* StaticTextWidget::Widget() const
 
 void StaticTextWidget::Follow()
 {
-    const bool bothEnds = mModel.GetDisplayOption() == qelui::DisplayOption::ElideMiddle;
-    mWidget->SetText(QString::fromStdString(mModel.GetValue()), bothEnds ? Qt::ElideMiddle : Qt::ElideRight,
-                     QString::fromStdString(mModel.Tooltip()));
+    mWidget->SetText(QString::fromStdString(mModel.GetValue()), QString::fromStdString(mModel.Tooltip()));
     mWidget->setEnabled(mModel.IsEnabled());
 }
 

@@ -7,10 +7,9 @@
 #include <kestrel/qelui/controls/UI_Popup.h>
 #include <kestrel/qelui/controls/UI_StaticText.h>
 
-class QComboBox;
-
 namespace kestrelqt {
 
+class ChoiceBox;
 class ElidedLabel;
 class NumberField;
 
@@ -23,7 +22,7 @@ public:
 
 private:
     qelui::UI_Popup& mModel;
-    QComboBox* mWidget;
+    ChoiceBox* mWidget;
 };
 
 /// Number edits and hot text, with the unit behind them.

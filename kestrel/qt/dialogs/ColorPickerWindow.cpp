@@ -77,7 +77,7 @@ QString ShortestText(float value)
     return QString::fromLatin1(text, static_cast<qsizetype>(result.ptr - text));
 }
 
-ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
+ColorPickerWindow::ColorPickerWindow(const PickerColor& color, Alpha alpha, QWidget* parent)
     : QDialog(parent), mColor(color), mOldColor(color)
 {
     setWindowTitle(tr("Color"));
@@ -110,6 +110,9 @@ ColorPickerWindow::ColorPickerWindow(const PickerColor& color, QWidget* parent)
         connect(field, &QLineEdit::textEdited, this,
                 [this, channel] { AtSeam([this, channel] { TakeField(channel); }); });
         connect(field, &QLineEdit::editingFinished, this, [this] { AtSeam([this] { ShowFields(); }); });
+        const bool isHidden = alpha == Alpha::Kept && channel + 1 == kChannels;
+        field->setHidden(isHidden);
+        label->setHidden(isHidden);
         mFields[channel] = field;
     }
     mPatches = new Patches(mOldColor, mColor, this);

@@ -18,14 +18,16 @@ class ColorArea;
 /// that a person does not change keep every bit. [ui-thread]
 class ColorPickerWindow final : public QDialog {
 public:
-    ColorPickerWindow(const qelui::sharedui::PickerColor& color, QWidget* parent);
+    enum class Alpha { Offered, Kept };
+    /// @param alpha  Whether there is a field for alpha; without one alpha stays as it is.
+    ColorPickerWindow(const qelui::sharedui::PickerColor& color, Alpha alpha, QWidget* parent);
     ColorPickerWindow(const ColorPickerWindow&) = delete;
     ColorPickerWindow& operator=(const ColorPickerWindow&) = delete;
     ~ColorPickerWindow() override;
 
     [[nodiscard]] const qelui::sharedui::PickerColor& Color() const noexcept { return mColor; }
 
-    /// Red, green, blue, alpha. @{
+    /// Red, green, blue, alpha; the last one is hidden where alpha is kept. @{
     static constexpr std::size_t kChannels = 4;
     [[nodiscard]] QLineEdit& Field(std::size_t channel) const { return *mFields[channel]; }
     /// @}

@@ -1,7 +1,10 @@
 #include "DialogLayout.h"
 
+#include "ColorChips.h"
+
 #include <kestrel/qelui/controls/UI_Button.h>
 #include <kestrel/qelui/controls/UI_Number.h>
+#include <kestrel/qt/controls/AltLetters.h>
 #include <kestrel/qt/style/Theme.h>
 
 #include <QFrame>
@@ -11,6 +14,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 namespace kestrelqt {
@@ -19,9 +23,8 @@ namespace {
 
 using qelui::ControlKind;
 
-constexpr int kSpacing = 8;
-constexpr int kCardMargin = 12;
-constexpr int kIndent = 26; // logical pixels from the left edge of a radio button to its text
+constexpr int kLabelGap = 8; // logical pixels between a label and its control
+constexpr int kIndent = 26;  // logical pixels from the left edge of a radio button to its text
 
 /// A group's surface.
 class Card final : public QFrame {
@@ -79,8 +82,10 @@ QWidget* BuildControl(qelui::UI_ControlView& control, QWidget* parent, DialogWid
 {
     auto binding = MakeControlWidget(control, parent);
     QWidget* const widget = binding->Widget();
-    if (control.Kind() != ControlKind::StaticText) {
-        widgets.tabOrder.push_back(widget);
+    widgets.tabOrder.push_back(widget);
+    if (const auto letter = widgets.altLetters.find(&control); letter != widgets.altLetters.end()) {
+        binding->SetAltLetter(letter->second);
+        binding->Follow();
     }
     widgets.controls.emplace(&control, std::move(binding));
     return widget;
@@ -117,6 +122,51 @@ bool IsWide(const qelui::UI_Group& group)
 /// wide as the window otherwise. Other groups have no spare column.
 enum FormColumn { kLabelColumn = 0, kControlColumn = 1, kSpareColumn = 2 };
 
+/// A label that stands before or above its control, with the letter that leads there.
+QLabel* MakeLabelOf(qelui::UI_ControlView& control, QWidget* widget, QWidget* parent, DialogWidgets& widgets)
+{
+    QLabel* const label = MakeLabel(QString(), parent);
+    label->setBuddy(widget);
+    const auto letter = widgets.altLetters.find(&control);
+    label->setText(
+        WithAltLetter(control.Label(), letter == widgets.altLetters.end() ? QChar() : letter->second));
+    widgets.labels.emplace(&control, label);
+    return label;
+}
+
+/// Whether a button is followed by the text that shows what was chosen with it: the two share a row.
+bool IsBeforeItsText(const qelui::UI_ControlView& control)
+{
+    const auto& siblings = control.Parent()->Children();
+    const auto at = std::find_if(siblings.begin(), siblings.end(),
+                                 [&control](const auto& sibling) { return sibling.get() == &control; });
+    return control.Kind() == ControlKind::Button && at != siblings.end() && at + 1 != siblings.end() &&
+           at[1]->Kind() == ControlKind::StaticText;
+}
+
+/// Whether a text follows its button.
+bool IsBehindItsButton(const qelui::UI_ControlView& control)
+{
+    const auto& siblings = control.Parent()->Children();
+    const auto at = std::find_if(siblings.begin(), siblings.end(),
+                                 [&control](const auto& sibling) { return sibling.get() == &control; });
+    return control.Kind() == ControlKind::StaticText && at != siblings.begin() && at != siblings.end() &&
+           at[-1]->Kind() == ControlKind::Button;
+}
+
+/// A text under its label.
+QWidget* BuildCaptioned(qelui::UI_ControlView& control, QWidget* parent, DialogWidgets& widgets)
+{
+    auto* const box = new QWidget(parent);
+    auto* const column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    QWidget* const widget = BuildControl(control, box, widgets);
+    column->addWidget(MakeLabelOf(control, widget, box, widgets));
+    column->addWidget(widget);
+    return box;
+}
+
 /// Adds one child to a form.
 void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidget* parent,
                DialogWidgets& widgets)
@@ -128,7 +178,20 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
         form.addWidget(BuildGroup(group, parent, widgets), row, kLabelColumn, 1, columns);
         return;
     }
+    if (IsBehindItsButton(control)) {
+        QWidget* const text = BuildCaptioned(control, parent, widgets);
+        if (widgets.density.sharesRows) {
+            form.addWidget(text, row - 1, kControlColumn, 1, columns - kControlColumn);
+        } else {
+            form.addWidget(text, row, kLabelColumn, 1, columns);
+        }
+        return;
+    }
     QWidget* const widget = BuildControl(control, parent, widgets);
+    if (IsBeforeItsText(control) && widgets.density.sharesRows) {
+        form.addWidget(widget, row, kLabelColumn);
+        return;
+    }
     if (!HasLabelBefore(control.Kind())) {
         // A button in a group without a frame is the heading of a column and has its width.
         const bool fills = control.Kind() == ControlKind::Button && !control.Parent()->HasBorder();
@@ -136,16 +199,16 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
                        fills ? Qt::Alignment() : Qt::Alignment(Qt::AlignLeft));
         return;
     }
-    QLabel* const label = MakeLabel(QString::fromStdString(control.Label()), parent);
-    label->setBuddy(widget);
+    QLabel* const label = MakeLabelOf(control, widget, parent, widgets);
     if (control.Parent()->Kind() == ControlKind::RadioGroup) {
         label->setContentsMargins(kIndent, 0, 0, 0); // below the text of its radio button
     }
-    widgets.labels.emplace(&control, label);
     form.addWidget(label, row, kLabelColumn, Qt::AlignRight | Qt::AlignVCenter);
-    const bool isPath = control.Kind() == ControlKind::StaticText; // takes the remaining width
-    const int span = isPath ? columns - kControlColumn : 1;
-    form.addWidget(WithUnit(control, widget, parent), row, kControlColumn, 1, span);
+    const bool isText = control.Kind() == ControlKind::StaticText; // takes the remaining width
+    const bool isNumber = dynamic_cast<const qelui::UI_NumberView*>(&control) != nullptr;
+    const int span = isText ? columns - kControlColumn : 1;
+    form.addWidget(WithUnit(control, widget, parent), row, kControlColumn, 1, span,
+                   isNumber ? Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter) : Qt::Alignment());
 }
 
 /// Gives the columns of rows below one another the same minimum width, so that their edges line up.
@@ -168,8 +231,8 @@ void AlignRows(const qelui::UI_Group& group, const DialogWidgets& widgets)
 QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     auto* const form = new QGridLayout;
-    form->setHorizontalSpacing(kSpacing);
-    form->setVerticalSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing);
+    form->setHorizontalSpacing(kLabelGap);
+    form->setVerticalSpacing(widgets.density.SpacingOf(group));
     form->setColumnStretch(IsWide(group) ? kSpareColumn : kControlColumn, 1);
     int row = 0;
     for (const auto& child : group.Children()) {
@@ -185,7 +248,7 @@ QLayout* BuildForm(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widge
 QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     auto* const row = new QHBoxLayout;
-    row->setSpacing(group.Spacing() >= 0 ? group.Spacing() : kSpacing + 2);
+    row->setSpacing(widgets.density.SpacingOf(group) + 2);
     for (const auto& child : group.Children()) {
         if (IsGroup(child->Kind())) {
             QWidget* const cell = BuildGroup(static_cast<qelui::UI_Group&>(*child), parent, widgets);
@@ -202,7 +265,7 @@ QLayout* BuildRow(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widget
 QLayout* ArrangeOkCancel(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widgets)
 {
     auto* const row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(widgets.density.spacing);
     row->addStretch();
     for (const auto& child : group.Children()) {
         QWidget* const widget = BuildControl(*child, parent, widgets);
@@ -217,6 +280,17 @@ QLayout* ArrangeOkCancel(qelui::UI_Group& group, QWidget* parent, DialogWidgets&
 }
 
 } // namespace
+
+int Density::SpacingOf(const qelui::UI_Group& group) const
+{
+    return group.Spacing() >= 0 ? qRound(group.Spacing() * ownShare) : spacing;
+}
+
+int Density::MarginOf(const qelui::UI_Group& group, bool isCard) const
+{
+    const int usual = isCard ? cardMargin : 0;
+    return group.Margin() >= 0 ? qRound(group.Margin() * ownShare) : usual;
+}
 
 qelui::UI_Group* OkCancelRowOf(qelui::UI_Group& group)
 {
@@ -233,9 +307,9 @@ QWidget* BuildGroup(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widg
     QWidget* const surface = isCard ? static_cast<QWidget*>(new Card(parent)) : new QWidget(parent);
     surface->setObjectName(QString::fromStdString(group.Identifier()));
     auto* const column = new QVBoxLayout(surface);
-    const int margin = group.Margin() >= 0 ? group.Margin() : (isCard ? kCardMargin : 0);
+    const int margin = widgets.density.MarginOf(group, isCard);
     column->setContentsMargins(margin, margin, margin, margin);
-    column->setSpacing(kSpacing);
+    column->setSpacing(widgets.density.spacing);
     if (!group.Label().empty()) {
         QLabel* const header = MakeHeader(group.Label(), surface);
         widgets.labels.emplace(&group, header);
@@ -248,6 +322,7 @@ QWidget* BuildGroup(qelui::UI_Group& group, QWidget* parent, DialogWidgets& widg
     } else {
         column->addLayout(BuildForm(group, surface, widgets), 1);
     }
+    ShowColorChips(group, widgets);
     return surface;
 }
 

@@ -12,11 +12,16 @@ class QEventLoop;
 namespace kestrelqt {
 
 class PreviewPane;
+class ScrollArea;
+class StatusBar;
 
-/// Builds the widgets, shows the models in them, and runs until the dialog is closed. [ui-thread]
+/// Builds the widgets, shows the models in them, and runs until the dialog is closed. Fits itself to the
+/// screen: the controls move closer, the preview gives way, and then they scroll upright; status line, OK and
+/// Cancel stay in sight. [ui-thread]
 class DialogWindow final : public QDialog, private qelui::WindowObserver {
 public:
-    explicit DialogWindow(qelui::UI_Dialog& dialog);
+    /// @param room  Logical pixels that the window may take; by default those of the screen.
+    explicit DialogWindow(qelui::UI_Dialog& dialog, QSize room = {});
     DialogWindow(const DialogWindow&) = delete;
     DialogWindow& operator=(const DialogWindow&) = delete;
     ~DialogWindow() override;
@@ -26,23 +31,36 @@ public:
 
     /// The binding of a control of the dialog, null for groups.
     [[nodiscard]] ControlWidget* BindingOf(const qelui::UI_ControlView& control) const;
+    [[nodiscard]] const StatusBar& Status() const noexcept { return *mStatus; }
     /// A picture of the whole window with an up-to-date preview.
     [[nodiscard]] QPixmap Picture();
 
 protected:
     void reject() override;
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void OnControlChanged(qelui::UI_ControlView& control) override;
     void OnDialogClosed() override;
+    void OnStatusChanged() override;
     void Follow(qelui::UI_ControlView& control);
-    void FitToScreen(QWidget& content);
+    void BuildFoot();
+    /// Builds the controls in the roomiest density that fits the screen.
+    void BuildContent();
+    void ConnectKeys();
+    void FitToScreen();
+    /// The preview gets what the controls leave.
+    void ArrangePreview();
 
     qelui::UI_Dialog& mDialog;
+    QSize mRoom;
     DialogWidgets mWidgets;
+    ScrollArea* mScroll = nullptr;
     PreviewPane* mPreview = nullptr;
-    QWidget* mButtons = nullptr; ///< the row of OK and Cancel
+    QWidget* mFoot = nullptr; ///< status line, OK and Cancel
+    StatusBar* mStatus = nullptr;
     QEventLoop* mLoop = nullptr;
 };
 

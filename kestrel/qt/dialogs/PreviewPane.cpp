@@ -46,7 +46,6 @@ PreviewPane::PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent) : QWid
 {
     setAccessibleName(tr("Preview of frame 0"));
     setToolTip(tr("Frame 0 of the clip as the settings stand now."));
-    setFixedWidth(kWidth);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     mTimer.setSingleShot(true);
     mTimer.setInterval(kQuietMilliseconds);

@@ -20,9 +20,10 @@ public:
     /// Refreshes now if a refresh is due; for screenshots.
     void RefreshIfDue();
 
+    [[nodiscard]] QSize sizeHint() const override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
-    [[nodiscard]] QSize sizeHint() const override;
 
 private:
     void Refresh();

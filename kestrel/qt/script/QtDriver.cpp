@@ -7,6 +7,7 @@
 #include <kestrel/qelui/controls/UI_Number.h>
 #include <kestrel/qelui/controls/UI_Popup.h>
 #include <kestrel/qt/dialogs/DialogWindow.h>
+#include <kestrel/qt/dialogs/StatusBar.h>
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -37,6 +38,11 @@ qelui::script::SeenState QtDriver::See(qelui::UI_ControlView& control)
 {
     const ControlWidget* const binding = mWindow.BindingOf(control);
     return binding == nullptr ? qelui::script::SeeModel(control) : binding->See();
+}
+
+std::string QtDriver::SeeStatus()
+{
+    return mWindow.Status().Shown().toStdString();
 }
 
 void QtDriver::Press(qelui::UI_Button& button)

@@ -14,6 +14,7 @@ public:
     explicit QtDriver(DialogWindow& window) : mWindow(window) {}
 
     [[nodiscard]] qelui::script::SeenState See(qelui::UI_ControlView& control) override;
+    [[nodiscard]] std::string SeeStatus() override;
     void Press(qelui::UI_Button& button) override;
     void Press(qelui::UI_RadioButton& button) override;
     void Check(qelui::UI_CheckBox& box, bool checked) override;

@@ -154,6 +154,17 @@ void FlatStyle::drawControl(ControlElement element, const QStyleOption* option, 
             return;
         }
     }
+    if (element == CE_ComboBoxLabel) {
+        if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+            QStyleOptionComboBox label = *combo;
+            const QRect room = subControlRect(CC_ComboBox, combo, SC_ComboBoxEditField, widget);
+            // The names of formats differ at both ends.
+            label.currentText =
+                combo->fontMetrics.elidedText(combo->currentText, Qt::ElideMiddle, room.width() - 2);
+            QProxyStyle::drawControl(element, &label, painter, widget);
+            return;
+        }
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
 }
 
@@ -196,8 +207,9 @@ int FlatStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     switch (hint) {
     case SH_ComboBox_Popup: // a list below the field, with search by typing
     case SH_DialogButtonBox_ButtonsHaveIcons:
-    case SH_UnderlineShortcut:
         return 0;
+    case SH_UnderlineShortcut:
+        return 1;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
     }

@@ -79,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         (void)runner.TakeColorAnswer();
         (void)runner.TakeBoxAnswer();
     });
-    script::ModelDriver driver;
+    script::ModelDriver driver(dialog);
     runner.Play(driver);
     Require(dialog.IsClosed(), "the dialog is closed");
     Require(std::isfinite(number.GetValue()) && number.GetValue() >= -5.0 && number.GetValue() <= 100.0,

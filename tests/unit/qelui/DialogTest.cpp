@@ -196,12 +196,22 @@ TEST(ColorPicker, ACancelKeepsTheColorThatWasSet)
 {
     FakeToolkit toolkit;
     toolkit.colors = {std::nullopt, sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.0F}};
-    sharedui::ColorPickerDialog picker({}, nullptr, false);
+    sharedui::ColorPickerDialog picker({}, nullptr, /*offersAlpha=*/true);
     picker.SetColor({0.1F, 0.2F, 0.3F, 0.4F});
     EXPECT_FALSE(picker.RunModal());
     EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{0.1F, 0.2F, 0.3F, 0.4F}));
     EXPECT_TRUE(picker.RunModal());
     EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.0F}));
+}
+
+TEST(ColorPicker, KeepsAlphaWhereItIsNotOffered)
+{
+    FakeToolkit toolkit;
+    toolkit.colors = {sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.0F}};
+    sharedui::ColorPickerDialog picker({}, nullptr, /*offersAlpha=*/false);
+    picker.SetColor({0.1F, 0.2F, 0.3F, 0.4F});
+    EXPECT_TRUE(picker.RunModal());
+    EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.4F}));
 }
 
 /// Sets environment variables and puts them back.

@@ -1,0 +1,35 @@
+/// What happens around the change handlers of one act of a person.
+#pragma once
+
+#include <kestrel/orb/SaveReport.h>
+#include <kestrel/qelcore/logging/Log.h>
+
+#include <string>
+
+namespace qelui {
+
+class UI_ControlView;
+class UI_Dialog;
+
+/// Lives while the handlers of an act run and hears what the plug-in logs and saves; older listeners hear it,
+/// too.
+class PersonalAct {
+public:
+    /// Removes the report of the act before.
+    PersonalAct(UI_Dialog& dialog, UI_ControlView& control);
+    PersonalAct(const PersonalAct&) = delete;
+    PersonalAct& operator=(const PersonalAct&) = delete;
+
+    /// The handlers have run: puts what came of the act into the status line.
+    void Finish();
+
+private:
+    UI_Dialog& mDialog;
+    UI_ControlView& mControl;
+    std::string mComplaint;
+    std::string mSaved;
+    qelcore::logging::ScopedListener mLogListener;
+    ORB::ScopedSaveListener mSaveListener;
+};
+
+} // namespace qelui

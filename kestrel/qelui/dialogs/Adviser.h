@@ -1,0 +1,23 @@
+/// What a program can say of a dialog's controls that the host cannot, because it takes knowledge of the
+/// document.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace qelui {
+
+struct AdviceRequest {
+    std::string control;      ///< the control's identifier
+    std::string settingsText; ///< the document that the dialog's controls describe now
+    /// What the plug-in logged when a person used the control, its last line; empty where it said nothing, and
+    /// when the control only has the focus.
+    std::string complaint;
+};
+
+/// One sentence for the status line, UTF-8; empty where there is nothing to say. With a complaint the sentence
+/// takes its place. Called on the ui thread at each change and each move of the focus, so it has a few
+/// milliseconds.
+using Adviser = std::function<std::string(const AdviceRequest&)>;
+
+} // namespace qelui
