@@ -3,6 +3,8 @@
 
 #include <tessel/damage/picture/WorkPicture.h>
 
+#include <array>
+#include <cmath>
 #include <cstdint>
 
 namespace tessel::damage::testing {

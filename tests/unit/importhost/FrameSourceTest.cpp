@@ -47,7 +47,7 @@ std::byte LastByte(const FrameBuffer& frame)
 TEST(FrameSource, WhatThePlugInLeavesAloneIsZeroFrameAfterFrame)
 {
     FrameSource source(FrameFilling::Zero);
-    for (const std::size_t left : {0, 1, 0, 1, 400}) {
+    for (const std::size_t left : {0U, 1U, 0U, 1U, 400U}) {
         EXPECT_EQ(LastByte(*source.Render(Painter(left)).frame), left == 0 ? kPaint : std::byte{0}) << left;
     }
 }
