@@ -24,6 +24,9 @@ endif()
 if(TARGET tessel_python)
     list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
+if(TARGET mpvtessel)
+    list(APPEND CPACK_COMPONENTS_ALL mpv)
+endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -76,6 +79,16 @@ if(TARGET tessel_python)
     set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Exact test signals from small documents - Python
 The package tessel: clips as numpy arrays, movies compared with clips, and a
 plug-in for pytest.")
+endif()
+
+if(TARGET mpvtessel)
+    set(CPACK_DEBIAN_MPV_PACKAGE_NAME mpv-tessel)
+    set(CPACK_MPV_PLUGIN "${CMAKE_INSTALL_LIBDIR}/mpv-tessel/tessel.so") # for FinishStaged.cmake
+    set(CPACK_DEBIAN_MPV_PACKAGE_SECTION video)
+    set(CPACK_DEBIAN_MPV_PACKAGE_DEPENDS "tessel ${sameVersion}, mpv")
+    set(CPACK_DEBIAN_MPV_DESCRIPTION "Exact test signals from small documents - mpv
+A plug-in with which mpv plays Tessel's documents like movies, without
+rendering them first.")
 endif()
 
 include(CPack)

@@ -26,6 +26,13 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
         message(FATAL_ERROR "${staged}: nothing is installed there")
     endif()
 
+    # mpv loads scripts from the folders of its configuration; Debian's packages put links there.
+    if(component STREQUAL "mpv")
+        set(scripts "${staged}/../etc/mpv/scripts")
+        file(MAKE_DIRECTORY "${scripts}")
+        file(CREATE_LINK "${CPACK_PACKAGING_INSTALL_PREFIX}/${CPACK_MPV_PLUGIN}" "${scripts}/tessel.so" SYMBOLIC)
+    endif()
+
     set(documents "${staged}/share/doc/${PACKAGE}")
     file(MAKE_DIRECTORY "${documents}")
     configure_file("${CMAKE_CURRENT_LIST_DIR}/copyright.in" "${documents}/copyright" @ONLY)

@@ -1,7 +1,7 @@
 """The Debian packages as files: what is in which, what they need, and that an unpacked one works.
 
-Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON: 1 where the build has the Qt toolkit, the
-Python module. PACKAGES names a folder of packages to look into, instead of making them.
+Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON, HAS_MPV: 1 where the build has the Qt toolkit,
+the Python module, the plug-in of mpv. PACKAGES names a folder of packages to look into, instead of making them.
 """
 
 import gzip
@@ -16,8 +16,9 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 SAMPLE = os.path.join(ROOT, "samples", "hd-2997.tessel")
 HAS_WINDOWS = os.environ.get("HAS_WINDOWS", "1") == "1"
 HAS_PYTHON = os.environ.get("HAS_PYTHON", "1") == "1"
+HAS_MPV = os.environ.get("HAS_MPV", "1") == "1"
 NAMES = sorted(["libkestrel-dev", "tessel"] + (["tessel-qt"] if HAS_WINDOWS else []) +
-               (["python3-tessel"] if HAS_PYTHON else []))
+               (["python3-tessel"] if HAS_PYTHON else []) + (["mpv-tessel"] if HAS_MPV else []))
 NEEDED = ("dpkg-deb", "dpkg-shlibdeps", "readelf", "gzip")
 
 
@@ -108,6 +109,12 @@ class Contents(PackageTest):
         self.assertIn("postinst", scripts)
         self.assertIn("prerm", scripts)
 
+    @unittest.skipUnless(HAS_MPV, "the build has no plug-in of mpv")
+    def test_mpv_finds_its_plug_in_among_its_scripts(self):
+        plug_in = self.one("mpv-tessel", r"usr/lib/(?:[^/]+/)?mpv-tessel/tessel\.so")
+        link = os.readlink(self.one("mpv-tessel", r"etc/mpv/scripts/tessel\.so"))
+        self.assertEqual(UNPACKED["mpv-tessel"] + link, plug_in)
+
     def test_manual_pages_are_compressed_and_completions_stand_where_shells_look(self):
         pages = [path for path in CONTENTS["tessel"] if path.startswith("usr/share/man/")]
         self.assertIn("usr/share/man/man1/tessel-render.1.gz", pages)
@@ -121,7 +128,7 @@ class Contents(PackageTest):
         for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/(?:Kestrel|Tessel)/.*|.*/kestrel-conformance"
                                     # Examples are sources to build.
                                     r"|.*/kestrel/examples/.*|usr/share/doc/libkestrel-dev/.*")
-        plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so")
+        plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so|.*/mpv(?:-tessel|/scripts)/tessel\.so")
         for package, paths in CONTENTS.items():
             for path in paths:
                 if plug_ins.fullmatch(path):
