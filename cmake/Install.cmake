@@ -21,6 +21,9 @@ if(TARGET kestrelqt)
     install(TARGETS kestrelqt LIBRARY COMPONENT windows NAMELINK_SKIP)
     install(TARGETS kestrelqt_probe RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT windows)
 endif()
+if(TARGET tessel-view)
+    install(TARGETS tessel-view RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/tessel" COMPONENT windows)
+endif()
 if(TARGET libtessel)
     install(TARGETS libtessel EXPORT TesselTargets
         LIBRARY COMPONENT program NAMELINK_COMPONENT development

@@ -56,8 +56,9 @@ set(CPACK_DEBIAN_WINDOWS_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_WINDOWS_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/debian/triggers")
 set(CPACK_DEBIAN_WINDOWS_PACKAGE_DEPENDS "tessel ${sameVersion}")
 set(CPACK_DEBIAN_WINDOWS_DESCRIPTION "Exact test signals from small documents - windows
-The settings dialog of Tessel's clips, with a preview, as windows made with
-Qt 6. The program opens them where this package is installed.")
+The settings dialog of Tessel's clips, with a preview, and the player with
+scopes and meters, as windows made with Qt 6. The program opens them where this
+package is installed.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkestrel-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "tessel ${sameVersion}")

@@ -74,6 +74,7 @@ void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);
 void AddVerifyCommand(CommandLine& commandLine, Context& context);
+void AddViewCommand(CommandLine& commandLine, Context& context);
 void AddThumbnailCommand(CommandLine& commandLine, Context& context);
 void AddNewCommand(CommandLine& commandLine);
 void AddSetCommand(CommandLine& commandLine);

@@ -69,6 +69,7 @@ int Run(int argc, char** argv)
         AddBenchCommand(commandLine, context);
         AddDamageCommand(commandLine, context);
         AddEditCommand(commandLine, context);
+        AddViewCommand(commandLine, context);
         AddVerifyCommand(commandLine, context);
         AddSchemaCommand(commandLine);
         AddThumbnailCommand(commandLine, context);

@@ -10,6 +10,8 @@ import unittest
 
 PROGRAM = os.environ["TESSEL"]
 PLUGIN = os.environ["TESSEL_PLUGIN"]
+# It needs Qt, and is not built without.
+HAS_PLAYER = os.path.exists(os.path.join(os.path.dirname(os.path.dirname(PROGRAM)), "lib", "tessel", "tessel-view"))
 
 TICKS_PER_SECOND = 254_016_000_000
 

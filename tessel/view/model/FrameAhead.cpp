@@ -1,6 +1,7 @@
 #include "FrameAhead.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -26,7 +27,8 @@ FrameAhead::~FrameAhead()
     }
 }
 
-void FrameAhead::Want(const std::vector<std::int64_t>& frames, const FrameWish& wish)
+void FrameAhead::Want(const std::vector<std::int64_t>& frames, const FrameWish& wish,
+                      const std::vector<std::int64_t>& keep)
 {
     {
         const std::lock_guard lock(mMutex);
@@ -37,9 +39,11 @@ void FrameAhead::Want(const std::vector<std::int64_t>& frames, const FrameWish& 
             mInWork.clear(); // what is in work is of the old wish, and is dropped when it is ready
         }
         mWanted = frames;
-        std::erase_if(mMade, [&frames](const auto& made) {
-            return std::find(frames.begin(), frames.end(), made.first) == frames.end();
-        });
+        const auto names = [](const std::vector<std::int64_t>& list, std::int64_t frame) {
+            return std::find(list.begin(), list.end(), frame) != list.end();
+        };
+        std::erase_if(mMade,
+                      [&](const auto& made) { return !names(frames, made.first) && !names(keep, made.first); });
     }
     mChanged.notify_all();
 }
@@ -56,6 +60,22 @@ std::optional<std::string> FrameAhead::Failure(std::int64_t frame) const
     const std::lock_guard lock(mMutex);
     const auto made = mMade.find(frame);
     return made == mMade.end() || made->second.frame ? std::nullopt : std::optional(made->second.failure);
+}
+
+std::vector<std::int64_t> FrameAhead::AllReady() const
+{
+    const std::lock_guard lock(mMutex);
+    std::vector<std::int64_t> frames;
+    for (const auto& [frame, made] : mMade) {
+        frames.push_back(frame);
+    }
+    return frames;
+}
+
+double FrameAhead::SecondsToMake() const
+{
+    const std::lock_guard lock(mMutex);
+    return mSecondsToMake;
 }
 
 void FrameAhead::Run()
@@ -78,6 +98,7 @@ void FrameAhead::Run()
         mInWork.insert(frame);
         lock.unlock();
         Made made;
+        const auto began = std::chrono::steady_clock::now();
         try {
             if (!maker) {
                 maker = std::make_unique<FrameMaker>(mClip);
@@ -86,15 +107,15 @@ void FrameAhead::Run()
         } catch (const std::exception& error) {
             made.failure = error.what();
         }
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
         lock.lock();
+        mSecondsToMake += (seconds - mSecondsToMake) * (mSecondsToMake > 0 ? 0.2 : 1.0);
         if (number == mWishNumber) {
             mInWork.erase(frame);
-            if (std::find(mWanted.begin(), mWanted.end(), frame) != mWanted.end()) {
-                mMade.insert_or_assign(frame, std::move(made));
-            }
+            mMade.insert_or_assign(frame, std::move(made));
         }
-        made = {}; // a frame that nobody wants any more goes while nobody waits for it
         lock.unlock();
+        made = {};
         mOnReady();
         lock.lock();
     }

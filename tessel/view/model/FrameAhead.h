@@ -27,9 +27,18 @@ public:
     FrameAhead(const FrameAhead&) = delete;
     FrameAhead& operator=(const FrameAhead&) = delete;
 
-    /// The frames to make, the most urgent one first; what was asked for before and is not named is forgotten,
-    /// and frames that are ready are not made again.
-    void Want(const std::vector<std::int64_t>& frames, const FrameWish& wish);
+    /// The frames to make, the most urgent one first. Frames that are ready are not made again; what is ready
+    /// and in neither list is forgotten.
+    /// @param keep  frames that are not to be begun any more, but are still of use where they are made already
+    void Want(const std::vector<std::int64_t>& frames, const FrameWish& wish,
+              const std::vector<std::int64_t>& keep = {});
+
+    /// All frames that are ready with the last wish, or could not be made; also those that were being made when
+    /// they were wanted no more, until the next `Want`.
+    [[nodiscard]] std::vector<std::int64_t> AllReady() const;
+
+    /// Seconds from the beginning of a frame's making to its end, the mean of the last few; 0 before the first.
+    [[nodiscard]] double SecondsToMake() const;
 
     /// A wanted frame; null while it is being made, or where it could not be.
     [[nodiscard]] std::shared_ptr<const ShownFrame> Ready(std::int64_t frame) const;
@@ -53,6 +62,7 @@ private:
     std::set<std::int64_t> mInWork; ///< with `mWish`
     std::map<std::int64_t, Made> mMade;
     std::uint64_t mWishNumber = 0; ///< counts changes of `mWish`
+    double mSecondsToMake = 0;
     bool mStops = false;
     std::vector<std::thread> mThreads;
 };

@@ -23,6 +23,7 @@ struct ScopeCounts {
     static constexpr int kColumns = 360;
     static constexpr int kLevels = 288; ///< 240 of them from black to white
     static constexpr int kVectors = 288;
+    static constexpr int kBins = 128; ///< each of two 8-bit codes or more, or every second one would be empty
 
     scopes::CountGrid waveform{kColumns, kLevels};
     scopes::CountGrid red{kColumns / 3, kLevels};
@@ -31,8 +32,8 @@ struct ScopeCounts {
     scopes::CountGrid vectors{kVectors, kVectors};
     /// Of Y', R', G', B'.
     std::vector<std::uint32_t> histograms[4] = {
-        std::vector<std::uint32_t>(kLevels), std::vector<std::uint32_t>(kLevels),
-        std::vector<std::uint32_t>(kLevels), std::vector<std::uint32_t>(kLevels)};
+        std::vector<std::uint32_t>(kBins), std::vector<std::uint32_t>(kBins), std::vector<std::uint32_t>(kBins),
+        std::vector<std::uint32_t>(kBins)};
     exporting::Matrix matrix = exporting::Matrix::Bt709;
     int rowStep = 1; ///< every so many rows were counted
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace tessel::view {
 namespace {
@@ -140,6 +141,20 @@ std::int64_t Transport::Following(std::int64_t frame, int steps) const noexcept
         return next;
     }
     return mIsLooping && mSpeed != 0 ? Modulo(next, mCount) : -1;
+}
+
+std::int64_t Transport::Lateness(std::int64_t frame, std::int64_t due) const noexcept
+{
+    const std::int64_t late = mSpeed < 0 ? frame - due : due - frame;
+    if (late >= 0) {
+        return late;
+    }
+    return mIsLooping ? late + mCount : std::numeric_limits<std::int64_t>::max();
+}
+
+double Transport::FramesIn(double seconds) const noexcept
+{
+    return seconds * mFramesPerSecond * std::abs(mSpeed);
 }
 
 void Transport::Showed(std::int64_t frame, double now)

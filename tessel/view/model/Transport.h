@@ -47,6 +47,12 @@ public:
     /// The frame that comes `steps` frames later in the direction of playing; nothing beyond the ends: -1.
     [[nodiscard]] std::int64_t Following(std::int64_t frame, int steps) const noexcept;
 
+    /// How many frames ago `frame` was due, if `due` is due now; large for one that is still to come.
+    [[nodiscard]] std::int64_t Lateness(std::int64_t frame, std::int64_t due) const noexcept;
+
+    /// Frames that pass in so many seconds at the current speed.
+    [[nodiscard]] double FramesIn(double seconds) const noexcept;
+
     /// A frame has been put on the screen. Frames between it and the one before count as dropped while it plays
     /// at normal speed.
     void Showed(std::int64_t frame, double now);

@@ -132,6 +132,20 @@ TEST(Transport, KnowsWhatFollows)
     EXPECT_EQ(transport.Following(0, 1), 9);
 }
 
+TEST(Transport, TellsHowLateAFrameIs)
+{
+    Transport transport(10, 25);
+    transport.Forward(0);
+    EXPECT_EQ(transport.Lateness(3, 5), 2);
+    EXPECT_GT(transport.Lateness(6, 5), 1000);
+    EXPECT_DOUBLE_EQ(transport.FramesIn(0.08), 2);
+    transport.SetLooping(true);
+    EXPECT_EQ(transport.Lateness(9, 1), 2); // 9, 0, 1
+    transport.Backward(0);
+    EXPECT_EQ(transport.Lateness(5, 3), 2);
+    EXPECT_EQ(transport.Lateness(1, 9), 2);
+}
+
 TEST(Transport, AnotherClipIsShownAtTheSameFrameIfItHasThat)
 {
     Transport transport(100, 25);

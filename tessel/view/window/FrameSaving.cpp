@@ -1,0 +1,31 @@
+#include "FrameSaving.h"
+
+#include <kestrel/importhost/PathText.h>
+#include <tessel/export/ExportError.h>
+#include <tessel/export/Render.h>
+#include <tessel/export/plan/Container.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+namespace tessel::view {
+
+void SaveFrameAs(const exporting::SignalSource& clip, std::int64_t frame, const std::filesystem::path& file)
+{
+    std::string ending = file.extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    if (ending != ".png" && ending != ".exr") {
+        throw exporting::ExportError(importhost::DisplayName(file) +
+                                     ": a frame is saved as .png or .exr: give the file one of these endings");
+    }
+    exporting::RenderJob job;
+    job.output.container = exporting::ContainerNamed(ending.substr(1));
+    job.output.streams = exporting::Streams::VideoOnly;
+    job.target = file;
+    job.frames = {.first = frame, .count = 1};
+    static_cast<void>(exporting::Render(clip, job));
+}
+
+} // namespace tessel::view

@@ -1,0 +1,217 @@
+#include "ViewWindow.h"
+#include "WindowRequest.h"
+
+#include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QPalette>
+#include <QPixmap>
+#include <QStyleFactory>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+
+namespace tessel::view {
+namespace {
+
+bool IsSet(const char* name)
+{
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): before any thread
+    return value != nullptr && *value != '\0';
+}
+
+/// Qt ends the process where it finds no display that it can use: with one line of ours, and no core.
+void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
+{
+    if (type == QtFatalMsg) {
+        const std::string line = importhost::OneLine(text.toStdString());
+        std::fprintf(stderr, "tessel: no window can be opened: %s\n", line.c_str());
+        std::_Exit(1);
+    }
+    // Warnings of Qt's are for developers, but for those that tell why the above follows.
+    if (type == QtCriticalMsg) {
+        std::fprintf(stderr, "tessel: %s\n", importhost::OneLine(text.toStdString()).c_str());
+    }
+}
+
+/// Neutral greys: coloured surroundings change how the colours of a picture look.
+void UseNeutralColors(QApplication& application, bool isLight)
+{
+    application.setStyle(QStyleFactory::create("Fusion"));
+    const auto grey = [isLight](int dark, int light) {
+        const int value = isLight ? light : dark;
+        return QColor(value, value, value);
+    };
+    QPalette palette;
+    palette.setColor(QPalette::Window, grey(0x26, 0xE8));
+    palette.setColor(QPalette::Base, grey(0x1A, 0xFA));
+    palette.setColor(QPalette::AlternateBase, grey(0x22, 0xF0));
+    palette.setColor(QPalette::Button, grey(0x34, 0xDC));
+    palette.setColor(QPalette::Mid, grey(0x5A, 0x9A));
+    palette.setColor(QPalette::WindowText, grey(0xE4, 0x10));
+    palette.setColor(QPalette::Text, grey(0xE4, 0x10));
+    palette.setColor(QPalette::ButtonText, grey(0xE4, 0x10));
+    palette.setColor(QPalette::ToolTipBase, grey(0x1A, 0xFA));
+    palette.setColor(QPalette::ToolTipText, grey(0xE4, 0x10));
+    palette.setColor(QPalette::Disabled, QPalette::Text, grey(0x80, 0x80));
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, grey(0x80, 0x80));
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, grey(0x80, 0x80));
+    palette.setColor(QPalette::Highlight, QColor(0x1F, 0x6F, 0xC4));
+    palette.setColor(QPalette::HighlightedText, QColor(0xFF, 0xFF, 0xFF));
+    application.setPalette(palette);
+}
+
+/// Presses keys when the window has come to rest, then takes the picture of it.
+class Unattended {
+public:
+    Unattended(ViewWindow& window, const WindowRequest& request) : mWindow(window), mRequest(request)
+    {
+        mWindow.onSettled = [this] {
+            // Later, when the window is painted; and once, however often it comes to rest until then.
+            if (!mIsWaiting) {
+                mIsWaiting = true;
+                QTimer::singleShot(0, &mWindow, [this] { GoOn(); });
+            }
+        };
+    }
+
+    [[nodiscard]] const std::exception_ptr& Failure() const noexcept { return mFailure; }
+
+private:
+    void GoOn()
+    {
+        mIsWaiting = false;
+        if (!mWindow.IsSettled() || mIsDone) {
+            return;
+        }
+        try {
+            if (mNextKey < mRequest.keys.size()) {
+                Press(mRequest.keys[mNextKey++]);
+                mIsWaiting = true;
+                QTimer::singleShot(20, &mWindow, [this] { GoOn(); });
+            } else if (mRequest.playSeconds > 0) {
+                mIsDone = true;
+                Play();
+            } else if (!mRequest.screenshot.empty()) {
+                mIsDone = true;
+                TakePicture();
+                QApplication::quit();
+            }
+        } catch (...) {
+            mIsDone = true;
+            mFailure = std::current_exception();
+            QApplication::quit();
+        }
+    }
+
+    void Press(const std::string& name)
+    {
+        const QKeySequence keys(QString::fromStdString(name));
+        if (keys.isEmpty() || keys[0].key() == Qt::Key_unknown) {
+            throw importhost::HostError("--press " + name +
+                                        ": there is no such key; write Right, Shift+Right, F or 7");
+        }
+        const QKeyCombination key = keys[0];
+        QWidget* const focused = QApplication::focusWidget();
+        QWidget* const target = focused != nullptr ? focused : &mWindow;
+        const QString text = name.size() == 1 ? QString::fromStdString(name) : QString();
+        // Shortcuts are found where the window system delivers keys, so that they are pressed there.
+        QKeyEvent shortcut(QEvent::ShortcutOverride, key.key(), key.keyboardModifiers(), text);
+        shortcut.ignore();
+        QApplication::sendEvent(target, &shortcut);
+        if (!shortcut.isAccepted()) {
+            for (QAction* const action : mWindow.findChildren<QAction*>()) {
+                if (action->shortcuts().contains(keys) && action->isEnabled()) {
+                    action->trigger();
+                    return;
+                }
+            }
+        }
+        QKeyEvent press(QEvent::KeyPress, key.key(), key.keyboardModifiers(), text);
+        QApplication::sendEvent(target, &press);
+        QKeyEvent release(QEvent::KeyRelease, key.key(), key.keyboardModifiers(), text);
+        QApplication::sendEvent(target, &release);
+    }
+
+    void Play()
+    {
+        mWindow.PlayForwards();
+        QTimer::singleShot(static_cast<int>(mRequest.playSeconds * 1000), &mWindow, [this] {
+            const std::string text = mWindow.PlayingText();
+            mWindow.StopPlaying();
+            try {
+                mRequest.tell(text);
+                if (!mRequest.screenshot.empty()) {
+                    TakePicture();
+                }
+            } catch (...) {
+                mFailure = std::current_exception();
+            }
+            QApplication::quit();
+        });
+    }
+
+    void TakePicture()
+    {
+        const QString name = QFile::decodeName(mRequest.screenshot.c_str());
+        if (!mWindow.grab().save(name)) {
+            throw importhost::HostError(
+                importhost::DisplayName(mRequest.screenshot) +
+                ": the screenshot cannot be written; name a .png file in a folder that exists");
+        }
+    }
+
+    ViewWindow& mWindow;
+    const WindowRequest& mRequest;
+    std::size_t mNextKey = 0;
+    bool mIsWaiting = false;
+    bool mIsDone = false;
+    std::exception_ptr mFailure;
+};
+
+} // namespace
+
+void RunWindow(const WindowRequest& request)
+{
+    const bool isUnattended = !request.screenshot.empty() || request.playSeconds > 0;
+    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
+        if (!isUnattended) {
+            throw importhost::HostError(
+                "there is no display (DISPLAY and WAYLAND_DISPLAY are not set), so no window "
+                "can be opened; --screenshot FILE needs none");
+        }
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    qInstallMessageHandler(TakeMessage);
+    int count = 1;
+    char name[] = "tessel-view";
+    char* arguments[] = {name, nullptr};
+    QApplication application(count, arguments);
+    QApplication::setApplicationDisplayName("Tessel");
+    QApplication::setDesktopFileName("tessel");
+    UseNeutralColors(application, request.isLight);
+    ViewWindow window(request);
+    window.resize(1440, 900);
+    if (!isUnattended) {
+        window.RestoreLayout();
+    }
+    if (request.width > 0) {
+        window.resize(request.width, request.height);
+    }
+    std::unique_ptr<Unattended> unattended;
+    if (isUnattended || !request.keys.empty()) {
+        unattended = std::make_unique<Unattended>(window, request);
+    }
+    window.show();
+    QApplication::exec();
+    if (unattended && unattended->Failure()) {
+        std::rethrow_exception(unattended->Failure());
+    }
+}
+
+} // namespace tessel::view

@@ -1,0 +1,24 @@
+/// Without Qt Multimedia: pictures alone.
+
+#include "SoundOutput.h"
+
+namespace tessel::view {
+
+struct SoundOutput::Player {};
+
+SoundOutput::SoundOutput() = default;
+SoundOutput::~SoundOutput() = default;
+
+void SoundOutput::Start(std::shared_ptr<const ViewedClip> /*clip*/, double /*seconds*/)
+{
+    mState = "this build plays no sound: it was made without Qt Multimedia";
+}
+
+void SoundOutput::Stop() {}
+
+double SoundOutput::Position() const
+{
+    return -1;
+}
+
+} // namespace tessel::view

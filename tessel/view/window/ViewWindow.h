@@ -1,0 +1,134 @@
+/// The player's window.
+#pragma once
+
+#include "MetersPanel.h"
+#include "PictureView.h"
+#include "ScopesPanel.h"
+#include "SoundOutput.h"
+#include "Timeline.h"
+#include "WindowRequest.h"
+
+#include <tessel/scopes/Meters.h>
+#include <tessel/view/model/FrameAhead.h>
+#include <tessel/view/model/Transport.h>
+#include <tessel/view/model/ViewedClip.h>
+
+#include <QElapsedTimer>
+#include <QFileSystemWatcher>
+#include <QMainWindow>
+#include <QProcess>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QDockWidget;
+class QLabel;
+class QLineEdit;
+class QSplitter;
+class QToolButton;
+
+namespace tessel::view {
+
+/// [ui-thread]
+class ViewWindow final : public QMainWindow {
+public:
+    /// @throws importhost::HostError, exporting::ExportError
+    explicit ViewWindow(const WindowRequest& request);
+    ~ViewWindow() override;
+
+    /// Remembered places of window and panels; written when the window closes.
+    void RestoreLayout();
+
+    /// Whether what should be shown is shown: nothing is being made.
+    [[nodiscard]] bool IsSettled() const;
+    /// Called when it is.
+    std::function<void()> onSettled;
+
+    void PlayForwards(); ///< in a loop
+    void StopPlaying();
+    /// "250 frames shown, 0 dropped"
+    [[nodiscard]] std::string PlayingText() const;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    /// A clip, its frames, and where they are shown.
+    struct Pane {
+        std::shared_ptr<const ViewedClip> clip;
+        std::unique_ptr<FrameAhead> ahead;
+        PictureView* view = nullptr;
+        std::shared_ptr<const ShownFrame> shown;
+    };
+
+    void BuildMenus();
+    void BuildPanels();
+    void OpenClips(const std::vector<std::filesystem::path>& files);
+    [[nodiscard]] Pane MakePane(const std::filesystem::path& file);
+    void TakeScale();
+    void ReloadChanged(const QString& file);
+    void Activate(std::size_t pane);
+
+    [[nodiscard]] double Now() const { return static_cast<double>(mClock.nsecsElapsed()) / 1e9; }
+    [[nodiscard]] std::int64_t FrameIn(const Pane& pane, std::int64_t frame) const;
+    [[nodiscard]] FrameWish CurrentWish() const;
+    void Tick();
+    void WantAround(std::int64_t due);
+    [[nodiscard]] bool IsReady(std::int64_t frame) const;
+    [[nodiscard]] bool IsShown(std::int64_t frame) const;
+    void ShowNewest(std::int64_t due);
+    void ShowFrame(std::int64_t frame);
+    void ShowPane(Pane& pane, std::int64_t frame);
+    void ShowMeasurements();
+    void ShowTexts();
+    void SyncSound();
+    void GoTo(std::int64_t frame);
+    void GoToTyped();
+    void Hover(std::size_t pane, std::optional<PixelPlace> place);
+    void ChangeZoom(const Zoom& zoom);
+    void SaveFrame();
+    void CopyCommand();
+    void EditSettings();
+    void Say(const QString& text);
+
+    std::shared_ptr<const importhost::Importer> mImporter;
+    std::filesystem::path mPlugin;
+    std::vector<Pane> mPanes;
+    std::size_t mActive = 0;
+    Transport mTransport{1, 25};
+    QElapsedTimer mClock;
+    QTimer mTimer;
+    std::int64_t mShown = -1;
+    std::int64_t mDue = -1; ///< when it was asked last
+    FrameWish mWish;
+    FieldView mFieldView = FieldView::Woven;
+    bool mShowsFaults = false;
+    Zoom mZoom;
+    std::optional<scopes::Meters> mMeters;
+    SoundOutput mSound;
+    double mSoundCheckedAt = 0;
+    bool mIsSoundOn = false;
+    std::optional<PixelPlace> mHovered;
+    QFileSystemWatcher mWatcher;
+    std::unique_ptr<QProcess> mSettings;
+
+    QSplitter* mPictures = nullptr;
+    PictureView* mEmpty = nullptr; ///< while there is no clip
+    Timeline* mTimeline = nullptr;
+    QLineEdit* mPosition = nullptr;
+    QLabel* mTimecode = nullptr;
+    QLabel* mInspector = nullptr;
+    QLabel* mPlaying = nullptr;
+    QToolButton* mPlayButton = nullptr;
+    ScopesPanel* mScopes = nullptr;
+    MetersPanel* mMetersPanel = nullptr;
+    QDockWidget* mScopesDock = nullptr;
+    QDockWidget* mMetersDock = nullptr;
+    bool mKeepsLayout = false;
+};
+
+} // namespace tessel::view
