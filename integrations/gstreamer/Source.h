@@ -1,0 +1,10 @@
+/// The element `tesselsrc`.
+#pragma once
+
+#include <gst/gst.h>
+
+namespace tessel::gstreamer {
+
+[[nodiscard]] GType SourceType();
+
+} // namespace tessel::gstreamer
