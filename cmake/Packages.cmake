@@ -27,6 +27,9 @@ endif()
 if(TARGET mpvtessel)
     list(APPEND CPACK_COMPONENTS_ALL mpv)
 endif()
+if(TARGET gsttessel)
+    list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -90,6 +93,16 @@ if(TARGET mpvtessel)
     set(CPACK_DEBIAN_MPV_DESCRIPTION "Exact test signals from small documents - mpv
 A plug-in with which mpv plays Tessel's documents like movies, without
 rendering them first.")
+endif()
+
+if(TARGET gsttessel)
+    set(CPACK_DEBIAN_GSTREAMER_PACKAGE_NAME gstreamer1.0-tessel)
+    set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SECTION libs)
+    set(CPACK_DEBIAN_GSTREAMER_PACKAGE_DEPENDS "tessel ${sameVersion}")
+    set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SUGGESTS "gstreamer1.0-tools, gstreamer1.0-plugins-base-apps")
+    set(CPACK_DEBIAN_GSTREAMER_DESCRIPTION "Exact test signals from small documents - GStreamer
+Clips of Tessel as sources in GStreamer's pipelines. With it players and other
+programs that stand on GStreamer open the documents like movies.")
 endif()
 
 include(CPack)

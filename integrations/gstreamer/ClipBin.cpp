@@ -21,13 +21,16 @@ struct Stream {
     GstElement* source = nullptr; ///< owned by the bin
     GstPad* pad = nullptr;        ///< the bin's; owned by the bin
     GstStream* description = nullptr;
-    guint groupId = 0;
-    bool isCollectionSent = false;
+    GstEvent* start = nullptr; ///< its stream-start
 
     Stream() = default;
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
-    ~Stream() { gst_clear_object(&description); }
+    ~Stream()
+    {
+        gst_clear_event(&start);
+        gst_clear_object(&description);
+    }
 
     [[nodiscard]] TesselStreamSource* Source() const { return AsStreamSource(source); }
 };
@@ -62,33 +65,27 @@ TesselClipBin* AsClipBin(gpointer object)
 
 // ---- Events that go downstream ----
 
-/// The source's own stream-start says nothing of the other stream: this one replaces it.
-GstEvent* StreamStartOf(const Stream& stream)
+GstEvent* NewStreamStart(const Stream& stream, guint groupId)
 {
     GstEvent* const event = gst_event_new_stream_start(gst_stream_get_stream_id(stream.description));
     gst_event_set_stream(event, stream.description);
     gst_event_set_stream_flags(event, gst_stream_get_stream_flags(stream.description));
-    gst_event_set_group_id(event, stream.groupId);
+    gst_event_set_group_id(event, groupId);
     return event;
 }
 
-GstPadProbeReturn CompleteEvent(GstPad* pad, GstPadProbeInfo* info, gpointer data)
+/// The source's own stream-start says nothing of the other stream: the pad's replaces it.
+GstPadProbeReturn CompleteEvent(GstPad* /*pad*/, GstPadProbeInfo* info, gpointer data)
 {
-    Stream& stream = *static_cast<Stream*>(data);
+    const Stream& stream = *static_cast<const Stream*>(data);
     GstEvent* const event = GST_PAD_PROBE_INFO_EVENT(info);
     if (GST_EVENT_TYPE(event) == GST_EVENT_STREAM_START) {
-        GST_PAD_PROBE_INFO_DATA(info) = StreamStartOf(stream);
+        GST_PAD_PROBE_INFO_DATA(info) = gst_event_ref(stream.start);
         gst_event_unref(event);
-        return GST_PAD_PROBE_OK;
-    }
-    if (GST_EVENT_TYPE(event) == GST_EVENT_CAPS) {
+    } else if (GST_EVENT_TYPE(event) == GST_EVENT_CAPS) {
         GstCaps* caps = nullptr;
         gst_event_parse_caps(event, &caps);
         gst_stream_set_caps(stream.description, caps);
-        if (!stream.isCollectionSent) {
-            stream.isCollectionSent = true;
-            gst_pad_push_event(pad, gst_event_new_stream_collection(stream.bin->state->collection));
-        }
     }
     return GST_PAD_PROBE_OK;
 }
@@ -100,15 +97,14 @@ GstFlowReturn PassBuffer(GstPad* pad, GstObject* parent, GstBuffer* buffer)
 {
     const Stream& stream = *static_cast<const Stream*>(gst_pad_get_element_private(pad));
     ClipBinState& state = *stream.bin->state;
+    NoteBuffer(stream.Source());
     const GstFlowReturn flow = gst_proxy_pad_chain_default(pad, parent, buffer);
     GstFlowReturn combined = flow;
     {
         const std::lock_guard lock(state.flowMutex);
         combined = gst_flow_combiner_update_pad_flow(state.flows, stream.pad, flow);
     }
-    if (flow == GST_FLOW_NOT_LINKED && combined == GST_FLOW_OK) {
-        WaitForLink(stream.Source());
-    }
+    NoteFlow(stream.Source(), flow);
     return combined;
 }
 
@@ -230,19 +226,27 @@ gboolean Query(GstElement* element, GstQuery* query)
 
 // ---- Streams ----
 
-void AddStream(TesselClipBin* bin, GstElement* source, const char* name, GstStreamType type, guint groupId)
+/// What a pad of the bin shows.
+struct StreamKind {
+    const char* name; ///< of pad template and pad
+    GstStreamType type;
+    guint groupId;
+};
+
+void AddStream(TesselClipBin* bin, GstElement* source, const std::shared_ptr<Pace>& pace,
+               const StreamKind& kind)
 {
     ClipBinState& state = *bin->state;
     auto stream = std::make_unique<Stream>();
     stream->bin = bin;
     stream->source = source;
-    stream->groupId = groupId;
+    SetPace(stream->Source(), pace);
     gst_bin_add(GST_BIN(bin), source);
 
     GstPad* const inner = gst_element_get_static_pad(source, "src");
     gst_pad_add_probe(inner, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, &CompleteEvent, stream.get(), nullptr);
-    GstPadTemplate* const shape = gst_element_class_get_pad_template(GST_ELEMENT_GET_CLASS(bin), name);
-    stream->pad = gst_ghost_pad_new_from_template(name, inner, shape);
+    GstPadTemplate* const shape = gst_element_class_get_pad_template(GST_ELEMENT_GET_CLASS(bin), kind.name);
+    stream->pad = gst_ghost_pad_new_from_template(kind.name, inner, shape);
     gst_object_unref(inner);
     gst_pad_set_element_private(stream->pad, stream.get());
     gst_pad_set_event_function(stream->pad, &HandlePadEvent);
@@ -251,9 +255,10 @@ void AddStream(TesselClipBin* bin, GstElement* source, const char* name, GstStre
     gst_pad_set_chain_function(GST_PAD(entrance), &PassBuffer);
     gst_object_unref(entrance);
 
-    gchar* const id = gst_pad_create_stream_id(stream->pad, GST_ELEMENT(bin), name);
-    stream->description = gst_stream_new(id, nullptr, type, GST_STREAM_FLAG_SELECT);
+    gchar* const id = gst_pad_create_stream_id(stream->pad, GST_ELEMENT(bin), kind.name);
+    stream->description = gst_stream_new(id, nullptr, kind.type, GST_STREAM_FLAG_SELECT);
     g_free(id);
+    stream->start = NewStreamStart(*stream, kind.groupId);
     gst_flow_combiner_add_pad(state.flows, stream->pad);
     state.streams.push_back(std::move(stream));
 }
@@ -334,11 +339,12 @@ void ShowClip(TesselClipBin* bin, const ClipPointer& clip, guint groupId)
     if (clip->Warning()[0] != '\0') {
         GST_ELEMENT_WARNING(bin, RESOURCE, READ, ("%s", clip->Warning()), (nullptr));
     }
+    const auto pace = std::make_shared<Pace>();
     if (clip->own) {
-        AddStream(bin, NewVideoSource(clip), "video", GST_STREAM_TYPE_VIDEO, groupId);
+        AddStream(bin, NewVideoSource(clip), pace, {"video", GST_STREAM_TYPE_VIDEO, groupId});
     }
     if (clip->HasSound()) {
-        AddStream(bin, NewAudioSource(clip), "audio", GST_STREAM_TYPE_AUDIO, groupId);
+        AddStream(bin, NewAudioSource(clip), pace, {"audio", GST_STREAM_TYPE_AUDIO, groupId});
     }
     state.collection = gst_stream_collection_new(nullptr);
     for (const auto& stream : state.streams) {
@@ -348,6 +354,11 @@ void ShowClip(TesselClipBin* bin, const ClipPointer& clip, guint groupId)
                              gst_message_new_stream_collection(GST_OBJECT(bin), state.collection));
     for (const auto& stream : state.streams) {
         gst_pad_set_active(stream->pad, TRUE);
+        // Before a buffer flows on any pad: who takes the streams wants to know all of them by then.
+        gst_pad_push_event(stream->pad, gst_event_ref(stream->start));
+        gst_pad_push_event(stream->pad, gst_event_new_stream_collection(state.collection));
+    }
+    for (const auto& stream : state.streams) {
         gst_element_add_pad(GST_ELEMENT(bin), stream->pad);
     }
     gst_element_no_more_pads(GST_ELEMENT(bin));

@@ -82,7 +82,7 @@ gboolean SetUri(GstURIHandler* handler, const gchar* uri, GError** error)
     gchar* const location = gst_uri_get_location(uri);
     if (location == nullptr || g_path_is_absolute(location) == FALSE) {
         g_set_error(error, GST_URI_ERROR, GST_URI_ERROR_BAD_URI,
-                    "%s: the path of a document must be absolute, as in tessel:///home/me/clip.tessel", uri);
+                    "%s: the path of a document must be absolute, as in tessel:///clips/bars.tessel", uri);
         g_free(location);
         return FALSE;
     }

@@ -1,8 +1,6 @@
 #include "StreamSource.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
 #include <utility>
 
 namespace tessel::gstreamer {
@@ -16,13 +14,9 @@ struct StreamSourceState {
     guint64 end = 0;   ///< behind the last unit of the segment
     guint64 next = 0;  ///< forward: the next unit; reverse: behind it
     bool isReverse = false;
-    bool endsWithoutLink = false; ///< in segment seeks, whose end others wait for
 
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isUnlinked = false;     ///< the last buffer went nowhere
-    bool isReconfigured = false; ///< downstream has changed since the last buffer was begun
-    bool isFlushing = false;
+    std::shared_ptr<Pace> pace;
+    Pace::Id place = 0;
 };
 
 namespace {
@@ -63,36 +57,46 @@ gboolean Seek(GstBaseSrc* base, GstSegment* segment)
     state.first = std::min(UnitAt(shape.rate, from), shape.unitCount);
     state.end = std::min(UnitsBefore(shape.rate, to), shape.unitCount);
     state.next = state.isReverse ? state.end : state.first;
-    state.endsWithoutLink = (segment->flags & GST_SEGMENT_FLAG_SEGMENT) != 0;
+    state.pace->Begin(state.place);
     segment->time = segment->start;
     segment->position = state.isReverse ? to : segment->start;
     return TRUE;
 }
 
+/// Where downstream wants none of the formats, the best one is announced all the same, as demuxers do:
+/// decodebin3 answers with the formats of its decoders, which raw formats are not, and then takes them. What is
+/// refused in earnest fails when the caps arrive there.
+gboolean Negotiate(GstBaseSrc* base)
+{
+    GstBaseSrcClass* const parent = GST_BASE_SRC_CLASS(tessel_stream_source_parent_class);
+    if (parent->negotiate(base) != FALSE) {
+        return TRUE;
+    }
+    GstCaps* const caps = gst_caps_fixate(gst_pad_query_caps(GST_BASE_SRC_PAD(base), nullptr));
+    const gboolean isSet = gst_base_src_set_caps(base, caps);
+    gst_caps_unref(caps);
+    return isSet;
+}
+
 gboolean Unlock(GstBaseSrc* base)
 {
     StreamSourceState& state = StateOf(base);
-    const std::lock_guard lock(state.mutex);
-    state.isFlushing = true;
-    state.changed.notify_all();
+    state.pace->SetFlushing(state.place, true);
     return TRUE;
 }
 
 gboolean UnlockStop(GstBaseSrc* base)
 {
     StreamSourceState& state = StateOf(base);
-    const std::lock_guard lock(state.mutex);
-    state.isFlushing = false;
+    state.pace->SetFlushing(state.place, false);
     return TRUE;
 }
 
 gboolean HandleEvent(GstBaseSrc* base, GstEvent* event)
 {
     if (GST_EVENT_TYPE(event) == GST_EVENT_RECONFIGURE) {
-        StreamSourceState& state = StateOf(base);
-        const std::lock_guard lock(state.mutex);
-        state.isReconfigured = true;
-        state.changed.notify_all();
+        const StreamSourceState& state = StateOf(base);
+        state.pace->Reconfigure(state.place);
     }
     return GST_BASE_SRC_CLASS(tessel_stream_source_parent_class)->event(base, event);
 }
@@ -161,47 +165,36 @@ gboolean HandleQuery(GstBaseSrc* base, GstQuery* query)
     return GST_BASE_SRC_CLASS(tessel_stream_source_parent_class)->query(base, query);
 }
 
-/// Waits while nobody takes the signal. False where the wait was ended to stop or to seek.
-bool WaitUntilLinked(StreamSourceState& state)
-{
-    std::unique_lock lock(state.mutex);
-    state.changed.wait(lock, [&] { return !state.isUnlinked || state.isReconfigured || state.isFlushing; });
-    if (state.isFlushing) {
-        return false;
-    }
-    state.isUnlinked = false;
-    state.isReconfigured = false;
-    return true;
-}
-
 GstFlowReturn Create(GstPushSrc* push, GstBuffer** buffer)
 {
     TesselStreamSource* const source = AsStreamSource(push);
     StreamSourceState& state = *source->state;
     const StreamShape& shape = state.shape;
-    if (!WaitUntilLinked(state)) {
+    if (!state.pace->WaitForTurn(state.place)) {
         return GST_FLOW_FLUSHING;
     }
     const guint64 block = shape.unitsPerBuffer;
     guint64 first = state.next;
-    guint64 end = state.end;
-    if (state.isReverse) {
-        if (state.next <= state.first) {
-            return GST_FLOW_EOS;
-        }
-        end = state.next;
+    guint64 end = state.next;
+    if (state.isReverse && state.next > state.first) {
         first = std::max(state.first, (end - 1) / block * block);
         state.next = first;
-    } else {
-        if (state.next >= state.end) {
-            return GST_FLOW_EOS;
-        }
+    } else if (!state.isReverse && state.next < state.end) {
         end = std::min(state.end, (first / block + 1) * block);
         state.next = end;
+    } else {
+        state.pace->End(state.place);
+        return state.pace->WaitForOthersToStart(state.place) ? GST_FLOW_EOS : GST_FLOW_FLUSHING;
+    }
+    const guint64 done = state.isReverse ? state.end - first : end - state.first;
+    state.pace->Advance(state.place, StartOf(shape.rate, done));
+    if (state.next == (state.isReverse ? state.first : state.end)) {
+        state.pace->End(state.place);
     }
     auto* const kind = reinterpret_cast<TesselStreamSourceClass*>(G_OBJECT_GET_CLASS(source));
     const GstFlowReturn flow = kind->make(source, first, end - first, buffer);
     if (flow != GST_FLOW_OK) {
+        state.pace->End(state.place);
         return flow;
     }
     GST_BUFFER_PTS(*buffer) = StartOf(shape.rate, first);
@@ -216,6 +209,7 @@ void tessel_stream_source_init(TesselStreamSource* source)
 {
     source->state = new StreamSourceState;
     gst_base_src_set_format(GST_BASE_SRC(source), GST_FORMAT_TIME);
+    gst_base_src_set_automatic_eos(GST_BASE_SRC(source), FALSE); // `Create` says when the stream ends
 }
 
 void tessel_stream_source_class_init(TesselStreamSourceClass* kind)
@@ -225,6 +219,7 @@ void tessel_stream_source_class_init(TesselStreamSourceClass* kind)
     base->start = &Start;
     base->is_seekable = &IsSeekable;
     base->do_seek = &Seek;
+    base->negotiate = &Negotiate;
     base->unlock = &Unlock;
     base->unlock_stop = &UnlockStop;
     base->event = &HandleEvent;
@@ -245,6 +240,12 @@ void SetClip(TesselStreamSource* source, ClipPointer clip, const StreamShape& sh
     source->state->shape = shape;
 }
 
+void SetPace(TesselStreamSource* source, std::shared_ptr<Pace> pace)
+{
+    source->state->place = pace->Add();
+    source->state->pace = std::move(pace);
+}
+
 const Clip& ClipOf(const TesselStreamSource* source)
 {
     return *source->state->clip;
@@ -261,15 +262,18 @@ GstClockTime StartOfUnitAt(const TesselStreamSource* source, GstClockTime time)
     return StartOf(rate, UnitAt(rate, time));
 }
 
-void WaitForLink(TesselStreamSource* source)
+void NoteBuffer(TesselStreamSource* source)
 {
-    StreamSourceState& state = *source->state;
-    if (state.endsWithoutLink) {
-        state.next = state.isReverse ? state.first : state.end;
-        return;
+    source->state->pace->Start(source->state->place);
+}
+
+void NoteFlow(TesselStreamSource* source, GstFlowReturn flow)
+{
+    const StreamSourceState& state = *source->state;
+    state.pace->SetLinked(state.place, flow != GST_FLOW_NOT_LINKED);
+    if (flow != GST_FLOW_NOT_LINKED && flow != GST_FLOW_OK) {
+        state.pace->End(state.place);
     }
-    const std::lock_guard lock(state.mutex);
-    state.isUnlinked = true;
 }
 
 GstFlowReturn FailRequest(TesselStreamSource* source)

@@ -3,9 +3,12 @@
 #pragma once
 
 #include "Clip.h"
+#include "Pace.h"
 #include "Timing.h"
 
 #include <gst/base/gstpushsrc.h>
+
+#include <memory>
 
 namespace tessel::gstreamer {
 
@@ -36,17 +39,18 @@ inline TesselStreamSource* AsStreamSource(gpointer object)
     return reinterpret_cast<TesselStreamSource*>(object);
 }
 
-/// Before the source starts.
+/// Both before the source starts.
 void SetClip(TesselStreamSource* source, ClipPointer clip, const StreamShape& shape);
+void SetPace(TesselStreamSource* source, std::shared_ptr<Pace> pace);
 [[nodiscard]] const Clip& ClipOf(const TesselStreamSource* source);
 
 /// The unit's time as `GST_QUERY_CONVERT` gives it, and the start of the unit that a time lies in.
 [[nodiscard]] GstClockTime UnitTime(const TesselStreamSource* source, guint64 unit);
 [[nodiscard]] GstClockTime StartOfUnitAt(const TesselStreamSource* source, GstClockTime time);
 
-/// Called on the streaming thread when a buffer went nowhere because the pad is not linked. The source waits
-/// until that changes, so that it does not make signal for nobody at full speed.
-void WaitForLink(TesselStreamSource* source);
+/// A buffer leaves the bin, and what became of it; on the streaming thread.
+void NoteBuffer(TesselStreamSource* source);
+void NoteFlow(TesselStreamSource* source, GstFlowReturn flow);
 
 /// Posts why a request on the clip failed.
 [[nodiscard]] GstFlowReturn FailRequest(TesselStreamSource* source);

@@ -37,15 +37,25 @@ bool BeginsAsObject(std::string_view text)
     return first != std::string_view::npos && text[first] == '{';
 }
 
+/// Whether a text stands there as a key, not as a value.
+bool HasKey(std::string_view text, std::string_view key)
+{
+    const std::size_t place = text.find(key);
+    if (place == std::string_view::npos) {
+        return false;
+    }
+    const std::size_t behind = text.find_first_not_of(" \t\r\n", place + key.size());
+    return behind != std::string_view::npos && text[behind] == ':';
+}
+
 void Find(GstTypeFind* find, gpointer /*data*/)
 {
     const std::string_view text = Peek(find);
     if (!BeginsAsObject(text)) {
         return;
     }
-    const auto found = std::count_if(kKeys.begin(), kKeys.end(), [&](std::string_view key) {
-        return text.find(key) != std::string_view::npos;
-    });
+    const auto found =
+        std::count_if(kKeys.begin(), kKeys.end(), [&](std::string_view key) { return HasKey(text, key); });
     if (found > 0) {
         gst_type_find_suggest_simple(find, found > 1 ? GST_TYPE_FIND_NEARLY_CERTAIN : GST_TYPE_FIND_LIKELY,
                                      kDocumentType, nullptr, nullptr);
