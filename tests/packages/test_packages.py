@@ -1,7 +1,8 @@
 """The Debian packages as files: what is in which, what they need, and that an unpacked one works.
 
-Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON, HAS_MPV: 1 where the build has the Qt toolkit,
-the Python module, the plug-in of mpv. PACKAGES names a folder of packages to look into, instead of making them.
+Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON, HAS_MPV, HAS_GSTREAMER: 1 where the build has
+the Qt toolkit, the Python module, the plug-in of mpv, that of GStreamer. PACKAGES names a folder of packages to look into,
+instead of making them.
 """
 
 import gzip
@@ -17,8 +18,10 @@ SAMPLE = os.path.join(ROOT, "samples", "hd-2997.tessel")
 HAS_WINDOWS = os.environ.get("HAS_WINDOWS", "1") == "1"
 HAS_PYTHON = os.environ.get("HAS_PYTHON", "1") == "1"
 HAS_MPV = os.environ.get("HAS_MPV", "1") == "1"
+HAS_GSTREAMER = os.environ.get("HAS_GSTREAMER", "1") == "1"
 NAMES = sorted(["libkestrel-dev", "tessel"] + (["tessel-qt"] if HAS_WINDOWS else []) +
-               (["python3-tessel"] if HAS_PYTHON else []) + (["mpv-tessel"] if HAS_MPV else []))
+               (["python3-tessel"] if HAS_PYTHON else []) + (["mpv-tessel"] if HAS_MPV else []) +
+               (["gstreamer1.0-tessel"] if HAS_GSTREAMER else []))
 NEEDED = ("dpkg-deb", "dpkg-shlibdeps", "readelf", "gzip")
 
 
@@ -115,6 +118,11 @@ class Contents(PackageTest):
         link = os.readlink(self.one("mpv-tessel", r"etc/mpv/scripts/tessel\.so"))
         self.assertEqual(UNPACKED["mpv-tessel"] + link, plug_in)
 
+    @unittest.skipUnless(HAS_GSTREAMER, "the build has no GStreamer plug-in")
+    def test_the_gstreamer_package_is_where_gstreamer_looks(self):
+        library = self.one("gstreamer1.0-tessel", r"usr/lib/(?:[^/]+/)?gstreamer-1\.0/libgsttessel\.so")
+        self.assertIn("gst_plugin_tessel_get_desc", output("readelf", "-W", "--dyn-syms", library))
+
     def test_manual_pages_are_compressed_and_completions_stand_where_shells_look(self):
         pages = [path for path in CONTENTS["tessel"] if path.startswith("usr/share/man/")]
         self.assertIn("usr/share/man/man1/tessel-render.1.gz", pages)
@@ -128,7 +136,8 @@ class Contents(PackageTest):
         for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/(?:Kestrel|Tessel)/.*|.*/kestrel-conformance"
                                     # Examples are sources to build.
                                     r"|.*/kestrel/examples/.*|usr/share/doc/libkestrel-dev/.*")
-        plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so|.*/mpv(?:-tessel|/scripts)/tessel\.so")
+        plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so|"
+                              r".*/mpv(?:-tessel|/scripts)/tessel\.so|.*/gstreamer-1\.0/libgsttessel\.so")
         for package, paths in CONTENTS.items():
             for path in paths:
                 if plug_ins.fullmatch(path):

@@ -4,6 +4,7 @@ Variables: GST_PLUGIN_PATH and GST_REGISTRY, GST_LAUNCH and the other programs, 
 """
 
 import os
+import re
 import subprocess
 import sys
 import unittest
@@ -206,6 +207,21 @@ class Players(GStreamerTest):
             self.assertEqual((answer.code, answer.err), (0, ""))
             for part in says:
                 self.assertIn(part, answer.out)
+
+
+class Guide(GStreamerTest):
+    def test_the_pipelines_of_the_guide_run(self):
+        with open(os.path.join(ROOT, "docs", "integrations.md"), encoding="utf-8") as file:
+            lines = re.search(r"^```gstreamer\n(.*?)^```$", file.read(), re.DOTALL | re.MULTILINE).group(1).splitlines()
+        self.assertGreater(len(lines), 2)
+        self.write("clip.tessel", document(mNumChannels=2, **LONG))
+        for line in lines:
+            self.assertTrue(line.startswith("gst-launch-1.0 "))
+            missing = [element for element in ("x264enc", "mp4mux", "wavenc", "videoconvert") if element in line and
+                       self.run_command([os.environ["GST_INSPECT"], element]).code != 0]
+            if not missing:
+                pipeline = line[len("gst-launch-1.0 "):].replace("/clips/", self.folder + "/")
+                self.assert_plays(pipeline)
 
 
 class Failures(GStreamerTest):
