@@ -218,7 +218,8 @@ private:
         const read::SoundFacts facts = mMovie.sound.value_or(read::SoundFacts{});
         const double leastSamples = findings.Limits().Of(id::kAudioLost);
         const judge::SoundEvidence sound = mSound.Finish(facts, leastSamples);
-        judge::JudgeSound(sound, facts, findings);
+        judge::JudgeSound(sound, facts, mJob.isStrict ? judge::Uncarried::Fault : judge::Uncarried::Note,
+                          findings);
         judge::JudgeSync({mClip, mMovie, alignment, sound}, findings);
         if (mJob.keepsPictures && sound.trouble == judge::SoundTrouble::None) {
             report.sounds = mSound.Waveforms(sound);

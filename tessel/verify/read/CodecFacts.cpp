@@ -274,6 +274,7 @@ void AddSoundFacts(MovieFacts& facts, const AVFormatContext& /*input*/, const AV
     if (facts.sound) {
         facts.sound->channels += codec.ch_layout.nb_channels;
         facts.sound->layout.clear(); // nobody says what several streams are together
+        facts.sound->lfeChannel.reset();
         return;
     }
     SoundFacts& sound = facts.sound.emplace();
@@ -284,6 +285,10 @@ void AddSoundFacts(MovieFacts& facts, const AVFormatContext& /*input*/, const AV
     sound.layout = LayoutName(codec.ch_layout);
     if (sound.layout.empty()) {
         sound.layout = LayoutName(stream.codecpar->ch_layout); // what was learnt of the stream's first data
+    }
+    const int lfe = av_channel_layout_index_from_channel(&codec.ch_layout, AV_CHAN_LOW_FREQUENCY);
+    if (lfe >= 0) {
+        sound.lfeChannel = lfe;
     }
     sound.bits = sound.codecClass == CodecClass::Lossless
                      ? std::max(codec.bits_per_raw_sample, av_get_exact_bits_per_sample(codec.codec_id))

@@ -83,8 +83,9 @@ struct SoundFacts {
     CodecClass codecClass = CodecClass::Delivery;
     int sampleRate = 0;
     int channels = 0;
-    std::string layout; ///< FFmpeg's name; empty: not said
-    int bits = 0;       ///< of a sample, 0 for codecs without
+    std::string layout;            ///< FFmpeg's name; empty: not said
+    std::optional<int> lfeChannel; ///< the one for low frequencies alone, by the layout
+    int bits = 0;                  ///< of a sample, 0 for codecs without
     std::optional<double> startSeconds;
 };
 

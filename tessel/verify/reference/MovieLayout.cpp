@@ -57,7 +57,7 @@ exporting::YCbCrCoding CodingFor(const ClipFacts& clip, const read::PictureFacts
     const bool isSaid = movie.matrix != 2 && movie.matrix != 0;
     const bool isClips = clip.matrix != 2 && clip.matrix != 0;
     const int matrix = isSaid ? movie.matrix : isClips ? clip.matrix : 1;
-    return {static_cast<exporting::Matrix>(matrix), movie.fullRange.value_or(isClips && clip.fullRange)};
+    return {static_cast<exporting::Matrix>(matrix), movie.fullRange.value_or(false)};
 }
 
 } // namespace tessel::verify::reference

@@ -51,5 +51,47 @@ class Clean(VerifyTest):
         self.expect_clean(report, "wav")
         self.assertIn("order.missing", [check["id"] for check in report["notVisible"]])
 
+    def test_what_aac_leaves_out_of_the_lfe_channel_is_a_note(self):
+        for channels, kind in ((6, 3), (8, 2)):
+            root = document("v211", (192, 108), rate=(25, 1), frames=50, number=True, mNumChannels=channels,
+                            mKsAudioChannelType=kind, mSteadyToneFrequency=440.0)
+            movie = self.render(root, "x.mp4")
+            report = self.verify(root, movie)
+            self.expect_clean(report, f"{channels} channels")
+            self.assertTrue(any("LFE" in note and "audio.silence" in note for note in report["notes"]), report["notes"])
+            self.assertEqual(self.ids(self.verify(root, movie, "--strict", "--only", "audio.silence")),
+                             ["audio.silence"])
+
+    def test_a_fifth_of_a_second_of_sound_has_no_harmonics(self):
+        root = document("bgrx", (190, 320), rate=(50, 1), frames=11, number=True, mSteadyToneFrequency=440.0,
+                        mSteadyToneAmplitude=0.25)
+        self.clean(root, "x.mkv", "x.mov")
+
+    def test_full_range_becomes_limited_where_a_container_has_no_place_for_it(self):
+        root = document("bgrx", (192, 320), rate=(50, 1), frames=12, upper=(0.9, 0.5, 0.2, 1.0), number=True,
+                        space="BT709_FULL")
+        self.expect_clean(self.verify(root, self.render(root, "x.mov", "--video-codec", "v210")), "v210")
+
+    def test_chroma_of_planar_pictures_is_kept_by_frame_or_by_field_as_the_format_says(self):
+        frames = document("yv17", (344, 76), rate=(25, 1), frames=6, order=2, upper=(0.9, 0.1, 0.2, 1.0),
+                          lower=(0.1, 0.8, 0.7, 1.0))
+        fields_ = document("yvi7", (136, 260), rate=(25, 1), frames=6, number=True, pattern="gradient")
+        for root in (frames, fields_):
+            self.expect_clean(self.verify(root, self.render(root, "x.mkv", "--video-codec", "ffv1")), "planar")
+
+    def test_lossy_codecs_smooth_rows_and_edges(self):
+        # Faint gradients in fields, and a plate whose few edges are all that shows where chroma is.
+        rows = document("vux7", (482, 300), rate=(24, 1), frames=20, order=2, pattern="gradient")
+        edges = document("BGpL", (492, 310), rate=(25, 1), frames=20, pattern="gradient", number=True)
+        for root in (rows, edges):
+            self.expect_clean(self.verify(root, self.render(root, "x.mp4", "--quality", "23")), root["mPixelFormat"])
+
+    def test_mxf_counts_frames_so_sound_is_compared_exactly(self):
+        root = document("v211", (192, 108), rate=(25, 1), frames=100, pattern="gradient", number=True,
+                        mToneFormat=1, mIdentifierFormat=0)
+        report = self.verify(root, self.render(root, "x.mxf", "--video-codec", "mpeg2"))
+        self.expect_clean(report, "mxf")
+        self.assertNotIn("sync.offset", [check["id"] for check in report["notVisible"]])
+
 
 main()

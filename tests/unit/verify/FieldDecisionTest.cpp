@@ -153,6 +153,27 @@ TEST(FieldDecision, HalfARowOfMovementIsNoFaultOfFields)
     EXPECT_EQ(DecisionOn(half, 60, 2, 0.5).best.kind, FieldKind::Moved);
 }
 
+TEST(FieldDecision, WhatALossyCodecLeavesOutOfRowsIsNoBlend)
+{
+    // A ripple of one code from row to row on a ring that is moved: a codec drops the ripple, as a mixture of
+    // rows would. The mixture differs from the right rows by one code, which is less than is asked for.
+    const auto rippled = [](int n, double ripple) {
+        return [n, ripple](int y, int x) { return 30.0 + n + x * 0.3 + (y % 2 == 0 ? ripple : -ripple); };
+    };
+    std::vector<FieldEvidence> evidence;
+    for (int n = 4; n < 8; ++n) {
+        const RowSamples last = Samples(rippled(n - 1, 0.5));
+        const RowSamples now = Samples(rippled(n, 0.5));
+        const RowSamples next = Samples(rippled(n + 1, 0.5));
+        evidence.push_back({n, CompareFields({last, now, next, 0}, Samples(rippled(n, 0)))});
+    }
+    EXPECT_EQ(Decide(evidence).best.kind, FieldKind::Blended);
+    const FieldDecision lossy = Decide(evidence, 1);
+    EXPECT_EQ(lossy.best.kind, FieldKind::Right);
+    EXPECT_FALSE(lossy.isVisible[static_cast<std::size_t>(FieldKind::Blended)]);
+    EXPECT_TRUE(lossy.isVisible[static_cast<std::size_t>(FieldKind::Swapped)]);
+}
+
 TEST(FieldDecision, FieldsThatAreAlikeTellNothing)
 {
     // A vertical ramp without edges, and nothing that changes: any weave is the frame itself.

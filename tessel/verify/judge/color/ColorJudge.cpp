@@ -81,6 +81,9 @@ private:
         double best = 1e300;
         for (const Coding& coding : RightCodings(mGiven.clip, mGiven.movie)) {
             std::vector<ColorPair> pairs = PairsOf(mGiven.sampler.Spots(), coding);
+            if (KeepsChromaOfFrames()) {
+                MixChromaOfFields(pairs, coding);
+            }
             std::vector<Hypothesis> list = Hypotheses(coding);
             const double residual = ResidualOf(list.front(), pairs);
             if (residual < best - 0.2) {
@@ -96,6 +99,27 @@ private:
         }
         for (const Hypothesis& hypothesis : mList) {
             mResiduals.push_back(ResidualOf(hypothesis, mPairs));
+        }
+    }
+
+    /// A planar frame picture has one chroma for both fields, by its format.
+    [[nodiscard]] bool KeepsChromaOfFrames() const
+    {
+        const exporting::PixelKind& kind = mGiven.clip.fileKind;
+        return kind.storage == exporting::Storage::Planar420 && !kind.fieldPicture &&
+               mGiven.movie.format.chromaShiftY > 0;
+    }
+
+    static void MixChromaOfFields(std::vector<ColorPair>& pairs, const Coding& coding)
+    {
+        for (ColorPair& pair : pairs) {
+            Triple own = Encode(coding, pair.rgb);
+            Triple other = Encode(coding, pair.otherField);
+            for (const std::size_t part : {1U, 2U}) {
+                own[part] = other[part] = (own[part] + other[part]) / 2;
+            }
+            pair.rgb = Decode(coding, own);
+            pair.otherField = Decode(coding, other);
         }
     }
 

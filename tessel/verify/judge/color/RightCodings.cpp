@@ -25,7 +25,9 @@ std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::P
         matrices.push_back(movie.matrix);
     }
     const bool isFullClip = !isYCbCrClip && clip.fullRange && clip.matrix != 0;
-    std::set<bool> ranges{isFullClip, movie.fullRange.value_or(isFullClip)};
+    // Who says nothing of the range means the limited one.
+    std::set<bool> ranges =
+        movie.fullRange ? std::set<bool>{isFullClip, *movie.fullRange} : std::set<bool>{false};
     if (isYCbCrClip && clip.fullRange) {
         ranges = {false}; // such a clip announces full range and has limited codes, on purpose
     }

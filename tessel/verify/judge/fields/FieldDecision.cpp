@@ -96,7 +96,7 @@ double ShareUncertainty(double apart, double noise) noexcept
 
 } // namespace
 
-FieldDecision Decide(std::span<const FieldEvidence> evidence)
+FieldDecision Decide(std::span<const FieldEvidence> evidence, double leastApart)
 {
     const Sums sums(evidence);
     const auto isPossible = [&](std::size_t h) {
@@ -115,7 +115,13 @@ FieldDecision Decide(std::span<const FieldEvidence> evidence)
         return (sums.Residual(a) - sums.Residual(b)) / (2 * sums.Apart(a, b)) + 0.5;
     };
 
+    const double least = leastApart * std::max(1.0, sums.Root(best));
+    const auto isTold = [&](std::size_t h) { return sums.Apart(kRight, h) >= least * least * sums.Samples(); };
+
     FieldDecision decision;
+    if (!isTold(best)) {
+        best = kRight;
+    }
     if (best != kRight) {
         const double uncertainty = ShareUncertainty(sums.Apart(kRight, best), noise);
         const double share = shareOf(kRight, best);
@@ -144,7 +150,7 @@ FieldDecision Decide(std::span<const FieldEvidence> evidence)
     decision.isSecondAsLikely = best != kRight && decision.second != FieldKind::Right &&
                                 ShareUncertainty(sums.Apart(best, second), noise) > 0.5;
     for (std::size_t h = 1; h < kHypotheses.size(); ++h) {
-        if (isPossible(h) && ShareUncertainty(sums.Apart(kRight, h), noise) < kTellingShare) {
+        if (isPossible(h) && isTold(h) && ShareUncertainty(sums.Apart(kRight, h), noise) < kTellingShare) {
             decision.isVisible[static_cast<std::size_t>(kHypotheses[h].kind)] = true;
         }
     }

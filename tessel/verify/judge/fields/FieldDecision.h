@@ -51,8 +51,11 @@ struct FieldDecision {
     std::array<bool, kFieldKinds> isVisible{};
 };
 
-/// The least residual wins; `Right` against another by more than the noise that is left. @param evidence  not
-/// empty
-[[nodiscard]] FieldDecision Decide(std::span<const FieldEvidence> evidence);
+/// The least residual wins; `Right` against another by more than the noise that is left.
+/// @param evidence    not empty
+/// @param leastApart  root of the mean square, in codes, by which an explanation's rows must differ from the
+///                    right ones. What a lossy codec leaves out of a picture is like a fault that is smaller;
+///                    where more than a code is left unexplained, so many times that.
+[[nodiscard]] FieldDecision Decide(std::span<const FieldEvidence> evidence, double leastApart = 0);
 
 } // namespace tessel::verify::judge

@@ -13,6 +13,13 @@ namespace {
 // A fault of all pictures shows in nearly all of them.
 constexpr double kNearlyAll = 0.8;
 
+/// Codes by which the rows of a fault differ from the right ones at least. What lossy codecs leave out of a
+/// picture looks like a faint mixture of its rows.
+double LeastApart(CodecClass codec) noexcept
+{
+    return codec == CodecClass::Lossless ? 0 : codec == CodecClass::Mezzanine ? 0.5 : 1;
+}
+
 std::string_view NameOf(FieldKind kind) noexcept
 {
     switch (kind) {
@@ -98,7 +105,7 @@ public:
         const FieldNumbers numbers = NumbersOf(mGiven.alignment);
         const std::vector<FieldEvidence>& evidence = mGiven.sampler.Evidence();
         if (!evidence.empty()) {
-            mDecision = Decide(evidence);
+            mDecision = Decide(evidence, LeastApart(mFindings.Limits().picture));
         }
         TellVisibility(numbers);
         if (!evidence.empty() && TellKind()) {

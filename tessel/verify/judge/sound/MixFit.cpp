@@ -37,8 +37,8 @@ const ToneRun* Steady(const SoundTrack& track, std::size_t channel, double secon
 
 class Fitting {
 public:
-    Fitting(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, LfeBand band)
-        : mClip(clip), mMovie(movie), mMap(map), mBand(band),
+    Fitting(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, std::optional<int> lowChannel)
+        : mClip(clip), mMovie(movie), mMap(map), mLowChannel(lowChannel),
           mSources(static_cast<Eigen::Index>(clip.channels.size())),
           mChannels(static_cast<Eigen::Index>(movie.channels.size()))
     {
@@ -146,10 +146,7 @@ private:
         }
         for (std::size_t channel = 0; channel < mMovie.channels.size(); ++channel) {
             const ToneRun* run = Steady(mMovie, channel, seconds, kMargin / 2);
-            constexpr double kLfeTop = 120; // Hz
-            const bool isCut = mBand == LfeBand::Low && mMovie.channels.size() == 6 && channel == 3 &&
-                               mMovie.frequencies[tone] > kLfeTop;
-            if (run == nullptr || run->isOther || isCut) {
+            if (run == nullptr || run->isOther || IsOutOfBand(channel, mMovie.frequencies[tone])) {
                 continue;
             }
             moment.isKnown[channel] = true;
@@ -161,6 +158,12 @@ private:
             }
         }
         return true;
+    }
+
+    [[nodiscard]] bool IsOutOfBand(std::size_t channel, double frequency) const noexcept
+    {
+        constexpr double kLfeTop = 120; // Hz
+        return mLowChannel && static_cast<std::size_t>(*mLowChannel) == channel && frequency > kLfeTop;
     }
 
     std::vector<Eigen::VectorXd> Solve(const std::vector<Eigen::MatrixXd>& moments,
@@ -202,6 +205,9 @@ private:
             row.expectedLevel = std::sqrt(std::max(0.0, moments[m].diagonal().maxCoeff()) / count);
             // Of a channel that the clip itself leaves silent, nothing is expected.
             row.isSilent = row.level < 0.003 * row.expectedLevel || energy[m] <= 0;
+            const std::vector<double>& tones = mMovie.frequencies;
+            row.isOutOfBand =
+                std::all_of(tones.begin(), tones.end(), [&](double tone) { return IsOutOfBand(m, tone); });
             if (!row.isSilent) {
                 const double rest =
                     energy[m] - 2 * rows[m].dot(products[m]) + rows[m].dot(moments[m] * rows[m]);
@@ -281,7 +287,7 @@ private:
     const SoundTrack& mClip;
     const SoundTrack& mMovie;
     const TimeMap& mMap;
-    LfeBand mBand;
+    std::optional<int> mLowChannel;
     Eigen::Index mSources;
     Eigen::Index mChannels;
 };
@@ -324,9 +330,10 @@ const std::vector<KnownMix>& KnownMixes()
 
 } // namespace
 
-MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, LfeBand band)
+MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map,
+              std::optional<int> lowChannel)
 {
-    return Fitting(clip, movie, map, band).Run();
+    return Fitting(clip, movie, map, lowChannel).Run();
 }
 
 MixMatch NearestMix(const MixFit& fit, std::size_t clipChannels)

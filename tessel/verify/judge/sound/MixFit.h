@@ -5,6 +5,7 @@
 #include "TimeMap.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct MixRow {
     double gainSigma = 0;        ///< of the gain, as a part of it
     double alone = 0;            ///< part of the energy that `source` leaves unexplained
     bool isSilent = false;
+    bool isOutOfBand = false; ///< all that it should carry is above what the codec keeps of it
 };
 
 /// A stretch in which a channel is not what it is elsewhere.
@@ -40,11 +42,10 @@ struct MixFit {
     double seconds = 0; ///< of sound that was compared
 };
 
-/// Lossy codecs cut off what the LFE channel of 5.1 has above some 120 Hz.
-enum class LfeBand { Full, Low };
-
+/// @param lowChannel  of the movie, of which its codec keeps nothing above some 120 Hz: the one for low
+///                    frequencies, in lossy codecs
 [[nodiscard]] MixFit FitMix(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map,
-                            LfeBand band = LfeBand::Full);
+                            std::optional<int> lowChannel = std::nullopt);
 
 /// A matrix of the closed list.
 struct KnownMix {

@@ -42,9 +42,10 @@ std::string Joined(const std::vector<std::string>& parts)
 
 class Judging {
 public:
-    Judging(const SoundEvidence& evidence, const read::SoundFacts& facts, Findings& findings)
+    Judging(const SoundEvidence& evidence, const read::SoundFacts& facts, Uncarried uncarried,
+            Findings& findings)
         : mClip(evidence.clip), mMovie(evidence.movie), mMap(evidence.map), mMix(evidence.mix),
-          mClipBits(evidence.clipBits), mFacts(facts), mFindings(findings)
+          mClipBits(evidence.clipBits), mFacts(facts), mUncarried(uncarried), mFindings(findings)
     {
     }
 
@@ -322,7 +323,14 @@ private:
             const bool isElsewhere = std::any_of(mMix.rows.begin(), mMix.rows.end(), [&](const MixRow& row) {
                 return !row.isSilent && row.source == static_cast<int>(m) && Channels() != Sources();
             });
-            if (mMix.rows[m].isSilent && IsHeard(m) && !isElsewhere) {
+            if (!mMix.rows[m].isSilent || !IsHeard(m) || isElsewhere) {
+                continue;
+            }
+            if (mMix.rows[m].isOutOfBand && mUncarried == Uncarried::Note) {
+                mFindings.Note(fmt::format("{} keeps low frequencies alone of the LFE channel, and the clip's "
+                                           "tones are above them [{}]",
+                                           mFacts.codec, id::kAudioSilence));
+            } else {
                 silent.push_back(NameOf(m));
             }
         }
@@ -645,12 +653,14 @@ private:
     const MixFit& mMix;
     const std::vector<int>& mClipBits;
     const read::SoundFacts& mFacts;
+    Uncarried mUncarried;
     Findings& mFindings;
 };
 
 } // namespace
 
-void JudgeSound(const SoundEvidence& evidence, const read::SoundFacts& movie, Findings& findings)
+void JudgeSound(const SoundEvidence& evidence, const read::SoundFacts& movie, Uncarried uncarried,
+                Findings& findings)
 {
     const auto hide = [&](const char* use) {
         for (const std::string_view check : kChecks) {
@@ -659,7 +669,7 @@ void JudgeSound(const SoundEvidence& evidence, const read::SoundFacts& movie, Fi
     };
     switch (evidence.trouble) {
     case SoundTrouble::None:
-        Judging(evidence, movie, findings).Run();
+        Judging(evidence, movie, uncarried, findings).Run();
         break;
     case SoundTrouble::NoClipSound:
         hide("a clip with sound");

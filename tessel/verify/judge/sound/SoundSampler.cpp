@@ -210,7 +210,7 @@ SoundEvidence SoundSampler::Finish(const read::SoundFacts& facts, double leastSa
     evidence.clip = TrackOfClip(facts.bits, evidence.clipBits);
     evidence.map = MapTime(evidence.clip, evidence.movie, mPitch, leastSamples / evidence.clip.rate);
     evidence.mix = FitMix(evidence.clip, evidence.movie, evidence.map,
-                          facts.codecClass == CodecClass::Lossless ? LfeBand::Full : LfeBand::Low);
+                          facts.codecClass == CodecClass::Lossless ? std::nullopt : facts.lfeChannel);
     return evidence;
 }
 

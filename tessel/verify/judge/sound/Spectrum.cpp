@@ -106,10 +106,17 @@ bool IsSame(double a, double b) noexcept
 
 std::vector<SpectralPeak> PeaksOf(const reference::Samples& samples, int sampleRate, std::size_t most)
 {
-    const int length = static_cast<int>(kWindowSeconds * sampleRate / 2) * 2;
-    if (samples.empty() || length < 16) {
+    if (samples.empty()) {
         return {};
     }
+    // A window that is longer than the sound would tell frequencies from its beginning alone.
+    const int whole = static_cast<int>(kWindowSeconds * sampleRate);
+    const int length =
+        static_cast<int>(std::min(samples.front().size(), static_cast<std::size_t>(whole)) / 2) * 2;
+    if (length < 16) {
+        return {};
+    }
+    const double windowSeconds = static_cast<double>(length) / sampleRate;
     const std::vector<Bin> spectrum = LoudestSpectrum(samples, length);
     std::vector<SpectralPeak> peaks;
     for (std::size_t bin = 2; bin + 1 < spectrum.size(); ++bin) {
@@ -130,7 +137,7 @@ std::vector<SpectralPeak> PeaksOf(const reference::Samples& samples, int sampleR
     std::vector<SpectralPeak> kept;
     for (const SpectralPeak& peak : peaks) {
         const bool isLobe = std::any_of(kept.begin(), kept.end(), [&](const SpectralPeak& other) {
-            return std::abs(peak.frequency - other.frequency) < 16 / kWindowSeconds &&
+            return std::abs(peak.frequency - other.frequency) < 16 / windowSeconds &&
                    peak.amplitude < 0.3 * other.amplitude;
         });
         if (!isLobe && peak.amplitude > kLeast * peaks.front().amplitude) {

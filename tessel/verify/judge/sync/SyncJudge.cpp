@@ -77,7 +77,7 @@ PictureTime TimeOfPictures(const SyncCase& given)
     std::vector<double> first(late.begin(), late.begin() + static_cast<std::ptrdiff_t>(head));
     std::nth_element(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(head / 2), first.end());
     time.late = first[head / 2];
-    time.at = at.front();
+    time.at = at[head / 2];
     time.span = at.back() - at.front();
     const auto count = static_cast<double>(at.size());
     double meanAt = 0;
@@ -105,6 +105,17 @@ PictureTime TimeOfPictures(const SyncCase& given)
     return time;
 }
 
+/// The unit that times of pictures are rounded to, in seconds; 0 where frames last whole numbers of it.
+double RoundingOf(const SyncCase& given)
+{
+    const double unit = given.movie.picture ? given.movie.picture->timeUnitSeconds : 0;
+    if (unit <= 0 || given.clip.rate.numerator <= 0) {
+        return unit;
+    }
+    const double units = 1 / (given.clip.rate.Value() * unit);
+    return std::abs(units - std::round(units)) < 1e-6 * units ? 0 : unit;
+}
+
 } // namespace
 
 void JudgeSync(const SyncCase& given, Findings& findings)
@@ -113,6 +124,12 @@ void JudgeSync(const SyncCase& given, Findings& findings)
     if (sound.trouble != SoundTrouble::None) {
         findings.NotVisible(id::kSyncOffset);
         findings.NotVisible(id::kSyncDrift);
+        return;
+    }
+    if (findings.HasFault(id::kOrderReversed)) {
+        // Each moment of the sound belongs to another picture by another amount.
+        findings.NotVisible(id::kSyncOffset, "pictures in the clip's order");
+        findings.NotVisible(id::kSyncDrift, "pictures in the clip's order");
         return;
     }
     const TimeMap& map = sound.map;
@@ -126,8 +143,7 @@ void JudgeSync(const SyncCase& given, Findings& findings)
         const double at = std::max(pictures.at, sound.movie.start);
         double late = (at - map.tempo * at - map.pieces.front().shift) - pictures.late -
                       pictures.drift * (at - pictures.at);
-        const double unit =
-            given.movie.picture && pictures.isByNumber ? given.movie.picture->timeUnitSeconds : 0;
+        const double unit = pictures.isByNumber ? RoundingOf(given) : 0;
         const double uncertainty = std::min(3 * map.sigma + unit / 2 + 0.5 / sound.movie.rate, 1.0);
         const double frames = hasFrames ? std::abs(late) * given.clip.rate.Value() : 0;
         std::string text =

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <set>
 
 namespace tessel::verify::judge {
 namespace {
@@ -205,11 +206,13 @@ ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool clips, int perChro
     std::vector<EdgeProfile> profiles;
     std::vector<Course> found;
     std::vector<double> shifts;
+    std::set<int> places;
     for (const EdgeProfile& profile : all) {
         if (Scale(profile.is).Height() < kLeastLeft) {
             continue;
         }
         profiles.push_back(profile);
+        places.insert(profile.place);
         found.push_back(Found(profile));
         shifts.push_back(ShiftOf(profile, found.back(), clips));
     }
@@ -217,6 +220,7 @@ ChromaFit FitChroma(const std::vector<EdgeProfile>& all, bool clips, int perChro
         return fit;
     }
     fit.edges = static_cast<int>(profiles.size());
+    fit.places = static_cast<int>(places.size());
     const double shift = MedianOf(shifts);
     std::vector<double> deviations;
     deviations.reserve(shifts.size());

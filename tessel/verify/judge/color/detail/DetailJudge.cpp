@@ -121,6 +121,16 @@ double EdgeNoise(CodecClass codec) noexcept
     return codec == CodecClass::Lossless ? 0.05 : codec == CodecClass::Mezzanine ? 0.12 : 0.25;
 }
 
+/// What a lossy codec does to an edge, it does to all of the edge's lines.
+constexpr int kLeastPlaces = 4;
+
+/// Chroma samples by which codecs of a class move an edge: a standard deviation, the same in all lines of one
+/// place.
+double EdgePlaceNoise(CodecClass codec) noexcept
+{
+    return codec == CodecClass::Lossless ? 0 : codec == CodecClass::Mezzanine ? 0.06 : 0.2;
+}
+
 /// Whether fewer samples explain the edges much better than any shift does.
 bool IsThinned(const ChromaFit& fit, CodecClass codec) noexcept
 {
@@ -229,11 +239,13 @@ private:
     /// Chroma's shift beside luma's own along one axis.
     [[nodiscard]] Measured Shift(const ChromaFit& fit, Axis axis) const
     {
+        const double codec = 2 * EdgePlaceNoise(mCodec) / std::sqrt(std::max(1, fit.places));
+        const int perChroma = axis == Axis::Across ? mPerX : mPerY;
         // Luma of R'G'B' that clips at an edge seems to move a little.
         constexpr double kClipped = 0.25;
         const double luma = mSampler.Luma(axis).Mean();
         const bool hasMoved = !mIsRgb || std::abs(luma) > kClipped;
-        return {0, fit.shift - (hasMoved ? luma : 0), fit.shiftUncertainty};
+        return {0, fit.shift - (hasMoved ? luma : 0), std::hypot(fit.shiftUncertainty, codec * perChroma)};
     }
 
     void JudgeSiting(bool isThinned, DetailResult& result)
@@ -246,8 +258,13 @@ private:
         }
         const double tolerance = mFindings.Limits().Of(id::kColorSiting);
         const auto isKnown = [&](const ChromaFit& fit, const Measured& shift) {
-            // Courses that even a shift does not explain give no evidence for one.
-            return fit.edges > 0 && fit.shiftedResidual < 2 * EdgeNoise(mCodec) + std::abs(shift.found);
+            // Courses that even a shift does not explain give no evidence for one. Few edges behind a codec
+            // give it for a large shift only.
+            const bool isEnough = mCodec == CodecClass::Lossless || fit.places >= kLeastPlaces;
+            const bool isFine = 2 * shift.uncertainty <= tolerance;
+            return fit.edges > 0 && isEnough &&
+                   fit.shiftedResidual < 2 * EdgeNoise(mCodec) + std::abs(shift.found) &&
+                   (isFine || std::abs(shift.found) > tolerance + shift.uncertainty);
         };
         const bool knowsRight = isKnown(mAcross, right);
         const bool knowsDown = isKnown(mDown, down);

@@ -41,8 +41,9 @@ void DetailSampler::Choose(const read::Picture& picture, std::int64_t frame, con
     if (!layout) {
         return;
     }
-    // Chroma of interlaced pictures may be subsampled by field or by frame; the nearer way is the movie's.
-    const bool hasTwoWays = picture.format.chromaShiftY > 0 && mFacts.fields != read::FieldOrder::Progressive;
+    // Chroma of pictures with fields may be subsampled by field or by frame; the nearer way is the movie's.
+    const bool hasFields = mFacts.fields != read::FieldOrder::Progressive || mFacts.fileKind.fieldPicture;
+    const bool hasTwoWays = picture.format.chromaShiftY > 0 && hasFields;
     double least = 1e300;
     for (const exporting::ChromaRows rows : {exporting::ChromaRows::Frame, exporting::ChromaRows::Field}) {
         auto pictures = std::make_unique<reference::ClipPictures>(mClip, *layout,
@@ -60,6 +61,8 @@ void DetailSampler::Choose(const read::Picture& picture, std::int64_t frame, con
         if (off < least) {
             least = off;
             mPictures = std::move(pictures);
+            mHasFields = mFacts.fields != read::FieldOrder::Progressive ||
+                         (hasTwoWays && rows == exporting::ChromaRows::Field);
         }
         if (!hasTwoWays) {
             break;
@@ -122,7 +125,7 @@ void DetailSampler::Take(const read::Picture& picture, std::int64_t frame, const
     const ChromaPicture isChroma = ChromaOf(picture);
     const std::size_t share = kMostEdges / kFrames * static_cast<std::size_t>(mTaken + 1);
     FindEdges(wasChroma, isChroma, Axis::Across, std::min(share, kMostEdges), mAcross, mLumaAcross);
-    if (mFacts.fields == read::FieldOrder::Progressive) { // else neighbouring rows are of two fields
+    if (!mHasFields) {
         FindEdges(wasChroma, isChroma, Axis::Down, std::min(share, kMostEdges), mDown, mLumaDown);
         TakeRowSteps(wasChroma, isChroma, mSteps);
     }

@@ -56,6 +56,7 @@ private:
     reference::ClipFacts mFacts;
     std::int64_t mStride = 1;
     bool mIsChosen = false;
+    bool mHasFields = false; ///< rows of chroma that are neighbours belong to two fields
     std::unique_ptr<reference::ClipPictures> mPictures; ///< null: the layout cannot be made
     int mTaken = 0;
     std::optional<CodeCounts> mLevels;
