@@ -85,7 +85,10 @@ public:
 
 private:
     /// Byte of the first or second luma sample of a pair.
-    [[nodiscard]] std::size_t Luma(int which) const { return mOrder[0] == 'Y' ? which * 2U : which * 2U + 1U; }
+    [[nodiscard]] std::size_t Luma(int which) const
+    {
+        return static_cast<std::size_t>(mOrder[0] == 'Y' ? which * 2 : which * 2 + 1);
+    }
 
     std::string mName;
     std::string mOrder;
