@@ -5,7 +5,7 @@ import struct
 import unittest
 import zlib
 
-from program import HAS_PLAYER, ProgramTest, document
+from program import HAS_PLAYER, TICKS_PER_SECOND, ProgramTest, document
 
 
 def pixels_of(path):
@@ -108,6 +108,21 @@ class View(ProgramTest):
                 self.assertEqual(self.picture("clip.tessel", *pressed), by_option)
         self.assertEqual(self.picture("clip.tessel", "--frame", "00:00:00:12"), by_option)
 
+    def test_a_movie_that_lost_nothing_differs_nowhere(self):
+        self.clip()
+        self.assert_done(self.run_program("render", "clip.tessel", "-o", "clip.mkv", "--quiet"))
+        counts = counts_of(self.picture("clip.tessel", "--against", "clip.mkv", "--press", "X", "--press", "]"))
+        self.assertEqual(counts.get((128, 128, 128)), 64 * 48)
+        self.assertEqual(counts.get((255, 128, 64)), 2 * 24 * 64)  # in the clip and in the movie
+
+    def test_findings_are_marked_on_the_timeline(self):
+        self.write("clip.tessel", document(mVideoDuration={"ticks": 2 * TICKS_PER_SECOND}))
+        self.assert_done(self.run_program("damage", "clip.tessel", "--fault", "order.missing=20", "-o", "bad.mkv"))
+        mark = (0xE0, 0x50, 0x40)
+        marked = counts_of(self.picture("clip.tessel", "--against", "bad.mkv"))
+        self.assertGreater(marked.get(mark, 0), 10)
+        self.assertNotIn(mark, counts_of(self.picture("clip.tessel")))
+
     def test_playing_tells_what_was_shown_and_dropped(self):
         self.clip()
         answer = self.view("clip.tessel", "--play-for", "1")
@@ -125,6 +140,7 @@ class View(ProgramTest):
                 (["clip.tessel", "--frame", "x", "--screenshot", "a.png"], 1, "'x' is no frame"),
                 (["clip.tessel", "--press", "Nonsense", "--screenshot", "a.png"], 1, "--press Nonsense"),
                 (["clip.tessel", "--size", "10x10"], 2, "--size 10x10"),
+                (["clip.tessel", "--against", "missing.mov", "--screenshot", "a.png"], 1, "missing.mov"),
                 (["--screenshot", "a.png"], 2, "CLIP")):
             with self.subTest(arguments=arguments):
                 answer = self.view(*arguments)

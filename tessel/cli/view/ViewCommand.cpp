@@ -14,6 +14,12 @@ void AddViewCommand(CommandLine& commandLine, Context& context)
     const Command command = commandLine.AddCommand("view", "Play clips in a window, with scopes and meters");
     command.AddOption("CLIP", options->clips, "The clips, side by side").TakesFile(FileKind::Clip);
     command
+        .AddOption("--against", options->against,
+                   "Show this movie, made of the first clip, beside it: the movie, what differs, and what "
+                   "verify finds")
+        .ValueName("MOVIE")
+        .TakesFile(FileKind::Any);
+    command
         .AddOption("--frame", options->frame,
                    "Begin with this frame: a number, or a timecode as in 00:00:04:12")
         .ValueName("FRAME");
@@ -39,7 +45,8 @@ void AddViewCommand(CommandLine& commandLine, Context& context)
         "Keys: Space plays and stops; J, K and L play backwards, stop and play forwards, faster at "
         "each press; arrows step; digits begin a frame number or timecode; E opens the settings; "
         "O marks codes out of range; F changes the field view; S and M show scopes and meters. "
-        "The menus name the others.");
+        "With --against, D shows the difference or a wipe, and [ and ] change its gain. The menus name "
+        "the others.");
     command.AddExample("tessel view clip.tessel --frame 12 --screenshot window.png",
                        "A picture of the window, without a person");
     command.OnRun([options, &context] { RunView(*options, context); });

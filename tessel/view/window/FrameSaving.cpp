@@ -1,6 +1,7 @@
 #include "FrameSaving.h"
 
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/plan/Container.h>
@@ -13,7 +14,7 @@ namespace tessel::view {
 
 void SaveFrameAs(const exporting::SignalSource& clip, std::int64_t frame, const std::filesystem::path& file)
 {
-    std::string ending = file.extension().string();
+    std::string ending = qelcore::text::UTF8Text(file.extension());
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     if (ending != ".png" && ending != ".exr") {

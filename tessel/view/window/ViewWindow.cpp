@@ -21,6 +21,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSettings>
@@ -96,6 +97,9 @@ ViewWindow::ViewWindow(const WindowRequest& request) : mImporter(request.importe
         QTimer::singleShot(150, this, [this, file] { ReloadChanged(file); });
     });
     OpenClips(request.clips);
+    if (!request.against.empty()) {
+        Compare(request.against);
+    }
     if (!request.frame.empty() && !mPanes.empty()) {
         mTransport.Go(FrameNamed(mPanes[0].clip->Scale(), request.frame, 0), Now());
     }
@@ -104,7 +108,8 @@ ViewWindow::ViewWindow(const WindowRequest& request) : mImporter(request.importe
 ViewWindow::~ViewWindow()
 {
     mSound.Stop();
-    mPanes.clear(); // whose threads call back
+    mComparison.reset(); // threads of which call back, as those of the panes
+    mPanes.clear();
 }
 
 void ViewWindow::BuildPanels()
@@ -181,6 +186,19 @@ void ViewWindow::BuildPanels()
     mScopesDock = dock("Scopes", "scopes", mScopes);
     mMetersPanel = new MetersPanel(this);
     mMetersDock = dock("Meters", "meters", mMetersPanel);
+    mFindings = new QListWidget(this);
+    mFindings->setAccessibleName("Findings");
+    mFindings->setFocusPolicy(Qt::ClickFocus);
+    mFindings->setWordWrap(true);
+    QObject::connect(mFindings, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
+        if (item->data(Qt::UserRole).isValid()) {
+            GoTo(item->data(Qt::UserRole).toLongLong());
+        }
+    });
+    mFindingsDock = dock("Findings", "findings", mFindings);
+    addDockWidget(Qt::BottomDockWidgetArea, mFindingsDock);
+    mFindingsDock->hide();
+    resizeDocks({mFindingsDock}, {110}, Qt::Vertical);
     resizeDocks({mScopesDock, mMetersDock}, {700, 220}, Qt::Vertical);
     resizeDocks({mScopesDock}, {380}, Qt::Horizontal);
 
@@ -287,10 +305,20 @@ void ViewWindow::BuildMenus()
         Tick();
     });
     faults->setCheckable(true);
+    add(view, "Difference, or a wipe", {QKeySequence(Qt::Key_D)}, [this] {
+        mIsWipe = !mIsWipe;
+        ArrangePanes();
+    });
+    add(view, "More gain of the difference", {QKeySequence(Qt::Key_BracketRight)},
+        [this] { ChangeGain(2 * mGain); });
+    add(view, "Less gain of the difference", {QKeySequence(Qt::Key_BracketLeft)},
+        [this] { ChangeGain(mGain / 2); });
+    view->addSeparator();
     mScopesDock->toggleViewAction()->setShortcut(QKeySequence(Qt::Key_S));
     mMetersDock->toggleViewAction()->setShortcut(QKeySequence(Qt::Key_M));
     view->addAction(mScopesDock->toggleViewAction());
     view->addAction(mMetersDock->toggleViewAction());
+    view->addAction(mFindingsDock->toggleViewAction());
     add(view, "Next clip's scopes and meters", {QKeySequence(Qt::Key_N)}, [this] {
         if (!mPanes.empty()) {
             Activate((mActive + 1) % mPanes.size());
@@ -316,6 +344,7 @@ void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
     for (const std::filesystem::path& file : files) {
         panes.push_back(MakePane(file));
     }
+    StopComparing();
     for (const Pane& pane : mPanes) {
         delete pane.view;
     }
@@ -349,6 +378,63 @@ void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
     Tick();
 }
 
+void ViewWindow::StopComparing()
+{
+    mComparison.reset();
+    mCompared = nullptr;
+    mReport = nullptr;
+    delete std::exchange(mMovieView, nullptr);
+    delete std::exchange(mDifferenceView, nullptr);
+    mTimeline->SetMarks({});
+    mFindings->clear();
+    mFindingsDock->hide();
+}
+
+void ViewWindow::Compare(const std::string& movie)
+{
+    StopComparing();
+    mComparison = std::make_unique<Comparison>(mPanes[0].clip, movie, [this] {
+        QMetaObject::invokeMethod(
+            this, [this] { Tick(); }, Qt::QueuedConnection);
+    });
+    for (PictureView** const view : {&mMovieView, &mDifferenceView}) {
+        *view = new PictureView(mPictures);
+        (*view)->onPanned = mPanes[0].view->onPanned;
+        (*view)->onWheel = mPanes[0].view->onWheel;
+        (*view)->SetZoom(mZoom);
+    }
+    // Beside the clip that it was made of.
+    mPictures->insertWidget(1, mMovieView);
+    mPictures->insertWidget(2, mDifferenceView);
+    mFindingsDock->show();
+    ArrangePanes();
+    Tick();
+}
+
+void ViewWindow::ArrangePanes()
+{
+    if (!mComparison) {
+        Say("There is no movie to compare with: tessel view CLIP --against MOVIE, or drop one on the window");
+        return;
+    }
+    mMovieView->setVisible(!mIsWipe);
+    mDifferenceView->setVisible(!mIsWipe);
+    mCompared = nullptr; // shown anew
+    ShowCompared();
+    if (mIsWipe) {
+        Say("Left of the line the clip, right of it the movie; drag the line");
+    } else if (mShown >= 0) {
+        ShowPane(mPanes[0], FrameIn(mPanes[0], mShown)); // without the movie on top
+    }
+}
+
+void ViewWindow::ChangeGain(int gain)
+{
+    constexpr int kMostGain = 64;
+    mGain = std::clamp(gain, 1, kMostGain);
+    Tick();
+}
+
 void ViewWindow::TakeScale()
 {
     const FrameScale scale = mPanes[0].clip->Scale();
@@ -372,6 +458,14 @@ void ViewWindow::ReloadChanged(const QString& file)
         } catch (const std::exception& error) {
             Say(QString("%1; the earlier picture stays").arg(error.what()));
             return;
+        }
+    }
+    if (mComparison && QFile::decodeName(mPanes[0].clip->File().c_str()) == file) {
+        const std::string movie = mComparison->Movie();
+        try {
+            Compare(movie);
+        } catch (const std::exception& error) {
+            Say(error.what());
         }
     }
     TakeScale();
@@ -466,7 +560,9 @@ bool ViewWindow::IsShown(std::int64_t frame) const
 
 bool ViewWindow::IsSettled() const
 {
-    return mTransport.Speed() == 0 && mDue >= 0 && IsReady(mDue) && IsShown(mDue) && mWish == CurrentWish();
+    return mTransport.Speed() == 0 && mDue >= 0 && IsReady(mDue) && IsShown(mDue) && mWish == CurrentWish() &&
+           (!mComparison || (mComparison->IsVerified() && mCompared && mCompared->frame == mDue &&
+                             mCompared->gain == mGain && mCompared == mComparison->Newest()));
 }
 
 void ViewWindow::Tick()
@@ -483,10 +579,17 @@ void ViewWindow::Tick()
     if (IsReady(due) && !IsShown(due)) {
         ShowFrame(due);
     }
+    ShowCompared();
     const bool isSecond = mTransport.IsInSecondHalf(Now());
     for (const Pane& pane : mPanes) {
         pane.view->SetRows(mFieldView, pane.clip->First(), isSecond);
         pane.view->SetMoving(mTransport.Speed() != 0);
+    }
+    for (PictureView* const view : {mMovieView, mDifferenceView}) {
+        if (view != nullptr) {
+            view->SetRows(mFieldView, mPanes[0].clip->First(), isSecond);
+            view->SetMoving(mTransport.Speed() != 0);
+        }
     }
     SyncSound();
     if (mTransport.Speed() != 0 && !mTimer.isActive()) {
@@ -545,7 +648,90 @@ void ViewWindow::ShowPane(Pane& pane, std::int64_t frame)
     } else {
         content.trouble = QString::fromStdString(pane.ahead->Failure(frame).value_or(""));
     }
+    if (mComparison && mIsWipe && &pane == mPanes.data()) {
+        content.wiped = pane.view->Content().wiped; // until the movie's own picture is there
+    }
     pane.view->Show(std::move(content));
+}
+
+void ViewWindow::ShowCompared()
+{
+    if (!mComparison || mShown < 0) {
+        return;
+    }
+    if (mReport != mComparison->Report()) {
+        mReport = mComparison->Report();
+        ShowFindings();
+    }
+    mComparison->Want(mShown, mGain);
+    const std::shared_ptr<const ComparedFrame> newest = mComparison->Newest();
+    if (!newest || newest == mCompared) {
+        return;
+    }
+    mCompared = newest;
+    const ComparedPictures& pictures = newest->pictures;
+    const bool hasPicture = newest->picture >= 0;
+    const QString state = QString::fromStdString(mComparison->State());
+    PaneContent movie;
+    movie.size = {hasPicture ? pictures.movie.width : 1, hasPicture ? pictures.movie.height : 1,
+                  mPanes[0].clip->Facts().pixelAspect};
+    movie.title = QString("%1   %2").arg(
+        hasPicture
+            ? QString("picture %1%2").arg(newest->picture).arg(newest->isAligned ? "" : " (not aligned yet)")
+            : QString("no picture"),
+        state);
+    movie.trouble = QString::fromStdString(newest->trouble);
+    PaneContent difference;
+    difference.size = mPanes[0].clip->Size();
+    difference.trouble = movie.trouble;
+    difference.owner = movie.owner = newest;
+    difference.title = QString("difference x%1   mean %2, most %3 of 255%4")
+                           .arg(newest->gain)
+                           .arg(pictures.meanOff, 0, 'f', 3)
+                           .arg(pictures.mostOff, 0, 'f', 1)
+                           .arg(pictures.isSampleBySample ? "" : ", scaled");
+    if (hasPicture) {
+        movie.image = ImageOf(pictures.movie);
+        difference.image = ImageOf(pictures.difference);
+    }
+    if (mIsWipe) {
+        PaneContent both = mPanes[0].view->Content();
+        both.wiped = movie.image;
+        both.title = mPanes[0].view->Content().title.section("   ", 0, 1) + "   |   " + movie.title;
+        mWiped = newest;
+        mPanes[0].view->Show(std::move(both));
+    }
+    mMovieView->Show(std::move(movie));
+    mDifferenceView->Show(std::move(difference));
+}
+
+void ViewWindow::ShowFindings()
+{
+    mFindings->clear();
+    std::vector<TimelineMark> marks;
+    if (!mReport) {
+        return;
+    }
+    const auto add = [&](const verify::Finding& finding, const QString& indent) {
+        const QString text = indent + QString::fromStdString(finding.id + ": " + finding.message);
+        auto* const item = new QListWidgetItem(text, mFindings);
+        for (const verify::Span& span : finding.frames) {
+            marks.push_back({span.first, span.last, text});
+        }
+        if (!finding.frames.empty()) {
+            item->setData(Qt::UserRole, static_cast<qlonglong>(finding.frames.front().first));
+        }
+    };
+    for (const verify::Finding& finding : mReport->findings) {
+        add(finding, "");
+        for (const verify::Finding& consequence : finding.consequences) {
+            add(consequence, "    ");
+        }
+    }
+    if (mReport->findings.empty()) {
+        mFindings->addItem(QString::fromStdString(mComparison->State()));
+    }
+    mTimeline->SetMarks(std::move(marks));
 }
 
 void ViewWindow::ShowMeasurements()
@@ -681,6 +867,11 @@ void ViewWindow::ChangeZoom(const Zoom& zoom)
     for (const Pane& pane : mPanes) {
         pane.view->SetZoom(zoom);
     }
+    for (PictureView* const view : {mMovieView, mDifferenceView}) {
+        if (view != nullptr) {
+            view->SetZoom(zoom);
+        }
+    }
     ShowTexts();
 }
 
@@ -712,7 +903,8 @@ void ViewWindow::CopyCommand()
     for (const Pane& pane : mPanes) {
         clips.push_back(qelcore::text::UTF8Text(pane.clip->File()));
     }
-    const QString command = QString::fromStdString(ViewCommand(clips, "", std::max<std::int64_t>(mShown, 0)));
+    const QString command = QString::fromStdString(
+        ViewCommand(clips, mComparison ? mComparison->Movie() : "", std::max<std::int64_t>(mShown, 0)));
     QApplication::clipboard()->setText(command);
     Say("Copied: " + command);
 }
@@ -787,6 +979,16 @@ void ViewWindow::keyPressEvent(QKeyEvent* event)
     }
 }
 
+bool ViewWindow::IsClip(const std::filesystem::path& file) const
+{
+    try {
+        static_cast<void>(importhost::FileTypeOf(*mImporter, file));
+        return true;
+    } catch (const importhost::HostError&) {
+        return false;
+    }
+}
+
 void ViewWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     if (event->mimeData()->hasUrls()) {
@@ -806,6 +1008,10 @@ void ViewWindow::dropEvent(QDropEvent* event)
         return;
     }
     try {
+        if (files.size() == 1 && !mPanes.empty() && !IsClip(files[0])) {
+            Compare(qelcore::text::UTF8Text(files[0]));
+            return;
+        }
         OpenClips(files);
     } catch (const std::exception& error) {
         Say(error.what());

@@ -9,6 +9,7 @@
 #include "WindowRequest.h"
 
 #include <tessel/scopes/Meters.h>
+#include <tessel/view/compare/Comparison.h>
 #include <tessel/view/model/FrameAhead.h>
 #include <tessel/view/model/Transport.h>
 #include <tessel/view/model/ViewedClip.h>
@@ -25,6 +26,7 @@
 class QDockWidget;
 class QLabel;
 class QLineEdit;
+class QListWidget;
 class QSplitter;
 class QToolButton;
 
@@ -70,6 +72,9 @@ private:
     void OpenClips(const std::vector<std::filesystem::path>& files);
     [[nodiscard]] Pane MakePane(const std::filesystem::path& file);
     void TakeScale();
+    void Compare(const std::string& movie);
+    void StopComparing();
+    [[nodiscard]] bool IsClip(const std::filesystem::path& file) const;
     void ReloadChanged(const QString& file);
     void Activate(std::size_t pane);
 
@@ -83,6 +88,10 @@ private:
     void ShowNewest(std::int64_t due);
     void ShowFrame(std::int64_t frame);
     void ShowPane(Pane& pane, std::int64_t frame);
+    void ShowCompared();
+    void ShowFindings();
+    void ChangeGain(int gain);
+    void ArrangePanes();
     void ShowMeasurements();
     void ShowTexts();
     void SyncSound();
@@ -109,6 +118,14 @@ private:
     bool mShowsFaults = false;
     Zoom mZoom;
     std::optional<scopes::Meters> mMeters;
+    std::unique_ptr<Comparison> mComparison; ///< of the first clip; null: none
+    std::shared_ptr<const ComparedFrame> mCompared;
+    std::shared_ptr<const ComparedFrame> mWiped; ///< owns what the wipe shows
+    std::shared_ptr<const verify::Report> mReport;
+    PictureView* mMovieView = nullptr;      ///< while there is a comparison
+    PictureView* mDifferenceView = nullptr; ///< likewise
+    bool mIsWipe = false;
+    int mGain = 1;
     SoundOutput mSound;
     double mSoundCheckedAt = 0;
     bool mIsSoundOn = false;
@@ -128,6 +145,8 @@ private:
     MetersPanel* mMetersPanel = nullptr;
     QDockWidget* mScopesDock = nullptr;
     QDockWidget* mMetersDock = nullptr;
+    QListWidget* mFindings = nullptr;
+    QDockWidget* mFindingsDock = nullptr;
     bool mKeepsLayout = false;
 };
 
