@@ -56,8 +56,10 @@ public:
 private:
     void PutBytes(std::uint64_t value, unsigned count)
     {
+        std::size_t place = mBytes.size();
+        mBytes.resize(place + count);
         while (count-- > 0) {
-            mBytes.push_back(static_cast<std::byte>(value >> (8 * count) & 0xFFU));
+            mBytes[place++] = static_cast<std::byte>(value >> (8 * count) & 0xFFU);
         }
     }
 

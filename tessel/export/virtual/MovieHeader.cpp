@@ -39,9 +39,32 @@ std::uint32_t VersionFor(std::int64_t length) noexcept
     return length >= std::numeric_limits<std::int32_t>::max() ? 1 : 0;
 }
 
+/// A track's chunks as the index lists them.
+struct ChunkTable {
+    /// From this chunk on, counted from 1, chunks have so many entries.
+    struct Row {
+        std::uint64_t first;
+        std::int64_t entries;
+    };
+    std::vector<Row> rows;
+    std::vector<std::int64_t> places;
+
+    void operator()(const Chunk& chunk)
+    {
+        places.push_back(chunk.offset);
+        if (rows.empty() || rows.back().entries != chunk.entries) {
+            rows.push_back({places.size(), chunk.entries});
+        }
+    }
+};
+
 class HeaderWriter {
 public:
-    HeaderWriter(const OutputPlan& plan, const PacketPlaces& places) : mPlan(plan), mPlaces(places) {}
+    HeaderWriter(const OutputPlan& plan, const PacketPlaces& places) : mPlan(plan), mPlaces(places)
+    {
+        places.ForEachPictureChunk(mPictureChunks);
+        places.ForEachSoundChunk(mSoundChunks);
+    }
 
     /// @param base        where packets begin
     /// @param wideOffsets  places need 64 bits
@@ -105,11 +128,11 @@ private:
         }
     }
 
-    /// Of 32 or 64 bits, as the atom's version says.
-    void PutTime(std::int64_t time, std::uint32_t version)
+    /// Of 32 bits, or of 64 in atoms of version 1.
+    void PutNumber(std::int64_t number, std::uint32_t version)
     {
-        version == 0 ? mOut.Put32(static_cast<std::uint64_t>(time))
-                     : mOut.Put64(static_cast<std::uint64_t>(time));
+        version == 0 ? mOut.Put32(static_cast<std::uint64_t>(number))
+                     : mOut.Put64(static_cast<std::uint64_t>(number));
     }
 
     void PutDates(std::uint32_t version) { mOut.PutZeros(version == 0 ? 8 : 16); }
@@ -130,7 +153,7 @@ private:
         mOut.FullAtom("mvhd", version, 0, [&] {
             PutDates(version);
             mOut.Put32(kMovieScale);
-            PutTime(length, version);
+            PutNumber(length, version);
             mOut.Put32(0x10000); // plays at its own speed
             mOut.Put16(0x100);   // and at its own volume
             mOut.PutZeros(10);
@@ -156,7 +179,7 @@ private:
                 PutDates(version);
                 mOut.Put32(track.number);
                 mOut.Put32(0);
-                PutTime(length, version);
+                PutNumber(length, version);
                 mOut.PutZeros(10);
                 mOut.Put16(track.isPicture ? 0 : 1); // one group of alternatives for each kind
                 mOut.Put16(track.isPicture ? 0 : 0x100);
@@ -168,8 +191,8 @@ private:
             mOut.Atom("edts", [&] {
                 mOut.FullAtom("elst", version, 0, [&] {
                     mOut.Put32(1);
-                    PutTime(length, version);
-                    PutTime(0, version);
+                    PutNumber(length, version);
+                    PutNumber(0, version);
                     mOut.Put32(0x10000);
                 });
             });
@@ -222,7 +245,7 @@ private:
                 constexpr std::uint32_t kNoLanguage = 0x7FFF;
                 PutDates(version);
                 mOut.Put32(static_cast<std::uint64_t>(track.scale));
-                PutTime(track.length, version);
+                PutNumber(track.length, version);
                 mOut.Put16(kNoLanguage);
                 mOut.Put16(0);
             });
@@ -267,45 +290,32 @@ private:
         PutChunkPlaces(track);
     }
 
-    template <class Take>
-    void ForEachChunk(const Track& track, const Take& take) const
+    [[nodiscard]] const ChunkTable& ChunksOf(const Track& track) const noexcept
     {
-        track.isPicture ? mPlaces.ForEachPictureChunk(take) : mPlaces.ForEachSoundChunk(take);
+        return track.isPicture ? mPictureChunks : mSoundChunks;
     }
 
-    /// How many entries chunks have: a row where that changes.
     void PutChunkLengths(const Track& track)
     {
-        std::uint64_t rows = 0;
-        std::int64_t last = 0;
-        ForEachChunk(track, [&](const Chunk& chunk) {
-            rows += chunk.entries != last ? 1 : 0;
-            last = chunk.entries;
-        });
         mOut.FullAtom("stsc", 0, 0, [&] {
-            mOut.Put32(rows);
-            std::uint64_t number = 0;
-            last = 0;
-            ForEachChunk(track, [&](const Chunk& chunk) {
-                ++number;
-                if (chunk.entries != last) {
-                    mOut.Put32(number);
-                    mOut.Put32(static_cast<std::uint64_t>(chunk.entries));
-                    mOut.Put32(1); // the one sample description
-                }
-                last = chunk.entries;
-            });
+            const ChunkTable& chunks = ChunksOf(track);
+            mOut.Put32(chunks.rows.size());
+            for (const ChunkTable::Row& row : chunks.rows) {
+                mOut.Put32(row.first);
+                mOut.Put32(static_cast<std::uint64_t>(row.entries));
+                mOut.Put32(1); // the one sample description
+            }
         });
     }
 
     void PutChunkPlaces(const Track& track)
     {
-        std::uint64_t count = 0;
-        ForEachChunk(track, [&](const Chunk&) { ++count; });
         mOut.FullAtom(mWideOffsets ? "co64" : "stco", 0, 0, [&] {
-            mOut.Put32(count);
-            ForEachChunk(track,
-                         [&](const Chunk& chunk) { PutTime(mBase + chunk.offset, mWideOffsets ? 1 : 0); });
+            const ChunkTable& chunks = ChunksOf(track);
+            mOut.Put32(chunks.places.size());
+            for (const std::int64_t place : chunks.places) {
+                PutNumber(mBase + place, mWideOffsets ? 1 : 0);
+            }
         });
     }
 
@@ -451,6 +461,8 @@ private:
 
     const OutputPlan& mPlan;
     const PacketPlaces& mPlaces;
+    ChunkTable mPictureChunks;
+    ChunkTable mSoundChunks;
     std::int64_t mBase = 0;
     bool mWideOffsets = false;
     AtomWriter mOut;

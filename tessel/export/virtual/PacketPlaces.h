@@ -66,10 +66,10 @@ public:
     {
         ChunkBuilder builder;
         const std::int64_t parts = mShape.pictureCount > 0 ? mShape.pictureCount : 1;
+        std::int64_t sample = 0;
         for (std::int64_t part = 0; part < parts; ++part) {
             const std::int64_t pictures = mShape.pictureCount > 0 ? part + 1 : 0;
-            const std::int64_t end = SamplesBefore(part + 1);
-            for (std::int64_t sample = SamplesBefore(part); sample < end;) {
+            for (const std::int64_t end = SamplesBefore(part + 1); sample < end;) {
                 const std::int64_t next = NextCut(sample, part);
                 builder.Add({pictures * mShape.pictureBytes + sample * mShape.sampleBytes,
                              (next - sample) * mShape.sampleBytes, next - sample},

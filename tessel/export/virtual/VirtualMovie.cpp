@@ -28,6 +28,22 @@ const VideoCodec* UncodedCodecFor(const PixelKind& kind) noexcept
     return VideoCodecNamed(kind.storage == Storage::Interleaved8 && !isRgb ? "v408" : "raw");
 }
 
+/// The plan's own refusals name options of the program, which readers of movies do not have.
+void RequireStreams(const ClipFacts& clip, Streams streams)
+{
+    if (streams != Streams::AudioOnly && (clip.width < 1 || clip.height < 1)) {
+        throw ExportError(fmt::format("the clip has no picture, its frames are {}x{}: ask for its sound alone",
+                                      clip.width, clip.height));
+    }
+    const SoundShape sound = SoundShapeOf(clip);
+    if (streams != Streams::VideoOnly && clip.channelCount > 0 &&
+        (sound.sampleRate == 0 || sound.hostChannels.empty())) {
+        throw ExportError(
+            fmt::format("movies do not take {} channels at {} samples a second: ask for the picture alone",
+                        clip.channelCount, clip.sampleRate));
+    }
+}
+
 OutputPlan PlanFor(const ClipFacts& clip, const VirtualMovie::Request& request)
 {
     OutputRequest output{.container = ContainerNamed("mov"),
@@ -104,8 +120,8 @@ void PutSample(const AudioCodec& codec, float sample, std::int32_t code, std::by
 
 VirtualMovie::VirtualMovie(const SignalSource& source, const Request& request) : mClip(source)
 {
+    RequireStreams(source.Description(), request.streams);
     if (request.streams != Streams::AudioOnly) {
-        RequirePicture(source.Description());
         mAsked.emplace(source, 0);
     }
     const ClipFacts& clip = Source().Description();
