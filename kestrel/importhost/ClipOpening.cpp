@@ -1,6 +1,7 @@
 /// Opening a clip: from a file name to a described instance, with a reason for every refusal.
 
 #include "ClipState.h"
+#include "FrameCount.h"
 #include "HostError.h"
 #include "LegacySuite.h"
 #include "PathText.h"
@@ -78,37 +79,6 @@ public:
 private:
     qelcore::logging::ScopedListener mListener;
 };
-
-/// Whole frames from the record's duration, frames × sampleSize cut to 32 bits.
-///
-/// Clips longer than 2^31 units wrap. Multiplication by an odd number can be undone modulo 2^32, so the
-/// count is found all the same; an even sample size of 2^k × odd leaves the count modulo 2^(32-k), of
-/// which the smallest is taken.
-std::int64_t FramesFromDuration(std::int32_t duration, std::int32_t sampleSize) noexcept
-{
-    if (sampleSize <= 0) {
-        return 0;
-    }
-    auto odd = static_cast<std::uint32_t>(sampleSize);
-    unsigned twos = 0;
-    while (odd % 2 == 0) {
-        odd /= 2;
-        ++twos;
-    }
-    // Newton's iteration doubles the right low bits of the inverse: 3, 6, 12, 24, 48.
-    std::uint32_t inverse = odd;
-    for (int i = 0; i < 4; ++i) {
-        inverse *= 2U - odd * inverse;
-    }
-    std::uint32_t frames = (static_cast<std::uint32_t>(duration) >> twos) * inverse;
-    if (twos > 0) {
-        frames &= std::numeric_limits<std::uint32_t>::max() >> twos;
-        // The top bit of what is known is the sign: a negative duration must not turn into a long one.
-        const std::uint32_t sign = 1U << (31U - twos);
-        return (frames & sign) != 0 ? 0 : frames;
-    }
-    return std::max<std::int64_t>(static_cast<std::int32_t>(frames), 0);
-}
 
 void Describe(const ksFileInfoRec& record, ClipDescription& description)
 {

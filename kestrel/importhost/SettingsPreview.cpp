@@ -1,13 +1,16 @@
 #include "SettingsPreview.h"
 
 #include "Frame.h"
+#include "FrameCount.h"
 #include "FrameSource.h"
+#include "LegacySuite.h"
 
 #include <kestrel/importabi/Records.h>
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelmediatypes/Saturating.h>
+#include <kestrel/qelmediatypes/TickTime.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +21,7 @@ namespace importhost {
 namespace {
 
 using qelui::PreviewPicture;
+using qelui::PreviewPictures;
 
 constexpr std::int64_t kMostPixels = 64'000'000;
 
@@ -119,17 +123,14 @@ PreviewPicture MakeSmall(const Frame& frame, double pixelAspect)
     return picture;
 }
 
-PreviewPicture Render(const Importer& importer, const std::string& settingsText)
+/// One frame of the settings made small; without size where the plug-in paints none.
+PreviewPicture RenderFrame(const Importer& importer, const ksFileInfoRec& info, qelmediatypes::TickTime time)
 {
-    const SettingsInstance settings(importer, settingsText);
-    const ksFileInfoRec& info = settings.info;
-    if (!settings.isDescribed || std::int64_t{info.frameWidth} * info.frameHeight > kMostPixels) {
-        return {};
-    }
     FrameSource frames(FrameFilling::Zero);
     const RenderedFrame rendered = frames.Render([&](FrameRequest& request, ksFrameHandle& handle) {
         ksFrameRec record{};
         record.instance = info.instance;
+        record.time = time.Ticks();
         record.frame = &handle;
         const auto token = request.Token();
         static_assert(sizeof record.extra16 == sizeof token);
@@ -150,9 +151,28 @@ PreviewPicture Render(const Importer& importer, const std::string& settingsText)
     return MakeSmall(frame, aspect > 0.0 ? aspect : 1.0);
 }
 
+PreviewPictures Render(const Importer& importer, const std::string& settingsText)
+{
+    const SettingsInstance settings(importer, settingsText);
+    const ksFileInfoRec& info = settings.info;
+    if (!settings.isDescribed || std::int64_t{info.frameWidth} * info.frameHeight > kMostPixels) {
+        return {};
+    }
+    PreviewPictures pictures;
+    pictures.first = RenderFrame(importer, info, {});
+    const std::int64_t ticks = TicksFromTimeScale({info.videoTimeScale, info.videoSampleSize});
+    const std::int64_t frames = FramesFromDuration(info.videoDuration, info.videoSampleSize);
+    if (pictures.first.width > 0 && ticks > 0 && frames > 1) {
+        pictures.lastFrame = frames - 1;
+        pictures.last = RenderFrame(
+            importer, info, qelmediatypes::TickTime(pictures.lastFrame, qelmediatypes::FrameRate{ticks}));
+    }
+    return pictures;
+}
+
 } // namespace
 
-PreviewPicture RenderSettingsPreview(const Importer& importer, const std::string& settingsText) noexcept
+PreviewPictures RenderSettingsPreview(const Importer& importer, const std::string& settingsText) noexcept
 {
     try {
         // Unfinished settings may be wrong: what the plug-in logs about them is dropped.

@@ -1,4 +1,4 @@
-/// A small picture of frame 0 of settings that are not a clip yet.
+/// Small pictures of settings that are not a clip yet.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -13,13 +13,14 @@ namespace importhost {
 inline constexpr int kPreviewWidth = 480;
 inline constexpr int kPreviewHeight = 270;
 
-/// Has the plug-in paint frame 0 of the settings, through the same requests as any clip's, and makes it small:
-/// within `kPreviewWidth` by `kPreviewHeight`, with square pixels. The host does not look into the text.
+/// Has the plug-in paint the first and the last frame of the settings, through the same requests as any clip's,
+/// and makes them small: within `kPreviewWidth` by `kPreviewHeight`, with square pixels. The host does not look
+/// into the text.
 ///
-/// @return a picture without size where the plug-in paints none, paints in another format than 8-bit or float
+/// @return pictures without size where the plug-in paints none, paints in another format than 8-bit or float
 ///         BGRA, or describes a frame of more than 64 megapixels or of another size than it makes.
-/// Threads: [any-thread]. Never throws. Costs as much as a frame.
-[[nodiscard]] KESTRELHOST_API qelui::PreviewPicture
+/// Threads: [any-thread]. Never throws. Costs as much as two frames.
+[[nodiscard]] KESTRELHOST_API qelui::PreviewPictures
 RenderSettingsPreview(const Importer& importer, const std::string& settingsText) noexcept;
 
 } // namespace importhost

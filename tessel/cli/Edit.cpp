@@ -15,10 +15,12 @@
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qellumenfactory/UI_NodeManager.h>
 #include <kestrel/qelui/toolkit/UserInterface.h>
+#include <tessel/document/DialogAdvice.h>
 #include <tessel/document/DocumentFacts.h>
 #include <tessel/document/DocumentPreview.h>
 #include <tessel/document/DroppedKeys.h>
 #include <tessel/document/FailureText.h>
+#include <tessel/document/settings/KeptLayout.h>
 
 #include <algorithm>
 #include <memory>
@@ -48,7 +50,8 @@ struct EditOptions {
 };
 
 /// Does what the person decided. @throws HostError  where the settings are not where the person wanted them
-void KeepDecision(const EditedSettings& edited, const ORB::SaveReport& lastSave,
+/// @param before  the document that was edited, whose layout the new one keeps; empty for a new clip
+void KeepDecision(const EditedSettings& edited, const std::string& before, const ORB::SaveReport& lastSave,
                   const std::optional<std::string>& document, const std::filesystem::path& target)
 {
     switch (edited.decision) {
@@ -72,9 +75,10 @@ void KeepDecision(const EditedSettings& edited, const ORB::SaveReport& lastSave,
                         ": the settings are too long to be handed back and are not saved; " +
                         KeepUnsaved(target, document));
     }
-    if (const auto failure = WriteDocument(target, *edited.text)) {
+    const std::string text = document::InLayoutOf(before, *edited.text); // the plug-in's text is on one line
+    if (const auto failure = WriteDocument(target, text)) {
         throw HostError(DisplayName(target) + ": cannot be written: " + *failure + "; " +
-                        KeepUnsaved(target, edited.text));
+                        KeepUnsaved(target, text));
     }
 }
 
@@ -167,9 +171,16 @@ void Edit(Context& context, const EditOptions& options)
     if (!options.out.empty()) {
         RequireClipName(*importer, options.out);
     }
-    userInterface.SetPreviewRenderer([importer](const std::string& settingsText) {
-        return importhost::RenderSettingsPreview(*importer, document::InPreviewFormat(settingsText));
+    userInterface.SetPreviewRenderer(
+        {.reduce = document::PreviewDocument, .render = [importer](const std::string& reduced) {
+             return importhost::RenderSettingsPreview(*importer, reduced);
+         }});
+    userInterface.SetAdviser([](const qelui::AdviceRequest& request) {
+        return document::DialogAdvice(request.control, request.settingsText, request.complaint);
     });
+    std::error_code error;
+    userInterface.SetFileFolder(
+        std::filesystem::absolute(isNew ? options.out : options.clip, error).parent_path());
     ORB::SaveReport lastSave;
     const EditedSettings edited = ShowDialog(*importer, options, sequence, lastSave);
     if (const auto& failure = userInterface.LastScriptFailure()) {
@@ -181,7 +192,7 @@ void Edit(Context& context, const EditOptions& options)
                    ": could not be saved: " + lastSave.failure);
     }
     const std::filesystem::path& target = options.out.empty() ? options.clip : options.out;
-    KeepDecision(edited, lastSave, userInterface.LastDocument(), target);
+    KeepDecision(edited, before, lastSave, userInterface.LastDocument(), target);
     if (edited.decision == SettingsDecision::Accepted) {
         WarnOfDroppedKeys(before, edited.text.value_or(""), target);
     }

@@ -1,13 +1,19 @@
-/// The pixel format in which the settings dialog's preview paints a document.
+/// What the settings dialog's preview paints.
 #pragma once
 
 #include <string>
 
 namespace tessel::document {
 
-/// The settings text with 8-bit BGRA as its pixel format: the preview is to show content, not code values.
-/// Only a document in BGRA float stays in it, because a swatch chart is painted in no other format. A text
-/// that is no JSON object is given back as it is. Threads: [any-thread].
-[[nodiscard]] std::string InPreviewFormat(const std::string& settingsText);
+/// The settings text as the preview paints it, so that two texts which look alike give the same one:
+/// - in 8-bit BGRA, because the preview is to show content, not code values; only a document in BGRA float
+/// stays in
+///   it, because a swatch chart is painted in no other format;
+/// - without sound, color space and paths of files, which no picture shows;
+/// - a frame of more than 4 megapixels reduced to a half, a third, ... of its size in each direction, except
+/// for a
+///   chart, whose size is fixed.
+/// A text that is no JSON object is given back as it is. Threads: [any-thread].
+[[nodiscard]] std::string PreviewDocument(const std::string& settingsText);
 
 } // namespace tessel::document

@@ -13,9 +13,12 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QWheelEvent>
+#include <atomic>
 #include <functional>
 #include <new>
+#include <set>
 #include <stdexcept>
+#include <thread>
 
 using kestrelqt::Click;
 using kestrelqt::Focus;
@@ -254,9 +257,12 @@ TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
         return {};
     });
     auto& userInterface = qelui::UserInterface::Get();
-    userInterface.SetPreviewRenderer([](const std::string&) {
-        return qelui::PreviewPicture{1, 1, {0xFF336699}};
-    });
+    userInterface.SetPreviewRenderer(
+        {.reduce = [](const std::string& text) { return text + "reduced"; },
+         .render =
+             [](const std::string&) {
+                 return qelui::PreviewPictures{.first = {1, 1, {0xFF336699}}, .last = {}, .lastFrame = 0};
+             }});
     RunWith(test.dialog, [&](QWidget& window) {
         test.dialog.GetControl<qelui::UI_Button>("act").SetLabel("Changed");
         QTimer::singleShot(400, &window, [&] { // a preview waits until nothing has changed for a moment
@@ -268,6 +274,57 @@ TEST(DialogWindow, APreviewThatCannotBeMadeLeavesTheDialogAsItIs)
     EXPECT_EQ(documents, 4) << "to see changes by, at first, after the change, at the end";
     EXPECT_EQ(test.oks, 1);
     EXPECT_EQ(test.cancels, 0);
+}
+
+TEST(DialogWindow, APreviewIsRenderedBesideTheUiThreadAndOnlyWhenThePictureChanges)
+{
+    OkCancelDialog test;
+    std::string picture = "red";
+    int notes = 0;
+    test.dialog.SetDocument([&] { return picture + ' ' + std::to_string(++notes); });
+    std::atomic<int> renderings = 0;
+    std::atomic<bool> wasOnUiThread = false;
+    std::string lastRendered; // read after the rendering thread is done
+    auto& userInterface = qelui::UserInterface::Get();
+    userInterface.SetPreviewRenderer(
+        {.reduce = [](const std::string& text) { return text.substr(0, text.find(' ')); },
+         .render =
+             [&, uiThread = std::this_thread::get_id()](const std::string& reduced) {
+                 ++renderings;
+                 wasOnUiThread = wasOnUiThread || std::this_thread::get_id() == uiThread;
+                 lastRendered = reduced;
+                 const std::uint32_t color = reduced == "red" ? 0xFFFF0000U : 0xFF0000FFU;
+                 return qelui::PreviewPictures{
+                     .first = {1, 1, {color}}, .last = {1, 1, {0xFF00FF00U}}, .lastFrame = 9};
+             }});
+    RunWith(test.dialog, [&](QWidget& window) {
+        auto& dialogWindow = static_cast<kestrelqt::DialogWindow&>(window);
+        window.resize(1200, 400);
+        const auto colors = [&dialogWindow] {
+            const QImage image = dialogWindow.Picture().toImage();
+            std::set<QRgb> found;
+            for (int x = 0; x < image.width(); ++x) {
+                found.insert(image.pixel(x, 40));
+            }
+            return found;
+        };
+        EXPECT_EQ(colors().count(0xFFFF0000), 1U);
+        EXPECT_EQ(colors().count(0xFF00FF00), 1U) << "the last frame, beside the first one";
+        EXPECT_EQ(renderings, 1);
+        auto& act = test.dialog.GetControl<qelui::UI_Button>("act");
+        act.SetLabel("Changed"); // the document has changed, the picture has not
+        EXPECT_EQ(colors().count(0xFFFF0000), 1U);
+        EXPECT_EQ(renderings, 1);
+        picture = "blue";
+        act.SetLabel("Changed again");
+        EXPECT_EQ(colors().count(0xFF0000FF), 1U);
+        EXPECT_EQ(renderings, 2);
+        window.close();
+    });
+    userInterface.SetPreviewRenderer({});
+    EXPECT_EQ(lastRendered, "blue");
+    EXPECT_FALSE(wasOnUiThread);
+    EXPECT_EQ(test.cancels, 1);
 }
 
 TEST(DialogWindow, ABoxAnswersWithTheButtonPressedAndNoWhenClosed)

@@ -1,4 +1,4 @@
-/// A small picture of what the settings in a dialog make.
+/// Small pictures of what the settings in a dialog make.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,24 @@ struct PreviewPicture {
     std::vector<std::uint32_t> pixels;
 };
 
-/// Makes the picture of a settings document: one without size where the settings have none. Does not throw.
-/// Costs as much as a frame: call it when nothing has changed for a moment.
-using PreviewRenderer = std::function<PreviewPicture(const std::string& settingsText)>;
+/// The first and the last frame that settings make.
+struct PreviewPictures {
+    PreviewPicture first;
+    PreviewPicture last;        ///< without size where there is one frame only
+    std::int64_t lastFrame = 0; ///< number of the last frame, counted from 0
+};
+
+/// How a program makes pictures of the settings in a dialog. Neither function throws anything but what a
+/// toolkit treats as "no picture".
+struct PreviewRenderer {
+    /// What of a settings document the pictures show: texts that look alike give the same result, so that they
+    /// are rendered once. Called on the ui thread after each change.
+    std::function<std::string(const std::string& settingsText)> reduce;
+    /// Makes the pictures of such a result, without size where there are none. Costs as much as two frames.
+    /// Called on a thread of the toolkit's, one call at a time.
+    std::function<PreviewPictures(const std::string& reduced)> render;
+
+    [[nodiscard]] explicit operator bool() const { return reduce && render; }
+};
 
 } // namespace qelui

@@ -70,7 +70,7 @@ public:
     void SetLastDocument(std::optional<std::string> document) { mLastDocument = std::move(document); }
     /// @}
 
-    /// The program's function that renders a document, for a toolkit that shows its picture beside a dialog's
+    /// The program's functions that render a document, for a toolkit that shows its pictures beside a dialog's
     /// controls; empty if the program has none. @{
     [[nodiscard]] const PreviewRenderer& GetPreviewRenderer() const noexcept { return mPreviewRenderer; }
     void SetPreviewRenderer(PreviewRenderer renderer) { mPreviewRenderer = std::move(renderer); }

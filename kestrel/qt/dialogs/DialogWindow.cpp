@@ -242,7 +242,7 @@ ControlWidget* DialogWindow::BindingOf(const qelui::UI_ControlView& control) con
 QPixmap DialogWindow::Picture()
 {
     if (mPreview != nullptr) {
-        mPreview->RefreshIfDue();
+        mPreview->Finish();
     }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     return grab();

@@ -3,8 +3,10 @@
 #include <kestrel/qelui/toolkit/UserInterface.h>
 #include <kestrel/qt/style/Theme.h>
 
+#include <QCoreApplication>
 #include <QPainter>
 #include <cstring>
+#include <utility>
 
 namespace kestrelqt {
 
@@ -12,7 +14,9 @@ namespace {
 
 constexpr int kQuietMilliseconds = 120; // long enough not to render at each keystroke
 constexpr int kChecker = 8;             // logical pixels
-constexpr int kWidth = 320;             // logical pixels
+constexpr int kWidth = 440;             // logical pixels
+constexpr int kGap = 12;                // between the pictures
+constexpr int kNarrowestBeside = 130;   // of each picture, else they stand below one another
 constexpr int kTallest = 480;           // a portrait picture is narrower instead
 constexpr int kCaptionGap = 8;
 
@@ -28,13 +32,21 @@ QImage ToImage(const qelui::PreviewPicture& picture)
     return image;
 }
 
-/// No picture if the document cannot be made, for instance for lack of memory: the dialog can be used without
-/// one, and an exception must not reach Qt's event loop.
-QImage PictureOf(const qelui::UI_Dialog& dialog) noexcept
+/// What the pictures of the settings as they stand show. Empty if the document cannot be made, for instance for
+/// lack of memory: the dialog can be used without pictures, and an exception must not reach Qt's event loop.
+std::string ReducedDocument(const qelui::UI_Dialog& dialog) noexcept
 {
     try {
-        const auto& render = qelui::UserInterface::Get().GetPreviewRenderer();
-        return render ? ToImage(render(dialog.GetDocument()())) : QImage();
+        return qelui::UserInterface::Get().GetPreviewRenderer().reduce(dialog.GetDocument()());
+    } catch (...) {
+        return {};
+    }
+}
+
+qelui::PreviewPictures PicturesOf(const qelui::PreviewRenderer& renderer, const std::string& reduced) noexcept
+{
+    try {
+        return reduced.empty() ? qelui::PreviewPictures{} : renderer.render(reduced);
     } catch (...) {
         return {};
     }
@@ -44,13 +56,19 @@ QImage PictureOf(const qelui::UI_Dialog& dialog) noexcept
 
 PreviewPane::PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent) : QWidget(parent), mDialog(dialog)
 {
-    setAccessibleName(tr("Preview of frame 0"));
-    setToolTip(tr("Frame 0 of the clip as the settings stand now."));
+    setAccessibleName(tr("Preview of the first and the last frame"));
+    setToolTip(tr("The first and the last frame of the clip as the settings stand now."));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    mThread.setMaxThreadCount(1);
     mTimer.setSingleShot(true);
     mTimer.setInterval(kQuietMilliseconds);
     connect(&mTimer, &QTimer::timeout, this, [this] { Refresh(); });
     Refresh();
+}
+
+PreviewPane::~PreviewPane()
+{
+    mThread.waitForDone();
 }
 
 void PreviewPane::RefreshSoon()
@@ -58,39 +76,62 @@ void PreviewPane::RefreshSoon()
     mTimer.start();
 }
 
-void PreviewPane::RefreshIfDue()
+void PreviewPane::Finish()
 {
     if (mTimer.isActive()) {
         mTimer.stop();
         Refresh();
     }
+    while (mIsRendering) {
+        mThread.waitForDone();
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall); // takes the pictures
+    }
 }
 
 void PreviewPane::Refresh()
 {
-    mPicture = PictureOf(mDialog);
-    update();
+    mWanted = ReducedDocument(mDialog);
+    RenderIfIdle();
 }
 
-void PreviewPane::paintEvent(QPaintEvent* /*event*/)
+void PreviewPane::RenderIfIdle()
 {
-    QPainter painter(this);
-    const QColor ink = ColorsOf(AppliedTheme()).dimText;
-    if (mPicture.isNull()) {
-        painter.setPen(ink);
-        painter.drawText(rect(), Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
-                         tr("No picture: these settings cannot be rendered."));
+    if (mIsRendering || (mHasAnswer && mWanted == mRendered)) {
         return;
     }
-    const int caption = fontMetrics().height() + kCaptionGap;
-    const QSize room(width() - 2, qMin(height() - caption, kTallest) - 2);
-    const QSize fitted = mPicture.size().scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
-    const QRect target(QPoint((width() - fitted.width()) / 2, 1), fitted);
-    painter.setPen(ink);
-    painter.drawText(QRect(0, target.bottom() + kCaptionGap, width(), fontMetrics().height()), Qt::AlignHCenter,
-                     tr("Frame 0"));
+    mIsRendering = true;
+    mRendered = mWanted;
+    mThread.start([this, reduced = mWanted, renderer = qelui::UserInterface::Get().GetPreviewRenderer()] {
+        const qelui::PreviewPictures pictures = PicturesOf(renderer, reduced);
+        QMetaObject::invokeMethod(
+            this, [this, pictures] { Take(pictures); }, Qt::QueuedConnection);
+    });
+}
+
+void PreviewPane::Take(const qelui::PreviewPictures& pictures)
+{
+    mIsRendering = false;
+    mHasAnswer = true;
+    mFirst = ToImage(pictures.first);
+    mLast = ToImage(pictures.last);
+    mLastFrame = pictures.lastFrame;
+    update();
+    RenderIfIdle(); // what changed meanwhile
+}
+
+void PreviewPane::PaintPicture(QPainter& painter, const QImage& picture, const QString& caption,
+                               const QRect& place) const
+{
+    const int captionHeight = fontMetrics().height() + kCaptionGap;
+    const QSize room(place.width() - 2, place.height() - captionHeight - 2);
+    const QSize fitted = picture.size().scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const QRect target(QPoint(place.left() + (place.width() - fitted.width()) / 2, place.top() + 1), fitted);
+    painter.setPen(ColorsOf(AppliedTheme()).dimText);
+    painter.drawText(QRect(place.left(), target.bottom() + kCaptionGap, place.width(), fontMetrics().height()),
+                     Qt::AlignHCenter, caption);
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(target.adjusted(-1, -1, 0, 0));
+    painter.save();
     painter.setClipRect(target);
     for (int y = 0; y < fitted.height(); y += kChecker) {
         for (int x = 0; x < fitted.width(); x += kChecker) {
@@ -100,7 +141,34 @@ void PreviewPane::paintEvent(QPaintEvent* /*event*/)
         }
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, mPicture);
+    painter.drawImage(target, picture);
+    painter.restore();
+}
+
+void PreviewPane::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    if (!mHasAnswer) {
+        return;
+    }
+    if (mFirst.isNull()) {
+        painter.setPen(ColorsOf(AppliedTheme()).dimText);
+        painter.drawText(rect(), Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
+                         tr("No picture: these settings cannot be rendered."));
+        return;
+    }
+    const bool areSideBySide = width() >= 2 * kNarrowestBeside + kGap;
+    const int pictureWidth = areSideBySide ? (width() - kGap) / 2 : width();
+    const int wanted =
+        mFirst.height() * pictureWidth / qMax(mFirst.width(), 1) + fontMetrics().height() + kCaptionGap;
+    const int pictureHeight =
+        qMin(wanted + 2, qMin(kTallest, areSideBySide ? height() : (height() - kGap) / 2));
+    const QRect first(0, 0, pictureWidth, pictureHeight);
+    PaintPicture(painter, mFirst, tr("Frame 0"), first);
+    if (!mLast.isNull()) {
+        const QPoint step = areSideBySide ? QPoint(pictureWidth + kGap, 0) : QPoint(0, pictureHeight + kGap);
+        PaintPicture(painter, mLast, tr("Frame %1").arg(mLastFrame), first.translated(step));
+    }
 }
 
 QSize PreviewPane::sizeHint() const

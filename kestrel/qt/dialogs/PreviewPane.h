@@ -1,24 +1,32 @@
-/// A picture of the clip beside its settings.
+/// Pictures of the clip beside its settings.
 #pragma once
 
+#include <kestrel/qelui/dialogs/PreviewPicture.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 
 #include <QImage>
+#include <QThreadPool>
 #include <QTimer>
 #include <QWidget>
+#include <string>
 
 namespace kestrelqt {
 
-/// Renders the dialog's document a moment after the last change, and shows the picture in its own aspect
-/// ratio, transparent parts over a checkerboard.
+/// Shows the first and the last frame of the dialog's document, side by side where it is wide enough, in their
+/// own aspect ratio, transparent parts over a checkerboard. They are rendered a moment after the last change,
+/// on a thread of the pane's, and only if the change is one that they show. [ui-thread]
 class PreviewPane final : public QWidget {
 public:
     explicit PreviewPane(const qelui::UI_Dialog& dialog, QWidget* parent = nullptr);
+    PreviewPane(const PreviewPane&) = delete;
+    PreviewPane& operator=(const PreviewPane&) = delete;
+    /// Waits for a rendering that has begun.
+    ~PreviewPane() override;
 
     /// Something changed: refresh soon.
     void RefreshSoon();
-    /// Refreshes now if a refresh is due; for screenshots.
-    void RefreshIfDue();
+    /// Returns when the pictures are those of the settings as they stand; for screenshots.
+    void Finish();
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -27,10 +35,21 @@ protected:
 
 private:
     void Refresh();
+    void RenderIfIdle();
+    void Take(const qelui::PreviewPictures& pictures);
+    void PaintPicture(QPainter& painter, const QImage& picture, const QString& caption,
+                      const QRect& place) const;
 
     const qelui::UI_Dialog& mDialog;
     QTimer mTimer;
-    QImage mPicture;
+    QThreadPool mThread;   ///< of one thread
+    std::string mWanted;   ///< the reduced document that should be seen
+    std::string mRendered; ///< the one that is seen or being rendered
+    bool mIsRendering = false;
+    bool mHasAnswer = false; ///< pictures, or that there are none, have come at least once
+    QImage mFirst;
+    QImage mLast;
+    qint64 mLastFrame = 0;
 };
 
 } // namespace kestrelqt

@@ -100,6 +100,8 @@ struct FoundObject {
     std::optional<std::size_t> first; ///< where its first key begins
     std::size_t end = 0;              ///< behind its last value; `open` where it is empty
     std::optional<FoundMember> member;
+    std::optional<std::size_t> previousEnd; ///< behind the value before the member
+    std::optional<std::size_t> nextBegin;   ///< where the key behind the member begins
 };
 
 /// Looks through the object that begins at `brace` for a key. Keys may be written with escapes.
@@ -118,13 +120,28 @@ FoundObject LookInto(std::string_view text, std::size_t brace, std::string_view 
         static_cast<void>(scanner.Take(':'));
         member.value = scanner.SkipValue();
         object.first = object.first.value_or(member.key.begin);
+        if (object.member && !object.nextBegin) {
+            object.nextBegin = member.key.begin;
+        }
+        const std::size_t previousEnd = object.end;
         object.end = member.value.end;
         const Value name = JSONParse(text.substr(member.key.begin, member.key.end - member.key.begin));
         if (qelcore::serialization::FindText(name) == key) {
             object.member = member; // the last one counts
+            object.previousEnd = previousEnd == object.open ? std::nullopt : std::optional(previousEnd);
+            object.nextBegin = std::nullopt;
         }
     } while (scanner.Take(','));
     return object;
+}
+
+/// Where the object with the settings begins, inside its wrapper if it has one.
+std::size_t OutermostBrace(std::string_view text)
+{
+    Scanner scanner(text, text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    const std::size_t brace = scanner.SkipSpace();
+    const FoundObject wrapper = LookInto(text, brace, kWrapper);
+    return wrapper.member ? wrapper.member->value.begin : brace;
 }
 
 std::pair<std::string_view, std::string_view> SplitPath(std::string_view path)
@@ -158,15 +175,29 @@ std::optional<std::string> Indentation(std::string_view text, std::size_t positi
                                                                      : std::nullopt;
 }
 
-/// As it stands in the text: on one line, or with every further line indented like the first.
-std::string Printed(const Value& value, const std::optional<std::string>& indentation)
+/// The blanks by which the text indents a level: those before its first key.
+std::string UnitOf(std::string_view text)
 {
+    const std::size_t quote = text.find('"');
+    const auto blanks = quote == std::string_view::npos ? std::nullopt : Indentation(text, quote);
+    return blanks.value_or("  ");
+}
+
+/// As it stands in the text: on one line, or with every further line indented like the first and then, for each
+/// level of the value, by the unit of the document.
+std::string Printed(const Value& value, const std::optional<std::string>& indentation, const std::string& unit)
+{
+    constexpr std::size_t kPrintersUnit = 2; // blanks
     const std::string text = qelcore::serialization::GetJSONUTF8String(value, indentation.has_value());
     std::string printed;
-    for (const char letter : text) {
-        printed += letter;
-        if (letter == '\n') {
-            printed += *indentation;
+    for (std::size_t at = 0; at < text.size();) {
+        printed += text[at];
+        if (text[at++] != '\n') {
+            continue;
+        }
+        printed += *indentation;
+        for (; text.compare(at, kPrintersUnit, "  ") == 0; at += kPrintersUnit) {
+            printed += unit;
         }
     }
     return printed;
@@ -208,11 +239,8 @@ Value DocumentEditor::Find(std::string_view path) const
 void DocumentEditor::Set(std::string_view path, const Value& value)
 {
     const std::string_view text = std::string_view(mText).substr(0, mText.find('\0'));
-    Scanner scanner(text, text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    std::size_t brace = scanner.SkipSpace();
-    if (const FoundObject wrapper = LookInto(text, brace, kWrapper); wrapper.member) {
-        brace = wrapper.member->value.begin;
-    }
+    std::size_t brace = OutermostBrace(text);
+    const std::string unit = UnitOf(text);
     std::string_view rest = path;
     for (;;) {
         const auto [key, below] = SplitPath(rest);
@@ -222,14 +250,14 @@ void DocumentEditor::Set(std::string_view path, const Value& value)
             std::string added = object.first ? "," : "";
             added += indentation ? '\n' + *indentation : object.first ? " " : "";
             added += qelcore::serialization::GetJSONUTF8String(Value(std::string(key)), /*formatted=*/false) +
-                     ": " + Printed(Nested(below, value), indentation);
+                     ": " + Printed(Nested(below, value), indentation, unit);
             mText.insert(object.end, added);
             return;
         }
         const Span found = object.member->value;
         if (below.empty()) {
             mText.replace(found.begin, found.end - found.begin,
-                          Printed(value, Indentation(text, object.member->key.begin)));
+                          Printed(value, Indentation(text, object.member->key.begin), unit));
             return;
         }
         if (text[found.begin] != '{') {
@@ -238,6 +266,33 @@ void DocumentEditor::Set(std::string_view path, const Value& value)
         }
         brace = found.begin;
         rest = below;
+    }
+}
+
+void DocumentEditor::Remove(std::string_view path)
+{
+    for (;;) {
+        const std::string_view text = std::string_view(mText).substr(0, mText.find('\0'));
+        std::size_t brace = OutermostBrace(text);
+        std::string_view rest = path;
+        for (;;) {
+            const auto [key, below] = SplitPath(rest);
+            const FoundObject object = LookInto(text, brace, key);
+            if (!object.member || (!below.empty() && text[object.member->value.begin] != '{')) {
+                return;
+            }
+            if (below.empty()) {
+                // With the comma before it, or that behind it, or all that is in the braces.
+                const std::size_t begin =
+                    object.previousEnd.value_or(object.nextBegin ? object.member->key.begin : object.open);
+                const std::size_t end =
+                    object.previousEnd ? object.member->value.end : object.nextBegin.value_or(object.end);
+                mText.erase(begin, end - begin);
+                break;
+            }
+            brace = object.member->value.begin;
+            rest = below;
+        }
     }
 }
 

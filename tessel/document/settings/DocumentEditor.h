@@ -26,6 +26,10 @@ public:
     /// @throws importhost::HostError  where something on the path is there and is no object
     void Set(std::string_view path, const qelcore::serialization::Value& value);
 
+    /// Takes the key at the path out of its object, with its comma; every one of equal keys. Nothing happens
+    /// where there is none.
+    void Remove(std::string_view path);
+
     [[nodiscard]] const std::string& Text() const noexcept { return mText; }
 
     /// The same settings as writers of documents print them, spread over lines: keys in ascending order,

@@ -1,0 +1,13 @@
+/// An edited document in the layout that it had.
+#pragma once
+
+#include <string>
+
+namespace tessel::document {
+
+/// The settings of `after` in the text of `before`: line ends, indentation and order of keys stay, values that
+/// are the same keep their spelling, keys that `after` has not are gone. Where `before` is no document, or the
+/// settings cannot be put into its text, `after` as it is. Threads: [any-thread].
+[[nodiscard]] std::string InLayoutOf(const std::string& before, const std::string& after);
+
+} // namespace tessel::document
