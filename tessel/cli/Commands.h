@@ -70,6 +70,7 @@ void LetWritesFail() noexcept;
 /// `typed::SettingError` for a wrong command line; the context outlives the command line. @{
 void AddInfoCommand(CommandLine& commandLine, Context& context);
 void AddRenderCommand(CommandLine& commandLine, Context& context);
+void AddJoinCommand(CommandLine& commandLine, Context& context);
 void AddBenchCommand(CommandLine& commandLine, Context& context);
 void AddDamageCommand(CommandLine& commandLine, Context& context);
 void AddEditCommand(CommandLine& commandLine, Context& context);

@@ -66,6 +66,7 @@ int Run(int argc, char** argv)
         AddSetCommand(commandLine);
         AddListCommand(commandLine);
         AddRenderCommand(commandLine, context);
+        AddJoinCommand(commandLine, context);
         AddBenchCommand(commandLine, context);
         AddDamageCommand(commandLine, context);
         AddEditCommand(commandLine, context);

@@ -1,11 +1,21 @@
 #include "Progress.h"
 
+#include <tessel/export/files/Interrupt.h>
+
 #include <fmt/format.h>
 
 #include <cstdio>
 #include <utility>
 
 namespace tessel::exporting {
+
+void ReportProgress(ProgressListener* listener, std::int64_t done, std::int64_t total, const char* unit)
+{
+    InterruptGuard::ThrowIfRequested();
+    if (listener != nullptr) {
+        listener->Report(done, total, unit);
+    }
+}
 
 ProgressBar::ProgressBar(std::string name) : mName(std::move(name)) {}
 

@@ -18,6 +18,10 @@ public:
     virtual void Report(std::int64_t done, std::int64_t total, const char* unit) = 0;
 };
 
+/// Tells a listener, which may be null, of work that a person may end at any time.
+/// @throws Interrupted  where somebody has asked for that
+void ReportProgress(ProgressListener* listener, std::int64_t done, std::int64_t total, const char* unit);
+
 /// A bar on standard error, redrawn ten times a second and wiped at the end.
 class ProgressBar final : public ProgressListener {
 public:

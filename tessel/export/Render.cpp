@@ -1,9 +1,9 @@
 #include "Render.h"
 
 #include "AskedSource.h"
-#include "AudioBlocks.h"
 #include "ExportError.h"
 #include "OrderedPipeline.h"
+#include "SoundTrack.h"
 
 #include <tessel/document/SettingHint.h>
 #include <tessel/export/convert/FrameConverter.h>
@@ -25,66 +25,10 @@
 namespace tessel::exporting {
 namespace {
 
-void StopIfInterrupted()
-{
-    if (InterruptGuard::Requested()) {
-        throw Interrupted();
-    }
-}
-
 void Report(const RenderJob& job, std::int64_t done, std::int64_t total, const char* unit)
 {
-    StopIfInterrupted();
-    if (job.progress != nullptr) {
-        job.progress->Report(done, total, unit);
-    }
+    ReportProgress(job.progress, done, total, unit);
 }
-
-/// Feeds a writer with the samples of a span.
-class SoundTrack {
-public:
-    /// @param record  may be null
-    SoundTrack(const SignalSource& source, const AudioPlan& plan, const RenderRecord* record)
-        : mPlan(plan), mReader(source, plan.sampleRate, source.Description().channelCount),
-          mChannels(plan.hostChannels.size())
-    {
-        if (record != nullptr && record->sound) {
-            mHasher.emplace(plan, record->algorithm, record->sound);
-        }
-    }
-
-    void StartAt(std::int64_t position) noexcept { mPosition = position; }
-
-    /// Writes up to, not including, `end`.
-    void WriteTo(std::int64_t end, MovieWriter& writer)
-    {
-        while (mPosition < end) {
-            const std::int64_t count = mReader.Read(mPosition, end - mPosition);
-            for (std::size_t i = 0; i < mChannels.size(); ++i) {
-                mChannels[i] = mReader.Channel(mPlan.hostChannels[i]);
-            }
-            writer.WriteSamples(mChannels, count, mPosition);
-            if (mHasher) {
-                mHasher->Add(mChannels, count, mPosition);
-            }
-            mPosition += count;
-        }
-    }
-
-    void Finish()
-    {
-        if (mHasher) {
-            mHasher->Finish();
-        }
-    }
-
-private:
-    AudioPlan mPlan;
-    std::optional<SoundHasher> mHasher;
-    AudioBlockReader mReader;
-    std::vector<const float*> mChannels;
-    std::int64_t mPosition = 0;
-};
 
 /// A picture, and the facts that a record needs.
 struct MadePicture {
@@ -101,7 +45,7 @@ void Tell(const RenderJob& job, std::int64_t index, const PictureDigests& digest
 
 void TellEnd(const RenderJob& job)
 {
-    StopIfInterrupted();
+    InterruptGuard::ThrowIfRequested();
     if (job.record != nullptr && job.record->beforeCommit) {
         job.record->beforeCommit();
     }
@@ -197,29 +141,13 @@ private:
     std::shared_ptr<FrameReader> mReader; ///< where there is no detour
 };
 
-/// A container that writes nothing needs no file either.
-OutputFile OpenTarget(const std::filesystem::path& target, const Container& container)
-{
-    return target == "-" || container.takesEveryCodec ? OutputFile(OutputFile::StandardOutput{})
-                                                      : OutputFile(target);
-}
-
-/// The span's end in samples: the start of frame `frame`.
-std::int64_t StartSample(std::int64_t frame, const importhost::ClipDescription& clip, const AudioPlan& plan)
-{
-    return FrameStartSample(frame, clip.timeScale, clip.sampleSize, plan.sampleRate);
-}
-
 std::int64_t RenderSoundOnly(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
                              const Detour& detour)
 {
-    const importhost::ClipDescription& clip = source.Description();
-    const std::int64_t start = StartSample(job.frames.first, clip, *plan.audio);
-    const std::int64_t end =
-        StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
+    SoundTrack sound(source, *plan.audio, job.record, job.frames.first);
+    const std::int64_t start = sound.StartOf(job.frames.first);
+    const std::int64_t end = sound.StartOf(job.frames.Last() + 1) + detour.soundTailSamples;
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount, {0, end - start});
-    SoundTrack sound(source, *plan.audio, job.record);
-    sound.StartAt(start);
     const std::int64_t second = plan.audio->sampleRate;
     for (std::int64_t position = start; position < end; position += second) {
         sound.WriteTo(std::min(position + second, end), writer);
@@ -233,16 +161,13 @@ std::int64_t RenderSoundOnly(const SignalSource& source, const RenderJob& job, c
 std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const OutputPlan& plan,
                          const Detour& detour)
 {
-    const importhost::ClipDescription& clip = source.Description();
     std::optional<SoundTrack> sound;
     std::int64_t soundStart = 0;
     std::int64_t soundEnd = 0;
     if (plan.audio) {
-        sound.emplace(source, *plan.audio, job.record);
-        soundStart = StartSample(job.frames.first, clip, *plan.audio);
-        sound->StartAt(soundStart);
-        soundEnd =
-            StartSample(job.frames.first + job.frames.count, clip, *plan.audio) + detour.soundTailSamples;
+        sound.emplace(source, *plan.audio, job.record, job.frames.first);
+        soundStart = sound->StartOf(job.frames.first);
+        soundEnd = sound->StartOf(job.frames.Last() + 1) + detour.soundTailSamples;
     }
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount,
                        {job.frames.count, soundEnd - soundStart});
@@ -253,8 +178,7 @@ std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const
         writer.WritePicture(made->picture, detour.startFrames + time);
         Tell(job, index, made->digests);
         if (sound) {
-            const std::int64_t next = StartSample(job.frames.first + index + 1, clip, *plan.audio);
-            sound->WriteTo(std::min(next, soundEnd), writer);
+            sound->WriteTo(std::min(sound->StartOf(job.frames.first + index + 1), soundEnd), writer);
         }
         Report(job, index + 1, job.frames.count, "frames");
     }
@@ -350,6 +274,13 @@ PlannedRender::PlannedRender(const SignalSource& source, const RenderJob& job) :
         mSource = mAsked.get();
     }
     mPlan = PlanOutput(mSource->Description(), job.output);
+}
+
+void PlannedRender::MarkAsPart(const PartLabel& label, std::int64_t indexInWhole)
+{
+    mPlan.comment = label.Text();
+    mPlan.video->startIndex = indexInWhole;
+    mPlan.video->options = OptionsOf(*mPlan.video);
 }
 
 std::int64_t PlannedRender::Run() const

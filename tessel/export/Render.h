@@ -2,6 +2,8 @@
 #pragma once
 
 #include "AskedSource.h"
+#include "FrameRange.h"
+#include "Parts.h"
 #include "Progress.h"
 #include "RenderRecord.h"
 #include "SignalSource.h"
@@ -16,12 +18,6 @@
 #include <optional>
 
 namespace tessel::exporting {
-
-/// Frames of a clip, counted from 0.
-struct FrameRange {
-    std::int64_t first = 0;
-    std::int64_t count = 0;
-};
 
 /// @param first  first frame; the clip's first where not given
 /// @param last   last frame, included
@@ -50,6 +46,10 @@ public:
 
     /// Receives the facts of each picture and of the samples; null: no record. Borrowed until it has run.
     void Tell(const RenderRecord* record) noexcept { mJob.record = record; }
+
+    /// Makes the file one part of a longer movie: it says so.
+    /// @param indexInWhole  of its first picture, counted from the movie's first
+    void MarkAsPart(const PartLabel& label, std::int64_t indexInWhole);
 
     /// As `Render`.
     std::int64_t Run() const;

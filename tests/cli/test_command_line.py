@@ -15,7 +15,7 @@ class CommandLine(ProgramTest):
                 self.assert_failed(self.run_program(*arguments), 2, "(see tessel ", "--help)")
 
     def test_an_unknown_command_is_named_beside_those_that_there_are(self):
-        self.assert_failed(self.run_program("bogus"), 2, "'bogus' is no command", "new, info, set, list, render, bench, damage, edit, verify, schema, help")
+        self.assert_failed(self.run_program("bogus"), 2, "'bogus' is no command", "new, info, set, list, render, join, bench, damage, edit, view, verify, schema, help")
         self.assert_failed(self.run_program("bogus", "a.tessel"), 2, "'bogus' is no command")
 
     def test_empty_values_are_not_taken_for_missing_ones(self):

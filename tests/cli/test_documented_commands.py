@@ -13,8 +13,9 @@ from program import HAS_PLAYER, TICKS_PER_SECOND, ProgramTest, document
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 PLAYERS = ("ffplay", "mpv")
-# The guide is run by the test of the installed SDK; the report names what was done to other programs, where they are.
-ELSEWHERE = {"write-an-importer.md", "field-report.md"}
+# The guide is run by the test of the installed SDK; the report names what was done to other programs, where they are;
+# the cluster's commands are run by tests/cluster.
+ELSEWHERE = {"write-an-importer.md", "field-report.md", "cluster.md"}
 # What a person does between two commands; the stand-in changes nothing.
 BY_HAND = {"# In the editor: import clip.mov, export the timeline as export.mov.": "cp clip.mov export.mov"}
 # A word in capitals, dots or brackets stands for something.

@@ -15,18 +15,32 @@ namespace tessel::cli {
 struct Context;
 
 /// Command lines as typed. @{
+struct RunOptions {
+    bool allowDefault = false;
+    bool dryRun = false;
+    bool noProgress = false;
+    bool quiet = false;
+};
+
 struct RenderOptions {
     std::vector<std::string> clips;
     std::string output;
     OutputOptions out;
     std::string timecode;
+    std::string part;
     std::filesystem::path hashes; ///< `--hash`
     std::filesystem::path verify;
     std::filesystem::path truth;
-    bool allowDefault = false;
-    bool dryRun = false;
-    bool noProgress = false;
-    bool quiet = false;
+    RunOptions how;
+};
+
+struct JoinOptions {
+    std::string clip;
+    std::vector<std::filesystem::path> parts;
+    std::string output;
+    OutputOptions out;
+    std::string timecode;
+    RunOptions how;
 };
 
 struct DamageOptions {
@@ -64,11 +78,17 @@ struct ThumbnailOptions {
 };
 /// @}
 
+/// Declare options that `render` and `join` share. The variables must live until the command has run. @{
+void AddTimecodeOption(const Command& command, std::string& timecode);
+void AddRunOptions(const Command& command, RunOptions& options);
+/// @}
+
 /// Each runs its command. In `tessel` they start `tessel-movies` in the program's place, with the same
 /// arguments.
 /// @throws UsageError, and what the work throws
 /// @{
 void RunRender(const RenderOptions& options, Context& context);
+void RunJoin(const JoinOptions& options, Context& context);
 void RunDamage(const DamageOptions& options, Context& context);
 void RunVerify(const VerifyOptions& options, Context& context);
 void RunThumbnail(const ThumbnailOptions& options, Context& context);

@@ -20,6 +20,11 @@ void RunRender(const RenderOptions& /*options*/, Context& context)
     RunMovies(context);
 }
 
+void RunJoin(const JoinOptions& /*options*/, Context& context)
+{
+    RunMovies(context);
+}
+
 void RunDamage(const DamageOptions& /*options*/, Context& context)
 {
     RunMovies(context);

@@ -9,6 +9,26 @@
 
 namespace tessel::cli {
 
+void AddTimecodeOption(const Command& command, std::string& timecode)
+{
+    command
+        .AddOption(
+            "--timecode", timecode,
+            "Of the file's first picture: 10:00:00:00, or 10:00:00;00 for drop frame; in mov, mxf and mkv")
+        .ValueName("TIMECODE");
+}
+
+void AddRunOptions(const Command& command, RunOptions& options)
+{
+    command.StartGroup("How it runs");
+    command.AddFlag("--allow-default", options.allowDefault,
+                    "Render a document that cannot be read as the default clip");
+    command.AddFlag("--dry-run", options.dryRun,
+                    "Only say what would be written, and what of the clip the file would not say");
+    command.AddFlag("-q,--quiet", options.quiet, "No progress bar and no closing line");
+    command.AddFlag("--no-progress", options.noProgress, "No progress bar");
+}
+
 void AddRenderCommand(CommandLine& commandLine, Context& context)
 {
     const auto options = std::make_shared<RenderOptions>();
@@ -22,19 +42,15 @@ void AddRenderCommand(CommandLine& commandLine, Context& context)
                    "out/%06d.exr")
         .ValueName("OUT")
         .TakesFile(FileKind::Any);
-    command
-        .AddOption(
-            "--timecode", options->timecode,
-            "Of the file's first picture: 10:00:00:00, or 10:00:00;00 for drop frame; in mov, mxf and mkv")
-        .ValueName("TIMECODE");
+    AddTimecodeOption(command, options->timecode);
     AddOutputOptions(command, options->out);
-    command.StartGroup("How it runs");
-    command.AddFlag("--allow-default", options->allowDefault,
-                    "Render a document that cannot be read as the default clip");
-    command.AddFlag("--dry-run", options->dryRun,
-                    "Only say what would be written, and what of the clip the file would not say");
-    command.AddFlag("-q,--quiet", options->quiet, "No progress bar and no closing line");
-    command.AddFlag("--no-progress", options->noProgress, "No progress bar");
+    AddRunOptions(command, options->how);
+    command.StartGroup("Part of a clip");
+    command
+        .AddOption("--part", options->part,
+                   "Render part K of N, picture alone, for 'tessel join': of the F frames chosen, those from "
+                   "(K-1)*F/N up to, not including, K*F/N, both rounded down; K counts from 1")
+        .ValueName("K/N");
     command.StartGroup("Proof");
     command.AddOption(
         "--hash", options->hashes,
@@ -57,6 +73,7 @@ void AddRenderCommand(CommandLine& commandLine, Context& context)
                        "What would be written, and what lost");
     command.AddExample("tessel render clip.tessel --format null --hash clip.framehash",
                        "Fingerprints of every picture, and no file");
+    command.AddExample("tessel render clip.tessel --part 2/5 -o clip.2.mkv", "The second of five parts");
     command.AddExample("tessel render clip.tessel -o clip.mkv --truth clip.csv",
                        "A movie, and what is true of each of its pictures");
     command.OnRun([options, &context] { RunRender(*options, context); });

@@ -21,10 +21,15 @@ struct Free {
     void operator()(AVIOContext* context) const noexcept;
 };
 
+struct CloseInput {
+    void operator()(AVFormatContext* context) const noexcept { avformat_close_input(&context); }
+};
+
 using CodecContext = std::unique_ptr<AVCodecContext, Free>;
 using Frame = std::unique_ptr<AVFrame, Free>;
 using Packet = std::unique_ptr<AVPacket, Free>;
 using FormatContext = std::unique_ptr<AVFormatContext, Free>;
+using InputContext = std::unique_ptr<AVFormatContext, CloseInput>;
 using IoContext = std::unique_ptr<AVIOContext, Free>;
 
 /// @throws std::bad_alloc @{

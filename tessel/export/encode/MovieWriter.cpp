@@ -55,6 +55,8 @@ struct MovieWriter::State {
     std::string container;
     libav::FormatContext format;
     std::unique_ptr<VideoEncoder> video;
+    bool copiesVideo = false; ///< its packets come from elsewhere
+    int videoDelay = 0;       ///< pictures by which the encoder decodes before it shows, also where none refers
     std::optional<AudioEncoder> audio;
     AVStream* videoStream = nullptr;
     AVStream* audioStream = nullptr;
@@ -89,6 +91,12 @@ std::int64_t IndexBytes(const MovieExtent& extent, std::int64_t samplesPerPacket
 
 } // namespace
 
+OutputFile OpenTarget(const std::filesystem::path& target, const Container& container)
+{
+    return target == "-" || container.takesEveryCodec ? OutputFile(OutputFile::StandardOutput{})
+                                                      : OutputFile(target);
+}
+
 MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount, const MovieExtent& extent)
     : mState(std::make_unique<State>(std::move(file)))
 {
@@ -120,6 +128,7 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
         state.videoStream = &AddStream(*format);
         state.video->DescribeStream(*state.videoStream);
         state.videoUnit = state.videoStream->time_base;
+        state.videoDelay = state.videoStream->codecpar->video_delay;
         if (plan.timecode) {
             av_dict_set(&state.videoStream->metadata, "timecode", plan.timecode->After(0).c_str(), 0);
         }
@@ -129,6 +138,9 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
         state.audioStream = &AddStream(*format);
         state.audio->DescribeStream(*state.audioStream);
         state.audioUnit = state.audioStream->time_base;
+    }
+    if (!plan.comment.empty()) {
+        av_dict_set(&format->metadata, std::string(container.commentKey).c_str(), plan.comment.c_str(), 0);
     }
     AVDictionary* options = nullptr;
     const std::string text(state.file.CanSeek() ? container.muxerOptions : container.pipeOptions);
@@ -150,6 +162,16 @@ void MovieWriter::WritePicture(const Picture& picture, std::int64_t index)
     mState->video->Encode(picture, index, mState->VideoSink());
 }
 
+void MovieWriter::WritePacket(AVPacket& packet, std::int64_t index)
+{
+    mState->copiesVideo = true;
+    packet.pts = index;
+    packet.dts = index - mState->videoDelay;
+    packet.duration = 1;
+    packet.flags = AV_PKT_FLAG_KEY;
+    mState->VideoSink()(packet);
+}
+
 void MovieWriter::WriteSamples(const std::vector<const float*>& channels, std::int64_t count,
                                std::int64_t clipPosition)
 {
@@ -159,7 +181,7 @@ void MovieWriter::WriteSamples(const std::vector<const float*>& channels, std::i
 std::int64_t MovieWriter::Finish()
 {
     State& state = *mState;
-    if (state.video) {
+    if (state.video && !state.copiesVideo) {
         state.video->Finish(state.VideoSink());
     }
     if (state.audio) {

@@ -6,8 +6,11 @@
 #include <tessel/export/plan/OutputPlan.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <vector>
+
+struct AVPacket;
 
 namespace tessel::exporting {
 
@@ -16,6 +19,9 @@ struct MovieExtent {
     std::int64_t pictures = 0;
     std::int64_t samples = 0;
 };
+
+/// A file, or standard output for `-`; nothing that a person sees for a container that writes nothing.
+[[nodiscard]] OutputFile OpenTarget(const std::filesystem::path& target, const Container& container);
 
 /// Writes pictures and samples into one file of any container but sequences. Threads: one object, one thread
 /// at a time.
@@ -32,6 +38,9 @@ public:
 
     /// Pictures in order, from 0 on.
     void WritePicture(const Picture& picture, std::int64_t index);
+    /// A picture that is coded already, as the plan's encoder codes it; takes the packet's content. Either all
+    /// pictures come so or none.
+    void WritePacket(AVPacket& packet, std::int64_t index);
     /// As `AudioEncoder::Encode`.
     void WriteSamples(const std::vector<const float*>& channels, std::int64_t count, std::int64_t clipPosition);
     /// Writes what is left and gives the file its name.

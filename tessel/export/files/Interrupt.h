@@ -15,6 +15,9 @@ public:
     /// Whether a signal came. [any-thread]
     [[nodiscard]] static bool Requested() noexcept;
 
+    /// @throws Interrupted  where a signal came. [any-thread]
+    static void ThrowIfRequested();
+
     /// Ends the process as the noted signal would have, so that shells and scripts see why. Returns where
     /// none was noted.
     static void EndAsSignalled() noexcept;

@@ -52,6 +52,13 @@ bool InterruptGuard::Requested() noexcept
     return gSignal != 0;
 }
 
+void InterruptGuard::ThrowIfRequested()
+{
+    if (Requested()) {
+        throw Interrupted();
+    }
+}
+
 void InterruptGuard::EndAsSignalled() noexcept
 {
     if (const int signal = gSignal.load(); signal != 0) {

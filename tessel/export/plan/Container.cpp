@@ -109,6 +109,7 @@ constexpr std::array<Container, 13> kContainers{{
      .muxer = "mxf",
      .needsToSeek = true,
      .videoCodecs = AlwaysBut("mpeg2", /*dv=*/"dv"),
+     .commentKey = "comment_part", // the muxer writes those that begin so
      .audioCodec = "pcm24",
      .keeps = Keeps::Colors | Keeps::Range | Keeps::Timecode},
     {.name = "avi",

@@ -55,6 +55,7 @@ struct Container {
     bool isQuickTime = false;        ///< of QuickTime's family, with its four-character codes
     bool headersOutOfBand = false;   ///< headers of codecs go into the container's, not into their packets
     DefaultVideoCodecs videoCodecs{};
+    std::string_view commentKey = "comment";     ///< FFmpeg's name for a text about the file
     std::string_view audioCodec{};               ///< where nobody chooses one; empty: no sound
     std::span<const PictureLayout> rawLayouts{}; ///< that its readers know unpacked, the preferred first
     std::span<const RawTag> rawTags{};

@@ -39,6 +39,7 @@ struct OutputPlan {
     std::optional<VideoPlan> video;
     std::optional<AudioPlan> audio;
     std::optional<Timecode> timecode; ///< of the file's first picture
+    std::string comment;              ///< a text that goes into the file where its container has a place
 };
 
 /// @param clip  with the format of its frames, where it becomes a picture

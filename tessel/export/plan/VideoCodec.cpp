@@ -1,6 +1,7 @@
 #include "VideoCodec.h"
 
 #include "Names.h"
+#include "Timecode.h"
 #include "VideoPlan.h"
 
 #include <array>
@@ -109,6 +110,10 @@ void SetMpeg2Options(const VideoPlan& plan, EncoderOptions& options)
 {
     // Intra pictures; 28 is the most that the non-linear scale knows.
     options.values = {{"g", "0"}, {"qmax", "28"}, {"non_linear_quant", "1"}, {"intra_vlc", "1"}};
+    if (plan.startIndex != 0) { // each picture has a timecode, counted from 0 in the whole movie
+        const Timecode first(plan.geometry.rateNumerator, plan.geometry.rateDenominator, /*drop=*/false);
+        options.values.emplace_back("gop_timecode", first.After(plan.startIndex));
+    }
     SetQuantizer(plan, options);
 }
 
@@ -201,7 +206,8 @@ constexpr std::array<VideoCodec, 17> kCodecs{{
      .layouts = kH264Layouts,
      .keeps = kShape | Keeps::Colors | Keeps::Range,
      .setOptions = SetH264Options,
-     .quality = {"CRF", 0, 51, 16}},
+     .quality = {"CRF", 0, 51, 16},
+     .refersToOthers = true},
     {.name = "hevc",
      .title = "HEVC",
      .encoder = "libx265",
@@ -212,7 +218,8 @@ constexpr std::array<VideoCodec, 17> kCodecs{{
      .setOptions = SetHevcOptions,
      .quality = {"CRF", 0, 51, 16},
      .quickTimeTag = "hvc1",
-     .codesFields = false},
+     .codesFields = false,
+     .refersToOthers = true},
     {.name = "av1",
      .title = "AV1",
      .encoder = "libaom-av1",
@@ -222,7 +229,8 @@ constexpr std::array<VideoCodec, 17> kCodecs{{
      .keeps = Keeps::Colors | Keeps::Range,
      .setOptions = SetAv1Options,
      .quality = {"CRF", 0, 63, 20},
-     .codesFields = false},
+     .codesFields = false,
+     .refersToOthers = true},
     {.name = "vp9",
      .title = "VP9",
      .encoder = "libvpx-vp9",
@@ -232,7 +240,8 @@ constexpr std::array<VideoCodec, 17> kCodecs{{
      .keeps = Keeps::Range,
      .setOptions = SetVp9Options,
      .quality = {"CRF", 0, 63, 20},
-     .codesFields = false},
+     .codesFields = false,
+     .refersToOthers = true},
     {.name = "mpeg2",
      .title = "MPEG-2",
      .encoder = "mpeg2video",

@@ -61,6 +61,7 @@ struct VideoCodec {
     QualityScale quality{};
     std::string_view quickTimeTag{}; ///< by which QuickTime's family knows it, where the muxer has another one
     bool codesFields = true;         ///< the encoder hears that pictures are interlaced
+    bool refersToOthers = false;     ///< pictures are coded from their neighbours
     bool repeats = false;            ///< the same picture gives the same packet wherever it stands
     bool isFullRange = false;        ///< Y'CbCr made from R'G'B' is BT.601 full range, as readers expect of it
     PacketRepair repair = PacketRepair::None;

@@ -32,6 +32,7 @@ struct VideoPlan {
     bool headersOutOfBand = false;
     std::string_view tag; ///< four characters by which the container knows the codec; empty: the muxer's own
     RawWriter rawWriter = RawWriter::Libav;
+    std::int64_t startIndex = 0; ///< of the first picture in the movie that the file is a part of
 };
 
 /// @throws ExportError  for a clip whose frames last no time that can be told
