@@ -16,6 +16,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -351,6 +352,54 @@ TEST_F(SettingsDialog, TabScrollsWhatItReachesIntoSight)
         ASSERT_NE(at, nullptr);
     }
 }
+
+double Luminance(QRgb color)
+{
+    const auto linear = [](int part) {
+        const double value = part / 255.0;
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) + 0.0722 * linear(qBlue(color));
+}
+
+/// Pixels whose two colours have the contrast that WCAG 2.2, 2.4.13 asks of a change of the focus, 3:1.
+int PixelsThatShow(const QImage& before, const QImage& after)
+{
+    int count = 0;
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x) {
+            const double a = Luminance(before.pixel(x, y)) + 0.05;
+            const double b = Luminance(after.pixel(x, y)) + 0.05;
+            count += std::max(a, b) / std::min(a, b) >= 3.0 ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+class FocusIn : public SettingsDialog, public testing::WithParamInterface<qelui::Theme> {};
+
+TEST_P(FocusIn, IsSeenOnEveryControl)
+{
+    kestrelqt::ApplyTheme(*qApp, GetParam());
+    mDialog->GetControl<qelui::UI_StaticText>("saveToPathStaticTextID").SetValue("/a/clip.tessel");
+    mWindow = nullptr;
+    mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, QSize(1904, 1020));
+    ui_qt::ShowAndActivate(*mWindow);
+    const auto widgets = Reachable(*mWindow);
+    ASSERT_GT(widgets.size(), 30U);
+    for (QWidget* const widget : widgets) {
+        kestrelqt::Focus(widget == widgets.front() ? *widgets.back() : *widgets.front());
+        const QImage before = widget->grab().toImage();
+        kestrelqt::Focus(*widget);
+        ASSERT_TRUE(widget->hasFocus()) << Describe(*widget);
+        // Around the smallest thing with a focus, an indicator of 14 pixels.
+        EXPECT_GE(PixelsThatShow(before, widget->grab().toImage()), 28) << Describe(*widget);
+    }
+    mWindow = nullptr;
+    kestrelqt::ApplyTheme(*qApp, qelui::Theme::Dark);
+}
+
+INSTANTIATE_TEST_SUITE_P(Themes, FocusIn, testing::Values(qelui::Theme::Dark, qelui::Theme::Light));
 
 TEST(ColorPickerAccessibility, EveryFocusableControlHasANameAndTabReachesIt)
 {

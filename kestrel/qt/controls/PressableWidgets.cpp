@@ -5,9 +5,11 @@
 
 #include <kestrel/qt/EventSeam.h>
 
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalBlocker>
 
 namespace kestrelqt {
 
@@ -62,7 +64,8 @@ CheckBoxWidget::CheckBoxWidget(qelui::UI_CheckBox& box, QWidget* parent)
 {
     DressWidget(*mWidget, box);
     KeepLeastSize(*mWidget, box);
-    QObject::connect(mWidget, &QCheckBox::clicked, mWidget, [this](bool checked) {
+    // Not `clicked`, which assistive tools do not cause.
+    QObject::connect(mWidget, &QCheckBox::toggled, mWidget, [this](bool checked) {
         AtSeam([this, checked] {
             CommitTyping(*mWidget);
             mModel.EnterChecked(checked);
@@ -80,6 +83,7 @@ QWidget* CheckBoxWidget::Widget() const
 void CheckBoxWidget::Follow()
 {
     FollowCaption(*mWidget, mModel, AltLetter());
+    const QSignalBlocker quiet(mWidget); // what the model says is not entered
     mWidget->setChecked(mModel.IsChecked());
 }
 
@@ -96,8 +100,12 @@ RadioButtonWidget::RadioButtonWidget(qelui::UI_RadioButton& button, QWidget* par
 {
     DressWidget(*mWidget, button);
     KeepLeastSize(*mWidget, button);
-    mWidget->setAutoExclusive(false);
-    QObject::connect(mWidget, &QRadioButton::clicked, mWidget, [this] {
+    // The model excludes. A group of its own that excludes nothing keeps Qt from doing so, too; without
+    // `autoExclusive` assistive tools would hear of a check box.
+    auto* const alone = new QButtonGroup(mWidget);
+    alone->setExclusive(false);
+    alone->addButton(mWidget);
+    QObject::connect(mWidget, &QRadioButton::toggled, mWidget, [this] {
         AtSeam([this] {
             CommitTyping(*mWidget);
             mModel.Press();
@@ -115,6 +123,7 @@ QWidget* RadioButtonWidget::Widget() const
 void RadioButtonWidget::Follow()
 {
     FollowCaption(*mWidget, mModel, AltLetter());
+    const QSignalBlocker quiet(mWidget); // what the model says is not entered
     mWidget->setChecked(mModel.GetValue() == 1);
 }
 
