@@ -24,6 +24,9 @@ endif()
 if(TARGET tessel_python)
     list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
+if(TARGET mlttessel)
+    list(APPEND CPACK_COMPONENTS_ALL mlt)
+endif()
 if(TARGET mpvtessel)
     list(APPEND CPACK_COMPONENTS_ALL mpv)
 endif()
@@ -83,6 +86,16 @@ if(TARGET tessel_python)
     set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Exact test signals from small documents - Python
 The package tessel: clips as numpy arrays, movies compared with clips, and a
 plug-in for pytest.")
+endif()
+
+if(TARGET mlttessel)
+    set(CPACK_DEBIAN_MLT_PACKAGE_NAME mlt-tessel)
+    set(CPACK_DEBIAN_MLT_PACKAGE_SECTION video)
+    set(CPACK_DEBIAN_MLT_PACKAGE_DEPENDS "tessel ${sameVersion}")
+    set(CPACK_DEBIAN_MLT_PACKAGE_SUGGESTS "melt, kdenlive")
+    set(CPACK_DEBIAN_MLT_DESCRIPTION "Exact test signals from small documents - MLT
+A module with which melt and editors that stand on MLT open Tessel's documents
+like movies, without rendering them first.")
 endif()
 
 if(TARGET mpvtessel)

@@ -1,7 +1,7 @@
 """The Debian packages as files: what is in which, what they need, and that an unpacked one works.
 
-Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON, HAS_MPV, HAS_GSTREAMER: 1 where the build has
-the Qt toolkit, the Python module, the plug-in of mpv, that of GStreamer. PACKAGES names a folder of packages to look into,
+Variables: BUILD (the build folder), CMAKE, and HAS_WINDOWS, HAS_PYTHON, HAS_MLT, HAS_MPV, HAS_GSTREAMER: 1 where the
+build has the Qt toolkit, the Python module, the module of MLT, the plug-in of mpv, that of GStreamer. PACKAGES names a folder of packages to look into,
 instead of making them.
 """
 
@@ -18,9 +18,11 @@ SAMPLE = os.path.join(ROOT, "samples", "hd-2997.tessel")
 HAS_WINDOWS = os.environ.get("HAS_WINDOWS", "1") == "1"
 HAS_PYTHON = os.environ.get("HAS_PYTHON", "1") == "1"
 HAS_MPV = os.environ.get("HAS_MPV", "1") == "1"
+HAS_MLT = os.environ.get("HAS_MLT", "1") == "1"
 HAS_GSTREAMER = os.environ.get("HAS_GSTREAMER", "1") == "1"
 NAMES = sorted(["libkestrel-dev", "tessel"] + (["tessel-qt"] if HAS_WINDOWS else []) +
                (["python3-tessel"] if HAS_PYTHON else []) + (["mpv-tessel"] if HAS_MPV else []) +
+               (["mlt-tessel"] if HAS_MLT else []) +
                (["gstreamer1.0-tessel"] if HAS_GSTREAMER else []))
 NEEDED = ("dpkg-deb", "dpkg-shlibdeps", "readelf", "gzip")
 
@@ -112,6 +114,12 @@ class Contents(PackageTest):
         self.assertIn("postinst", scripts)
         self.assertIn("prerm", scripts)
 
+    @unittest.skipUnless(HAS_MLT, "the build has no module of MLT")
+    def test_mlt_finds_its_module_among_its_own(self):
+        self.one("mlt-tessel", r"usr/lib/(?:[^/]+/)?mlt-7/libmlttessel\.so")
+        self.one("mlt-tessel", r"usr/share/mlt-7/tessel/producer_tessel\.yml")
+        self.assertIn("libmlt7", self.field("mlt-tessel", "Depends"))
+
     @unittest.skipUnless(HAS_MPV, "the build has no plug-in of mpv")
     def test_mpv_finds_its_plug_in_among_its_scripts(self):
         plug_in = self.one("mpv-tessel", r"usr/lib/(?:[^/]+/)?mpv-tessel/tessel\.so")
@@ -137,7 +145,8 @@ class Contents(PackageTest):
                                     # Examples are sources to build.
                                     r"|.*/kestrel/examples/.*|usr/share/doc/libkestrel-dev/.*")
         plug_ins = re.compile(r".*/kestrel/ImporterTessel\.so|.*/dist-packages/tessel/_tessel\..*\.so|"
-                              r".*/mpv(?:-tessel|/scripts)/tessel\.so|.*/gstreamer-1\.0/libgsttessel\.so")
+                              r".*/mpv(?:-tessel|/scripts)/tessel\.so|.*/gstreamer-1\.0/libgsttessel\.so"
+                              r"|.*/mlt-7/libmlttessel\.so")
         for package, paths in CONTENTS.items():
             for path in paths:
                 if plug_ins.fullmatch(path):

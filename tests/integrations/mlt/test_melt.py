@@ -5,6 +5,7 @@ Variables: MELT, MLT_MODULE (the module), MLT_MODULES (the folder of MLT's own),
 
 import json
 import os
+import re
 import subprocess
 import sys
 import unittest
@@ -174,6 +175,22 @@ class Projects(MeltTest):
         os.symlink(os.path.join(ROOT, "integrations", "mlt"), os.path.join(self.path("data"), "tessel"))
         answer = self.run_command([MELT, "-query", "producer=tessel"], {**self.environment, "MLT_DATA": self.path("data")})
         self.assertIn("identifier: tessel", answer.out)
+
+
+class Guide(MeltTest):
+    def test_every_command_of_the_guide_runs(self):
+        self.clip(**STEREO)
+        with open(os.path.join(ROOT, "docs", "integrations.md"), encoding="utf-8") as file:
+            blocks = re.findall(r"^```melt\n(.*?)^```$", file.read(), re.DOTALL | re.MULTILINE)
+        commands = "".join(blocks).splitlines()
+        self.assertEqual(len(commands), 5)
+        for command in commands:
+            with self.subTest(command):
+                self.melt(*command.split()[1:])
+        # 25 frames of 320x180, three bytes a pixel; one second of two floats a sample.
+        self.assertEqual(os.path.getsize(self.path("rgb.raw")), 25 * 320 * 180 * 3)
+        self.assertEqual(os.path.getsize(self.path("sound.f32")), 48000 * 2 * 4)
+        self.assertGreater(os.path.getsize(self.path("project.mp4")), 1000)
 
 
 class Profiles(MeltTest):
