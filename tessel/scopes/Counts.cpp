@@ -3,6 +3,15 @@
 #include <algorithm>
 
 namespace tessel::scopes {
+namespace {
+
+std::uint32_t WeightOf(RowWeights weights, int row) noexcept
+{
+    const auto index = static_cast<std::size_t>(row);
+    return weights.empty() ? 1 : index < weights.size() ? weights[index] : 0;
+}
+
+} // namespace
 
 std::uint32_t CountGrid::Highest() const noexcept
 {
@@ -10,7 +19,7 @@ std::uint32_t CountGrid::Highest() const noexcept
     return highest == mCounts.end() ? 0 : *highest;
 }
 
-void AddWaveform(const Plane& plane, CountGrid& grid)
+void AddWaveform(const Plane& plane, CountGrid& grid, RowWeights weights)
 {
     const Steps levels(kLowestLevel, kHighestLevel, grid.Rows());
     // Which column of the grid a column of the picture falls into, once for all rows.
@@ -21,26 +30,36 @@ void AddWaveform(const Plane& plane, CountGrid& grid)
     }
     for (int y = 0; y < plane.height; ++y) {
         const float* const row = plane.Row(y);
-        for (int x = 0; x < plane.width; ++x) {
-            grid.Add(columns[static_cast<std::size_t>(x)], levels.Of(row[x]));
+        const std::uint32_t weight = WeightOf(weights, y);
+        for (int x = 0; x < plane.width && weight != 0; ++x) {
+            grid.Add(columns[static_cast<std::size_t>(x)], levels.Of(row[x]), weight);
         }
     }
 }
 
-void AddVectors(const Signal& signal, CountGrid& grid)
+void AddVectors(const Signal& signal, CountGrid& grid, RowWeights weights)
 {
     const Steps across(-kVectorReach, kVectorReach, grid.Columns());
     const Steps up(-kVectorReach, kVectorReach, grid.Rows());
-    for (std::size_t i = 0; i < signal.cb.samples.size(); ++i) {
-        grid.Add(across.Of(signal.cb.samples[i]), up.Of(signal.cr.samples[i]));
+    for (int y = 0; y < signal.cb.height; ++y) {
+        const float* const cb = signal.cb.Row(y);
+        const float* const cr = signal.cr.Row(y);
+        const std::uint32_t weight = WeightOf(weights, y);
+        for (int x = 0; x < signal.cb.width && weight != 0; ++x) {
+            grid.Add(across.Of(cb[x]), up.Of(cr[x]), weight);
+        }
     }
 }
 
-void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins)
+void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins, RowWeights weights)
 {
     const Steps levels(kLowestLevel, kHighestLevel, static_cast<int>(bins.size()));
-    for (const float sample : plane.samples) {
-        ++bins[static_cast<std::size_t>(levels.Of(sample))];
+    for (int y = 0; y < plane.height; ++y) {
+        const float* const row = plane.Row(y);
+        const std::uint32_t weight = WeightOf(weights, y);
+        for (int x = 0; x < plane.width && weight != 0; ++x) {
+            bins[static_cast<std::size_t>(levels.Of(row[x]))] += weight;
+        }
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace tessel::scopes {
@@ -49,10 +50,10 @@ public:
     }
 
     void Clear() { mCounts.assign(mCounts.size(), 0); }
-    void Add(int column, int row) noexcept
+    void Add(int column, int row, std::uint32_t count = 1) noexcept
     {
-        ++mCounts[static_cast<std::size_t>(row) * static_cast<std::size_t>(mColumns) +
-                  static_cast<std::size_t>(column)];
+        mCounts[static_cast<std::size_t>(row) * static_cast<std::size_t>(mColumns) +
+                static_cast<std::size_t>(column)] += count;
     }
     [[nodiscard]] std::uint32_t At(int column, int row) const noexcept
     {
@@ -69,16 +70,20 @@ private:
     std::vector<std::uint32_t> mCounts;
 };
 
+/// How often each row of a picture counts, from the top; empty: once each. Rows behind the last number do not
+/// count.
+using RowWeights = std::span<const std::uint32_t>;
+
 /// Adds a component's levels, each in the column of its place in the picture: a waveform.
-void AddWaveform(const Plane& plane, CountGrid& grid);
+void AddWaveform(const Plane& plane, CountGrid& grid, RowWeights weights = {});
 
 /// Chroma that the vectorscope shows at its edges: 1.2 times the chroma of full colours, in both directions.
 inline constexpr float kVectorReach = 0.6F;
 
 /// Adds each pair of chroma samples: Cb to the right, Cr upwards, both 0 in the middle.
-void AddVectors(const Signal& signal, CountGrid& grid);
+void AddVectors(const Signal& signal, CountGrid& grid, RowWeights weights = {});
 
 /// Counts a component's levels. @param bins  zeroed by the caller, or counted on
-void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins);
+void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins, RowWeights weights = {});
 
 } // namespace tessel::scopes

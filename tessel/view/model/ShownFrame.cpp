@@ -5,16 +5,16 @@
 #include <tessel/export/AudioBlocks.h>
 #include <tessel/scopes/Meters.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tessel::view {
 
 FrameMaker::FrameMaker(std::shared_ptr<const ViewedClip> clip)
-    : mClip(std::move(clip)), mToScreen({.source = mClip->Facts().frameFormat,
-                                         .target = exporting::PictureLayout::Bgra,
-                                         .width = mClip->Facts().width,
-                                         .height = mClip->Facts().height,
-                                         .coding = {}})
+    : mClip(std::move(clip)),
+      mToScreen(mClip->Facts().frameFormat, mClip->Facts().width, mClip->Facts().height),
+      mBatches(mClip->Facts().frameFormat, mClip->Facts().width),
+      mReader(mClip->Facts().frameFormat, mClip->Facts().width, RowBatches::kRows, mClip->Matrix())
 {
     if (!mClip->ChannelNames().empty()) {
         mSound.emplace(mClip->Source());
@@ -32,12 +32,7 @@ ShownFrame FrameMaker::Make(std::int64_t frame, const FrameWish& wish)
         shown.scopes = Count(shown.pixels, wish.scopeRowStep);
     }
     if (wish.codeCheck) {
-        if (!mCheckReader) {
-            mCheckReader.emplace(shown.pixels.format, shown.pixels.width, shown.pixels.height, mClip->Matrix());
-        }
-        const auto faults = std::make_shared<scopes::CodeFaults>();
-        scopes::CheckCodes(mCheckReader->Read(shown.pixels), shown.pixels.format, *faults);
-        shown.faults = faults;
+        shown.faults = Check(shown.pixels);
     }
     MeasureSound(shown);
     return shown;
@@ -45,24 +40,51 @@ ShownFrame FrameMaker::Make(std::int64_t frame, const FrameWish& wish)
 
 std::shared_ptr<const ScopeCounts> FrameMaker::Count(const exporting::FrameView& pixels, int rowStep)
 {
-    if (!mScopeReader || mScopeRowStep != rowStep) {
-        mScopeReader.emplace(pixels.format, pixels.width, pixels.height, mClip->Matrix(), rowStep);
-        mScopeRowStep = rowStep;
-    }
-    const scopes::Signal& signal = mScopeReader->Read(pixels);
     auto counts = std::make_shared<ScopeCounts>();
     counts->matrix = mClip->Matrix();
     counts->rowStep = rowStep;
-    scopes::AddWaveform(signal.luma, counts->waveform);
-    scopes::AddWaveform(signal.red, counts->red);
-    scopes::AddWaveform(signal.green, counts->green);
-    scopes::AddWaveform(signal.blue, counts->blue);
-    scopes::AddVectors(signal, counts->vectors);
-    scopes::AddHistogram(signal.luma, counts->histograms[0]);
-    scopes::AddHistogram(signal.red, counts->histograms[1]);
-    scopes::AddHistogram(signal.green, counts->histograms[2]);
-    scopes::AddHistogram(signal.blue, counts->histograms[3]);
+    mRows.Find(pixels, rowStep);
+    mBatches.ForEach(pixels, mRows.Firsts(), [&](const exporting::FrameView& batch, int first, int count) {
+        const scopes::Signal& signal = mReader.Read(batch);
+        const scopes::RowWeights weights(mRows.Counts().data() + first, static_cast<std::size_t>(count));
+        scopes::AddWaveform(signal.luma, counts->waveform, weights);
+        scopes::AddWaveform(signal.red, counts->red, weights);
+        scopes::AddWaveform(signal.green, counts->green, weights);
+        scopes::AddWaveform(signal.blue, counts->blue, weights);
+        scopes::AddVectors(signal, counts->vectors, weights);
+        scopes::AddHistogram(signal.luma, counts->histograms[0], weights);
+        scopes::AddHistogram(signal.red, counts->histograms[1], weights);
+        scopes::AddHistogram(signal.green, counts->histograms[2], weights);
+        scopes::AddHistogram(signal.blue, counts->histograms[3], weights);
+    });
     return counts;
+}
+
+std::shared_ptr<const scopes::CodeFaults> FrameMaker::Check(const exporting::FrameView& pixels)
+{
+    auto faults = std::make_shared<scopes::CodeFaults>();
+    const auto width = static_cast<std::size_t>(pixels.width);
+    faults->width = pixels.width;
+    faults->height = pixels.height;
+    faults->flags.resize(width * static_cast<std::size_t>(pixels.height));
+    scopes::CodeFaults found;
+    std::vector<std::uint8_t> kinds;
+    mRows.Find(pixels, 1);
+    mBatches.ForEach(pixels, mRows.Firsts(), [&](const exporting::FrameView& batch, int /*first*/, int count) {
+        scopes::CheckCodes(mReader.Read(batch), batch.format, found);
+        kinds.insert(kinds.end(), found.flags.begin(),
+                     found.flags.begin() + static_cast<std::ptrdiff_t>(width) * count);
+    });
+    for (std::size_t y = 0; y < mRows.Kinds().size(); ++y) {
+        const std::size_t kind = static_cast<std::size_t>(mRows.Kinds()[y]);
+        std::copy_n(kinds.data() + kind * width, width, faults->flags.data() + y * width);
+    }
+    for (const std::uint8_t flags : faults->flags) {
+        faults->reserved += (flags & scopes::kReservedCode) != 0;
+        faults->outsideRange += (flags & scopes::kOutsideRange) != 0;
+        faults->outsideGamut += (flags & scopes::kOutsideGamut) != 0;
+    }
+    return faults;
 }
 
 void FrameMaker::MeasureSound(ShownFrame& shown)

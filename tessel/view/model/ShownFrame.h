@@ -1,9 +1,10 @@
 /// Everything that a window shows of one frame, made off the window's thread.
 #pragma once
 
+#include "DistinctRows.h"
+#include "ScreenConverter.h"
 #include "ViewedClip.h"
 
-#include <tessel/export/convert/FrameConverter.h>
 #include <tessel/export/convert/Picture.h>
 #include <tessel/scopes/CodeCheck.h>
 #include <tessel/scopes/Counts.h>
@@ -51,7 +52,7 @@ struct ShownFrame {
     std::int64_t frame = 0;
     FrameWish wish;
     exporting::FrameView pixels; ///< as the plug-in painted them
-    exporting::Picture screen;   ///< R'G'B' of 8 bits in the layout `Bgra`; its alpha is not to be applied
+    exporting::Picture screen;   ///< by `ScreenConverter`
     std::shared_ptr<const ScopeCounts> scopes;
     std::shared_ptr<const scopes::CodeFaults> faults;
     std::vector<double> peaksDb; ///< of each channel in the frame's time, in the order of files
@@ -68,13 +69,14 @@ public:
 
 private:
     [[nodiscard]] std::shared_ptr<const ScopeCounts> Count(const exporting::FrameView& pixels, int rowStep);
+    [[nodiscard]] std::shared_ptr<const scopes::CodeFaults> Check(const exporting::FrameView& pixels);
     void MeasureSound(ShownFrame& shown);
 
     std::shared_ptr<const ViewedClip> mClip;
-    exporting::FrameConverter mToScreen;
-    std::optional<scopes::SignalReader> mScopeReader; ///< for `mScopeRowStep`
-    int mScopeRowStep = 0;
-    std::optional<scopes::SignalReader> mCheckReader;
+    ScreenConverter mToScreen;
+    DistinctRows mRows;
+    RowBatches mBatches;
+    scopes::SignalReader mReader; ///< of batches of rows
     std::optional<verify::reference::ClipSound> mSound;
     verify::reference::Samples mSamples;
 };

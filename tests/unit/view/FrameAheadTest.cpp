@@ -93,6 +93,39 @@ TEST(FrameMaker, MetersReadTheTonesLevelAndTheSegmentsName)
     EXPECT_LT(shown.peaksDb[1], -200.0);
 }
 
+TEST(FrameMaker, ScopesAndCodesAreThoseOfTheWholeFrame)
+{
+    for (const char* const name : {"hd-v210.tessel", "sd-pal-interlaced.tessel", "surround-blits.tessel"}) {
+        const std::shared_ptr<const ViewedClip> clip = Sample(name);
+        FrameMaker maker(clip);
+        for (const int rowStep : {1, 4}) {
+            const ShownFrame shown =
+                maker.Make(7, {.scopes = true, .codeCheck = true, .scopeRowStep = rowStep});
+            const exporting::FrameView& pixels = shown.pixels;
+            scopes::SignalReader reader(pixels.format, pixels.width, pixels.height, clip->Matrix(), rowStep);
+            const scopes::Signal& signal = reader.Read(pixels);
+            ScopeCounts expected;
+            scopes::AddWaveform(signal.red, expected.red);
+            scopes::AddVectors(signal, expected.vectors);
+            scopes::AddHistogram(signal.luma, expected.histograms[0]);
+            EXPECT_EQ(shown.scopes->histograms[0], expected.histograms[0]) << name;
+            for (int row = 0; row < ScopeCounts::kLevels; ++row) {
+                for (int column = 0; column < expected.red.Columns(); ++column) {
+                    ASSERT_EQ(shown.scopes->red.At(column, row), expected.red.At(column, row)) << name;
+                }
+                for (int column = 0; column < ScopeCounts::kVectors; ++column) {
+                    ASSERT_EQ(shown.scopes->vectors.At(column, row), expected.vectors.At(column, row)) << name;
+                }
+            }
+            scopes::SignalReader whole(pixels.format, pixels.width, pixels.height, clip->Matrix());
+            scopes::CodeFaults faults;
+            scopes::CheckCodes(whole.Read(pixels), pixels.format, faults);
+            EXPECT_EQ(shown.faults->flags, faults.flags) << name;
+            EXPECT_EQ(shown.faults->outsideGamut, faults.outsideGamut) << name;
+        }
+    }
+}
+
 TEST(ViewedClip, SaysWhatIsShown)
 {
     EXPECT_EQ(Sample("hd-v210.tessel")->Description(),
