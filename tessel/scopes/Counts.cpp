@@ -51,14 +51,13 @@ void AddVectors(const Signal& signal, CountGrid& grid, RowWeights weights)
     }
 }
 
-void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins, RowWeights weights)
+void AddUp(const CountGrid& waveform, std::vector<std::uint32_t>& bins)
 {
-    const Steps levels(kLowestLevel, kHighestLevel, static_cast<int>(bins.size()));
-    for (int y = 0; y < plane.height; ++y) {
-        const float* const row = plane.Row(y);
-        const std::uint32_t weight = WeightOf(weights, y);
-        for (int x = 0; x < plane.width && weight != 0; ++x) {
-            bins[static_cast<std::size_t>(levels.Of(row[x]))] += weight;
+    const int rowsPerBin = waveform.Rows() / static_cast<int>(bins.size());
+    for (int row = 0; row < waveform.Rows(); ++row) {
+        std::uint32_t& bin = bins[static_cast<std::size_t>(row / rowsPerBin)];
+        for (int column = 0; column < waveform.Columns(); ++column) {
+            bin += waveform.At(column, row);
         }
     }
 }

@@ -83,7 +83,9 @@ inline constexpr float kVectorReach = 0.6F;
 /// Adds each pair of chroma samples: Cb to the right, Cr upwards, both 0 in the middle.
 void AddVectors(const Signal& signal, CountGrid& grid, RowWeights weights = {});
 
-/// Counts a component's levels. @param bins  zeroed by the caller, or counted on
-void AddHistogram(const Plane& plane, std::vector<std::uint32_t>& bins, RowWeights weights = {});
+/// Adds a waveform's counts of each level: a histogram.
+/// @param bins  at most as many as the waveform has rows, a divisor of that number; zeroed by the caller, or
+/// counted on
+void AddUp(const CountGrid& waveform, std::vector<std::uint32_t>& bins);
 
 } // namespace tessel::scopes

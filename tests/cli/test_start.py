@@ -8,7 +8,7 @@ import unittest
 
 from program import PROGRAM, ProgramTest, document
 
-MEDIA = re.compile(r"^lib(?:av|sw|x26|aom|vpx|dav1d)")
+MEDIA = re.compile(r"^lib(?:av|sw|x26|aom|vpx|dav1d|Qt)")
 
 
 class Start(ProgramTest):
@@ -30,7 +30,7 @@ class Start(ProgramTest):
 
     def test_commands_without_movies_load_no_media_library(self):
         self.write("clip.tessel", document())
-        for arguments in (["--version"], ["--help"], ["render", "--help"], ["help", "codecs"], ["list", "codecs"],
+        for arguments in (["--version"], ["--help"], ["render", "--help"], ["view", "--help"], ["help", "codecs"], ["list", "codecs"],
                           ["info", "clip.tessel"], ["new", "new.tessel"], ["set", "clip.tessel", "rate=50"],
                           ["schema"], ["bench", "clip.tessel", "--seconds", "0.01"]):
             with self.subTest(arguments=arguments):

@@ -52,11 +52,11 @@ std::shared_ptr<const ScopeCounts> FrameMaker::Count(const exporting::FrameView&
         scopes::AddWaveform(signal.green, counts->green, weights);
         scopes::AddWaveform(signal.blue, counts->blue, weights);
         scopes::AddVectors(signal, counts->vectors, weights);
-        scopes::AddHistogram(signal.luma, counts->histograms[0], weights);
-        scopes::AddHistogram(signal.red, counts->histograms[1], weights);
-        scopes::AddHistogram(signal.green, counts->histograms[2], weights);
-        scopes::AddHistogram(signal.blue, counts->histograms[3], weights);
     });
+    scopes::AddUp(counts->waveform, counts->histograms[0]);
+    scopes::AddUp(counts->red, counts->histograms[1]);
+    scopes::AddUp(counts->green, counts->histograms[2]);
+    scopes::AddUp(counts->blue, counts->histograms[3]);
     return counts;
 }
 

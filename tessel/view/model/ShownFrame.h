@@ -24,7 +24,8 @@ struct ScopeCounts {
     static constexpr int kColumns = 360;
     static constexpr int kLevels = 288; ///< 240 of them from black to white
     static constexpr int kVectors = 288;
-    static constexpr int kBins = 128; ///< each of two 8-bit codes or more, or every second one would be empty
+    /// Of two levels each: with fewer codes than bins every so many of them would be empty.
+    static constexpr int kBins = kLevels / 2;
 
     scopes::CountGrid waveform{kColumns, kLevels};
     scopes::CountGrid red{kColumns / 3, kLevels};

@@ -47,13 +47,24 @@ TEST(Waveform, ARampIsARisingLineAndNoSampleIsLost)
     EXPECT_EQ(sum, 700U);
 }
 
+TEST(Waveform, ARowCountsAsOftenAsItsWeightSays)
+{
+    CountGrid grid(1, 120);
+    AddWaveform(Ramp(1, 4), grid, std::vector<std::uint32_t>{3, 0, 2});
+    // Level 0 is where two steps meet; the fourth row has no weight.
+    EXPECT_EQ(grid.At(0, 9) + grid.At(0, 10), 5U);
+}
+
 TEST(Histogram, CountsEachSampleOnce)
 {
-    std::vector<std::uint32_t> bins(120);
-    AddHistogram(Ramp(100, 3), bins);
+    CountGrid waveform(7, 120);
+    AddWaveform(Ramp(100, 3), waveform);
+    std::vector<std::uint32_t> bins(60);
+    AddUp(waveform, bins);
     EXPECT_EQ(std::accumulate(bins.begin(), bins.end(), 0U), 300U);
-    EXPECT_EQ(bins[5], 0U); // below black
-    EXPECT_EQ(bins[115], 0U);
+    EXPECT_EQ(bins[2], 0U); // below black
+    EXPECT_EQ(bins[57], 0U);
+    EXPECT_NEAR(bins[30], 6, 3); // 0.02 of the levels of 300 samples
 }
 
 TEST(Vectors, NoChromaIsTheMiddleAndRedIsUp)

@@ -107,7 +107,8 @@ TEST(FrameMaker, ScopesAndCodesAreThoseOfTheWholeFrame)
             ScopeCounts expected;
             scopes::AddWaveform(signal.red, expected.red);
             scopes::AddVectors(signal, expected.vectors);
-            scopes::AddHistogram(signal.luma, expected.histograms[0]);
+            scopes::AddWaveform(signal.luma, expected.waveform);
+            scopes::AddUp(expected.waveform, expected.histograms[0]);
             EXPECT_EQ(shown.scopes->histograms[0], expected.histograms[0]) << name;
             for (int row = 0; row < ScopeCounts::kLevels; ++row) {
                 for (int column = 0; column < expected.red.Columns(); ++column) {
