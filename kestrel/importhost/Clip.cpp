@@ -112,10 +112,10 @@ const std::filesystem::path& Clip::File() const noexcept
     return mState->file;
 }
 
-Frame Clip::RenderFrame(std::int64_t frame) const
+Frame Clip::RenderFrame(std::int64_t frame, const FrameDestination* destination) const
 {
     const qelmediatypes::TickTime time(frame, mState->rate);
-    RenderedFrame rendered = mState->frames.Render([&](FrameRequest& request, ksFrameHandle& handle) {
+    const auto ask = [&](FrameRequest& request, ksFrameHandle& handle) {
         ksFrameRec record{};
         record.instance = mState->instance;
         record.time = time.Ticks();
@@ -124,7 +124,8 @@ Frame Clip::RenderFrame(std::int64_t frame) const
         static_assert(sizeof record.extra16 == sizeof token);
         std::memcpy(record.extra16, token.data(), token.size());
         return mState->importer->Request(ksSelectorFrame, nullptr, &record);
-    });
+    };
+    RenderedFrame rendered = mState->frames.Render(ask, destination);
     if (const auto failure = FailureOf(rendered, mState->description)) {
         Fail("frame " + std::to_string(frame), *failure);
     }

@@ -105,7 +105,11 @@ public:
     /// its size is the described one.
     /// @throws HostError  where the plug-in answers anything but success or gives a frame that contradicts
     ///                    the description, with the reason as far as host and program can see it.
-    [[nodiscard]] Frame RenderFrame(std::int64_t frame) const;
+    /// @param destination  where the pixels should be painted, or null. The frame lies there if it has that
+    ///                     format and size and its format is stored top row first; else it has memory of its
+    ///                     own, and `Frame::Row(0)` tells. The memory must outlive the frame and its copies.
+    ///                     What a failed request leaves there is undefined.
+    [[nodiscard]] Frame RenderFrame(std::int64_t frame, const FrameDestination* destination = nullptr) const;
 
     /// Writes `sampleCount` samples from `position` on into each of `channels`, which must hold as many
     /// buffers as the clip has channels (the request itself is padded to six). What the plug-in leaves

@@ -12,6 +12,16 @@ namespace importhost {
 
 class FrameBuffer;
 
+/// The caller's memory for the pixels of a frame that it knows beforehand.
+struct FrameDestination {
+    BR::PixelFormat format = BR::PixelFormat::Unknown;
+    std::int32_t width = 0;   ///< pixels
+    std::int32_t height = 0;  ///< pixels
+    std::byte* top = nullptr; ///< first byte of the picture's top row; any alignment
+    /// From one row to the next one below. Bytes after a row's last pixel stay as they are.
+    std::ptrdiff_t rowBytes = 0;
+};
+
 /// Pixels of one frame, read-only, upright: row 0 is the picture's top row whatever the order in memory.
 /// Owns its buffer, which goes back to the pool with the last copy. Threads: [any-thread].
 class KESTRELHOST_API Frame {

@@ -3,6 +3,7 @@
 #include <kestrel/pixmill/PixelFormatCodes.h>
 
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace importhost {
@@ -44,18 +45,42 @@ std::optional<FrameLayout> LayOutFrame(std::uint32_t pixelFormat, std::int32_t w
     return layout;
 }
 
-FrameBuffer::FrameBuffer(std::shared_ptr<FramePool> pool, const FrameLayout& layout)
-    : mPool(std::move(pool)), mLayout(layout), mBlock(mPool->Take(layout.ByteCount()))
+bool Fits(const FrameLayout& layout, const FrameDestination& destination) noexcept
 {
+    return destination.top != nullptr && layout.format == destination.format && !layout.bottomRowFirst &&
+           layout.width == destination.width && layout.height == destination.height &&
+           destination.rowBytes >= static_cast<std::ptrdiff_t>(layout.pictureRowBytes) &&
+           destination.rowBytes <= std::numeric_limits<std::int32_t>::max();
+}
+
+FrameBuffer::FrameBuffer(std::shared_ptr<FramePool> pool, const FrameLayout& layout)
+    : mPool(std::move(pool)), mLayout(layout), mBlock(mPool->Take(layout.ByteCount())),
+      mPixels(mBlock.memory.Data())
+{
+}
+
+FrameBuffer::FrameBuffer(const FrameLayout& layout, const FrameDestination& destination) noexcept
+    : mLayout(layout), mPixels(destination.top)
+{
+    mLayout.rowBytes = static_cast<std::int32_t>(destination.rowBytes);
 }
 
 FrameBuffer::~FrameBuffer()
 {
-    mPool->Return(std::move(mBlock.memory));
+    if (mPool != nullptr) {
+        mPool->Return(std::move(mBlock.memory));
+    }
 }
 
 void FrameBuffer::Fill(std::uint8_t byte) noexcept
 {
+    if (mPool == nullptr) {
+        for (std::int32_t row = 0; row < mLayout.height; ++row) {
+            std::memset(mPixels + static_cast<std::ptrdiff_t>(row) * mLayout.rowBytes, byte,
+                        mLayout.pictureRowBytes);
+        }
+        return;
+    }
     std::memset(Pixels(), byte, mLayout.ByteCount());
     mBlock.isZero = byte == 0;
 }

@@ -1,6 +1,7 @@
 /// One frame of the host: pooled pixels and how they lie in memory.
 #pragma once
 
+#include "Frame.h"
 #include "FramePool.h"
 #include "FrameRefusal.h"
 
@@ -36,26 +37,33 @@ struct FrameLayout {
 [[nodiscard]] std::optional<FrameLayout> LayOutFrame(std::uint32_t pixelFormat, std::int32_t width,
                                                      std::int32_t height, FrameRefusal& refusal) noexcept;
 
-/// Pixels of one frame; its memory goes back to the pool at the end. The handle that a plug-in holds is
+/// Whether a frame can lie in the caller's memory.
+[[nodiscard]] bool Fits(const FrameLayout& layout, const FrameDestination& destination) noexcept;
+
+/// Pixels of one frame; memory of the pool goes back there at the end. The handle that a plug-in holds is
 /// the address of one of these.
 class FrameBuffer {
 public:
     /// @throws std::bad_alloc. The pixels hold whatever the pool's block held; see `IsZero`.
     FrameBuffer(std::shared_ptr<FramePool> pool, const FrameLayout& layout);
+    /// In the caller's memory, in which the frame `Fits`.
+    FrameBuffer(const FrameLayout& layout, const FrameDestination& destination) noexcept;
     ~FrameBuffer();
     FrameBuffer(const FrameBuffer&) = delete;
     FrameBuffer& operator=(const FrameBuffer&) = delete;
 
     [[nodiscard]] const FrameLayout& Layout() const noexcept { return mLayout; }
-    [[nodiscard]] std::byte* Pixels() const noexcept { return mBlock.memory.Data(); }
+    [[nodiscard]] std::byte* Pixels() const noexcept { return mPixels; }
     /// Whether all bytes are known to be zero already.
     [[nodiscard]] bool IsZero() const noexcept { return mBlock.isZero; }
+    /// Fills the picture, and in the pool's memory all that is between its rows.
     void Fill(std::uint8_t byte) noexcept;
 
 private:
-    std::shared_ptr<FramePool> mPool;
+    std::shared_ptr<FramePool> mPool; ///< null for the caller's memory
     FrameLayout mLayout;
     FramePool::Block mBlock;
+    std::byte* mPixels;
 };
 
 } // namespace importhost

@@ -10,13 +10,13 @@ constexpr std::uint8_t kPoison = 0xA5;
 
 FrameSource::FrameSource(FrameFilling filling) : mPool(std::make_shared<FramePool>()), mFilling(filling) {}
 
-RenderedFrame FrameSource::Render(const Painter& paint)
+RenderedFrame FrameSource::Render(const Painter& paint, const FrameDestination* destination)
 {
     NewFrameContent content = mIsPaintedWhole ? NewFrameContent::Nothing : NewFrameContent::Zero;
     if (mFilling == FrameFilling::Poison) {
         content = NewFrameContent::Pattern;
     }
-    FrameRequest request(mPool, content, kPoison);
+    FrameRequest request(mPool, content, kPoison, destination);
     ksFrameHandle handle = nullptr;
     RenderedFrame rendered;
     rendered.result = paint(request, handle);

@@ -30,8 +30,9 @@ public:
 
     explicit FrameSource(FrameFilling filling);
 
+    /// @param destination  as of `Clip::RenderFrame`
     /// @throws std::bad_alloc
-    [[nodiscard]] RenderedFrame Render(const Painter& paint);
+    [[nodiscard]] RenderedFrame Render(const Painter& paint, const FrameDestination* destination = nullptr);
 
     /// Whether the plug-in writes every byte of every picture. False at first.
     void SetPaintedWhole(bool isPaintedWhole) noexcept { mIsPaintedWhole = isPaintedWhole; }

@@ -67,8 +67,9 @@ std::int32_t GetRowBytes(ksFrameHandle frame, std::int32_t* rowBytes)
 
 } // namespace
 
-FrameRequest::FrameRequest(std::shared_ptr<FramePool> pool, NewFrameContent content, std::uint8_t pattern)
-    : mPool(std::move(pool)), mContent(content), mPattern(pattern)
+FrameRequest::FrameRequest(std::shared_ptr<FramePool> pool, NewFrameContent content, std::uint8_t pattern,
+                           const FrameDestination* destination)
+    : mPool(std::move(pool)), mContent(content), mPattern(pattern), mDestination(destination)
 {
 }
 
@@ -93,6 +94,16 @@ FrameRequest* FrameRequest::FromToken(const void* token) noexcept
                                  : nullptr;
 }
 
+std::shared_ptr<FrameBuffer> FrameRequest::NewBuffer(const FrameLayout& layout)
+{
+    if (mDestination == nullptr || !Fits(layout, *mDestination)) {
+        return std::make_shared<FrameBuffer>(mPool, layout);
+    }
+    auto buffer = std::make_shared<FrameBuffer>(layout, *mDestination);
+    mDestination = nullptr; // a second frame of the request must not paint over this one
+    return buffer;
+}
+
 ksFrameHandle FrameRequest::Create(std::uint32_t pixelFormat, std::int32_t width, std::int32_t height) noexcept
 {
     const auto layout = LayOutFrame(pixelFormat, width, height, mRefusal);
@@ -100,7 +111,7 @@ ksFrameHandle FrameRequest::Create(std::uint32_t pixelFormat, std::int32_t width
         return nullptr;
     }
     try {
-        mFrames.push_back(std::make_shared<FrameBuffer>(mPool, *layout));
+        mFrames.push_back(NewBuffer(*layout));
     } catch (const std::bad_alloc&) {
         mRefusal = FrameRefusal::OutOfMemory;
         return nullptr;

@@ -20,7 +20,9 @@ enum class NewFrameContent : std::uint8_t { Zero, Nothing, Pattern };
 /// the rest goes back to the pool with the request, whatever the plug-in did with their handles.
 class FrameRequest {
 public:
-    FrameRequest(std::shared_ptr<FramePool> pool, NewFrameContent content, std::uint8_t pattern = 0);
+    /// @param destination  where the first frame goes that fits there, or null; borrowed
+    FrameRequest(std::shared_ptr<FramePool> pool, NewFrameContent content, std::uint8_t pattern = 0,
+                 const FrameDestination* destination = nullptr);
 
     /// The 16 bytes that travel with the frame request: the creator knows its request by them.
     [[nodiscard]] std::array<std::uint8_t, 16> Token() noexcept;
@@ -39,10 +41,13 @@ public:
     [[nodiscard]] FrameRefusal Refusal() const noexcept { return mRefusal; }
 
 private:
+    [[nodiscard]] std::shared_ptr<FrameBuffer> NewBuffer(const FrameLayout& layout);
+
     std::shared_ptr<FramePool> mPool;
     std::vector<std::shared_ptr<FrameBuffer>> mFrames;
     NewFrameContent mContent;
     std::uint8_t mPattern;
+    const FrameDestination* mDestination; ///< null also when it is in use
     FrameRefusal mRefusal = FrameRefusal::None;
 };
 

@@ -109,6 +109,15 @@ void Copy(const Rows& rows, void* plane, std::ptrdiff_t stride) noexcept
     }
 }
 
+/// Clears what a layout's rows have behind the bytes that are painted: v210 ends its rows at multiples of 128.
+void ClearBehind(std::size_t painted, const Rows& rows, void* plane, std::ptrdiff_t stride) noexcept
+{
+    auto* target = static_cast<std::byte*>(plane);
+    for (std::int32_t row = 0; painted < rows.bytes && row < rows.count; ++row) {
+        std::memset(target + row * stride + painted, 0, rows.bytes - painted);
+    }
+}
+
 } // namespace
 
 Clip::Clip(document::OpenedClip opened) : mOpened(std::move(opened)), mSource(mOpened) {}
@@ -226,6 +235,18 @@ Picture Clip::Convert(const FrameView& view, PictureLayout layout)
     return picture;
 }
 
+importhost::FrameDestination Clip::DestinationOf(tessel_layout layout, void* const* planes,
+                                                 const std::ptrdiff_t* strides)
+{
+    const bool keepsBytes = layout == TESSEL_LAYOUT_OWN ||
+                            exporting::FrameConverter::KeepsBytes(ConversionTo(PictureLayoutOf(layout)));
+    if (!keepsBytes) {
+        return {};
+    }
+    const ClipFacts facts = FactsWithFormat();
+    return {facts.frameFormat, facts.width, facts.height, static_cast<std::byte*>(planes[0]), strides[0]};
+}
+
 void Clip::Frame(std::int64_t frame, tessel_layout layout, void* const* planes, const std::ptrdiff_t* strides)
 {
     const tessel_picture wanted = DescribePicture(layout);
@@ -233,7 +254,15 @@ void Clip::Frame(std::int64_t frame, tessel_layout layout, void* const* planes, 
         Require(planes[plane] != nullptr, "a plane is a null pointer");
         CheckStride(strides[plane], wanted.row_bytes[plane]);
     }
-    const FrameView view = mSource.RenderFrame(frame);
+    // Painted where it is wanted if that can be, so that no pixel is written twice.
+    const importhost::FrameDestination destination = DestinationOf(layout, planes, strides);
+    const FrameView view =
+        exporting::ViewOf(mOpened.clip.RenderFrame(frame, destination.top != nullptr ? &destination : nullptr));
+    if (view.top == destination.top) {
+        const std::size_t painted = exporting::BytesOfRow(view.format, view.width);
+        ClearBehind(painted, {nullptr, 0, wanted.row_bytes[0], wanted.plane_rows[0]}, planes[0], strides[0]);
+        return;
+    }
     if (layout == TESSEL_LAYOUT_OWN) {
         Copy({view.top, view.rowBytes, wanted.row_bytes[0], wanted.plane_rows[0]}, planes[0], strides[0]);
         return;

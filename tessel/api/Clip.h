@@ -43,6 +43,9 @@ private:
     /// What is known of the clip, with the format of its frames, which one of them is asked for.
     [[nodiscard]] document::ClipFacts FactsWithFormat();
     [[nodiscard]] exporting::Conversion ConversionTo(exporting::PictureLayout layout);
+    /// The caller's planes where the plug-in can paint into them; else without memory.
+    [[nodiscard]] importhost::FrameDestination DestinationOf(tessel_layout layout, void* const* planes,
+                                                             const std::ptrdiff_t* strides);
     [[nodiscard]] exporting::Picture Convert(const exporting::FrameView& view, exporting::PictureLayout layout);
 
     document::OpenedClip mOpened;

@@ -188,6 +188,30 @@ class Pictures(ApiTest):
             found = memory.raw[(3 - row) * stride:][:stride]
             self.assertEqual(found, plain[row * 32:][:32] + b"\xAA" * 16)
 
+    def test_rows_with_room_between_them_hold_the_same_in_every_format(self):
+        # The clip's own layout is painted where it is wanted, others are copied there.
+        cases = [("bgra", clips.OWN), ("bgra", clips.BGRA), ("argb", clips.ARGB), ("bgrx", clips.BGRX),
+                 ("uyvy", clips.UYVY), ("yuy3", clips.YUYV), ("v210", clips.OWN), ("v211", clips.V210),
+                 ("BGra", clips.OWN), ("VUYA", clips.OWN), ("bgra", clips.RGB), ("yv12", clips.V210)]
+        for format_, layout in cases:
+            with self.subTest(format=format_, layout=layout):
+                clip = self.open(mFrameWidth=101, mFrameHeight=7, mFieldType=1, mPixelFormat=code(format_))
+                row = clip.describe_picture(layout).row_bytes[0]
+                stride = row + 9
+                memory = ctypes.create_string_buffer(b"\xAA" * (7 * stride + 3), 7 * stride + 3)
+                self.assertEqual(LIBRARY.tessel_frame(clip.handle, 1, layout,
+                                                      (ctypes.c_void_p * 4)(ctypes.addressof(memory) + 3),
+                                                      (ctypes.c_ssize_t * 4)(stride)), OK)
+                rows = [memory.raw[3 + number * stride:][:stride] for number in range(7)]
+                self.assertEqual([line[row:] for line in rows], [b"\xAA" * 9] * 7)
+                # Upwards nothing is painted in place.
+                last = ctypes.create_string_buffer(b"\xAA" * (7 * row), 7 * row)
+                self.assertEqual(LIBRARY.tessel_frame(clip.handle, 1, layout,
+                                                      (ctypes.c_void_p * 4)(ctypes.addressof(last) + 6 * row),
+                                                      (ctypes.c_ssize_t * 4)(-row)), OK)
+                self.assertEqual([line[:row] for line in rows],
+                                 [last.raw[(6 - number) * row:][:row] for number in range(7)])
+
     def test_a_stride_shorter_than_the_row_is_refused_and_nothing_written(self):
         clip = self.open(mFrameWidth=8, mFrameHeight=2)
         memory = ctypes.create_string_buffer(b"\xAA" * 64, 64)

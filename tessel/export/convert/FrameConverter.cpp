@@ -274,13 +274,20 @@ FrameConverter::FrameConverter(const Conversion& conversion)
     const SourceInfo source = SourceInfoOf(conversion.source);
     const LayoutInfo& target = InfoOf(conversion.target);
     const bool keepsSamples = !NeedsMatrix(source, target, conversion.coding);
-    if (keepsSamples && IsSameArrangement(source.kind, conversion.target)) {
+    if (KeepsBytes(conversion)) {
         mWay = std::make_unique<ShareWay>(conversion.target);
     } else if (keepsSamples && MoveWay::Serves(source, target)) {
         mWay = std::make_unique<MoveWay>(conversion, source);
     } else {
         mWay = std::make_unique<ComputeWay>(conversion, source);
     }
+}
+
+bool FrameConverter::KeepsBytes(const Conversion& conversion)
+{
+    const SourceInfo source = SourceInfoOf(conversion.source);
+    return !NeedsMatrix(source, InfoOf(conversion.target), conversion.coding) &&
+           IsSameArrangement(source.kind, conversion.target);
 }
 
 FrameConverter::~FrameConverter() = default;

@@ -31,6 +31,10 @@ public:
     FrameConverter(FrameConverter&&) noexcept;
     FrameConverter& operator=(FrameConverter&&) noexcept;
 
+    /// Whether frames are pictures of the target as they are: same samples, same arrangement.
+    /// @throws ExportError  for a source that frames never have
+    [[nodiscard]] static bool KeepsBytes(const Conversion& conversion);
+
     /// @throws ExportError  for a frame of another format or size than was given at construction.
     [[nodiscard]] Picture Convert(const FrameView& frame);
 

@@ -28,6 +28,51 @@ TEST_F(ClipTest, FramesAreUprightInBothRowOrders)
     EXPECT_EQ(flipped.Row(31), flipped.Row(0) + 31 * flipped.RowBytes());
 }
 
+TEST_F(ClipTest, AFrameIsPaintedIntoTheCallersMemoryAndNothingBetweenItsRows)
+{
+    // Two fields of height / 2 rows leave the last row alone: it is zero there too.
+    const Document document = Document().Set("mFieldType", "1").Set("mFrameHeight", "33");
+    const Clip clip = Open(document);
+    const importhost::Frame expected = clip.RenderFrame(5);
+    constexpr std::ptrdiff_t kRowBytes = 64 * 4 + 5;
+    std::vector<std::byte> memory(33 * kRowBytes + 1, std::byte{0xCC});
+    const importhost::FrameDestination destination{expected.Format(), 64, 33, memory.data() + 1, kRowBytes};
+    const importhost::Frame painted = clip.RenderFrame(5, &destination);
+    ASSERT_EQ(painted.Row(0), memory.data() + 1);
+    EXPECT_EQ(painted.RowBytes(), kRowBytes);
+    for (int row = 0; row < 33; ++row) {
+        EXPECT_EQ(std::memcmp(painted.Row(row), expected.Row(row), 256), 0) << row;
+        for (int behind = 256; behind < kRowBytes; ++behind) {
+            ASSERT_EQ(painted.Row(row)[behind], std::byte{0xCC}) << row;
+        }
+    }
+}
+
+TEST_F(ClipTest, AFrameThatDoesNotFitTheCallersMemoryHasItsOwn)
+{
+    std::vector<std::byte> memory(64 * 32 * 16, std::byte{0xCC});
+    const auto isUntouchedBy = [&](const Clip& clip, importhost::FrameDestination destination) {
+        destination.top = memory.data();
+        const importhost::Frame frame = clip.RenderFrame(0, &destination);
+        return frame.Row(0) < memory.data() || frame.Row(0) >= memory.data() + memory.size();
+    };
+    const Clip clip = Open(Document());
+    const auto format = clip.RenderFrame(0).Format();
+    EXPECT_FALSE(isUntouchedBy(clip, {format, 64, 32, nullptr, 256})) << "it fits";
+    memory.assign(memory.size(), std::byte{0xCC});
+    EXPECT_TRUE(isUntouchedBy(clip, {format, 63, 32, nullptr, 256}));
+    EXPECT_TRUE(isUntouchedBy(clip, {format, 64, 31, nullptr, 256}));
+    EXPECT_TRUE(isUntouchedBy(clip, {format, 64, 32, nullptr, 255}));
+    EXPECT_TRUE(isUntouchedBy(clip, {format, 64, 32, nullptr, -256}));
+    EXPECT_TRUE(isUntouchedBy(clip, {BR::PixelFormat::ARGB_4444_8u, 64, 32, nullptr, 256}));
+    // Stored bottom row first, so the top row cannot come first.
+    EXPECT_TRUE(isUntouchedBy(Open(Document().Set("mPixelFormat", std::to_string(CodeOf("BGra")))),
+                              {BR::PixelFormat::BGRA_4444_32f, 64, 32, nullptr, 1024}));
+    for (const std::byte byte : memory) {
+        ASSERT_EQ(byte, std::byte{0xCC});
+    }
+}
+
 TEST_F(ClipTest, AFrameOutlivesItsClip)
 {
     importhost::Frame frame;
