@@ -10,7 +10,6 @@ import random
 import shutil
 import subprocess
 import sys
-import threading
 import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
@@ -225,59 +224,6 @@ class Refusals(MovieTest):
         self.assertEqual(LIBRARY.tessel_movie_read(movie.handle, 0, None, 0, got), OK)
         self.assertEqual(LIBRARY.tessel_movie_size(None), 0)
         LIBRARY.tessel_movie_close(None)
-
-
-class Life(MovieTest):
-    def in_threads(self, count, work):
-        errors = []
-
-        def guarded(index):
-            try:
-                work(index)
-            except BaseException as error:  # pylint: disable=broad-except
-                errors.append(error)
-
-        threads = [threading.Thread(target=guarded, args=(index,)) for index in range(count)]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
-        self.assertEqual(errors, [])
-
-    def test_a_movie_outlives_its_clip_and_its_document(self):
-        clip, name = self.clip(*SMALL)
-        from_file = Clip(file=self.path(name))
-        movie = self.movie(from_file)
-        os.remove(self.path(name))
-        from_file.close()
-        self.assertEqual(movie.read(0, movie.size()), self.movie(clip).read(0, movie.size()))
-
-    def test_a_storm_of_seeks_from_many_threads_reads_the_same_bytes(self):
-        clip, _ = self.clip(*Bytes.CLIP)
-        movie = self.movie(clip)
-        whole = self.movie(clip).read(0, movie.size())
-
-        def work(index):
-            chosen = random.Random(index)
-            for _ in range(150):
-                offset = chosen.randrange(len(whole))
-                count = chosen.choice((1, 188, 4096, 50000))
-                assert movie.read(offset, count) == whole[offset:offset + count], (index, offset, count)
-
-        self.in_threads(8, work)
-
-    def test_movies_may_be_opened_read_and_closed_in_many_threads(self):
-        clip, _ = self.clip(*Bytes.CLIP)
-        with Movie(clip) as first:
-            whole = first.read(0, first.size())
-
-        def work(index):
-            for turn in range(6):
-                with Movie(clip) as movie:
-                    offset = (index * 6 + turn) * len(whole) // 48
-                    assert movie.read(offset, 5000) == whole[offset:offset + 5000]
-
-        self.in_threads(8, work)
 
 
 if __name__ == "__main__":

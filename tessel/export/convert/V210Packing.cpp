@@ -1,6 +1,5 @@
 #include "V210Packing.h"
 
-#include "Picture.h"
 
 #include <array>
 #include <bit>
@@ -65,6 +64,18 @@ void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::
         std::memcpy(packed, words.data(), kBytesPerGroup);
     }
     std::memset(packed, 0, static_cast<std::size_t>(end - packed));
+}
+
+void CopyV210Rows(const Picture& picture, std::byte* packed) noexcept
+{
+    const auto fileRow = static_cast<std::size_t>(V210RowBytes(picture.width));
+    const std::size_t painted =
+        (static_cast<std::size_t>(picture.width) + kPixelsPerGroup - 1) / kPixelsPerGroup * kBytesPerGroup;
+    for (std::int32_t row = 0; row < picture.height; ++row) {
+        std::memcpy(packed, picture.planes[0] + row * picture.rowBytes[0], painted);
+        std::memset(packed + painted, 0, fileRow - painted);
+        packed += fileRow;
+    }
 }
 
 } // namespace tessel::exporting

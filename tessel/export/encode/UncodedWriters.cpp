@@ -3,6 +3,7 @@
 #include "StreamTags.h"
 
 #include <tessel/export/ExportError.h>
+#include <tessel/export/convert/V210Packing.h>
 
 #include <fmt/format.h>
 
@@ -58,15 +59,8 @@ public:
 
     void Encode(const Picture& picture, std::int64_t index, const Sink& sink) override
     {
-        const auto fileRow = static_cast<std::size_t>(V210RowBytes(picture.width));
-        // Whole groups of six pixels; what frames hold behind them is not the picture's.
-        const std::size_t painted = (static_cast<std::size_t>(picture.width) + 5) / 6 * 16;
         const libav::Packet packet = StartPacket(V210RowBytes(picture.width) * picture.height, index);
-        for (std::int32_t y = 0; y < picture.height; ++y) {
-            std::uint8_t* row = packet->data + static_cast<std::size_t>(y) * fileRow;
-            std::memcpy(row, picture.planes[0] + y * picture.rowBytes[0], painted);
-            std::memset(row + painted, 0, fileRow - painted);
-        }
+        CopyV210Rows(picture, reinterpret_cast<std::byte*>(packet->data));
         sink(*packet);
     }
 

@@ -1,6 +1,7 @@
 #include "UncodedPicture.h"
 
 #include <tessel/export/ExportError.h>
+#include <tessel/export/convert/V210Packing.h>
 
 #include <fmt/format.h>
 
@@ -55,18 +56,6 @@ void PutAlphaFirst(std::span<std::byte> bytes) noexcept
     }
 }
 
-void WriteV210(const Picture& picture, std::byte* bytes) noexcept
-{
-    const auto rowBytes = static_cast<std::size_t>(V210RowBytes(picture.width));
-    // Whole groups of six pixels; what frames hold behind them is not the picture's.
-    const std::size_t painted = (static_cast<std::size_t>(picture.width) + 5) / 6 * 16;
-    for (std::int32_t row = 0; row < picture.height; ++row) {
-        std::memcpy(bytes, RowOf(picture, 0, row), painted);
-        std::memset(bytes + painted, 0, rowBytes - painted);
-        bytes += rowBytes;
-    }
-}
-
 /// Planes Y', Cb, Cr and perhaps A to Cb Y' Cr A (v408), or to Cr Y' Cb (v308).
 void Write444(const Picture& picture, std::byte* bytes) noexcept
 {
@@ -115,7 +104,7 @@ UncodedPicture UncodedPictureOf(const VideoPlan& plan)
 void WriteUncoded(const VideoPlan& plan, const Picture& picture, std::span<std::byte> bytes) noexcept
 {
     if (picture.layout == PictureLayout::V210) {
-        WriteV210(picture, bytes.data());
+        CopyV210Rows(picture, bytes.data());
     } else if (plan.codec->name == "v408") {
         Write444(picture, bytes.data());
     } else {
