@@ -149,8 +149,8 @@ std::int32_t MatrixOfDocument(const DocumentEditor& document)
 {
     constexpr std::size_t kMatrixByte = 2; // primaries, transfer, matrix, full range
     constexpr std::int32_t kRec709 = 1;
-    const auto data =
-        qelcore::serialization::FindText(document.Find("mColorSpace.baseColorProfile.colorProfileData"));
+    const Value value = document.Find("mColorSpace.baseColorProfile.colorProfileData");
+    const auto data = qelcore::serialization::FindText(value); // a view into the value
     if (!data) {
         return kRec709;
     }

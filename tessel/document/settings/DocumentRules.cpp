@@ -247,8 +247,8 @@ std::vector<std::string> DocumentWarnings(const DocumentEditor& document)
     constexpr std::size_t kMatrixByte = 2; // primaries, transfer, matrix, full range
     const auto code = static_cast<std::uint32_t>(Integer32(document, "mPixelFormat", 0));
     const PixelMatrix painted = MatrixOf(BR::SDKToBEPixelFormat(code));
-    const auto data =
-        qelcore::serialization::FindText(document.Find("mColorSpace.baseColorProfile.colorProfileData"));
+    const Value dataValue = document.Find("mColorSpace.baseColorProfile.colorProfileData");
+    const auto data = qelcore::serialization::FindText(dataValue); // a view into the value
     const auto codes = data ? qelcore::serialization::DecodeBinaryDataFromUTF8String(*data)
                             : std::vector<std::uint8_t>{1, 1, 1, 0}; // absent: Rec. 709
     if (painted == PixelMatrix::None || codes.size() <= kMatrixByte) {
@@ -259,8 +259,8 @@ std::vector<std::string> DocumentWarnings(const DocumentEditor& document)
     if (matrix == 0 || matrix == kUnspecified || MatrixOfSpace(matrix) == painted) {
         return {}; // R'G'B' spaces name no matrix
     }
-    const auto name =
-        qelcore::serialization::FindText(document.Find("mColorSpace.baseColorProfile.colorProfileName"));
+    const Value nameValue = document.Find("mColorSpace.baseColorProfile.colorProfileName");
+    const auto name = qelcore::serialization::FindText(nameValue);
     return {std::string("the pixels are painted with the ") +
             (painted == PixelMatrix::Bt709 ? "BT.709" : "BT.601") + " matrix, the colour space is " +
             std::string(name.value_or("Rec. 709")) + ": players that believe it show other colours"};

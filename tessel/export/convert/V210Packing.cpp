@@ -1,6 +1,5 @@
 #include "V210Packing.h"
 
-
 #include <array>
 #include <bit>
 #include <cstring>
