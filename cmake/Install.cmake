@@ -10,6 +10,9 @@ if(TARGET tessel)
     install(TARGETS tessel RUNTIME COMPONENT program)
     # Started by `tessel` from there, not by people.
     install(TARGETS tessel-movies RUNTIME DESTINATION "${CMAKE_INSTALL_LIBDIR}/tessel" COMPONENT program)
+    # The scripts of docs/cluster.md.
+    install(DIRECTORY examples/cluster DESTINATION "${CMAKE_INSTALL_DATADIR}/tessel" USE_SOURCE_PERMISSIONS
+        COMPONENT program)
 endif()
 # A plug-in is no library to link, so it stands in the host's own folder.
 install(TARGETS ImporterTessel LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/kestrel" COMPONENT program)

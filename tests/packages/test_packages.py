@@ -140,6 +140,11 @@ class Contents(PackageTest):
                         r"usr/share/fish/vendor_completions\.d/tessel\.fish"):
             self.one("tessel", pattern)
 
+    def test_the_scripts_for_clusters_can_be_called(self):
+        for script in ("slurm/render-parts", "slurm/part", "slurm/join", "parallel/render-parts"):
+            path = self.one("tessel", rf"usr/share/tessel/cluster/{script}")
+            self.assertTrue(os.access(path, os.X_OK), path)
+
     def test_headers_and_names_to_link_by_are_for_developers_alone(self):
         for_developers = re.compile(r"usr/include/.*|.*\.so|.*\.pc|.*/cmake/(?:Kestrel|Tessel)/.*|.*/kestrel-conformance"
                                     # Examples are sources to build.
