@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 
 namespace tessel::mlt {
 namespace {
@@ -116,6 +117,13 @@ int OpenClip::ColorSpace(mlt_image_format format) const
 
 MltPicture OpenClip::Paint(std::int64_t frame, mlt_image_format format) const
 {
+    // MLT counts a picture's bytes as an int; no format has more than four a pixel.
+    constexpr std::int64_t kMostPixels = std::numeric_limits<int>::max() / 4;
+    if (std::int64_t{mFacts.width} * mFacts.height > kMostPixels) {
+        mlt_log_error(nullptr, "[producer tessel] %d x %d pixels are more than MLT can hold\n", mFacts.width,
+                      mFacts.height);
+        return {};
+    }
     const tessel_layout layout = LayoutOf(format);
     const tessel_picture needed = Describe(mClip.get(), layout);
     mlt_image_s image{};

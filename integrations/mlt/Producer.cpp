@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <limits>
 #include <memory>
 #include <string>
@@ -118,6 +119,18 @@ OpenClip& ClipOfFrame(mlt_frame frame)
         mlt_properties_get_data(MLT_FRAME_PROPERTIES(frame), kClip, nullptr));
 }
 
+/// What `work` gives, or `failed` where memory has run out: no exception may reach MLT.
+template <typename Work, typename Result>
+Result Guarded(const Work& work, Result failed)
+{
+    try {
+        return work();
+    } catch (const std::exception& error) {
+        mlt_log_error(nullptr, "[producer tessel] %s\n", error.what());
+        return failed;
+    }
+}
+
 /// As `mlt_get_image`. MLT's normalisers bring the picture from the clip's size to the project's.
 int GetImage(mlt_frame frame, std::uint8_t** buffer, mlt_image_format* format, int* width, int* height,
              int /*writable*/)
@@ -134,7 +147,8 @@ int GetImage(mlt_frame frame, std::uint8_t** buffer, mlt_image_format* format, i
         *format = clip.OwnFormat();
     }
     mlt_properties properties = MLT_FRAME_PROPERTIES(frame);
-    MltPicture picture = clip.Picture(mlt_properties_get_int64(properties, kFrame), *format);
+    const std::int64_t number = mlt_properties_get_int64(properties, kFrame);
+    MltPicture picture = Guarded([&] { return clip.Picture(number, *format); }, MltPicture());
     if (!picture.memory) {
         return 1;
     }
@@ -168,7 +182,7 @@ int GetAudio(mlt_frame frame, void** buffer, mlt_audio_format* format, int* freq
     const int bytes = mlt_audio_format_size(*format, *samples, *channels);
     auto* memory = static_cast<float*>(mlt_pool_alloc(bytes));
     const std::int64_t start = mlt_audio_calculate_samples_to_position(rate, facts.sample_rate, position);
-    if (memory == nullptr || !clip.Samples(start, *samples, memory)) {
+    if (memory == nullptr || !Guarded([&] { return clip.Samples(start, *samples, memory); }, false)) {
         mlt_pool_release(memory);
         return 1;
     }
@@ -231,14 +245,8 @@ void CloseProducer(mlt_producer producer)
     std::free(producer);
 }
 
-} // namespace
-
-void* CreateProducer(mlt_profile profile, mlt_service_type /*type*/, const char* /*id*/, const void* resource)
+mlt_producer NewProducer(mlt_profile profile, const char* path)
 {
-    const auto* path = static_cast<const char*>(resource);
-    if (path == nullptr) {
-        return nullptr;
-    }
     std::shared_ptr<OpenClip> clip = OpenClip::Open(path);
     if (!clip) {
         return nullptr;
@@ -259,6 +267,14 @@ void* CreateProducer(mlt_profile profile, mlt_service_type /*type*/, const char*
     FollowProfile(producer);
     mlt_events_listen(properties, producer, "property-changed", OnPropertyChanged);
     return producer;
+}
+
+} // namespace
+
+void* CreateProducer(mlt_profile profile, mlt_service_type /*type*/, const char* /*id*/, const void* resource)
+{
+    const auto* path = static_cast<const char*>(resource);
+    return path == nullptr ? nullptr : Guarded([&] { return NewProducer(profile, path); }, mlt_producer());
 }
 
 } // namespace tessel::mlt

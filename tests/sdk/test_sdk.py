@@ -1,8 +1,10 @@
 """What `cmake --install` gives to people who write importers: used as they would, from a folder that was moved.
 
-Variables: BUILD (the build folder), CMAKE, and CXX and CC, the compilers that the build was made with.
+Variables: BUILD (the build folder), CMAKE, CXX and CC, the compilers that the build was made with, and MODULE_PYTHON,
+the Python that its module is for, empty where it has none.
 """
 
+import glob
 import os
 import re
 import shutil
@@ -181,6 +183,25 @@ class CInterface(InstalledTest):
             file.write("#include <tessel/api/tessel.h>\nint main() { return tessel_version() == nullptr; }\n")
         self.run_in(folder, "bash", "-c", '"$CXX" -std=c++11 -Wall -Wextra -Wpedantic -Werror -c user.cpp '
                     "$(pkg-config --cflags tessel)")
+
+
+@unittest.skipUnless(os.environ.get("MODULE_PYTHON"), "the build has no Python module")
+class PythonPackage(InstalledTest):
+    def test_it_is_imported_from_the_moved_tree_and_finds_the_plug_in(self):
+        found = glob.glob(os.path.join(self.prefix, "lib", "python3*", "dist-packages"))
+        self.assertEqual(len(found), 1, found)
+        folder = self.new_folder()
+        script = ("import sys; sys.path.insert(0, sys.argv[1]); import tessel; clip = tessel.Clip(sys.argv[2]); "
+                  "clip.frame(7, 'rgb').tofile('frame.raw'); print(tessel.__version__)")
+        clip = os.path.join(ROOT, "samples", "short.tessel")
+        said = self.run_in(folder, os.environ["MODULE_PYTHON"], "-B", "-c", script, found[0], clip)
+        self.assertEqual(said.strip(), project_version())
+        self.run_in(folder, os.path.join(self.prefix, "bin", "tessel"), "render", clip, "--from", "7", "--frames", "1",
+                    "--quiet", "-o", "frame.png")
+        expected = subprocess.run(["ffmpeg", "-v", "error", "-i", "frame.png", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
+                                  cwd=folder, stdout=subprocess.PIPE, check=True).stdout
+        with open(os.path.join(folder, "frame.raw"), "rb") as file:
+            self.assertTrue(file.read() == expected)
 
 
 class Version(InstalledTest):

@@ -6,6 +6,7 @@ import pathlib
 import threading
 import time
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 from fractions import Fraction
 
 import numpy as np
@@ -225,22 +226,6 @@ class Life(ClipTest):
 
 
 class Threads(ClipTest):
-    def in_threads(self, count, work):
-        errors = []
-
-        def guarded(index):
-            try:
-                work(index)
-            except BaseException as error:  # pylint: disable=broad-except
-                errors.append(error)
-
-        threads = [threading.Thread(target=guarded, args=(index,)) for index in range(count)]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
-        self.assertEqual(errors, [])
-
     def test_clips_are_opened_and_used_and_forgotten_in_many_threads(self):
         keys = document(mFrameWidth=64, mFrameHeight=36, mNumChannels=2, mSampleRate=48000)
         clip = tessel.Clip.from_document(keys)
@@ -255,7 +240,8 @@ class Threads(ClipTest):
                 assert (mine.samples(100 * index, 50) == sound[:, 100 * index:100 * index + 50]).all()
                 assert rows(clip.frame(number, "yuv420p")) == pictures[number]
 
-        self.in_threads(8, work)
+        with ThreadPoolExecutor(8) as pool:
+            list(pool.map(work, range(8)))  # raises what a thread raised
 
     def test_other_threads_run_while_a_frame_is_made(self):
         # A float picture of 4K takes some 30 ms. A thread that ticks meanwhile would stand still with the lock held.
