@@ -61,12 +61,16 @@ void MetersPanel::paintEvent(QPaintEvent* /*event*/)
     painter.drawText(title, Qt::AlignVCenter,
                      "Sample peak (dBFS)" + more + (mSegment.isEmpty() ? "" : ", ident: " + mSegment));
     const QRectF area(36, line + 10, width() - 44, height() - 3 * line - 20);
+    double lastLabel = -line;
     for (const int db : {0, -6, -12, -18, -24, -36, -48, -60}) {
         const double y = area.bottom() - ShareOf(db) * area.height();
         painter.setPen(QColor(0x4A, 0x4A, 0x4A));
         painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
-        painter.setPen(ink);
-        painter.drawText(QRectF(0, y - 8, 32, 16), Qt::AlignRight | Qt::AlignVCenter, QString::number(db));
+        if (y - lastLabel >= line) { // no label over another one
+            lastLabel = y;
+            painter.setPen(ink);
+            painter.drawText(QRectF(0, y - 8, 32, 16), Qt::AlignRight | Qt::AlignVCenter, QString::number(db));
+        }
     }
     const double step = area.width() / static_cast<double>(count);
     for (std::size_t i = 0; i < count; ++i) {

@@ -26,17 +26,17 @@ QString Text(std::string_view text)
 
 /// A grid as a picture, top row highest value. Brightness grows with the logarithm of counts, so that a single
 /// pixel is in sight beside large areas of one colour.
-/// @param height  of the picture; rows of the grid that fall into one of its rows are added up
-QImage TraceOf(const scopes::CountGrid& grid, QColor color, int height)
+/// @param size  of the picture; cells of the grid that fall into one of its pixels are added up
+QImage TraceOf(const scopes::CountGrid& grid, QColor color, QSizeF size)
 {
-    const int rows = std::clamp(height, 1, grid.Rows());
-    std::vector<std::uint32_t> counts(static_cast<std::size_t>(rows) *
-                                      static_cast<std::size_t>(grid.Columns()));
+    const int rows = std::clamp(static_cast<int>(size.height()), 1, grid.Rows());
+    const int columns = std::clamp(static_cast<int>(size.width()), 1, grid.Columns());
+    std::vector<std::uint32_t> counts(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns));
     for (int row = 0; row < grid.Rows(); ++row) {
         std::uint32_t* const sums =
-            counts.data() + static_cast<std::ptrdiff_t>(row * rows / grid.Rows()) * grid.Columns();
+            counts.data() + static_cast<std::ptrdiff_t>(row * rows / grid.Rows()) * columns;
         for (int column = 0; column < grid.Columns(); ++column) {
-            sums[column] += grid.At(column, row);
+            sums[column * columns / grid.Columns()] += grid.At(column, row);
         }
     }
     const std::uint32_t most = *std::max_element(counts.begin(), counts.end());
@@ -50,11 +50,11 @@ QImage TraceOf(const scopes::CountGrid& grid, QColor color, int height)
     for (std::uint32_t count = 1; count < known.size(); ++count) {
         known[count] = shade(count);
     }
-    QImage image(grid.Columns(), rows, QImage::Format_ARGB32_Premultiplied);
+    QImage image(columns, rows, QImage::Format_ARGB32_Premultiplied);
     const std::uint32_t* count = counts.data();
     for (int row = rows - 1; row >= 0; --row) {
         auto* const line = reinterpret_cast<QRgb*>(image.scanLine(row));
-        for (int column = 0; column < grid.Columns(); ++column, ++count) {
+        for (int column = 0; column < columns; ++column, ++count) {
             line[column] = *count < known.size() ? known[*count] : shade(*count);
         }
     }
@@ -92,6 +92,10 @@ void ScopesPanel::DrawLevels(QPainter& painter, const QRectF& area) const
         const double y = std::round(PlaceOfLevel(area, percent / 100.0)) + 0.5;
         painter.setPen(QPen(kScale, percent % 100 == 0 ? 1.5 : 0.7));
         painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
+        const bool hasRoom = area.height() / 5 > painter.fontMetrics().height();
+        if (percent % 50 != 0 && !hasRoom) {
+            continue;
+        }
         painter.setPen(kScaleText);
         painter.drawText(QRectF(area.left() - 34, y - 8, 30, 16), Qt::AlignRight | Qt::AlignVCenter,
                          QString::number(percent));
@@ -102,7 +106,7 @@ void ScopesPanel::DrawWaveform(QPainter& painter, const QRectF& area) const
 {
     DrawLevels(painter, area);
     if (mCounts) {
-        painter.drawImage(area, TraceOf(mCounts->waveform, kWhite, static_cast<int>(area.height())));
+        painter.drawImage(area, TraceOf(mCounts->waveform, kWhite, area.size()));
     }
 }
 
@@ -120,7 +124,7 @@ void ScopesPanel::DrawParade(QPainter& painter, const QRectF& area) const
     for (std::size_t i = 0; i < parts.size(); ++i) {
         painter.drawImage(
             QRectF(area.left() + static_cast<double>(i) * width + 1, area.top(), width - 2, area.height()),
-            TraceOf(*parts[i].first, parts[i].second, static_cast<int>(area.height())));
+            TraceOf(*parts[i].first, parts[i].second, {width, area.height()}));
     }
 }
 
@@ -138,7 +142,8 @@ void ScopesPanel::DrawVectors(QPainter& painter, const QRectF& area) const
     painter.drawLine(at(0, -0.58), at(0, 0.58));
     painter.drawEllipse(square.adjusted(side * 0.01, side * 0.01, -side * 0.01, -side * 0.01));
     if (mCounts) {
-        painter.drawImage(square, TraceOf(mCounts->vectors, kWhite, ScopeCounts::kVectors));
+        // Two pixels wide, because a plain colour is one dot.
+        painter.drawImage(square, TraceOf(mCounts->vectors, kWhite, square.size() / 2));
     }
     const exporting::Matrix matrix = mCounts ? mCounts->matrix : exporting::Matrix::Bt709;
     for (const double amplitude : {0.75, 1.0}) {
