@@ -37,6 +37,26 @@ std::string_view NameOf(ControlKind kind) noexcept
     return "control";
 }
 
+bool IsActedOn(ControlKind kind) noexcept
+{
+    switch (kind) {
+    case ControlKind::Popup:
+    case ControlKind::NumberEdit:
+    case ControlKind::HotTextNumber:
+    case ControlKind::Button:
+    case ControlKind::CheckBox:
+    case ControlKind::RadioButton:
+        return true;
+    case ControlKind::Dialog:
+    case ControlKind::Group:
+    case ControlKind::RadioGroup:
+    case ControlKind::OkCancelRow:
+    case ControlKind::StaticText:
+        break;
+    }
+    return false;
+}
+
 UI_ControlView::UI_ControlView(ControlKind kind, std::string identifier)
     : mKind(kind), mIdentifier(std::move(identifier))
 {

@@ -39,6 +39,10 @@ enum class ControlKind {
 /// The kind's name in dumps and messages: "popup", "number edit".
 [[nodiscard]] KESTRELUI_API std::string_view NameOf(ControlKind kind) noexcept;
 
+/// Whether a person acts on controls of this kind, and the focus goes there; groups and static texts are only
+/// seen.
+[[nodiscard]] KESTRELUI_API bool IsActedOn(ControlKind kind) noexcept;
+
 /// One control. Owned by its group; groups and the dialog are controls themselves, so a dialog is a tree.
 class KESTRELUI_API UI_ControlView {
 public:

@@ -10,21 +10,6 @@ namespace qelui {
 
 namespace {
 
-bool TakesFocus(ControlKind kind) noexcept
-{
-    switch (kind) {
-    case ControlKind::Popup:
-    case ControlKind::NumberEdit:
-    case ControlKind::HotTextNumber:
-    case ControlKind::Button:
-    case ControlKind::CheckBox:
-    case ControlKind::RadioButton:
-        return true;
-    default:
-        return false;
-    }
-}
-
 /// A label as the beginning of a sentence: without the colon that leads to a field, and without dots.
 std::string NameFrom(const std::string& label)
 {
@@ -49,7 +34,7 @@ void StatusLine::Explain(const UI_ControlView& control)
 void StatusLine::ExplainFirst()
 {
     for (const UI_ControlView* const control : mDialog.AllControls()) {
-        if (TakesFocus(control->Kind()) && control->IsEnabled()) {
+        if (IsActedOn(control->Kind()) && control->IsEnabled()) {
             Explain(*control);
             return;
         }

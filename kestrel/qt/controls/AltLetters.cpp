@@ -11,23 +11,7 @@ namespace kestrelqt {
 
 namespace {
 
-using qelui::ControlKind;
 using qelui::UI_ControlView;
-
-bool IsUsed(ControlKind kind)
-{
-    switch (kind) {
-    case ControlKind::Popup:
-    case ControlKind::NumberEdit:
-    case ControlKind::HotTextNumber:
-    case ControlKind::Button:
-    case ControlKind::CheckBox:
-    case ControlKind::RadioButton:
-        return true;
-    default:
-        return false;
-    }
-}
 
 bool BeginsWord(const QString& label, qsizetype at)
 {
@@ -91,7 +75,7 @@ std::map<const UI_ControlView*, QChar> ChooseAltLetters(qelui::UI_Dialog& dialog
             letters[control] = QLatin1Char('O');
         } else if (control->Identifier() == qelui::UI_OkCancelRow::kCancelIdentifier) {
             letters[control] = QLatin1Char('C');
-        } else if (IsUsed(control->Kind())) {
+        } else if (qelui::IsActedOn(control->Kind())) {
             controls.push_back(control);
             ++occurrences[control->Label()];
         }

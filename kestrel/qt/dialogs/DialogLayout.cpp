@@ -15,6 +15,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace kestrelqt {
@@ -134,24 +136,21 @@ QLabel* MakeLabelOf(qelui::UI_ControlView& control, QWidget* widget, QWidget* pa
     return label;
 }
 
-/// Whether a button is followed by the text that shows what was chosen with it: the two share a row.
-bool IsBeforeItsText(const qelui::UI_ControlView& control)
+/// Whether the text shows what is chosen with the button before it: the two share a row.
+bool IsBehindItsButton(const qelui::UI_ControlView& text, const qelui::UI_ControlView* before)
 {
-    const auto& siblings = control.Parent()->Children();
-    const auto at = std::find_if(siblings.begin(), siblings.end(),
-                                 [&control](const auto& sibling) { return sibling.get() == &control; });
-    return control.Kind() == ControlKind::Button && at != siblings.end() && at + 1 != siblings.end() &&
-           at[1]->Kind() == ControlKind::StaticText;
+    return text.Kind() == ControlKind::StaticText && before != nullptr && before->Kind() == ControlKind::Button;
 }
 
-/// Whether a text follows its button.
-bool IsBehindItsButton(const qelui::UI_ControlView& control)
+/// The control that stands `distance` behind another one in its group; null where there is none.
+const qelui::UI_ControlView* Neighbour(const qelui::UI_ControlView& control, std::ptrdiff_t distance)
 {
     const auto& siblings = control.Parent()->Children();
     const auto at = std::find_if(siblings.begin(), siblings.end(),
                                  [&control](const auto& sibling) { return sibling.get() == &control; });
-    return control.Kind() == ControlKind::StaticText && at != siblings.begin() && at != siblings.end() &&
-           at[-1]->Kind() == ControlKind::Button;
+    const std::ptrdiff_t index = at - siblings.begin() + distance;
+    return index < 0 || index >= std::ssize(siblings) ? nullptr
+                                                      : siblings[static_cast<std::size_t>(index)].get();
 }
 
 /// A text under its label.
@@ -178,7 +177,7 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
         form.addWidget(BuildGroup(group, parent, widgets), row, kLabelColumn, 1, columns);
         return;
     }
-    if (IsBehindItsButton(control)) {
+    if (IsBehindItsButton(control, Neighbour(control, -1))) {
         QWidget* const text = BuildCaptioned(control, parent, widgets);
         if (widgets.density.sharesRows) {
             form.addWidget(text, row - 1, kControlColumn, 1, columns - kControlColumn);
@@ -188,7 +187,8 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
         return;
     }
     QWidget* const widget = BuildControl(control, parent, widgets);
-    if (IsBeforeItsText(control) && widgets.density.sharesRows) {
+    const qelui::UI_ControlView* const next = Neighbour(control, 1);
+    if (next != nullptr && IsBehindItsButton(*next, &control) && widgets.density.sharesRows) {
         form.addWidget(widget, row, kLabelColumn);
         return;
     }
