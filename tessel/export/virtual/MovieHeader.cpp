@@ -123,7 +123,7 @@ private:
 
     void PutMatrix()
     {
-        for (const std::uint64_t value : {0x10000, 0, 0, 0, 0x10000, 0, 0, 0, 0x40000000}) {
+        for (const std::uint64_t value : {0x10000U, 0U, 0U, 0U, 0x10000U, 0U, 0U, 0U, 0x40000000U}) {
             mOut.Put32(value);
         }
     }
