@@ -35,8 +35,10 @@ PICTURE = [
     # 8-bit 4:2:0: what thinned the chroma before has left no trace.
     Carrier("h264", ".mp4", ("--video-codec", "h264", "--quality", "23"), ALPHA, (*DEPTH, "color.subsampling")),
     # MPEG-2 is limited by definition, has square pixels or the shape of the whole picture, and starts at zero.
+    # FFmpeg's MXF writer ends the sound with the picture.
     Carrier("mpeg2", ".mxf", ("--video-codec", "mpeg2", "--quality", "2"),
-            ("container.range", "container.aspect", "container.siting", "container.start", "container.layout", *ALPHA),
+            ("container.range", "container.aspect", "container.siting", "container.start", "container.layout",
+             "container.duration", *ALPHA),
             DEPTH, rates=MXF_RATES),
     Carrier("raw", ".nut", ("--video-codec", "raw"),
             ("container.primaries", "container.transfer", "container.matrix", "container.range", "container.fields",

@@ -129,8 +129,11 @@ FFMPEG = [
     picture("phase", "fields", "phase=mode=t", {"fields.shifted": None}),
     picture("yadif", "fields", "yadif=mode=send_frame,setfield=prog", {"fields.progressive": None}),
     picture("yadif bob", "fields", "yadif=mode=send_field,setfield=prog", {"fields.bobbed": None}),
-    picture("field and scale", "fields", "field=top,scale=384:288:flags=neighbor,setfield=tff", {"fields.lost": None}),
-    picture("pp linear blend", "fields", "format=yuv422p,pp=lb,setfield=tff", {"fields.blended": None}),
+    picture("field and scale", "fields", "field=top,scale=384:288:flags=neighbor,setsar=1,setfield=tff",
+            {"fields.lost": None}),
+    # pp works on 8 bits alone.
+    picture("pp linear blend", "fields", "format=yuv422p,pp=lb,setfield=tff", {"fields.blended": None},
+            options=("--accept", "container.depth")),
     # Sound.
     sound("pan swap", "stereo", "pan=stereo|c0=c1|c1=c0", {"audio.order": None}),
     sound("pan mono", "stereo", "pan=mono|c0=0.5*c0+0.5*c1", {"audio.downmix": None},
@@ -151,10 +154,11 @@ FFMPEG = [
           {"audio.clipping": None}),
     sound("aeval depth", "tone", "aeval=floor(val(0)*128)/128|floor(val(1)*128)/128:c=same", {"audio.depth": Near(8)}),
     sound("channels to silence", "stereo", "pan=stereo|c1=c1", {"audio.silence": None}),
-    ffmpeg("atrim and concat", "tone",
-           ["-filter_complex", "[0:a]asplit[a][b];[a]atrim=end_sample=192000[x];[b]atrim=start_sample=192480[y];"
+    # In a steady tone, ten whole periods would leave no trace.
+    ffmpeg("atrim and concat", "stereo",
+           ["-filter_complex", "[0:a]asplit[a][b];[a]atrim=end_sample=192000[x];[b]atrim=start_sample=192484[y];"
                                "[x][y]concat=v=0:a=1[s]", "-map", "0:v", "-map", "[s]", "-c:v", "copy"],
-           {"audio.lost": Near(480)}),
+           {"audio.lost": Near(484)}),
     ffmpeg("anoisesrc and amix", "tone",
            ["-filter_complex", "anoisesrc=r=48000:a=0.01:seed=1,pan=stereo|c0=c0|c1=c0[n];"
                                "[0:a][n]amix=inputs=2:normalize=0:duration=first[s]",
@@ -180,26 +184,33 @@ def gstreamer_sound(name, clip, elements, expect, **more):
 
 
 GSTREAMER = [
-    gstreamer("videoflip", "rgb", "videoconvert ! video/x-raw,format=BGRx ! videoflip method=horizontal-flip",
+    # The older property, method=horizontal-flip, leaves pictures as they are in GStreamer 1.22.0.
+    gstreamer("videoflip", "rgb", "videoconvert ! video/x-raw,format=BGRx ! videoflip video-direction=horiz",
               {"geometry.flipped": Text("horizontal")}),
     gstreamer("videocrop", "rgb", "videocrop left=16 right=16 top=16 bottom=16 ! videoconvert",
               {"geometry.cropped": Near(16)}),
     gstreamer("videobox", "rgb", "videoconvert ! video/x-raw,format=BGRA ! videobox border-alpha=1 left=-16 right=-16 "
-              "top=-16 bottom=-16 ! videoconvert ! video/x-raw,format=BGRx", {"geometry.padded": Near(16)}),
+              "top=-16 bottom=-16 ! videoconvert ! video/x-raw,format=BGRx",
+              # R'G'B' without a transfer function in its caps is sRGB to GStreamer.
+              {"geometry.padded": Near(16), "container.transfer": Text("sRGB")}),
     gstreamer("videorate", "gradient", "videorate ! video/x-raw,framerate=30/1", {"order.cadence": Near(1.25, 0.01)}),
     gstreamer_sound("volume element", "tone", "volume volume=0.5", {"audio.gain": Near(-6.0206, 0.001)}),
-    gstreamer_sound("audioinvert", "stereo", "audioinvert degree=1", {"audio.polarity": None}),
+    # With floats, degree=1 gives silence in GStreamer 1.22.0. 16 bits become -1 - code.
+    gstreamer_sound("audioinvert", "stereo", "audioconvert ! audio/x-raw,format=S16LE ! audioinvert degree=1",
+                    {"audio.polarity": None}, options=("--accept", "audio.depth", "--accept", "audio.dc")),
     gstreamer_sound("audioamplify", "tone", "audioamplify amplification=4.0 clipping-method=clip",
                     {"audio.gain": Near(12.0412, 0.001)}),
 ]
 
+# melt works on 8-bit 4:2:2 and 16-bit sound, and takes small pictures for BT.601: these rows ask for one thing.
 MELT = [
     Foreign("melt mirror", "melt",  "rgb",
-            ["-silent", "{in}", "-filter", "mirror", "mirror=horizontal", "reverse=1", "-consumer", "avformat:{out}",
-             "vcodec=ffv1", "acodec=flac", "real_time=-1"], {"geometry.flipped": Text("horizontal")}),
+            ["-silent", "{in}", "-filter", "mirror", "mirror=flip", "-consumer", "avformat:{out}",
+             "vcodec=ffv1", "acodec=flac", "real_time=-1"], {"geometry.flipped": Text("horizontal")},
+            options=("--only", "geometry.flipped")),
     Foreign("melt volume", "melt", "stereo",
             ["-silent", "{in}", "-filter", "volume", "level=-6", "-consumer", "avformat:{out}", "vcodec=ffv1",
-             "acodec=pcm_s24le", "real_time=-1"], {"audio.gain": Near(-6, 0.01)}),
+             "acodec=pcm_s24le", "real_time=-1"], {"audio.gain": Near(-6, 0.01)}, options=("--only", "audio.gain")),
 ]
 
 FOREIGN = [*FFMPEG, *GSTREAMER, *MELT]

@@ -34,7 +34,7 @@ FAULTS = [
     ("sync.offset={}", "stereo", (40, 20, 10, 5, 2, 1, 0.5), "ms", SOUND_CARRIERS),
     ("audio.drift={}", "tone", (400, 100, 30, 10, 5, 2, 1), "ppm", SOUND_CARRIERS),
     ("audio.gain={}", "tone", (3, 1, 0.5, 0.2, 0.1, 0.05, 0.02), "dB", SOUND_CARRIERS),
-    ("audio.lost={}:4", "tone", (480, 48, 10, 5, 2, 1), "samples", SOUND_CARRIERS),
+    ("audio.lost={}:4", "stereo", (500, 100, 10, 5, 2, 1), "samples", SOUND_CARRIERS),
     ("color.gain={}", "gradient", (0.9, 0.95, 0.97, 0.98, 0.99, 0.995), "", PICTURE_CARRIERS),
     ("color.offset={}", "gradient", (0.05, 0.02, 0.01, 0.005, 0.002), "of white", PICTURE_CARRIERS),
     ("color.hue={}", "gradient", (10, 5, 3, 2, 1, 0.5), "degrees", PICTURE_CARRIERS),
@@ -164,7 +164,7 @@ def main():
     tools = Tools(options.tessel, options.plugin, options.folder)
     for name in ("gradient", "stereo", "tone", "chart"):
         tools.save(name, CLIPS[name]())
-    lengths = [frames for frames in (1_000, 10_000, 100_000) if frames <= options.longest]
+    lengths = [frames for frames in (1_000, 5_000, 20_000, 100_000) if frames <= options.longest]
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         tables = {"numbers": lambda: reading_table(tools, pool), "faults": lambda: fault_table(tools, pool),
                   "memory": lambda: memory_table(tools, lengths)}

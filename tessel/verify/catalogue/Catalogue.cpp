@@ -366,7 +366,7 @@ constexpr std::array kOfLostSound{id::kSyncOffset, id::kSyncDrift, id::kAudioDro
 // A bent or cut tone has harmonics, and the part of them that the fit leaves over counts as noise.
 constexpr std::array kOfCut{id::kAudioGain, id::kAudioHarmonics, id::kAudioNoise, id::kAudioDc};
 constexpr std::array kOfNoise{id::kAudioHarmonics, id::kAudioDc};
-constexpr std::array kOfHarmonics{id::kAudioGain, id::kAudioNoise, id::kAudioDc};
+constexpr std::array kOfHarmonics{id::kAudioNoise, id::kAudioDc};
 // Cutting bits off towards minus infinity moves the mean by half a step.
 constexpr std::array kOfSoundDepth{id::kAudioNoise, id::kAudioHarmonics, id::kAudioDc};
 constexpr std::array kOfContainerDepth{id::kColorDepth, id::kAudioDepth, TESSEL_LIKENESS};

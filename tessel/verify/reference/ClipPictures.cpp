@@ -124,6 +124,23 @@ std::vector<read::Picture> ClipPictures::RenderBands(std::int64_t frame, const B
     return pictures;
 }
 
+ClipPictures::SparseFrame::SparseFrame(ClipPictures& maker, std::int64_t frame)
+    : mMaker(maker), mView(maker.mClip.RenderFrame(frame)), mRows(static_cast<std::size_t>(mView.height))
+{
+}
+
+const read::Picture& ClipPictures::SparseFrame::Row(int y)
+{
+    std::optional<read::Picture>& row = mRows[static_cast<std::size_t>(y)];
+    if (!row) {
+        exporting::FrameView view = mView;
+        view.top += y * view.rowBytes;
+        view.height = 1;
+        row = mMaker.Convert(view);
+    }
+    return *row;
+}
+
 read::Picture ClipPictures::Convert(const exporting::FrameView& view)
 {
     if (!mConverter || view.format != mConversion.source || view.width != mConversion.width ||

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tessel::verify::reference {
@@ -62,6 +63,20 @@ public:
     };
     /// The bands that lie wholly inside the frame. Cost: painting the frame, and converting these rows.
     [[nodiscard]] std::vector<read::Picture> RenderBands(std::int64_t frame, const Bands& bands);
+
+    /// A painted frame whose rows are converted one by one, when they are first asked for. Only for layouts
+    /// whose chroma is as high as their luma. Borrows the maker, of which nothing else may be asked meanwhile.
+    class SparseFrame {
+    public:
+        SparseFrame(ClipPictures& maker, std::int64_t frame);
+        /// Row `y` as a picture of one row. Cost: converting it, at first.
+        [[nodiscard]] const read::Picture& Row(int y);
+
+    private:
+        ClipPictures& mMaker;
+        exporting::FrameView mView;
+        std::vector<std::optional<read::Picture>> mRows;
+    };
 
 private:
     [[nodiscard]] read::Picture Convert(const exporting::FrameView& view);

@@ -66,6 +66,12 @@ class BadInput(VerifyTest):
                 other = self.generated(f"{source}.mp4", f"{source}=s=320x180:r=25", "-t", "1")
                 self.expect(self.verify(root, other), "signal.other")
 
+    def test_a_movie_of_one_colour_is_something_else(self):
+        for color in ("black", "gray", "white"):
+            with self.subTest(color):
+                other = self.generated(f"{color}.mp4", f"color={color}:s=320x180:r=25", "-t", "1")
+                self.expect(self.verify(gradient(frames=24), other), "signal.other")
+
     def test_damaged_packets_end_with_a_verdict_and_a_note(self):
         root = gradient(frames=60)
         whole = self.render(root, "whole.mp4")

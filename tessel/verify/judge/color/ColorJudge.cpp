@@ -163,11 +163,17 @@ private:
         }
     }
 
+    /// Whether codes beyond two levels came back at those levels.
+    [[nodiscard]] bool IsCutOff() const
+    {
+        return mClipping && mClipping->plainDistance > mTolerance + mNoise &&
+               mClipping->residual < mClipping->plainDistance / 2;
+    }
+
     /// Few codes lie outside the nominal range: what became of them does not show in the residual of all.
     void TellClipping()
     {
-        if (mClipping && mClipping->plainDistance > mTolerance + mNoise &&
-            mClipping->residual < mClipping->plainDistance / 2) {
+        if (IsCutOff()) {
             const Hypothesis& hypothesis = mClipping->hypothesis;
             Finding& finding =
                 mFindings.Fault(id::kColorClipped, fmt::format("{} (residual {:.1f} codes)", hypothesis.message,
@@ -222,6 +228,8 @@ private:
         if (off <= mTolerance + mNoise) {
             if (isPlainLevel) {
                 TellLevels(fit);
+            } else if (IsCutOff() && best + 1 == mList.size()) {
+                TellFine(); // but for what lies outside the levels
             } else {
                 TellUndecided(best, off);
             }
@@ -428,7 +436,12 @@ double UnexplainedColor(const ColorCase& given)
         for (const Hypothesis& hypothesis : Hypotheses(coding)) {
             least = std::min(least, ResidualOf(hypothesis, pairs));
         }
-        least = std::min(least, FitLevels(pairs, coding, 1).residual);
+        // A gain near 0 explains every picture of one colour: nothing of the clip is left in it.
+        constexpr double kLeastGain = 0.05;
+        const LevelFit fit = FitLevels(pairs, coding, 1);
+        if (!fit.hasLuma || std::abs(fit.gain) >= kLeastGain) {
+            least = std::min(least, fit.residual);
+        }
     }
     return least;
 }

@@ -53,16 +53,16 @@ bool KeepsPixels(const align::Placement& placement) noexcept
 
 /// The same frame of the clip and of the movie.
 struct ColorSampler::Frames {
-    const read::Picture& clip;
+    reference::ClipPictures::SparseFrame& clip;
     const read::Picture& movie;
     const align::Placement& placement;
     bool keepsPixels = true;
 
-    [[nodiscard]] Triple RgbAt(int x, int y, bool isLinear) const noexcept
+    [[nodiscard]] Triple RgbAt(int x, int y, bool isLinear) const
     {
-        return {SignalOf(clip.components[0].At(x, y), isLinear),
-                SignalOf(clip.components[1].At(x, y), isLinear),
-                SignalOf(clip.components[2].At(x, y), isLinear)};
+        const read::Picture& row = clip.Row(y);
+        return {SignalOf(row.components[0].At(x, 0), isLinear), SignalOf(row.components[1].At(x, 0), isLinear),
+                SignalOf(row.components[2].At(x, 0), isLinear)};
     }
 
     /// The code of a component at a place of the movie's picture.
@@ -165,8 +165,8 @@ void ColorSampler::TakeSpot(const Frames& frames, const Place& place, int parity
             const Triple rgb = frames.RgbAt(x, y, isLinear);
             const int otherRow = parity == kBothFields ? y : std::min(y ^ 1, mFacts.height - 1);
             const Triple otherRgb = frames.RgbAt(x, otherRow, isLinear);
-            const read::ComponentView& alpha = frames.clip.components[3];
-            spot.pair.alpha += (alpha ? alpha.At(x, y) : 1) * kShare;
+            const read::ComponentView& alpha = frames.clip.Row(y).components[3];
+            spot.pair.alpha += (alpha ? alpha.At(x, 0) : 1) * kShare;
             for (std::size_t part = 0; part < 3; ++part) {
                 spot.pair.rgb[part] += rgb[part] * kShare;
                 spot.pair.otherField[part] += otherRgb[part] * kShare;
@@ -186,7 +186,7 @@ void ColorSampler::TakeSpot(const Frames& frames, const Place& place, int parity
 
 void ColorSampler::Take(const read::Picture& picture, std::int64_t frame, const align::Placement& placement)
 {
-    const read::Picture clip = mPictures.Render(frame);
+    reference::ClipPictures::SparseFrame clip(mPictures, frame);
     const Frames frames{clip, picture, placement, KeepsPixels(placement)};
     mIsResampled = mIsResampled || !frames.keepsPixels;
     const bool keepsRows = placement.orientation == align::Orientation::Upright &&

@@ -23,7 +23,7 @@ public:
     /// Whether frame `frame` is one of the few that are looked at.
     [[nodiscard]] bool Wants(std::int64_t frame) const noexcept { return frame % mStride == 0; }
 
-    /// Cost: rendering and converting one frame of the clip.
+    /// Cost: rendering one frame of the clip, and converting the rows of its spots.
     void Take(const read::Picture& picture, std::int64_t frame, const align::Placement& placement);
 
     /// A spot; `pair.found` holds codes as they are, not yet in 8-bit units.

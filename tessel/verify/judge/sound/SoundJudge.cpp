@@ -613,6 +613,14 @@ private:
             mFindings.NotVisible(id::kAudioHarmonics);
             return;
         }
+        // A tone that is bent has another level, by as much as its harmonics at most.
+        double gain = 0;
+        for (const MixRow& row : mMix.rows) {
+            gain = std::max(gain, row.isSilent ? 0.0 : std::abs(std::abs(row.gain) - 1));
+        }
+        if (gain < 3 * worst) {
+            mFindings.Because(id::kAudioHarmonics, id::kAudioGain);
+        }
         const double level = Decibels(worst);
         JudgeLevel(id::kAudioHarmonics, level, worst > 0 ? std::min(6.0, 0.1 + 8.69 * 2 * sigma / worst) : 0.0,
                    fmt::format("tones on {} have harmonics of {:.1f} dB ({:.2f} %)", NameOf(place), level,
@@ -645,6 +653,13 @@ private:
         finding.expected = static_cast<double>(expected);
         finding.found = static_cast<double>(found);
         finding.uncertainty = 0;
+        // Samples times a power of two end with zeros.
+        const double zeros = std::exp2(expected - found);
+        if (std::all_of(mMix.rows.begin(), mMix.rows.end(), [zeros](const MixRow& row) {
+                return row.isSilent || std::abs(std::abs(row.gain) / zeros - 1) < 1e-3;
+            })) {
+            mFindings.Because(id::kAudioGain, id::kAudioDepth);
+        }
     }
 
     const SoundTrack& mClip;

@@ -161,6 +161,10 @@ void JudgeSync(const SyncCase& given, Findings& findings)
             late = 0;
         }
         static_cast<void>(findings.Judge(id::kSyncOffset, {0, late * 1000, uncertainty * 1000}, text));
+        if (frames < 1) {
+            // A cadence moves each picture by another part of a frame.
+            findings.Because(id::kOrderCadence, id::kSyncOffset);
+        }
     }
     const double drift = (1 - map.tempo) - pictures.drift;
     const double sigma = std::hypot(map.tempoSigma, pictures.driftSigma);

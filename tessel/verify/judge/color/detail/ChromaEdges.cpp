@@ -1,5 +1,7 @@
 #include "ChromaEdges.h"
 
+#include <tessel/verify/read/Rows.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -136,10 +138,15 @@ ChromaPicture ChromaOf(const read::Picture& picture)
     chroma.shiftY = chroma.isRgb ? 0 : picture.format.chromaShiftY;
     const auto load = [&](const read::ComponentView& view, double middle, std::vector<float>& plane) {
         const double unit = view.isFloat ? 1.0 / 255 : (std::exp2(view.bits) - 1) / 255;
-        plane.reserve(static_cast<std::size_t>(view.width) * static_cast<std::size_t>(view.height));
+        const auto width = static_cast<std::size_t>(view.width);
+        plane.resize(width * static_cast<std::size_t>(view.height));
+        const auto scale = static_cast<float>(1 / unit);
+        const auto shift = static_cast<float>(middle);
         for (int y = 0; y < view.height; ++y) {
-            for (int x = 0; x < view.width; ++x) {
-                plane.push_back(static_cast<float>(view.At(x, y) / unit - middle));
+            float* const row = plane.data() + static_cast<std::size_t>(y) * width;
+            read::LoadRow(view, y, row);
+            for (std::size_t x = 0; x < width; ++x) {
+                row[x] = row[x] * scale - shift;
             }
         }
     };

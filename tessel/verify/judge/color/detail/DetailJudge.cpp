@@ -185,7 +185,8 @@ public:
 
     void Run(DetailResult& result)
     {
-        mHasPairsOfRows = mPerY == 1 && HasPairsOfRows(mSampler.Steps());
+        // The stairs of codes that were cut to fewer bits come at every second row, too.
+        mHasPairsOfRows = mPerY == 1 && result.lostStep == 0 && HasPairsOfRows(mSampler.Steps());
         if (mAcross.edges == 0 && mDown.edges == 0 && !mHasPairsOfRows) {
             mFindings.NotVisible(id::kColorSubsampling);
             mFindings.NotVisible(id::kColorSiting);

@@ -37,7 +37,13 @@ DetailSampler::DetailSampler(const exporting::SignalSource& clip, const referenc
 void DetailSampler::Choose(const read::Picture& picture, std::int64_t frame, const read::PictureFacts& movie)
 {
     mIsChosen = true;
-    const std::optional<exporting::PictureLayout> layout = reference::LayoutFor(picture.format);
+    std::optional<exporting::PictureLayout> layout = reference::LayoutFor(picture.format);
+    if (!layout && !picture.format.isFloat) {
+        // 12-bit samples, say: edges are compared with finer ones, codes are not.
+        read::SampleFormat finer = picture.format;
+        finer.bits = 16;
+        layout = reference::LayoutFor(finer);
+    }
     if (!layout) {
         return;
     }
@@ -75,7 +81,7 @@ void DetailSampler::TakeCodes(const read::Picture& was, const read::Picture& is)
     for (std::size_t part = 0; part < 3; ++part) {
         const read::ComponentView& expected = was.components[part];
         const read::ComponentView& found = is.components[part];
-        if (!expected || !found || expected.width < 2 * kRunLength) {
+        if (!expected || !found || expected.width < 2 * kRunLength || expected.bits != found.bits) {
             continue;
         }
         const bool isLevel = is.format.isRgb || part == 0;
