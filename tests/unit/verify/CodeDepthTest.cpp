@@ -108,6 +108,16 @@ TEST(CodeDepth, NoStairsAreFoundWhereThereAreNone)
     }
 }
 
+TEST(CodeDepth, ThreeColoursTellNothingOfStairs)
+{
+    // A codec's small errors on three flat colours: a gain, an offset and a staircase fit them exactly.
+    std::vector<StairPoint> points;
+    for (int i = 0; i < 100; ++i) {
+        points.insert(points.end(), {{41, 40.2}, {130, 130.4}, {219, 216.9}});
+    }
+    EXPECT_FALSE(FitStairs(points, 2));
+}
+
 TEST(CodeDepth, FlatColoursTellNothingOfStairs)
 {
     EXPECT_FALSE(FitStairs(std::vector<StairPoint>(100, {128, 127}), 2));

@@ -36,9 +36,10 @@ double DelayOf(const read::SoundFacts& sound, double seconds, double tolerance)
     return 0;
 }
 
-/// By how much the pictures come late: `late` seconds at time `at`, growing by `drift` seconds per second.
+/// By how much the pictures come late: `late` seconds at time `lateAt`, growing by `drift` seconds per second.
 struct PictureTime {
-    double at = 0;
+    double at = 0;     ///< of the first picture
+    double lateAt = 0; ///< where `late` is measured
     double late = 0;
     double drift = 0;
     double driftSigma = 0;
@@ -73,11 +74,13 @@ PictureTime TimeOfPictures(const SyncCase& given)
     }
     time.isByNumber = true;
     // Times are rounded to the container's unit: a second's mean tells better than one picture.
-    const std::size_t head = std::clamp<std::size_t>(at.size() / 4, 1, 30);
+    // An odd number of pictures, so that the median is the one in the middle.
+    const std::size_t head = std::clamp<std::size_t>(at.size() / 8, 0, 15) * 2 + 1;
     std::vector<double> first(late.begin(), late.begin() + static_cast<std::ptrdiff_t>(head));
     std::nth_element(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(head / 2), first.end());
     time.late = first[head / 2];
-    time.at = at[head / 2];
+    time.at = at.front();
+    time.lateAt = at[head / 2];
     time.span = at.back() - at.front();
     const auto count = static_cast<double>(at.size());
     double meanAt = 0;
@@ -141,8 +144,9 @@ void JudgeSync(const SyncCase& given, Findings& findings)
     } else {
         // Sound of time t is the clip's of tempo × t + shift, so it is late by what is left.
         const double at = std::max(pictures.at, sound.movie.start);
-        double late = (at - map.tempo * at - map.pieces.front().shift) - pictures.late -
-                      pictures.drift * (at - pictures.at);
+        // At another rate pictures come later and later; elsewhere, steps of their times are no slope.
+        const double since = findings.HasFault(id::kContainerRate) ? at - pictures.lateAt : at - pictures.at;
+        double late = (at - map.tempo * at - map.pieces.front().shift) - pictures.late - pictures.drift * since;
         const double unit = pictures.isByNumber ? RoundingOf(given) : 0;
         const double uncertainty = std::min(3 * map.sigma + unit / 2 + 0.5 / sound.movie.rate, 1.0);
         const double frames = hasFrames ? std::abs(late) * given.clip.rate.Value() : 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <set>
 
 namespace tessel::verify::judge {
 namespace {
@@ -163,7 +164,13 @@ std::optional<StairFit> FitStairs(const std::vector<StairPoint>& points, int los
 {
     constexpr std::size_t kFewestPoints = 40;
     constexpr double kAlike = 4; // neighbouring means err together
-    if (points.size() < kFewestPoints) {
+    // Of three codes, a gain, an offset and a staircase explain whatever came back.
+    constexpr std::size_t kFewestCodes = 8;
+    std::set<double> codes;
+    for (const StairPoint& point : points) {
+        codes.insert(point.expected);
+    }
+    if (points.size() < kFewestPoints || codes.size() < kFewestCodes) {
         return std::nullopt;
     }
     const auto count = static_cast<double>(points.size());

@@ -128,7 +128,7 @@ constexpr int kLeastPlaces = 4;
 /// place.
 double EdgePlaceNoise(CodecClass codec) noexcept
 {
-    return codec == CodecClass::Lossless ? 0 : codec == CodecClass::Mezzanine ? 0.06 : 0.2;
+    return codec == CodecClass::Lossless ? 0 : codec == CodecClass::Mezzanine ? 0.06 : 0.15;
 }
 
 /// Whether fewer samples explain the edges much better than any shift does.
@@ -240,7 +240,8 @@ private:
     /// Chroma's shift beside luma's own along one axis.
     [[nodiscard]] Measured Shift(const ChromaFit& fit, Axis axis) const
     {
-        const double codec = 2 * EdgePlaceNoise(mCodec) / std::sqrt(std::max(1, fit.places));
+        // Where there are many places, their own spread has it.
+        const double codec = 2 * EdgePlaceNoise(mCodec) / std::max(1, fit.places);
         const int perChroma = axis == Axis::Across ? mPerX : mPerY;
         // Luma of R'G'B' that clips at an edge seems to move a little.
         constexpr double kClipped = 0.25;
