@@ -1,3 +1,4 @@
+#include "Paths.h"
 #include "ViewWindow.h"
 #include "WindowRequest.h"
 
@@ -5,7 +6,6 @@
 #include <kestrel/importhost/PathText.h>
 
 #include <QApplication>
-#include <QFile>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QPalette>
@@ -158,7 +158,7 @@ private:
 
     void TakePicture()
     {
-        const QString name = QFile::decodeName(mRequest.screenshot.c_str());
+        const QString name = NameOf(mRequest.screenshot);
         if (!mWindow.grab().save(name)) {
             throw importhost::HostError(
                 importhost::DisplayName(mRequest.screenshot) +

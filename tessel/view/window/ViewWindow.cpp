@@ -1,36 +1,22 @@
 #include "ViewWindow.h"
 
-#include <kestrel/importhost/HostError.h>
-#include <kestrel/importhost/PathText.h>
-#include <kestrel/qelcore/text/PathText.h>
-#include <tessel/export/ExportError.h>
-#include <tessel/view/model/CommandText.h>
-#include <tessel/view/model/Inspector.h>
-#include <tessel/view/window/FrameSaving.h>
+#include "Images.h"
+#include "Paths.h"
 
-#include <QActionGroup>
-#include <QApplication>
-#include <QClipboard>
+#include <tessel/export/ExportError.h>
+#include <tessel/view/model/Inspector.h>
+
 #include <QDockWidget>
-#include <QDragEnterEvent>
-#include <QDropEvent>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QFontDatabase>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
-#include <QMenuBar>
-#include <QMimeData>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolButton>
-#include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -41,44 +27,6 @@ constexpr int kAhead = 3;           // frames that are made before they are due
 constexpr int kMostAhead = 50;      // that are begun earlier because they take long
 constexpr int kTickMs = 4;          // while it plays
 constexpr double kSoundSlack = 0.3; // seconds that sound may be off before it is started anew
-
-QString TextOfPath(const std::filesystem::path& path)
-{
-    return QString::fromStdString(importhost::DisplayName(path));
-}
-
-std::filesystem::path PathOf(const QString& name)
-{
-    const QByteArray bytes = QFile::encodeName(name);
-    return std::filesystem::path(std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
-}
-
-/// The pixels of a picture in the layout `Bgra`, not copied; alpha is ignored.
-QImage ImageOf(const exporting::Picture& picture)
-{
-    return QImage(reinterpret_cast<const uchar*>(picture.planes[0]), picture.width, picture.height,
-                  picture.rowBytes[0], QImage::Format_RGB32);
-}
-
-QImage OverlayOf(const scopes::CodeFaults& faults)
-{
-    QImage image(faults.width, faults.height, QImage::Format_ARGB32_Premultiplied);
-    constexpr QRgb kReserved = qRgba(255, 0, 255, 255);
-    constexpr QRgb kRange = qRgba(255, 64, 0, 255);
-    constexpr QRgb kGamut = qRgba(255, 220, 0, 255);
-    for (int y = 0; y < faults.height; ++y) {
-        auto* const line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        const std::uint8_t* const flags = faults.flags.data() + static_cast<std::ptrdiff_t>(y) * faults.width;
-        for (int x = 0; x < faults.width; ++x) {
-            const std::uint8_t found = flags[x];
-            line[x] = (found & scopes::kReservedCode) != 0   ? kReserved
-                      : (found & scopes::kOutsideRange) != 0 ? kRange
-                      : (found & scopes::kOutsideGamut) != 0 ? kGamut
-                                                             : 0;
-        }
-    }
-    return image;
-}
 
 } // namespace
 
@@ -110,220 +58,6 @@ ViewWindow::~ViewWindow()
     mSound.Stop();
     mComparison.reset(); // threads of which call back, as those of the panes
     mPanes.clear();
-}
-
-void ViewWindow::BuildPanels()
-{
-    auto* const middle = new QWidget(this);
-    auto* const column = new QVBoxLayout(middle);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(2);
-    mPictures = new QSplitter(Qt::Horizontal, middle);
-    mPictures->setChildrenCollapsible(false);
-    column->addWidget(mPictures, 1);
-
-    mInspector = new QLabel(middle);
-    mInspector->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    mInspector->setContentsMargins(8, 2, 8, 2);
-    mInspector->setAccessibleName("Pixel under the pointer");
-    mInspector->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    mInspector->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    mInspector->setFocusPolicy(Qt::NoFocus);
-    column->addWidget(mInspector);
-
-    auto* const row = new QHBoxLayout();
-    row->setContentsMargins(8, 0, 8, 4);
-    const auto button = [&](const QString& text, const QString& name, auto action) {
-        auto* const made = new QToolButton(middle);
-        made->setText(text);
-        made->setToolTip(name);
-        made->setAccessibleName(name);
-        made->setFocusPolicy(Qt::TabFocus);
-        QObject::connect(made, &QToolButton::clicked, this, action);
-        row->addWidget(made);
-        return made;
-    };
-    button(QStringLiteral("\u25C0|"), "One frame back (Left)", [this] {
-        mTransport.Step(-1, Now());
-        Tick();
-    });
-    mPlayButton = button(QStringLiteral("\u25B6"), "Play or stop (Space)", [this] {
-        mTransport.Toggle(Now());
-        Tick();
-    });
-    button(QStringLiteral("|\u25B6"), "One frame on (Right)", [this] {
-        mTransport.Step(1, Now());
-        Tick();
-    });
-    mPosition = new QLineEdit(middle);
-    mPosition->setFixedWidth(120);
-    mPosition->setAccessibleName("Frame number or timecode");
-    mPosition->setToolTip("Frame number or timecode: type one and press Return");
-    mPosition->setFocusPolicy(Qt::ClickFocus);
-    QObject::connect(mPosition, &QLineEdit::returnPressed, this, [this] { GoToTyped(); });
-    row->addWidget(mPosition);
-    mTimecode = new QLabel(middle);
-    mTimecode->setMinimumWidth(90);
-    mTimecode->setAccessibleName("Timecode");
-    row->addWidget(mTimecode);
-    mTimeline = new Timeline(middle);
-    mTimeline->onMoved = [this](std::int64_t frame) { GoTo(frame); };
-    row->addWidget(mTimeline, 1);
-    column->addLayout(row);
-    setCentralWidget(middle);
-
-    const auto dock = [this](const QString& title, const char* name, QWidget* content) {
-        auto* const made = new QDockWidget(title, this);
-        made->setObjectName(name);
-        made->setWidget(content);
-        made->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetClosable |
-                          QDockWidget::DockWidgetFloatable);
-        addDockWidget(Qt::RightDockWidgetArea, made);
-        QObject::connect(made, &QDockWidget::visibilityChanged, this, [this] { Tick(); });
-        return made;
-    };
-    mScopes = new ScopesPanel(this);
-    mScopesDock = dock("Scopes", "scopes", mScopes);
-    mMetersPanel = new MetersPanel(this);
-    mMetersDock = dock("Meters", "meters", mMetersPanel);
-    mFindings = new QListWidget(this);
-    mFindings->setAccessibleName("Findings");
-    mFindings->setFocusPolicy(Qt::ClickFocus);
-    mFindings->setWordWrap(true);
-    QObject::connect(mFindings, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
-        if (item->data(Qt::UserRole).isValid()) {
-            GoTo(item->data(Qt::UserRole).toLongLong());
-        }
-    });
-    mFindingsDock = dock("Findings", "findings", mFindings);
-    addDockWidget(Qt::BottomDockWidgetArea, mFindingsDock);
-    mFindingsDock->hide();
-    resizeDocks({mFindingsDock}, {110}, Qt::Vertical);
-    resizeDocks({mScopesDock, mMetersDock}, {700, 220}, Qt::Vertical);
-    resizeDocks({mScopesDock}, {380}, Qt::Horizontal);
-
-    mPlaying = new QLabel(this);
-    mPlaying->setAccessibleName("Playing");
-    statusBar()->addPermanentWidget(mPlaying);
-}
-
-void ViewWindow::BuildMenus()
-{
-    const auto add = [this](QMenu* menu, const QString& text, const QList<QKeySequence>& keys, auto action) {
-        QAction* const made = menu->addAction(text);
-        made->setShortcuts(keys);
-        made->setShortcutContext(Qt::WindowShortcut);
-        QObject::connect(made, &QAction::triggered, this, action);
-        return made;
-    };
-    QMenu* const file = menuBar()->addMenu("&File");
-    add(file, "&Open clips...", {QKeySequence::Open}, [this] {
-        std::vector<std::filesystem::path> files;
-        for (const QString& name : QFileDialog::getOpenFileNames(this, "Open clips")) {
-            files.push_back(PathOf(name));
-        }
-        if (!files.empty()) {
-            try {
-                OpenClips(files);
-            } catch (const std::exception& error) {
-                Say(error.what());
-            }
-        }
-    });
-    add(file, "&Settings of the clip...", {QKeySequence(Qt::Key_E)}, [this] { EditSettings(); });
-    add(file, "Save the &frame as...", {QKeySequence::Save}, [this] { SaveFrame(); });
-    add(file, "&Copy the command for this frame", {QKeySequence::Copy}, [this] { CopyCommand(); });
-    add(file, "&Quit", {QKeySequence::Quit, QKeySequence(Qt::Key_Q)}, [this] { close(); });
-
-    QMenu* const play = menuBar()->addMenu("&Play");
-    const auto drive = [&](const QString& text, const QList<QKeySequence>& keys, auto action) {
-        add(play, text, keys, [this, action] {
-            action();
-            Tick();
-        });
-    };
-    drive("Play or stop", {QKeySequence(Qt::Key_Space)}, [this] { mTransport.Toggle(Now()); });
-    drive("Forwards, then faster", {QKeySequence(Qt::Key_L)}, [this] { mTransport.Forward(Now()); });
-    drive("Stop", {QKeySequence(Qt::Key_K)}, [this] { mTransport.Stop(Now()); });
-    drive("Backwards, then faster", {QKeySequence(Qt::Key_J)}, [this] { mTransport.Backward(Now()); });
-    drive("One frame on", {QKeySequence(Qt::Key_Right)}, [this] { mTransport.Step(1, Now()); });
-    drive("One frame back", {QKeySequence(Qt::Key_Left)}, [this] { mTransport.Step(-1, Now()); });
-    drive("Ten frames on", {QKeySequence("Shift+Right")}, [this] { mTransport.Step(10, Now()); });
-    drive("Ten frames back", {QKeySequence("Shift+Left")}, [this] { mTransport.Step(-10, Now()); });
-    drive("First frame", {QKeySequence(Qt::Key_Home)}, [this] { mTransport.Go(0, Now()); });
-    drive("Last frame", {QKeySequence(Qt::Key_End)},
-          [this] { mTransport.Go(mPanes.empty() ? 0 : mPanes[0].clip->Scale().count - 1, Now()); });
-    add(play, "Go to a frame", {QKeySequence(Qt::Key_G)}, [this] {
-        mPosition->setFocus();
-        mPosition->selectAll();
-    });
-    QAction* const every = add(play, "Every frame, none dropped", {QKeySequence(Qt::Key_T)}, [this](bool isOn) {
-        mTransport.SetPace(isOn ? Pace::EveryFrame : Pace::RealTime, Now());
-        Tick();
-    });
-    every->setCheckable(true);
-    QAction* const loop = add(play, "In a loop", {QKeySequence(Qt::Key_R)}, [this](bool isOn) {
-        mTransport.SetLooping(isOn);
-        Tick();
-    });
-    loop->setCheckable(true);
-
-    QMenu* const view = menuBar()->addMenu("&View");
-    add(view, "Fit, in its true shape", {QKeySequence("Ctrl+0"), QKeySequence(Qt::Key_Z)},
-        [this] { ChangeZoom({}); });
-    add(view, "Code pixels 1:1", {QKeySequence("Ctrl+1"), QKeySequence(Qt::Key_X)},
-        [this] { ChangeZoom({.pixelScale = 1}); });
-    add(view, "Larger", {QKeySequence::ZoomIn}, [this] {
-        ChangeZoom({std::min(std::max(mZoom.pixelScale, 0) + 1, 64), mZoom.panX, mZoom.panY});
-    });
-    add(view, "Smaller", {QKeySequence::ZoomOut}, [this] {
-        ChangeZoom({std::max(mZoom.pixelScale - 1, 0), mZoom.panX, mZoom.panY});
-    });
-    view->addSeparator();
-    auto* const fields = new QActionGroup(this);
-    const std::pair<FieldView, const char*> kFields[] = {{FieldView::Woven, "Both fields woven"},
-                                                         {FieldView::Upper, "Upper field"},
-                                                         {FieldView::Lower, "Lower field"},
-                                                         {FieldView::Bob, "One field after the other"}};
-    for (const auto& [field, text] : kFields) {
-        QAction* const action = add(view, text, {}, [this, field = field] {
-            mFieldView = field;
-            Tick();
-            ShowTexts();
-        });
-        action->setCheckable(true);
-        action->setChecked(field == FieldView::Woven);
-        fields->addAction(action);
-    }
-    add(view, "Next field view", {QKeySequence(Qt::Key_F)}, [fields] {
-        const QList<QAction*> actions = fields->actions();
-        actions[(actions.indexOf(fields->checkedAction()) + 1) % actions.size()]->trigger();
-    });
-    view->addSeparator();
-    QAction* const faults = add(view, "Mark codes out of range", {QKeySequence(Qt::Key_O)}, [this](bool isOn) {
-        mShowsFaults = isOn;
-        Tick();
-    });
-    faults->setCheckable(true);
-    add(view, "Difference, or a wipe", {QKeySequence(Qt::Key_D)}, [this] {
-        mIsWipe = !mIsWipe;
-        ArrangePanes();
-    });
-    add(view, "More gain of the difference", {QKeySequence(Qt::Key_BracketRight)},
-        [this] { ChangeGain(2 * mGain); });
-    add(view, "Less gain of the difference", {QKeySequence(Qt::Key_BracketLeft)},
-        [this] { ChangeGain(mGain / 2); });
-    view->addSeparator();
-    mScopesDock->toggleViewAction()->setShortcut(QKeySequence(Qt::Key_S));
-    mMetersDock->toggleViewAction()->setShortcut(QKeySequence(Qt::Key_M));
-    view->addAction(mScopesDock->toggleViewAction());
-    view->addAction(mMetersDock->toggleViewAction());
-    view->addAction(mFindingsDock->toggleViewAction());
-    add(view, "Next clip's scopes and meters", {QKeySequence(Qt::Key_N)}, [this] {
-        if (!mPanes.empty()) {
-            Activate((mActive + 1) % mPanes.size());
-        }
-    });
 }
 
 ViewWindow::Pane ViewWindow::MakePane(const std::filesystem::path& file)
@@ -364,7 +98,7 @@ void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
         };
         picture->SetZoom(mZoom);
         mPictures->addWidget(picture);
-        mWatcher.addPath(QFile::decodeName(mPanes[i].clip->File().c_str()));
+        mWatcher.addPath(NameOf(mPanes[i].clip->File()));
     }
     if (mPanes.empty()) {
         mEmpty = new PictureView(mPictures);
@@ -378,99 +112,12 @@ void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
     Tick();
 }
 
-void ViewWindow::StopComparing()
-{
-    mComparison.reset();
-    mCompared = nullptr;
-    mReport = nullptr;
-    delete std::exchange(mMovieView, nullptr);
-    delete std::exchange(mDifferenceView, nullptr);
-    mTimeline->SetMarks({});
-    mFindings->clear();
-    mFindingsDock->hide();
-}
-
-void ViewWindow::Compare(const std::string& movie)
-{
-    StopComparing();
-    mComparison = std::make_unique<Comparison>(mPanes[0].clip, movie, [this] {
-        QMetaObject::invokeMethod(
-            this, [this] { Tick(); }, Qt::QueuedConnection);
-    });
-    for (PictureView** const view : {&mMovieView, &mDifferenceView}) {
-        *view = new PictureView(mPictures);
-        (*view)->onPanned = mPanes[0].view->onPanned;
-        (*view)->onWheel = mPanes[0].view->onWheel;
-        (*view)->SetZoom(mZoom);
-    }
-    // Beside the clip that it was made of.
-    mPictures->insertWidget(1, mMovieView);
-    mPictures->insertWidget(2, mDifferenceView);
-    mFindingsDock->show();
-    ArrangePanes();
-    Tick();
-}
-
-void ViewWindow::ArrangePanes()
-{
-    if (!mComparison) {
-        Say("There is no movie to compare with: tessel view CLIP --against MOVIE, or drop one on the window");
-        return;
-    }
-    mMovieView->setVisible(!mIsWipe);
-    mDifferenceView->setVisible(!mIsWipe);
-    mCompared = nullptr; // shown anew
-    ShowCompared();
-    if (mIsWipe) {
-        Say("Left of the line the clip, right of it the movie; drag the line");
-    } else if (mShown >= 0) {
-        ShowPane(mPanes[0], FrameIn(mPanes[0], mShown)); // without the movie on top
-    }
-}
-
-void ViewWindow::ChangeGain(int gain)
-{
-    constexpr int kMostGain = 64;
-    mGain = std::clamp(gain, 1, kMostGain);
-    Tick();
-}
-
 void ViewWindow::TakeScale()
 {
     const FrameScale scale = mPanes[0].clip->Scale();
     mTransport.SetClip(scale.count, scale.PerSecond(), Now());
     mTimeline->SetFrameCount(scale.count);
     mShown = -1;
-}
-
-void ViewWindow::ReloadChanged(const QString& file)
-{
-    for (Pane& pane : mPanes) {
-        const QString name = QFile::decodeName(pane.clip->File().c_str());
-        if (name != file) {
-            continue;
-        }
-        mWatcher.addPath(file); // a file that was replaced is another one
-        try {
-            Pane fresh = MakePane(pane.clip->File());
-            fresh.view = pane.view;
-            pane = std::move(fresh);
-        } catch (const std::exception& error) {
-            Say(QString("%1; the earlier picture stays").arg(error.what()));
-            return;
-        }
-    }
-    if (mComparison && QFile::decodeName(mPanes[0].clip->File().c_str()) == file) {
-        const std::string movie = mComparison->Movie();
-        try {
-            Compare(movie);
-        } catch (const std::exception& error) {
-            Say(error.what());
-        }
-    }
-    TakeScale();
-    Activate(mActive);
-    Tick();
 }
 
 void ViewWindow::Activate(std::size_t pane)
@@ -654,86 +301,6 @@ void ViewWindow::ShowPane(Pane& pane, std::int64_t frame)
     pane.view->Show(std::move(content));
 }
 
-void ViewWindow::ShowCompared()
-{
-    if (!mComparison || mShown < 0) {
-        return;
-    }
-    if (mReport != mComparison->Report()) {
-        mReport = mComparison->Report();
-        ShowFindings();
-    }
-    mComparison->Want(mShown, mGain);
-    const std::shared_ptr<const ComparedFrame> newest = mComparison->Newest();
-    if (!newest || newest == mCompared) {
-        return;
-    }
-    mCompared = newest;
-    const ComparedPictures& pictures = newest->pictures;
-    const bool hasPicture = newest->picture >= 0;
-    const QString state = QString::fromStdString(mComparison->State());
-    PaneContent movie;
-    movie.size = {hasPicture ? pictures.movie.width : 1, hasPicture ? pictures.movie.height : 1,
-                  mPanes[0].clip->Facts().pixelAspect};
-    movie.title = QString("%1   %2").arg(
-        hasPicture
-            ? QString("picture %1%2").arg(newest->picture).arg(newest->isAligned ? "" : " (not aligned yet)")
-            : QString("no picture"),
-        state);
-    movie.trouble = QString::fromStdString(newest->trouble);
-    PaneContent difference;
-    difference.size = mPanes[0].clip->Size();
-    difference.trouble = movie.trouble;
-    difference.owner = movie.owner = newest;
-    difference.title = QString("difference x%1   mean %2, most %3 of 255%4")
-                           .arg(newest->gain)
-                           .arg(pictures.meanOff, 0, 'f', 3)
-                           .arg(pictures.mostOff, 0, 'f', 1)
-                           .arg(pictures.isSampleBySample ? "" : ", scaled");
-    if (hasPicture) {
-        movie.image = ImageOf(pictures.movie);
-        difference.image = ImageOf(pictures.difference);
-    }
-    if (mIsWipe) {
-        PaneContent both = mPanes[0].view->Content();
-        both.wiped = movie.image;
-        both.title = mPanes[0].view->Content().title.section("   ", 0, 1) + "   |   " + movie.title;
-        mWiped = newest;
-        mPanes[0].view->Show(std::move(both));
-    }
-    mMovieView->Show(std::move(movie));
-    mDifferenceView->Show(std::move(difference));
-}
-
-void ViewWindow::ShowFindings()
-{
-    mFindings->clear();
-    std::vector<TimelineMark> marks;
-    if (!mReport) {
-        return;
-    }
-    const auto add = [&](const verify::Finding& finding, const QString& indent) {
-        const QString text = indent + QString::fromStdString(finding.id + ": " + finding.message);
-        auto* const item = new QListWidgetItem(text, mFindings);
-        for (const verify::Span& span : finding.frames) {
-            marks.push_back({span.first, span.last, text});
-        }
-        if (!finding.frames.empty()) {
-            item->setData(Qt::UserRole, static_cast<qlonglong>(finding.frames.front().first));
-        }
-    };
-    for (const verify::Finding& finding : mReport->findings) {
-        add(finding, "");
-        for (const verify::Finding& consequence : finding.consequences) {
-            add(consequence, "    ");
-        }
-    }
-    if (mReport->findings.empty()) {
-        mFindings->addItem(QString::fromStdString(mComparison->State()));
-    }
-    mTimeline->SetMarks(std::move(marks));
-}
-
 void ViewWindow::ShowMeasurements()
 {
     if (mActive >= mPanes.size()) {
@@ -875,70 +442,6 @@ void ViewWindow::ChangeZoom(const Zoom& zoom)
     ShowTexts();
 }
 
-void ViewWindow::SaveFrame()
-{
-    if (mActive >= mPanes.size()) {
-        return;
-    }
-    const Pane& pane = mPanes[mActive];
-    const std::int64_t frame = FrameIn(pane, std::max<std::int64_t>(mShown, 0));
-    const QFileInfo clip(QFile::decodeName(pane.clip->File().c_str()));
-    const QString proposal = clip.dir().filePath(QString("%1-%2.png").arg(clip.completeBaseName()).arg(frame));
-    const QString name = QFileDialog::getSaveFileName(this, "Save the frame", proposal,
-                                                      "PNG picture (*.png);;OpenEXR picture, floats (*.exr)");
-    if (name.isEmpty()) {
-        return;
-    }
-    try {
-        SaveFrameAs(pane.clip->Source(), frame, PathOf(name));
-        Say("Saved to " + name);
-    } catch (const std::exception& error) {
-        Say(error.what());
-    }
-}
-
-void ViewWindow::CopyCommand()
-{
-    std::vector<std::string> clips;
-    for (const Pane& pane : mPanes) {
-        clips.push_back(qelcore::text::UTF8Text(pane.clip->File()));
-    }
-    const QString command = QString::fromStdString(
-        ViewCommand(clips, mComparison ? mComparison->Movie() : "", std::max<std::int64_t>(mShown, 0)));
-    QApplication::clipboard()->setText(command);
-    Say("Copied: " + command);
-}
-
-void ViewWindow::EditSettings()
-{
-    if (mActive >= mPanes.size()) {
-        return;
-    }
-    if (mSettings && mSettings->state() != QProcess::NotRunning) {
-        Say("The settings dialog is already open");
-        return;
-    }
-    // The dialog is the program's own, in a process of its own; the picture follows the file that it writes.
-    mSettings = std::make_unique<QProcess>();
-    QStringList arguments{"edit", QFile::decodeName(mPanes[mActive].clip->File().c_str())};
-    if (!mPlugin.empty()) {
-        arguments << "--plugin" << QFile::decodeName(mPlugin.c_str());
-    }
-    QObject::connect(mSettings.get(), &QProcess::finished, this,
-                     [this](int code, QProcess::ExitStatus /*status*/) {
-                         const QString said = QString::fromUtf8(mSettings->readAllStandardError()).trimmed();
-                         if (code != 0 || !said.isEmpty()) {
-                             Say(said.section('\n', -1));
-                         }
-                     });
-    QObject::connect(mSettings.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) {
-            Say("The settings dialog cannot be started: " + mSettings->errorString());
-        }
-    });
-    mSettings->start(QCoreApplication::applicationDirPath() + "/" TESSEL_FROM_VIEW, arguments);
-}
-
 void ViewWindow::Say(const QString& text)
 {
     statusBar()->showMessage(text, 8000);
@@ -976,45 +479,6 @@ void ViewWindow::keyPressEvent(QKeyEvent* event)
         mPosition->setText(text);
     } else {
         QMainWindow::keyPressEvent(event);
-    }
-}
-
-bool ViewWindow::IsClip(const std::filesystem::path& file) const
-{
-    try {
-        static_cast<void>(importhost::FileTypeOf(*mImporter, file));
-        return true;
-    } catch (const importhost::HostError&) {
-        return false;
-    }
-}
-
-void ViewWindow::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (event->mimeData()->hasUrls()) {
-        event->acceptProposedAction();
-    }
-}
-
-void ViewWindow::dropEvent(QDropEvent* event)
-{
-    std::vector<std::filesystem::path> files;
-    for (const QUrl& url : event->mimeData()->urls()) {
-        if (url.isLocalFile()) {
-            files.push_back(PathOf(url.toLocalFile()));
-        }
-    }
-    if (files.empty()) {
-        return;
-    }
-    try {
-        if (files.size() == 1 && !mPanes.empty() && !IsClip(files[0])) {
-            Compare(qelcore::text::UTF8Text(files[0]));
-            return;
-        }
-        OpenClips(files);
-    } catch (const std::exception& error) {
-        Say(error.what());
     }
 }
 
