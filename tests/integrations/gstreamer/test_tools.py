@@ -271,8 +271,12 @@ class Leaks(GStreamerTest):
                      "filesrc location=bad.tessel ! tesseldemux ! fakesink"):
             with self.subTest(line=line):
                 answer = self.launch(line, environment={"GST_TRACERS": "leaks", "GST_DEBUG": "GST_TRACER:7"})
-                leaks = [text for text in answer.err.splitlines() if "object-alive" in text and "Tessel" in text]
-                self.assertEqual(leaks, [])
+                self.assertIn("object-alive", answer.err, "the tracer did not run")
+                # playbin3 leaves a volume element of its own, whatever it plays.
+                left = [text for text in answer.err.splitlines()
+                        if "object-alive, type-name=(string)" in text and "=(string)%s" not in text and
+                        ("playbin3" not in line or re.search("Tessel|tessel|picture|sound", text))]
+                self.assertEqual(left, [])
 
 
 if __name__ == "__main__":
