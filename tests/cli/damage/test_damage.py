@@ -65,6 +65,12 @@ class Damage(ProgramTest):
         self.assertEqual(answer.code, 2)
         self.assertIn("--fault color.gold: no such fault", answer.err)
 
+    def test_a_mistyped_fault_is_answered_with_the_nearest(self):
+        for fault, nearest in (("order.mising=3", "order.missing"), ("audio.gian=-6", "audio.gain")):
+            answer = self.run_program("damage", self.clip(), "-o", self.path("x.mkv"), "--fault", fault)
+            self.assertEqual(answer.code, 2)
+            self.assertIn(f"did you mean '{nearest}'?", answer.err)
+
     def test_faults_of_order_move_whole_pictures(self):
         clip = self.clip()
         clean = self.pictures(self.clean(clip))
