@@ -108,13 +108,7 @@ void RunJoin(const JoinOptions& options, Context& context)
     }
     const Container& container = ContainerOf(options);
     RequireOtherName(options, container);
-    exporting::OutputRequest request = RequestFor(options.out, container);
-    request.timecode = options.timecode;
-    try {
-        exporting::CheckRequest(request);
-    } catch (const ExportError& error) {
-        throw UsageError(error.what());
-    }
+    const exporting::OutputRequest request = RequestFor(options.out, container, options.timecode);
     RunInterruptibly([&] { Join(options, request, context); });
 }
 

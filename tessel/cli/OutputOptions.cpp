@@ -92,10 +92,12 @@ const Container& ContainerFor(const std::string& format, const std::string& outp
     return *container;
 }
 
-exporting::OutputRequest RequestFor(const OutputOptions& options, const Container& container)
+exporting::OutputRequest RequestFor(const OutputOptions& options, const Container& container,
+                                    const std::string& timecode)
 {
     exporting::OutputRequest request;
     request.container = &container;
+    request.timecode = timecode;
     if (options.audioOnly) {
         request.streams = exporting::Streams::AudioOnly;
     } else if (options.videoOnly) {

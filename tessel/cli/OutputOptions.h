@@ -44,7 +44,8 @@ void CheckOutputOptions(const OutputOptions& options);
 
 /// @throws UsageError  for codecs that are none or do not go into the container
 [[nodiscard]] exporting::OutputRequest RequestFor(const OutputOptions& options,
-                                                  const exporting::Container& container);
+                                                  const exporting::Container& container,
+                                                  const std::string& timecode = {});
 
 /// @throws exporting::ExportError  for frames that the clip does not have
 [[nodiscard]] exporting::FrameRange FramesFor(const OutputOptions& options, const document::ClipFacts& clip);

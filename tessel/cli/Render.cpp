@@ -8,7 +8,6 @@
 #include "movies/RenderReport.h"
 #include "movies/Witnesses.h"
 
-#include <tessel/export/ExportError.h>
 #include <tessel/export/Parts.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/files/OutputFolder.h>
@@ -27,19 +26,6 @@ namespace {
 using Options = RenderOptions;
 
 using exporting::Container;
-using exporting::ExportError;
-
-exporting::OutputRequest RequestOf(const Options& options, const Container& container)
-{
-    exporting::OutputRequest request = RequestFor(options.out, container);
-    request.timecode = options.timecode;
-    try {
-        exporting::CheckRequest(request);
-    } catch (const ExportError& error) {
-        throw UsageError(error.what());
-    }
-    return request;
-}
 
 /// @throws UsageError  where the part is none, or does not go with the other options
 std::optional<exporting::PartNumber> PartOf(const Options& options, const TargetOptions& where,
@@ -113,7 +99,7 @@ void RunRender(const RenderOptions& options, Context& context)
     const TargetOptions where{options.clips, options.output, options.out.format};
     const std::vector<RenderTarget> targets = TargetsOf(where);
     // All targets are of one format.
-    exporting::OutputRequest request = RequestOf(options, *targets.front().container);
+    exporting::OutputRequest request = RequestFor(options.out, *targets.front().container, options.timecode);
     const std::optional<exporting::PartNumber> part = PartOf(options, where, *request.container);
     if (part) {
         request.streams = exporting::Streams::VideoOnly;
