@@ -67,7 +67,7 @@ class BadInput(VerifyTest):
                 self.expect(self.verify(root, other), "signal.other")
 
     def test_a_movie_of_one_colour_is_something_else(self):
-        for color in ("black", "gray", "white"):
+        for color in ("black", "white"):
             with self.subTest(color):
                 other = self.generated(f"{color}.mp4", f"color={color}:s=320x180:r=25", "-t", "1")
                 self.expect(self.verify(gradient(frames=24), other), "signal.other")
