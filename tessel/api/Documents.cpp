@@ -82,7 +82,10 @@ tessel_document Held(NewClip made)
 {
     std::string warning;
     for (const std::string& line : made.warnings) {
-        warning += (warning.empty() ? "" : "\n") + importhost::OneLine(line);
+        if (!warning.empty()) {
+            warning += '\n';
+        }
+        warning += importhost::OneLine(line);
     }
     return {std::move(made), std::move(warning)};
 }
