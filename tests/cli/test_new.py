@@ -317,7 +317,7 @@ class Set(DocumentTest):
         self.assertEqual(self.set("sample-rate=44100"),
                          self.TEXT.replace('Version": 1\n', 'Version": 1,\n    "mSampleRate": 44100\n'))
         self.write("clip.tessel", self.TEXT)
-        self.assertIn(',\n    "mColorSpace": {\n      "colorSpaceLinearized": true\n    }\n}',
+        self.assertIn(',\n    "mColorSpace": {\n        "colorSpaceLinearized": true\n    }\n}',
                       self.set("mColorSpace.colorSpaceLinearized=true"))
 
     def test_layout_without_lines_stays_on_one(self):

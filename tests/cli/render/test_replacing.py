@@ -30,8 +30,11 @@ class Replacing(RenderTest):
         os.chmod(elsewhere, 0o777)
         os.chmod(self.folder, 0o755)
         clip = self.save(document(frames=2))
-        done = self.run_tessel("render", "--quiet", clip, "-o", output, user=NOBODY, group=NOBODY, extra_groups=[],
-                               env={**os.environ, "TMPDIR": elsewhere})
+        try:
+            done = self.run_tessel("render", "--quiet", clip, "-o", output, user=NOBODY, group=NOBODY,
+                                   extra_groups=[], env={**os.environ, "TMPDIR": elsewhere})
+        except PermissionError:
+            self.skipTest("the build is in a folder that other users cannot enter")
         self.assertEqual(done.returncode, 0, done.stderr.decode())
         self.assertEqual(os.listdir(elsewhere), [])
         return done.stderr.decode()
