@@ -14,7 +14,7 @@ struct CloseClip {
     void operator()(tessel_clip* clip) const noexcept { tessel_close(clip); }
 };
 
-/// A clip and what it says of itself. Shared by the sources of its picture and its sound, which only call
+/// A clip and its description. Shared by the sources of its picture and its sound, which only call
 /// thread-safe functions on it.
 struct Clip {
     std::unique_ptr<tessel_clip, CloseClip> handle;
@@ -27,7 +27,7 @@ struct Clip {
 
 using ClipPointer = std::shared_ptr<const Clip>;
 
-/// A clip, or in one line why there is none.
+/// The opened clip, or one line that says why it could not be opened.
 struct OpenedClip {
     ClipPointer clip;
     std::string error;

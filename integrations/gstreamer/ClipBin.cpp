@@ -74,7 +74,7 @@ GstEvent* NewStreamStart(const Stream& stream, guint groupId)
     return event;
 }
 
-/// The source's own stream-start says nothing of the other stream: the pad's replaces it.
+/// The source's own stream-start lacks the group that both streams share: the pad's replaces it.
 GstPadProbeReturn CompleteEvent(GstPad* /*pad*/, GstPadProbeInfo* info, gpointer data)
 {
     const Stream& stream = *static_cast<const Stream*>(data);
@@ -92,7 +92,7 @@ GstPadProbeReturn CompleteEvent(GstPad* /*pad*/, GstPadProbeInfo* info, gpointer
 
 // ---- Buffers ----
 
-/// A stream that nobody has linked is no error while another one is.
+/// A stream that is not linked is an error only where no other one is linked.
 GstFlowReturn PassBuffer(GstPad* pad, GstObject* parent, GstBuffer* buffer)
 {
     const Stream& stream = *static_cast<const Stream*>(gst_pad_get_element_private(pad));

@@ -45,7 +45,7 @@ std::string UriOf(GstPad* sink)
     return uri;
 }
 
-/// The file of a URI like file:///clips/bars.tessel; empty where it is none.
+/// The file of a URI like file:///clips/bars.tessel; empty for a URI of another kind.
 std::string FileOf(const std::string& uri)
 {
     gchar* const path = uri.empty() ? nullptr : g_filename_from_uri(uri.c_str(), nullptr, nullptr);

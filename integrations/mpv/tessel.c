@@ -24,7 +24,7 @@ struct stream {
     int64_t position;
 };
 
-/* The movie of a document; null where there is none, and then tessel_error_text says why. */
+/* Opens a document as a movie. Null if it cannot be opened; tessel_error_text then says why. */
 static tessel_movie* open_movie(const char* path)
 {
     tessel_clip* clip = NULL;

@@ -42,7 +42,7 @@ bool IsNone(const char* codec) noexcept
     return codec != nullptr && codec == kNone;
 }
 
-/// The codec of a name. @throws CallError  for a name that is none
+/// The codec of a name. @throws CallError  for an unknown name
 template <class Codec, class Rows>
 const Codec* CodecNamed(const char* name, const Rows& rows)
 {

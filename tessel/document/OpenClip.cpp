@@ -39,7 +39,7 @@ void RequireWellFormed(const importhost::Clip& clip)
         // Of broken JSON the place says more than the plug-in does.
         Refuse(clip.File(), DocumentProblem(clip.File()).value_or(clip.Messages().front()));
     }
-    // A document that is no object is no error to the plug-in, which reads nothing from it and logs nothing.
+    // The plug-in accepts a document that is not a JSON object: it reads nothing from it and logs nothing.
     // Only then is the document opened again.
     if (LooksLikeDefault(clip.Description())) {
         if (const auto problem = DocumentProblem(clip.File())) {

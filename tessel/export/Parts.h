@@ -33,7 +33,7 @@ struct PartNumber {
 /// @throws ExportError  for more parts than frames
 [[nodiscard]] FrameRange FramesOfPart(const FrameRange& whole, const PartNumber& part);
 
-/// What the file of a part says of itself, in its container's comment: enough for whoever joins it to refuse
+/// The label of a part's file, in its container's comment: enough for whoever joins it to refuse
 /// what does not belong together.
 struct PartLabel {
     PartNumber part;

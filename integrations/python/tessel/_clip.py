@@ -177,8 +177,8 @@ class Clip:
         tone:     hertz and dBFS, or "silence"
         keys:     the document's own keys, as in {"mFramePAR.numerator": 10}
 
-        The clip is in memory; `save` writes its document. Raises SettingError for a setting that is none and for a clip
-        that could not be played, OpenError for a base that cannot be read.
+        The clip is in memory; `save` writes its document. Raises SettingError for an unknown setting, a wrong value and a
+        clip that could not be played, OpenError for a base that cannot be read.
         """
         if template is not None and base is not None:
             raise ValueError("a clip begins with a template or with a base, not with both")

@@ -14,7 +14,7 @@ class ClipError(Error):
 
 
 class SettingError(Error, ValueError):
-    """A setting that is none, or a clip that could not be played."""
+    """An unknown setting, a wrong value, or a clip that could not be played."""
 
 
 class VerifyError(Error):

@@ -28,7 +28,7 @@ struct PreviewRenderer {
     /// What of a settings document the pictures show: texts that look alike give the same result, so that they
     /// are rendered once. Called on the ui thread after each change.
     std::function<std::string(const std::string& settingsText)> reduce;
-    /// Makes the pictures of such a result, without size where there are none. Costs as much as two frames.
+    /// Makes the pictures of such a result, empty ones where it has no pictures. Costs as much as two frames.
     /// Called on a thread of the toolkit's, one call at a time.
     std::function<PreviewPictures(const std::string& reduced)> render;
 

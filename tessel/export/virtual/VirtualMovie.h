@@ -1,4 +1,4 @@
-/// A clip as the bytes of a QuickTime movie that nobody has written.
+/// A clip as the bytes of a QuickTime movie file, made as they are read.
 #pragma once
 
 #include "MovieHeader.h"

@@ -25,7 +25,7 @@ struct FrameScale {
 
 /// The frame that a person names: "112", "00:00:04:12", or "+25" and "-25" from the current one. Numbers beyond
 /// the clip's ends are its ends, also in relative steps.
-/// @throws exporting::ExportError  for a text that is none of these; says what would be right
+/// @throws exporting::ExportError  for any other text; says what would be right
 [[nodiscard]] std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current);
 
 } // namespace tessel::view

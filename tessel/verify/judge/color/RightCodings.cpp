@@ -25,7 +25,7 @@ std::vector<Coding> RightCodings(const reference::ClipFacts& clip, const read::P
         matrices.push_back(movie.matrix);
     }
     const bool isFullClip = !isYCbCrClip && clip.fullRange && clip.matrix != 0;
-    // Who says nothing of the range means the limited one.
+    // A movie that states no range has the limited one.
     std::set<bool> ranges =
         movie.fullRange ? std::set<bool>{isFullClip, *movie.fullRange} : std::set<bool>{false};
     if (isYCbCrClip && clip.fullRange) {
