@@ -1,23 +1,12 @@
-/// What the matrices of Y'CbCr say of colours: where bars lie, and how R'G'B' becomes Y'CbCr.
+/// Colours under each matrix of Y'CbCr: where bars lie, and how R'G'B' becomes Y'CbCr.
 #pragma once
 
-#include <tessel/export/convert/PixelKind.h>
+#include <tessel/export/convert/LumaWeights.h>
 
 #include <array>
 #include <string_view>
 
 namespace tessel::scopes {
-
-/// Shares of red and blue in Y'; green has the rest.
-struct LumaWeights {
-    double red;
-    double blue;
-
-    [[nodiscard]] constexpr double Green() const noexcept { return 1.0 - red - blue; }
-};
-
-/// By ITU-R BT.601-7, BT.709-6, BT.2020-2 and SMPTE ST 240; BT.709's for matrices that are none of Y'CbCr.
-[[nodiscard]] LumaWeights WeightsOf(exporting::Matrix matrix) noexcept;
 
 /// "BT.709"; "R'G'B'" for the matrix of R'G'B' itself.
 [[nodiscard]] std::string_view NameOf(exporting::Matrix matrix) noexcept;
@@ -30,7 +19,8 @@ struct YCbCr {
 };
 
 /// From R'G'B' of 0 to 1; nothing is clipped.
-[[nodiscard]] constexpr YCbCr ToYCbCr(LumaWeights weights, double red, double green, double blue) noexcept
+[[nodiscard]] constexpr YCbCr ToYCbCr(exporting::LumaWeights weights, double red, double green,
+                                      double blue) noexcept
 {
     const double luma = weights.red * red + weights.Green() * green + weights.blue * blue;
     return {luma, (blue - luma) / (2 * (1 - weights.blue)), (red - luma) / (2 * (1 - weights.red))};

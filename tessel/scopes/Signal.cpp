@@ -106,7 +106,7 @@ void SignalReader::ReadRgb()
                                           static_cast<std::int32_t>(plane.samples.size()));
         }
     }
-    const LumaWeights weights = WeightsOf(mMatrix);
+    const exporting::LumaWeights weights = exporting::WeightsOf(mMatrix);
     const auto red = static_cast<float>(weights.red);
     const auto green = static_cast<float>(weights.Green());
     const auto blue = static_cast<float>(weights.blue);

@@ -48,7 +48,7 @@ public:
             }
             return;
         }
-        const scopes::LumaWeights weights = scopes::WeightsOf(mCoding.matrix);
+        const exporting::LumaWeights weights = exporting::WeightsOf(mCoding.matrix);
         const auto fromCr = static_cast<float>(2 * (1 - weights.red));
         const auto fromCb = static_cast<float>(2 * (1 - weights.blue));
         const auto greenCr = static_cast<float>(2 * (1 - weights.red) * weights.red / weights.Green());
