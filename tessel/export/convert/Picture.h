@@ -11,6 +11,8 @@
 
 namespace tessel::exporting {
 
+class BufferPool;
+
 /// Sample layouts that encoders take. Names follow FFmpeg's: 16-bit samples are little-endian unless the
 /// name ends in `be`.
 enum class PictureLayout : std::uint8_t {
@@ -96,6 +98,10 @@ struct PlaneSize {
 /// A picture with memory of its own: rows start on multiples of 64 bytes (v210: 128, as files have them),
 /// contents undefined.
 [[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height);
+
+/// The same in memory of a pool, to which it returns when the picture's last copy is gone.
+[[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height,
+                                      BufferPool& pool);
 
 /// Whether two pictures have the same layout, size and samples. Fast for pictures that share their memory, and
 /// for those that differ near the top.
