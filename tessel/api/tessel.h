@@ -271,7 +271,7 @@ typedef struct tessel_document_options {
  * the working folder.
  *
  * options:  null for none
- * settings: `setting_count` texts; null where there are none
+ * settings: `setting_count` texts; may be null where the count is 0
  * TESSEL_REFUSED: an unknown setting, a wrong value, or a clip that could not be played; the line says what
  * would be right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_document_new(const tessel_document_options* options,

@@ -67,7 +67,7 @@ struct LayoutInfo {
     std::uint8_t chromaShiftY; ///< log2 of vertical chroma subsampling
     /// R, G, B, A or Y', Cb, Cr, A; all empty for v210, which has no addressable samples.
     std::array<ComponentPlace, 4> components;
-    ComponentPlace filler; ///< the byte that says nothing, in layouts that have one
+    ComponentPlace filler; ///< the byte without meaning, in layouts that have one
 
     [[nodiscard]] bool HasAlpha() const noexcept { return components[3].plane >= 0; }
 };
