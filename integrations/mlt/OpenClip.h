@@ -9,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <vector>
 
 namespace tessel::mlt {
@@ -27,7 +26,7 @@ struct MltPicture {
 /// producer.
 class OpenClip {
 public:
-    /// Null, and a line in MLT's log, where the document cannot be opened or its clip cannot be played.
+    /// Null, and a line in MLT's log, where the document cannot be opened.
     [[nodiscard]] static std::shared_ptr<OpenClip> Open(const char* path);
 
     [[nodiscard]] const tessel_description& Facts() const noexcept { return mFacts; }
@@ -52,9 +51,6 @@ private:
     };
 
     explicit OpenClip(tessel_clip* clip);
-
-    /// Why the clip cannot be played; empty where it can.
-    [[nodiscard]] std::string Obstacle() const;
 
     [[nodiscard]] MltPicture Paint(std::int64_t frame, mlt_image_format format) const;
 

@@ -12,6 +12,7 @@ import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 DESKTOP = os.path.join(ROOT, "packaging", "desktop")
+APPLICATIONS = ("tessel.desktop", "tessel.settings.desktop")
 SAMPLE = os.path.join(ROOT, "samples", "short.tessel")
 
 
@@ -48,10 +49,38 @@ class Desktop(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("desktop-file-validate"), "desktop-file-utils is not installed")
     def test_the_application_is_valid_and_opens_the_type(self):
-        entry = os.path.join(DESKTOP, "tessel.desktop")
-        self.assertEqual(self.run_tool("desktop-file-validate", entry), "")
-        with open(entry, encoding="utf-8") as file:
-            self.assertIn("\nMimeType=application/x-tessel;\n", file.read())
+        for name in APPLICATIONS:
+            entry = os.path.join(DESKTOP, name)
+            self.assertEqual(self.run_tool("desktop-file-validate", entry), "")
+            with open(entry, encoding="utf-8") as file:
+                self.assertIn("\nMimeType=application/x-tessel;\n", file.read())
+
+    @unittest.skipUnless(shutil.which("update-desktop-database") and shutil.which("update-mime-database")
+                         and shutil.which("gio"), "desktop-file-utils, shared-mime-info or gio is not installed")
+    def test_a_double_click_opens_the_player_and_the_settings_are_the_other_choice(self):
+        self.use_type()
+        applications = os.path.join(self.folder, "applications")
+        os.makedirs(applications)
+        for name in APPLICATIONS:
+            shutil.copy(os.path.join(DESKTOP, name), applications)
+        self.run_tool("update-desktop-database", applications)
+        # Desktops leave out applications whose program is not there.
+        programs = os.path.join(self.folder, "bin")
+        os.makedirs(programs)
+        os.symlink(os.path.abspath(os.environ["TESSEL"]), os.path.join(programs, "tessel"))
+        answer = self.run_tool("env", "PATH=" + programs + os.pathsep + os.environ["PATH"], "LC_ALL=C", "gio", "mime",
+                               "application/x-tessel")
+        self.assertRegex(answer.splitlines()[0], "^Default application.*: tessel.desktop$")
+        self.assertIn("tessel.settings.desktop", answer)
+
+    def test_the_applications_commands_are_the_programs(self):
+        for name, command in (("tessel.desktop", "view"), ("tessel.settings.desktop", "edit")):
+            entry = configparser.ConfigParser(interpolation=None)
+            entry.optionxform = str  # its keys are capitalised
+            entry.read(os.path.join(DESKTOP, name))
+            words = entry["Desktop Entry"]["Exec"].split()
+            self.assertEqual(words[:2], ["tessel", command])
+            self.run_tool(os.environ["TESSEL"], command, "--help")
 
     def test_the_thumbnailers_command_makes_a_picture(self):
         entry = configparser.ConfigParser(interpolation=None)

@@ -46,7 +46,7 @@ private:
     std::string mWanted;   ///< the reduced document that should be seen
     std::string mRendered; ///< the one that is seen or being rendered
     bool mIsRendering = false;
-    bool mHasAnswer = false; ///< an answer, pictures or a refusal, has come at least once
+    bool mHasAnswer = false; ///< pictures, or that there are none, have come at least once
     QImage mFirst;
     QImage mLast;
     qint64 mLastFrame = 0;

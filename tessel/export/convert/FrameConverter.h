@@ -41,8 +41,6 @@ public:
 private:
     class Way;
     class ShareWay;
-    class ReorderWay;
-    class UnpackWay;
     class MoveWay;
     class ComputeWay;
     BR::PixelFormat mSource;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "AlignedBuffer.h"
-#include "BufferPool.h"
 #include "Components.h"
 #include "Picture.h"
 #include "SourceFrame.h"
@@ -12,11 +11,10 @@
 namespace tessel::exporting {
 
 /// A picture to fill. Those of v210 are filled as planes, and packed by `FinishPicture`.
-[[nodiscard]] Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height,
-                                   BufferPool& pool);
+[[nodiscard]] Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height);
 
 /// The picture of layout `target` once its components are written.
-[[nodiscard]] Picture FinishPicture(PictureLayout target, Picture picture, BufferPool& pool);
+[[nodiscard]] Picture FinishPicture(PictureLayout target, Picture picture);
 
 /// Rounding of a component from the domain that its floats are in to the target's codes.
 /// @param sourceBits  integer codes of so many bits, or 32 for normalised values

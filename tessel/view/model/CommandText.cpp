@@ -16,7 +16,8 @@ std::string ShellWord(std::string_view text)
     return word + "'";
 }
 
-std::string ViewCommand(const std::vector<std::string>& clips, std::string_view against, std::int64_t frame)
+std::string ViewCommand(const std::vector<std::string>& clips, std::string_view against, std::int64_t frame,
+                        std::string_view plugin)
 {
     std::string command = "tessel view";
     for (const std::string& clip : clips) {
@@ -26,7 +27,11 @@ std::string ViewCommand(const std::vector<std::string>& clips, std::string_view 
     if (!against.empty()) {
         command += " --against " + ShellWord(against);
     }
-    return command + " --frame " + std::to_string(frame);
+    command += " --frame " + std::to_string(frame);
+    if (!plugin.empty()) {
+        command += " --plugin " + ShellWord(plugin);
+    }
+    return command;
 }
 
 } // namespace tessel::view

@@ -13,7 +13,8 @@ namespace tessel::view {
 
 /// "tessel view clip.tessel --against 'my movie.mp4' --frame 112"
 /// @param against  empty: none
+/// @param plugin   empty: the one that is found without being named
 [[nodiscard]] std::string ViewCommand(const std::vector<std::string>& clips, std::string_view against,
-                                      std::int64_t frame);
+                                      std::int64_t frame, std::string_view plugin = {});
 
 } // namespace tessel::view

@@ -37,6 +37,7 @@ void FrameAhead::Want(const std::vector<std::int64_t>& frames, const FrameWish& 
             ++mWishNumber;
             mMade.clear();
             mInWork.clear(); // what is in work is of the old wish, and is dropped when it is ready
+            mScopesAt.reset();
         }
         mWanted = frames;
         const auto names = [](const std::vector<std::int64_t>& list, std::int64_t frame) {
@@ -44,6 +45,9 @@ void FrameAhead::Want(const std::vector<std::int64_t>& frames, const FrameWish& 
         };
         std::erase_if(mMade,
                       [&](const auto& made) { return !names(frames, made.first) && !names(keep, made.first); });
+        if (NextToMake() == mWanted.end()) {
+            return; // nothing that a thread would have to wake up for
+        }
     }
     mChanged.notify_all();
 }
@@ -78,22 +82,38 @@ double FrameAhead::SecondsToMake() const
     return mSecondsToMake;
 }
 
+FrameWish FrameAhead::WishNow()
+{
+    FrameWish wish = mWish;
+    if (wish.scopes) {
+        const auto now = std::chrono::steady_clock::now();
+        const std::chrono::duration<double> least(wish.secondsBetweenScopes);
+        wish.scopes = !mScopesAt || now - *mScopesAt >= least;
+        if (wish.scopes) {
+            mScopesAt = now;
+        }
+    }
+    return wish;
+}
+
+std::vector<std::int64_t>::const_iterator FrameAhead::NextToMake() const
+{
+    return std::find_if(mWanted.begin(), mWanted.end(), [this](std::int64_t frame) {
+        return !mMade.contains(frame) && !mInWork.contains(frame);
+    });
+}
+
 void FrameAhead::Run()
 {
     std::unique_ptr<FrameMaker> maker;
     std::unique_lock lock(mMutex);
     for (;;) {
-        const auto next = [this] {
-            return std::find_if(mWanted.begin(), mWanted.end(), [this](std::int64_t frame) {
-                return !mMade.contains(frame) && !mInWork.contains(frame);
-            });
-        };
-        mChanged.wait(lock, [&] { return mStops || next() != mWanted.end(); });
+        mChanged.wait(lock, [this] { return mStops || NextToMake() != mWanted.end(); });
         if (mStops) {
             return;
         }
-        const std::int64_t frame = *next();
-        const FrameWish wish = mWish;
+        const std::int64_t frame = *NextToMake();
+        const FrameWish wish = WishNow();
         const std::uint64_t number = mWishNumber;
         mInWork.insert(frame);
         lock.unlock();

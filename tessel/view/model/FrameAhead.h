@@ -3,6 +3,7 @@
 
 #include "ShownFrame.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -52,6 +53,10 @@ private:
         std::string failure;
     };
     void Run();
+    /// The most urgent frame that nobody makes yet; the end: there is none. With `mMutex` locked.
+    [[nodiscard]] std::vector<std::int64_t>::const_iterator NextToMake() const;
+    /// The wish for a frame that is begun now: without scopes where it is too soon for them.
+    [[nodiscard]] FrameWish WishNow();
 
     std::shared_ptr<const ViewedClip> mClip;
     std::function<void()> mOnReady;
@@ -61,7 +66,8 @@ private:
     FrameWish mWish;
     std::set<std::int64_t> mInWork; ///< with `mWish`
     std::map<std::int64_t, Made> mMade;
-    std::uint64_t mWishNumber = 0; ///< counts changes of `mWish`
+    std::uint64_t mWishNumber = 0;                                  ///< counts changes of `mWish`
+    std::optional<std::chrono::steady_clock::time_point> mScopesAt; ///< begun last with `mWish`
     double mSecondsToMake = 0;
     bool mStops = false;
     std::vector<std::thread> mThreads;

@@ -33,6 +33,7 @@ ShownFrame FrameMaker::Make(std::int64_t frame, const FrameWish& wish)
     }
     if (wish.codeCheck) {
         shown.faults = Check(shown.pixels);
+        shown.marks = MarksOf(*shown.faults);
     }
     MeasureSound(shown);
     return shown;

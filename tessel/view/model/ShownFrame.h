@@ -1,6 +1,7 @@
 /// Everything that a window shows of one frame, made off the window's thread.
 #pragma once
 
+#include "CodeMarks.h"
 #include "DistinctRows.h"
 #include "ScreenConverter.h"
 #include "ViewedClip.h"
@@ -45,6 +46,8 @@ struct FrameWish {
     bool scopes = false;
     bool codeCheck = false;
     int scopeRowStep = 1; ///< more costs less
+    /// Frames that are begun sooner after the last ones with scopes have none; 0: all have.
+    double secondsBetweenScopes = 0;
 
     bool operator==(const FrameWish&) const = default;
 };
@@ -52,10 +55,11 @@ struct FrameWish {
 struct ShownFrame {
     std::int64_t frame = 0;
     FrameWish wish;
-    exporting::FrameView pixels; ///< as the plug-in painted them
-    exporting::Picture screen;   ///< by `ScreenConverter`
-    std::shared_ptr<const ScopeCounts> scopes;
+    exporting::FrameView pixels;               ///< as the plug-in painted them
+    exporting::Picture screen;                 ///< by `ScreenConverter`
+    std::shared_ptr<const ScopeCounts> scopes; ///< null: not counted
     std::shared_ptr<const scopes::CodeFaults> faults;
+    exporting::Picture marks;    ///< of the faults, by `MarksOf`; empty where they were not looked for
     std::vector<double> peaksDb; ///< of each channel in the frame's time, in the order of files
     std::string identSegment;    ///< of the channel identification; empty: the document has none
 };

@@ -26,7 +26,17 @@ void SaveFrameAs(const exporting::SignalSource& clip, std::int64_t frame, const 
     job.output.streams = exporting::Streams::VideoOnly;
     job.target = file;
     job.frames = {.first = frame, .count = 1};
+    // Where rendering would read a percent sign as the place of a number, the file gets its name afterwards.
+    const bool hasPercentSign = file.filename().native().find('%') != std::string::npos;
+    if (hasPercentSign) {
+        std::string name = '.' + file.filename().native();
+        std::replace(name.begin(), name.end(), '%', '_');
+        job.target = file.parent_path() / name;
+    }
     static_cast<void>(exporting::Render(clip, job));
+    if (hasPercentSign) {
+        std::filesystem::rename(job.target, file);
+    }
 }
 
 } // namespace tessel::view

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <tessel/export/convert/Picture.h>
-#include <tessel/scopes/CodeCheck.h>
 
 #include <QImage>
 
@@ -12,8 +11,7 @@ namespace tessel::view {
 /// pixels, which must outlive it.
 [[nodiscard]] QImage ImageOf(const exporting::Picture& picture);
 
-/// Transparent, but for pixels with faults: magenta for reserved codes, red outside the range, yellow outside
-/// the gamut.
-[[nodiscard]] QImage OverlayOf(const scopes::CodeFaults& faults);
+/// Likewise, with premultiplied alpha in the fourth byte. Empty for an empty picture.
+[[nodiscard]] QImage ImageWithAlphaOf(const exporting::Picture& picture);
 
 } // namespace tessel::view

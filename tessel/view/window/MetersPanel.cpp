@@ -35,11 +35,14 @@ void MetersPanel::Show(std::vector<std::string> names, std::vector<scopes::Meter
     mNames = std::move(names);
     mReadings = std::move(readings);
     mSegment = segment;
-    QString spoken;
+    QStringList spoken;
     for (std::size_t i = 0; i < std::min(mNames.size(), mReadings.size()); ++i) {
-        spoken += QString::fromStdString(mNames[i]) + ' ' + LevelText(mReadings[i].peakDb) + " dBFS; ";
+        spoken << QString::fromStdString(mNames[i]) + ' ' + LevelText(mReadings[i].peakDb) + " dBFS";
     }
-    setAccessibleDescription(spoken + mSegment);
+    if (!mSegment.isEmpty()) {
+        spoken << "ident: " + mSegment;
+    }
+    setAccessibleDescription(spoken.isEmpty() ? "The clip has no sound" : spoken.join("; "));
     update();
 }
 

@@ -1,3 +1,4 @@
+#include "Accessibility.h"
 #include "Paths.h"
 #include "ViewWindow.h"
 #include "WindowRequest.h"
@@ -195,6 +196,7 @@ void RunWindow(const WindowRequest& request)
     QApplication::setApplicationDisplayName("Tessel");
     QApplication::setDesktopFileName("tessel");
     UseNeutralColors(application, request.isLight);
+    InstallAccessibleRoles();
     ViewWindow window(request);
     window.resize(1440, 900);
     if (!isUnattended) {

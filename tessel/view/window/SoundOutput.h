@@ -1,9 +1,9 @@
 /// The clip's sound through the default device.
 #pragma once
 
+#include <tessel/view/model/DeviceSamples.h>
 #include <tessel/view/model/ViewedClip.h>
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,7 +19,7 @@ public:
     SoundOutput& operator=(const SoundOutput&) = delete;
 
     /// Plays from a time on.
-    void Start(std::shared_ptr<const ViewedClip> clip, double seconds);
+    void Start(const std::shared_ptr<const ViewedClip>& clip, double seconds, SoundEnd end);
     void Stop();
 
     /// How many seconds of the clip have been heard, for whoever keeps pictures in step; negative where nothing

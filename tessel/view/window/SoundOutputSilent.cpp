@@ -9,7 +9,7 @@ struct SoundOutput::Player {};
 SoundOutput::SoundOutput() = default;
 SoundOutput::~SoundOutput() = default;
 
-void SoundOutput::Start(std::shared_ptr<const ViewedClip> /*clip*/, double /*seconds*/)
+void SoundOutput::Start(const std::shared_ptr<const ViewedClip>& /*clip*/, double /*seconds*/, SoundEnd /*end*/)
 {
     mState = "this build plays no sound: it was made without Qt Multimedia";
 }

@@ -21,6 +21,12 @@ Timeline::Timeline(QWidget* parent) : QSlider(Qt::Horizontal, parent)
     setFocusPolicy(Qt::NoFocus);
     setFixedHeight(26);
     setAccessibleName("Timeline");
+    // `SetFrame` is silent, so that only assistive tools and the mouse get here.
+    QObject::connect(this, &QSlider::valueChanged, this, [this](int value) {
+        if (onMoved) {
+            onMoved(value);
+        }
+    });
 }
 
 void Timeline::SetFrameCount(std::int64_t count)

@@ -1,21 +1,16 @@
 #include "ViewWindow.h"
 
-#include "Images.h"
 #include "Paths.h"
 
 #include <tessel/export/ExportError.h>
-#include <tessel/view/model/Inspector.h>
 
 #include <QDockWidget>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QToolButton>
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <thread>
 #include <utility>
@@ -23,10 +18,7 @@
 namespace tessel::view {
 namespace {
 
-constexpr int kAhead = 3;           // frames that are made before they are due
-constexpr int kMostAhead = 50;      // that are begun earlier because they take long
-constexpr int kTickMs = 4;          // while it plays
-constexpr double kSoundSlack = 0.3; // seconds that sound may be off before it is started anew
+constexpr int kTickMs = 4; // while it plays
 
 } // namespace
 
@@ -103,7 +95,7 @@ void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
     if (mPanes.empty()) {
         mEmpty = new PictureView(mPictures);
         PaneContent content;
-        content.trouble = "Drop clips here, or press Ctrl+O";
+        content.trouble = "Drop clips here, or press Ctrl+O. A movie is compared with the first clip.";
         mEmpty->Show(std::move(content));
         return;
     }
@@ -134,266 +126,6 @@ void ViewWindow::Activate(std::size_t pane)
     ShowTexts();
 }
 
-std::int64_t ViewWindow::FrameIn(const Pane& pane, std::int64_t frame) const
-{
-    return std::min(frame, pane.clip->Scale().count - 1);
-}
-
-FrameWish ViewWindow::CurrentWish() const
-{
-    FrameWish wish;
-    wish.scopes = mScopesDock->isVisible();
-    wish.codeCheck = mShowsFaults;
-    // Every fourth row tells as much of a moving picture, in a quarter of the time.
-    const bool isLarge = !mPanes.empty() && mPanes[0].clip->Facts().height >= 480;
-    wish.scopeRowStep = mTransport.Speed() != 0 && isLarge ? 4 : 1;
-    return wish;
-}
-
-void ViewWindow::WantAround(std::int64_t due)
-{
-    std::vector<std::int64_t> frames;
-    std::vector<std::int64_t> keep;
-    if (mTransport.Speed() != 0) {
-        // What takes longer to make than it is shown has to be begun that much earlier.
-        double seconds = 0;
-        for (const Pane& pane : mPanes) {
-            seconds = std::max(seconds, pane.ahead->SecondsToMake());
-        }
-        const bool isTimed = mTransport.CurrentPace() == Pace::RealTime;
-        const int lead = isTimed ? std::min(static_cast<int>(mTransport.FramesIn(seconds)), kMostAhead) : 0;
-        for (int i = 0; i <= lead + kAhead; ++i) {
-            const std::int64_t next = mTransport.Following(due, i);
-            if (next >= 0) {
-                (i < lead ? keep : frames).push_back(next);
-            }
-        }
-    } else {
-        frames.push_back(due);
-        // Whoever steps goes to a neighbour next.
-        for (const std::int64_t neighbour : {due + 1, due - 1}) {
-            if (neighbour >= 0 && neighbour < mPanes[0].clip->Scale().count) {
-                frames.push_back(neighbour);
-            }
-        }
-    }
-    mWish = CurrentWish();
-    for (const Pane& pane : mPanes) {
-        const auto own = [&](const std::vector<std::int64_t>& all) {
-            std::vector<std::int64_t> clamped;
-            for (const std::int64_t frame : all) {
-                clamped.push_back(FrameIn(pane, frame));
-            }
-            return clamped;
-        };
-        pane.ahead->Want(own(frames), mWish, own(keep));
-    }
-}
-
-bool ViewWindow::IsReady(std::int64_t frame) const
-{
-    return std::all_of(mPanes.begin(), mPanes.end(), [this, frame](const Pane& pane) {
-        const std::int64_t own = FrameIn(pane, frame);
-        return pane.ahead->Ready(own) != nullptr || pane.ahead->Failure(own).has_value();
-    });
-}
-
-bool ViewWindow::IsShown(std::int64_t frame) const
-{
-    return mShown == frame && std::all_of(mPanes.begin(), mPanes.end(), [this, frame](const Pane& pane) {
-               return pane.shown == pane.ahead->Ready(FrameIn(pane, frame));
-           });
-}
-
-bool ViewWindow::IsSettled() const
-{
-    return mTransport.Speed() == 0 && mDue >= 0 && IsReady(mDue) && IsShown(mDue) && mWish == CurrentWish() &&
-           (!mComparison || (mComparison->IsVerified() && mCompared && mCompared->frame == mDue &&
-                             mCompared->gain == mGain && mCompared == mComparison->Newest()));
-}
-
-void ViewWindow::Tick()
-{
-    if (mPanes.empty()) {
-        return;
-    }
-    const std::int64_t due = mTransport.Due(Now());
-    mDue = due;
-    if (mTransport.Speed() != 0 && mTransport.CurrentPace() == Pace::RealTime) {
-        ShowNewest(due);
-    }
-    WantAround(due);
-    if (IsReady(due) && !IsShown(due)) {
-        ShowFrame(due);
-    }
-    ShowCompared();
-    const bool isSecond = mTransport.IsInSecondHalf(Now());
-    for (const Pane& pane : mPanes) {
-        pane.view->SetRows(mFieldView, pane.clip->First(), isSecond);
-        pane.view->SetMoving(mTransport.Speed() != 0);
-    }
-    for (PictureView* const view : {mMovieView, mDifferenceView}) {
-        if (view != nullptr) {
-            view->SetRows(mFieldView, mPanes[0].clip->First(), isSecond);
-            view->SetMoving(mTransport.Speed() != 0);
-        }
-    }
-    SyncSound();
-    if (mTransport.Speed() != 0 && !mTimer.isActive()) {
-        mTimer.start();
-    } else if (mTransport.Speed() == 0 && mTimer.isActive()) {
-        mTimer.stop();
-        ShowTexts();
-        // What was seen while it played may have been counted from some rows alone.
-        QMetaObject::invokeMethod(
-            this, [this] { Tick(); }, Qt::QueuedConnection);
-    }
-    if (onSettled && IsSettled()) {
-        onSettled();
-    }
-}
-
-void ViewWindow::ShowNewest(std::int64_t due)
-{
-    // The frame that is late least, if it is newer than what is shown, and ready in all panes.
-    std::int64_t newest = -1;
-    for (const std::int64_t frame : mPanes[0].ahead->AllReady()) {
-        const std::int64_t late = mTransport.Lateness(frame, due);
-        const bool isNewer = mShown < 0 || late < mTransport.Lateness(mShown, due);
-        if (isNewer && IsReady(frame) && (newest < 0 || late < mTransport.Lateness(newest, due))) {
-            newest = frame;
-        }
-    }
-    if (newest >= 0 && mTransport.Lateness(newest, due) < kMostAhead) {
-        ShowFrame(newest);
-    }
-}
-
-void ViewWindow::ShowFrame(std::int64_t frame)
-{
-    for (Pane& pane : mPanes) {
-        ShowPane(pane, FrameIn(pane, frame));
-    }
-    mShown = frame;
-    mTransport.Showed(frame, Now());
-    ShowMeasurements();
-    ShowTexts();
-}
-
-void ViewWindow::ShowPane(Pane& pane, std::int64_t frame)
-{
-    pane.shown = pane.ahead->Ready(frame);
-    PaneContent content;
-    content.size = pane.clip->Size();
-    content.title = TextOfPath(pane.clip->File().filename()) + QString("   frame %1").arg(frame);
-    if (pane.shown) {
-        content.image = ImageOf(pane.shown->screen);
-        if (pane.shown->faults) {
-            content.overlay = OverlayOf(*pane.shown->faults);
-        }
-        content.owner = pane.shown;
-    } else {
-        content.trouble = QString::fromStdString(pane.ahead->Failure(frame).value_or(""));
-    }
-    if (mComparison && mIsWipe && &pane == mPanes.data()) {
-        content.wiped = pane.view->Content().wiped; // until the movie's own picture is there
-    }
-    pane.view->Show(std::move(content));
-}
-
-void ViewWindow::ShowMeasurements()
-{
-    if (mActive >= mPanes.size()) {
-        return;
-    }
-    const Pane& pane = mPanes[mActive];
-    mScopes->Show(pane.shown ? pane.shown->scopes : nullptr);
-    if (pane.shown && mMeters) {
-        const double perSecond = pane.clip->Scale().PerSecond();
-        mMeters->Take(perSecond > 0 ? static_cast<double>(pane.shown->frame) / perSecond : 0.0,
-                      pane.shown->peaksDb);
-        const auto readings = mMeters->Readings();
-        mMetersPanel->Show(pane.clip->ChannelNames(), {readings.begin(), readings.end()},
-                           QString::fromStdString(pane.shown->identSegment));
-    }
-    Hover(mActive, mHovered);
-}
-
-void ViewWindow::ShowTexts()
-{
-    if (mActive >= mPanes.size()) {
-        return;
-    }
-    const Pane& pane = mPanes[mActive];
-    const FrameScale scale = mPanes[0].clip->Scale();
-    const std::int64_t frame = std::max<std::int64_t>(mShown, 0);
-    const QString timecode = QString::fromStdString(TimecodeOf(scale, frame));
-    mTimeline->SetFrame(frame);
-    if (!mPosition->hasFocus()) {
-        mPosition->setText(QString::number(frame));
-    }
-    mTimecode->setText(timecode);
-    setWindowTitle(QString("%1, frame %2 of %3%4")
-                       .arg(TextOfPath(pane.clip->File().filename()))
-                       .arg(frame)
-                       .arg(scale.count)
-                       .arg(timecode.isEmpty() ? "" : ", " + timecode));
-    mPlayButton->setText(mTransport.Speed() != 0 ? QStringLiteral("\u25A0") : QStringLiteral("\u25B6"));
-    QStringList playing;
-    constexpr const char* kFieldNames[] = {"", "upper field", "lower field", "one field after the other"};
-    if (mFieldView != FieldView::Woven) {
-        playing << kFieldNames[static_cast<int>(mFieldView)];
-    }
-    playing << (mZoom.pixelScale == 0 ? QString("fitted") : QString("code pixels %1:1").arg(mZoom.pixelScale));
-    if (pane.shown && pane.shown->faults) {
-        const scopes::CodeFaults& faults = *pane.shown->faults;
-        playing << QString("reserved %1, out of range %2, out of gamut %3 pixels")
-                       .arg(faults.reserved)
-                       .arg(faults.outsideRange)
-                       .arg(faults.outsideGamut);
-    }
-    if (mTransport.Speed() != 0) {
-        playing << QString("speed %1").arg(mTransport.Speed());
-    }
-    if (mTransport.Shown() > 0) {
-        playing << QString::fromStdString(PlayingText());
-    }
-    if (!mSound.State().empty()) {
-        playing << QString::fromStdString(mSound.State());
-    }
-    playing << QString::fromStdString(pane.clip->Description());
-    mPlaying->setText(playing.join("  |  "));
-    mPlaying->setToolTip(mPlaying->text());
-}
-
-void ViewWindow::SyncSound()
-{
-    const bool sounds = mTransport.Speed() == 1 && mTransport.CurrentPace() == Pace::RealTime;
-    if (!sounds) {
-        if (mIsSoundOn) {
-            mSound.Stop();
-            mIsSoundOn = false;
-        }
-        return;
-    }
-    const Pane& pane = mPanes[mActive];
-    const double perSecond = pane.clip->Scale().PerSecond();
-    const double seconds = perSecond > 0 ? static_cast<double>(mShown) / perSecond : 0.0;
-    // From the first frame that was shown while it plays.
-    if (!mIsSoundOn && mTransport.Shown() > 0) {
-        mSound.Start(pane.clip, seconds);
-        mIsSoundOn = true;
-        mSoundCheckedAt = Now();
-        mTransport.Go(mShown, Now()); // to open a device takes time
-    } else if (mIsSoundOn && Now() - mSoundCheckedAt > 1.0) {
-        mSoundCheckedAt = Now();
-        const double position = mSound.Position();
-        if (position >= 0 && std::abs(position - seconds) > kSoundSlack) {
-            mSound.Start(pane.clip, seconds);
-        }
-    }
-}
-
 void ViewWindow::GoTo(std::int64_t frame)
 {
     mTransport.Go(frame, Now());
@@ -415,19 +147,6 @@ void ViewWindow::GoToTyped()
     }
 }
 
-void ViewWindow::Hover(std::size_t index, std::optional<PixelPlace> place)
-{
-    mHovered = place;
-    if (!place || index >= mPanes.size() || !mPanes[index].shown) {
-        mInspector->setText(" ");
-        return;
-    }
-    const exporting::FrameView& pixels = mPanes[index].shown->pixels;
-    if (place->x < pixels.width && place->y < pixels.height) {
-        mInspector->setText(QString::fromStdString(TextOf(ReadPixel(pixels, place->x, place->y))));
-    }
-}
-
 void ViewWindow::ChangeZoom(const Zoom& zoom)
 {
     mZoom = zoom;
@@ -445,26 +164,6 @@ void ViewWindow::ChangeZoom(const Zoom& zoom)
 void ViewWindow::Say(const QString& text)
 {
     statusBar()->showMessage(text, 8000);
-}
-
-void ViewWindow::PlayForwards()
-{
-    mTransport.Stop(Now());
-    mTransport.SetLooping(true);
-    mTransport.Forward(Now());
-    Tick();
-}
-
-void ViewWindow::StopPlaying()
-{
-    mTransport.Stop(Now());
-    Tick();
-}
-
-std::string ViewWindow::PlayingText() const
-{
-    return std::to_string(mTransport.Shown()) + " frames shown, " + std::to_string(mTransport.Dropped()) +
-           " dropped";
 }
 
 void ViewWindow::keyPressEvent(QKeyEvent* event)
@@ -488,6 +187,7 @@ void ViewWindow::RestoreLayout()
     const QSettings settings(QSettings::IniFormat, QSettings::UserScope, "tessel", "view");
     restoreGeometry(settings.value("geometry").toByteArray());
     restoreState(settings.value("panels").toByteArray());
+    mFindingsDock->setVisible(mComparison != nullptr); // whatever was compared last time
 }
 
 void ViewWindow::closeEvent(QCloseEvent* event)

@@ -3,6 +3,7 @@
 
 #include "MetersPanel.h"
 #include "PictureView.h"
+#include "Readout.h"
 #include "ScopesPanel.h"
 #include "SoundOutput.h"
 #include "Timeline.h"
@@ -24,7 +25,6 @@
 #include <vector>
 
 class QDockWidget;
-class QLabel;
 class QLineEdit;
 class QListWidget;
 class QSplitter;
@@ -69,6 +69,8 @@ private:
 
     void BuildMenus();
     void BuildPanels();
+    /// Shows clips, and compares a movie with the first one; what cannot be opened is said.
+    void OpenFiles(const std::vector<std::filesystem::path>& files);
     void OpenClips(const std::vector<std::filesystem::path>& files);
     [[nodiscard]] Pane MakePane(const std::filesystem::path& file);
     void TakeScale();
@@ -83,6 +85,7 @@ private:
     [[nodiscard]] FrameWish CurrentWish() const;
     void Tick();
     void WantAround(std::int64_t due);
+    [[nodiscard]] int FramesAhead() const;
     [[nodiscard]] bool IsReady(std::int64_t frame) const;
     [[nodiscard]] bool IsShown(std::int64_t frame) const;
     void ShowNewest(std::int64_t due);
@@ -94,6 +97,8 @@ private:
     void ArrangePanes();
     void ShowMeasurements();
     void ShowTexts();
+    void ShowPosition();
+    void ShowState();
     void SyncSound();
     void GoTo(std::int64_t frame);
     void GoToTyped();
@@ -129,7 +134,8 @@ private:
     SoundOutput mSound;
     double mSoundCheckedAt = 0;
     bool mIsSoundOn = false;
-    std::optional<PixelPlace> mHovered;
+    std::optional<PixelPlace> mHovered; ///< in the pane `mHoveredPane`
+    std::size_t mHoveredPane = 0;
     QFileSystemWatcher mWatcher;
     std::unique_ptr<QProcess> mSettings;
 
@@ -137,9 +143,9 @@ private:
     PictureView* mEmpty = nullptr; ///< while there is no clip
     Timeline* mTimeline = nullptr;
     QLineEdit* mPosition = nullptr;
-    QLabel* mTimecode = nullptr;
-    QLabel* mInspector = nullptr;
-    QLabel* mPlaying = nullptr;
+    Readout* mTimecode = nullptr;
+    Readout* mInspector = nullptr;
+    Readout* mState = nullptr; ///< how the picture is shown, and what was dropped
     QToolButton* mPlayButton = nullptr;
     ScopesPanel* mScopes = nullptr;
     MetersPanel* mMetersPanel = nullptr;

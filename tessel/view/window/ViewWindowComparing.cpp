@@ -25,11 +25,13 @@ void ViewWindow::StopComparing()
 
 void ViewWindow::Compare(const std::string& movie)
 {
-    StopComparing();
-    mComparison = std::make_unique<Comparison>(mPanes[0].clip, movie, [this] {
+    // Made first: where it cannot be opened, the earlier comparison stays.
+    auto comparison = std::make_unique<Comparison>(mPanes[0].clip, movie, [this] {
         QMetaObject::invokeMethod(
             this, [this] { Tick(); }, Qt::QueuedConnection);
     });
+    StopComparing();
+    mComparison = std::move(comparison);
     for (PictureView** const view : {&mMovieView, &mDifferenceView}) {
         *view = new PictureView(mPictures);
         (*view)->onPanned = mPanes[0].view->onPanned;

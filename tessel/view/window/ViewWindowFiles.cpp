@@ -21,6 +21,36 @@
 #include <exception>
 
 namespace tessel::view {
+namespace {
+
+/// Asks for a file whose ending is that of the chosen kind. @return empty: cancelled
+QString AskWhereToSave(QWidget* parent, const QString& proposal)
+{
+    const QString png = "PNG picture (*.png)";
+    const QString exr = "OpenEXR picture, floats (*.exr)";
+    QFileDialog dialog(parent, "Save the frame");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters({png, exr});
+    dialog.setDefaultSuffix("png");
+    dialog.selectFile(proposal);
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& kind) {
+        const QString ending = kind == exr ? "exr" : "png";
+        dialog.setDefaultSuffix(ending);
+        const QFileInfo chosen(dialog.selectedFiles().value(0));
+        if (chosen.suffix() == "png" || chosen.suffix() == "exr") {
+            dialog.selectFile(chosen.completeBaseName() + '.' + ending);
+        }
+    });
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+/// Names that lead to the file from any folder.
+std::string WholeName(const std::filesystem::path& file)
+{
+    return qelcore::text::UTF8Text(std::filesystem::absolute(file).lexically_normal());
+}
+
+} // namespace
 
 void ViewWindow::SaveFrame()
 {
@@ -31,8 +61,7 @@ void ViewWindow::SaveFrame()
     const std::int64_t frame = FrameIn(pane, std::max<std::int64_t>(mShown, 0));
     const QFileInfo clip(NameOf(pane.clip->File()));
     const QString proposal = clip.dir().filePath(QString("%1-%2.png").arg(clip.completeBaseName()).arg(frame));
-    const QString name = QFileDialog::getSaveFileName(this, "Save the frame", proposal,
-                                                      "PNG picture (*.png);;OpenEXR picture, floats (*.exr)");
+    const QString name = AskWhereToSave(this, proposal);
     if (name.isEmpty()) {
         return;
     }
@@ -48,10 +77,12 @@ void ViewWindow::CopyCommand()
 {
     std::vector<std::string> clips;
     for (const Pane& pane : mPanes) {
-        clips.push_back(qelcore::text::UTF8Text(pane.clip->File()));
+        clips.push_back(WholeName(pane.clip->File()));
     }
-    const QString command = QString::fromStdString(
-        ViewCommand(clips, mComparison ? mComparison->Movie() : "", std::max<std::int64_t>(mShown, 0)));
+    const std::string movie = mComparison ? WholeName(qelcore::text::PathOf(mComparison->Movie())) : "";
+    const std::string plugin = mPlugin.empty() ? "" : WholeName(mPlugin);
+    const QString command =
+        QString::fromStdString(ViewCommand(clips, movie, std::max<std::int64_t>(mShown, 0), plugin));
     QApplication::clipboard()->setText(command);
     Say("Copied: " + command);
 }
@@ -98,7 +129,8 @@ bool ViewWindow::IsClip(const std::filesystem::path& file) const
 
 void ViewWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls()) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); })) {
         event->acceptProposedAction();
     }
 }
@@ -111,15 +143,30 @@ void ViewWindow::dropEvent(QDropEvent* event)
             files.push_back(PathOf(url.toLocalFile()));
         }
     }
-    if (files.empty()) {
-        return;
+    event->acceptProposedAction();
+    OpenFiles(files);
+}
+
+void ViewWindow::OpenFiles(const std::vector<std::filesystem::path>& files)
+{
+    std::vector<std::filesystem::path> clips;
+    std::vector<std::filesystem::path> movies;
+    for (const std::filesystem::path& file : files) {
+        (IsClip(file) ? clips : movies).push_back(file);
     }
     try {
-        if (files.size() == 1 && !mPanes.empty() && !IsClip(files[0])) {
-            Compare(qelcore::text::UTF8Text(files[0]));
-            return;
+        if (!clips.empty()) {
+            OpenClips(clips);
         }
-        OpenClips(files);
+        if (!movies.empty() && mPanes.empty()) {
+            Say(TextOfPath(movies[0].filename()) +
+                " is no clip: open the clip that it was made of first, or both together");
+        } else if (!movies.empty()) {
+            Compare(qelcore::text::UTF8Text(movies[0]));
+            if (movies.size() > 1) {
+                Say("One movie is compared at a time: " + TextOfPath(movies[0].filename()));
+            }
+        }
     } catch (const std::exception& error) {
         Say(error.what());
     }

@@ -1,6 +1,7 @@
 /// What the player's window is made of: panels and menus.
 
 #include "Paths.h"
+#include "Readout.h"
 #include "ViewWindow.h"
 
 #include <QActionGroup>
@@ -8,7 +9,6 @@
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
@@ -32,13 +32,8 @@ void ViewWindow::BuildPanels()
     mPictures->setChildrenCollapsible(false);
     column->addWidget(mPictures, 1);
 
-    mInspector = new QLabel(middle);
+    mInspector = new Readout("Pixel under the pointer", 0, middle);
     mInspector->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    mInspector->setContentsMargins(8, 2, 8, 2);
-    mInspector->setAccessibleName("Pixel under the pointer");
-    mInspector->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    mInspector->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    mInspector->setFocusPolicy(Qt::NoFocus);
     column->addWidget(mInspector);
 
     auto* const row = new QHBoxLayout();
@@ -72,9 +67,8 @@ void ViewWindow::BuildPanels()
     mPosition->setFocusPolicy(Qt::ClickFocus);
     QObject::connect(mPosition, &QLineEdit::returnPressed, this, [this] { GoToTyped(); });
     row->addWidget(mPosition);
-    mTimecode = new QLabel(middle);
-    mTimecode->setMinimumWidth(90);
-    mTimecode->setAccessibleName("Timecode");
+    mTimecode = new Readout("Timecode", 98, middle);
+    mTimecode->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     row->addWidget(mTimecode);
     mTimeline = new Timeline(middle);
     mTimeline->onMoved = [this](std::int64_t frame) { GoTo(frame); };
@@ -112,9 +106,9 @@ void ViewWindow::BuildPanels()
     resizeDocks({mScopesDock, mMetersDock}, {700, 220}, Qt::Vertical);
     resizeDocks({mScopesDock}, {380}, Qt::Horizontal);
 
-    mPlaying = new QLabel(this);
-    mPlaying->setAccessibleName("Playing");
-    statusBar()->addPermanentWidget(mPlaying);
+    // Gives its place to messages while they are shown.
+    mState = new Readout("Shown", 0, this);
+    statusBar()->addWidget(mState, 1);
 }
 
 void ViewWindow::BuildMenus()
@@ -127,18 +121,12 @@ void ViewWindow::BuildMenus()
         return made;
     };
     QMenu* const file = menuBar()->addMenu("&File");
-    add(file, "&Open clips...", {QKeySequence::Open}, [this] {
+    add(file, "&Open clips or a movie...", {QKeySequence::Open}, [this] {
         std::vector<std::filesystem::path> files;
-        for (const QString& name : QFileDialog::getOpenFileNames(this, "Open clips")) {
+        for (const QString& name : QFileDialog::getOpenFileNames(this, "Open clips, or a movie to compare")) {
             files.push_back(PathOf(name));
         }
-        if (!files.empty()) {
-            try {
-                OpenClips(files);
-            } catch (const std::exception& error) {
-                Say(error.what());
-            }
-        }
+        OpenFiles(files);
     });
     add(file, "&Settings of the clip...", {QKeySequence(Qt::Key_E)}, [this] { EditSettings(); });
     add(file, "Save the &frame as...", {QKeySequence::Save}, [this] { SaveFrame(); });

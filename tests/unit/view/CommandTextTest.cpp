@@ -12,6 +12,12 @@ TEST(CommandText, PlainNamesStayAsTheyAre)
               "tessel view a.tessel b.tessel --against x.mov --frame 0");
 }
 
+TEST(CommandText, APluginThatWasNamedIsNamedAgain)
+{
+    EXPECT_EQ(ViewCommand({"a.tessel"}, "", 3, "/opt/my plugins"),
+              "tessel view a.tessel --frame 3 --plugin '/opt/my plugins'");
+}
+
 TEST(CommandText, AShellReadsTheNamesAsTheyWere)
 {
     EXPECT_EQ(ShellWord("my clip.tessel"), "'my clip.tessel'");

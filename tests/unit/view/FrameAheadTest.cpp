@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
@@ -60,6 +61,55 @@ TEST(FrameAhead, MakesWhatIsWantedAndForgetsTheRest)
     ahead.Want({5}, {});
     EXPECT_NE(ahead.Ready(5), nullptr);
     EXPECT_EQ(ahead.Ready(3), nullptr);
+}
+
+TEST(FrameAhead, CountsScopesNoMoreOftenThanWished)
+{
+    Waiter waiter;
+    FrameAhead ahead(Sample("sd-pal-interlaced.tessel"), 2, [&waiter] { waiter.Notify(); });
+    const auto withScopes = [&](const FrameWish& wish) {
+        ahead.Want({0, 1, 2, 3}, wish);
+        int count = 0;
+        for (const std::int64_t frame : {0, 1, 2, 3}) {
+            const auto shown = waiter.Wait(ahead, frame);
+            count += shown && shown->scopes ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_EQ(withScopes({.scopes = true, .secondsBetweenScopes = 3600}), 1);
+    EXPECT_EQ(withScopes({.scopes = true, .secondsBetweenScopes = 0}), 4);
+    EXPECT_EQ(withScopes({.scopes = true, .secondsBetweenScopes = 1e-9}), 4);
+    EXPECT_EQ(withScopes({.scopes = false, .secondsBetweenScopes = 0}), 0);
+}
+
+TEST(FrameAhead, MarksLieOverThePixelsThatHaveFaults)
+{
+    scopes::CodeFaults faults;
+    faults.width = 4;
+    faults.height = 2;
+    faults.flags = {0,
+                    scopes::kReservedCode | scopes::kOutsideRange,
+                    scopes::kOutsideRange | scopes::kOutsideGamut,
+                    scopes::kOutsideGamut,
+                    scopes::kReservedCode,
+                    0,
+                    0,
+                    0};
+    const exporting::Picture marks = MarksOf(faults);
+    const auto at = [&marks](int x, int y) { // blue, green, red, alpha
+        std::array<int, 4> pixel{};
+        for (std::size_t i = 0; i < 4; ++i) {
+            pixel[i] = std::to_integer<int>(
+                marks.planes[0][y * marks.rowBytes[0] + 4 * x + static_cast<std::ptrdiff_t>(i)]);
+        }
+        return pixel;
+    };
+    EXPECT_EQ(at(0, 0), (std::array<int, 4>{0, 0, 0, 0}));
+    EXPECT_EQ(at(1, 0), (std::array<int, 4>{255, 0, 255, 255})); // the gravest fault decides
+    EXPECT_EQ(at(2, 0), (std::array<int, 4>{0, 64, 255, 255}));
+    EXPECT_EQ(at(3, 0), (std::array<int, 4>{0, 220, 255, 255}));
+    EXPECT_EQ(at(0, 1), (std::array<int, 4>{255, 0, 255, 255}));
+    EXPECT_EQ(at(3, 1), (std::array<int, 4>{0, 0, 0, 0}));
 }
 
 TEST(FrameAhead, AnotherWishIsMadeAnew)
