@@ -65,12 +65,17 @@ protected:
     {
         const fs::path file = fs::path(mFolder.path().toStdString()) / name;
         const std::string green = R"({"mAlphaPart": 1, "mRedPart": 0, "mGreenPart": 1, "mBluePart": 0})";
-        std::ofstream(file) << R"({"mVersion": 1, "mPixelFormat": 1634887522, "mFrameWidth": 64,
-            "mFrameHeight": 48, "mFramePAR": {"numerator": 1, "denominator": 1}, "mFieldType": 1,
-            "mRenderFormat": 0, "mDrawFrameFieldNumber": false, "mUpperFieldColor": {"mAlphaPart": 1, "mRedPart": )"
-                            << upperRed << R"(, "mGreenPart": 0.5, "mBluePart": 0.25}, "mLowerFieldColor": )"
-                            << green << R"(, "mVideoDuration": {"ticks": 508032000000},
-            "mVideoFrameRate": {"ticksperframe": 10160640000}})";
+        std::ofstream out(file);
+        out << R"({"mVersion": 1, "mPixelFormat": 1634887522, "mFrameWidth": 64, "mFrameHeight": 48,
+            "mFramePAR": {"numerator": 1, "denominator": 1}, "mFieldType": 1, "mRenderFormat": 0,
+            "mDrawFrameFieldNumber": false, "mVideoDuration": {"ticks": 508032000000},
+            "mVideoFrameRate": {"ticksperframe": 10160640000}, "mUpperFieldColor": {"mAlphaPart": 1, "mRedPart": )"
+            << upperRed << R"(, "mGreenPart": 0.5, "mBluePart": 0.25})";
+        for (const char* const key : {"mLowerFieldColor", "mTopGradiantColorStart", "mTopGradiantColorEnd",
+                                      "mBottomGradiantColorStart", "mBottomGradiantColorEnd"}) {
+            out << ", \"" << key << "\": " << green;
+        }
+        out << "}";
         return file;
     }
 
@@ -99,13 +104,14 @@ protected:
         return *mWindow;
     }
 
+    /// Waits until what should be shown is shown; a window without a clip keeps its first title.
     void Settle()
     {
         QElapsedTimer clock;
         clock.start();
         do {
             QApplication::processEvents(QEventLoop::AllEvents, 20);
-        } while (!mWindow->IsSettled() && clock.elapsed() < 30'000);
+        } while (!mWindow->IsSettled() && mWindow->windowTitle() != "Tessel" && clock.elapsed() < 30'000);
         for (int i = 0; i < 5; ++i) {
             QApplication::processEvents();
         }
@@ -293,14 +299,14 @@ TEST_F(PlayerWindow, TheSavedPictureHasThePluginsCodes)
     EXPECT_EQ(saved.pixel(63, 47), qRgb(0, 255, 0));
 }
 
-TEST_F(PlayerWindow, TheChosenKindOfPictureDecidesTheEndingOfItsName)
+TEST_F(PlayerWindow, ANameWithoutAnEndingGetsThatOfTheChosenKind)
 {
     Open({Clip("clip.tessel")});
-    AnswerFileDialog("OpenEXR picture, floats (*.exr)", "");
+    AnswerFileDialog("OpenEXR picture, floats (*.exr)", mFolder.filePath("still"));
     Choose("Save the &frame as...");
     const fs::path folder(mFolder.path().toStdString());
-    ASSERT_TRUE(fs::exists(folder / "clip-0.exr")) << mWindow->statusBar()->currentMessage().toStdString();
-    std::ifstream file(folder / "clip-0.exr", std::ios::binary);
+    ASSERT_TRUE(fs::exists(folder / "still.exr")) << mWindow->statusBar()->currentMessage().toStdString();
+    std::ifstream file(folder / "still.exr", std::ios::binary);
     std::string magic(4, '\0');
     file.read(magic.data(), 4);
     EXPECT_EQ(magic, "\x76\x2f\x31\x01");

@@ -23,7 +23,7 @@
 namespace tessel::view {
 namespace {
 
-/// Asks for a file whose ending is that of the chosen kind. @return empty: cancelled
+/// Asks for a file; a name without an ending gets that of the chosen kind. @return empty: cancelled
 QString AskWhereToSave(QWidget* parent, const QString& proposal)
 {
     const QString png = "PNG picture (*.png)";
@@ -33,14 +33,8 @@ QString AskWhereToSave(QWidget* parent, const QString& proposal)
     dialog.setNameFilters({png, exr});
     dialog.setDefaultSuffix("png");
     dialog.selectFile(proposal);
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& kind) {
-        const QString ending = kind == exr ? "exr" : "png";
-        dialog.setDefaultSuffix(ending);
-        const QFileInfo chosen(dialog.selectedFiles().value(0));
-        if (chosen.suffix() == "png" || chosen.suffix() == "exr") {
-            dialog.selectFile(chosen.completeBaseName() + '.' + ending);
-        }
-    });
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                     [&](const QString& kind) { dialog.setDefaultSuffix(kind == exr ? "exr" : "png"); });
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
