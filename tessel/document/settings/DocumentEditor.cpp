@@ -99,6 +99,8 @@ struct FoundObject {
     std::size_t open = 0;             ///< behind its brace
     std::optional<std::size_t> first; ///< where its first key begins
     std::size_t end = 0;              ///< behind its last value; `open` where it is empty
+    std::string_view colon; ///< between its first key and that one's value, with blanks; none where empty
+    std::string_view comma; ///< between its first two members, with blanks; none where there is one
     std::optional<FoundMember> member;
     std::optional<std::size_t> previousEnd; ///< behind the value before the member
     std::optional<std::size_t> nextBegin;   ///< where the key behind the member begins
@@ -119,7 +121,12 @@ FoundObject LookInto(std::string_view text, std::size_t brace, std::string_view 
         member.key = scanner.SkipValue();
         static_cast<void>(scanner.Take(':'));
         member.value = scanner.SkipValue();
-        object.first = object.first.value_or(member.key.begin);
+        if (!object.first) {
+            object.first = member.key.begin;
+            object.colon = text.substr(member.key.end, member.value.begin - member.key.end);
+        } else if (object.comma.empty()) {
+            object.comma = text.substr(object.end, member.key.begin - object.end);
+        }
         if (object.member && !object.nextBegin) {
             object.nextBegin = member.key.begin;
         }
@@ -175,6 +182,30 @@ std::optional<std::string> Indentation(std::string_view text, std::size_t positi
                                                                      : std::nullopt;
 }
 
+/// How the text ends its lines.
+std::string_view LineEndOf(std::string_view text)
+{
+    const std::size_t end = text.find('\n');
+    return end != std::string_view::npos && end > 0 && text[end - 1] == '\r' ? "\r\n" : "\n";
+}
+
+/// The sign between the members of an object as its neighbours have it; `usual` where they have none on a line.
+std::string SignLike(std::string_view neighbour, std::string_view usual)
+{
+    const bool isOnALine = !neighbour.empty() && neighbour.find_first_of("\r\n") == std::string_view::npos;
+    return std::string(isOnALine ? neighbour : usual);
+}
+
+/// What stands before a key that is added behind an object's last value.
+std::string SignsBefore(const FoundObject& object, const std::optional<std::string>& indentation,
+                        std::string_view lineEnd)
+{
+    if (indentation) {
+        return "," + std::string(lineEnd) + *indentation;
+    }
+    return object.first ? SignLike(object.comma, object.colon == ":" ? "," : ", ") : std::string();
+}
+
 /// The blanks by which the text indents a level: those before its first key.
 std::string UnitOf(std::string_view text)
 {
@@ -184,17 +215,19 @@ std::string UnitOf(std::string_view text)
 }
 
 /// As it stands in the text: on one line, or with every further line indented like the first and then, for each
-/// level of the value, by the unit of the document.
-std::string Printed(const Value& value, const std::optional<std::string>& indentation, const std::string& unit)
+/// level of the value, by the unit of the document, whose line ends it has.
+std::string Printed(const Value& value, const std::optional<std::string>& indentation, const std::string& unit,
+                    std::string_view lineEnd)
 {
     constexpr std::size_t kPrintersUnit = 2; // blanks
     const std::string text = qelcore::serialization::GetJSONUTF8String(value, indentation.has_value());
     std::string printed;
     for (std::size_t at = 0; at < text.size();) {
-        printed += text[at];
-        if (text[at++] != '\n') {
+        if (const char letter = text[at++]; letter != '\n') {
+            printed += letter;
             continue;
         }
+        printed += lineEnd;
         printed += *indentation;
         for (; text.compare(at, kPrintersUnit, "  ") == 0; at += kPrintersUnit) {
             printed += unit;
@@ -241,23 +274,24 @@ void DocumentEditor::Set(std::string_view path, const Value& value)
     const std::string_view text = std::string_view(mText).substr(0, mText.find('\0'));
     std::size_t brace = OutermostBrace(text);
     const std::string unit = UnitOf(text);
+    const std::string_view lineEnd = LineEndOf(text);
     std::string_view rest = path;
     for (;;) {
         const auto [key, below] = SplitPath(rest);
         const FoundObject object = LookInto(text, brace, key);
         if (!object.member) {
             const auto indentation = object.first ? Indentation(text, *object.first) : std::nullopt;
-            std::string added = object.first ? "," : "";
-            added += indentation ? '\n' + *indentation : object.first ? " " : "";
-            added += qelcore::serialization::GetJSONUTF8String(Value(std::string(key)), /*formatted=*/false) +
-                     ": " + Printed(Nested(below, value), indentation, unit);
-            mText.insert(object.end, added);
+            const std::string name =
+                qelcore::serialization::GetJSONUTF8String(Value(std::string(key)), /*formatted=*/false);
+            mText.insert(object.end, SignsBefore(object, indentation, lineEnd) + name +
+                                         SignLike(object.colon, ": ") +
+                                         Printed(Nested(below, value), indentation, unit, lineEnd));
             return;
         }
         const Span found = object.member->value;
         if (below.empty()) {
             mText.replace(found.begin, found.end - found.begin,
-                          Printed(value, Indentation(text, object.member->key.begin), unit));
+                          Printed(value, Indentation(text, object.member->key.begin), unit, lineEnd));
             return;
         }
         if (text[found.begin] != '{') {

@@ -49,7 +49,7 @@ TEST(DocumentEditor, OfEqualKeysTheLastCounts)
 TEST(DocumentEditor, AbsentKeysAndObjectsAreAddedInTheLayoutOfTheirNeighbours)
 {
     EXPECT_EQ(AfterSetting(R"({})", "a", "1"), R"({"a": 1})");
-    EXPECT_EQ(AfterSetting(R"({"a":1})", "b", "2"), R"({"a":1, "b": 2})");
+    EXPECT_EQ(AfterSetting(R"({"a":1})", "b", "2"), R"({"a":1,"b":2})");
     EXPECT_EQ(AfterSetting("{\n\t\"a\": 1\n}\n", "b.c", "2"),
               "{\n\t\"a\": 1,\n\t\"b\": {\n\t\t\"c\": 2\n\t}\n}\n");
 }

@@ -28,6 +28,22 @@ TEST(InLayoutOf, AddsKeysInTheIndentationOfTheirNeighbours)
               "{\n    \"a\": 1,\n    \"b\": {\n        \"c\": 2\n    }\n}\n");
 }
 
+TEST(InLayoutOf, AddsKeysWithTheLineEndsOfTheirNeighbours)
+{
+    EXPECT_EQ(InLayoutOf("{\r\n  \"a\": 1\r\n}\r\n", R"({"a":1,"b":{"c":2}})"),
+              "{\r\n  \"a\": 1,\r\n  \"b\": {\r\n    \"c\": 2\r\n  }\r\n}\r\n");
+}
+
+TEST(InLayoutOf, AddsKeysWithTheBlanksOfTheirNeighbours)
+{
+    EXPECT_EQ(InLayoutOf(R"({"a":1,"b":2})", R"({"a":1,"b":2,"c":{"d":3}})"), R"({"a":1,"b":2,"c":{"d":3}})");
+    EXPECT_EQ(InLayoutOf(R"({"a":1})", R"({"a":1,"b":2,"c":3})"), R"({"a":1,"b":2,"c":3})");
+    EXPECT_EQ(InLayoutOf(R"({"a": 1})", R"({"a":1,"b":2})"), R"({"a": 1, "b": 2})");
+    EXPECT_EQ(InLayoutOf(R"({ "a" : 1 , "b" : 2 })", R"({"a":1,"b":2,"c":3})"),
+              R"({ "a" : 1 , "b" : 2 , "c" : 3 })");
+    EXPECT_EQ(InLayoutOf("{\n  \"a\":\n    1\n}", R"({"a":1,"b":2})"), "{\n  \"a\":\n    1,\n  \"b\": 2\n}");
+}
+
 TEST(InLayoutOf, TakesOutKeysThatAreGone)
 {
     EXPECT_EQ(InLayoutOf("{\n  \"note\": \"mine\",\n  \"a\": 1\n}", R"({"a":1})"), "{\n  \"a\": 1\n}");
