@@ -5,7 +5,6 @@
 
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
-#include <kestrel/qelcore/serialization/Json.h>
 
 #include <algorithm>
 #include <array>
@@ -13,18 +12,13 @@
 namespace tessel::document {
 namespace {
 
-using qelcore::serialization::FindInteger;
-using qelcore::serialization::GetVariantInObject;
-using qelcore::serialization::Value;
-
-constexpr std::int64_t kToneSteady = 0;
-constexpr std::int64_t kToneIdentifyChannels = 1;
+constexpr std::int32_t kToneSteady = 0;
+constexpr std::int32_t kToneIdentifyChannels = 1;
 
 /// What the sentences depend on.
 struct Settings {
     DocumentFacts facts;
     importhost::ClipDescription description; ///< width and height alone
-    std::int64_t toneFormat = kToneSteady;
 
     [[nodiscard]] bool IsProgressive() const { return facts.fieldType == 0; }
     [[nodiscard]] bool Renders(std::int32_t format) const { return facts.renderFormat == format; }
@@ -52,15 +46,10 @@ std::optional<Settings> Read(std::string_view settingsText)
     if (!facts) {
         return std::nullopt;
     }
-    const Value document = qelcore::serialization::JSONParse(settingsText);
-    const auto integer = [&document](const char* key) {
-        return FindInteger(GetVariantInObject(document, key)).value_or(0);
-    };
     Settings settings;
     settings.facts = *facts;
-    settings.description.width = static_cast<std::int32_t>(integer("mFrameWidth"));
-    settings.description.height = static_cast<std::int32_t>(integer("mFrameHeight"));
-    settings.toneFormat = integer("mToneFormat");
+    settings.description.width = facts->frameWidth;
+    settings.description.height = facts->frameHeight;
     return settings;
 }
 
@@ -149,10 +138,10 @@ std::string DialogAdvice(std::string_view control, std::string_view settingsText
                    ? "Not used: progressive frames have the first color."
                    : std::string();
     }
-    if (control == "steadyTonesBtn" && settings->toneFormat == kToneSteady) {
+    if (control == "steadyTonesBtn" && settings->facts.toneFormat == kToneSteady) {
         return "Not used: the identification's format.";
     }
-    if (control == "identifyChannelsBtn" && settings->toneFormat == kToneIdentifyChannels) {
+    if (control == "identifyChannelsBtn" && settings->facts.toneFormat == kToneIdentifyChannels) {
         return "Not used: frequency and amplitude.";
     }
     return {};

@@ -103,6 +103,9 @@ std::optional<DocumentFacts> ReadFacts(std::string_view settingsText)
     ReadInteger(root, "mFieldType", facts.fieldType);
     ReadInteger(root, "mRenderFormat", facts.renderFormat);
     ReadFlag(root, "mDrawFrameFieldNumber", facts.drawsNumber);
+    ReadInteger(root, "mFrameWidth", facts.frameWidth);
+    ReadInteger(root, "mFrameHeight", facts.frameHeight);
+    ReadInteger(root, "mToneFormat", facts.toneFormat);
     const Value coordinates = GetVariantInObject(root, "mSwatchCoordinates");
     const Value colors = GetVariantInObject(root, "mSwatchColors");
     for (std::size_t i = 0; i < facts.swatchBands.size(); ++i) {

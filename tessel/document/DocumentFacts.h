@@ -34,6 +34,9 @@ struct DocumentFacts {
     std::int32_t fieldType = 0;              ///< "mFieldType", all 32 bits of it
     std::int32_t renderFormat = 1;           ///< "mRenderFormat"
     bool drawsNumber = true;                 ///< "mDrawFrameFieldNumber"
+    std::int32_t frameWidth = 0;             ///< "mFrameWidth"
+    std::int32_t frameHeight = 0;            ///< "mFrameHeight"
+    std::int32_t toneFormat = 0;             ///< "mToneFormat": 0 steady tones, 1 identification
     std::array<SwatchBand, 3> swatchBands{}; ///< color swatches, legal range, full range
 };
 

@@ -23,13 +23,13 @@ struct PreviewPictures {
 };
 
 /// How a program makes pictures of the settings in a dialog. Neither function throws anything but what a
-/// toolkit treats as "no picture".
+/// toolkit treats as "no picture". Both are called on a thread of the toolkit's, one call at a time: a long
+/// document takes its time, too.
 struct PreviewRenderer {
     /// What of a settings document the pictures show: texts that look alike give the same result, so that they
-    /// are rendered once. Called on the ui thread after each change.
+    /// are rendered once. Called after each change.
     std::function<std::string(const std::string& settingsText)> reduce;
     /// Makes the pictures of such a result, empty ones where it has no pictures. Costs as much as two frames.
-    /// Called on a thread of the toolkit's, one call at a time.
     std::function<PreviewPictures(const std::string& reduced)> render;
 
     [[nodiscard]] explicit operator bool() const { return reduce && render; }

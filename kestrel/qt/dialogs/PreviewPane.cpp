@@ -32,23 +32,31 @@ QImage ToImage(const qelui::PreviewPicture& picture)
     return image;
 }
 
-/// What the pictures of the settings as they stand show. Empty if the document cannot be made, for instance for
-/// lack of memory: the dialog can be used without pictures, and an exception must not reach Qt's event loop.
-std::string ReducedDocument(const qelui::UI_Dialog& dialog) noexcept
+/// The settings as they stand. Empty if the document cannot be made, for instance for lack of memory: the
+/// dialog can be used without pictures, and an exception must not reach Qt's event loop.
+std::string DocumentOf(const qelui::UI_Dialog& dialog) noexcept
 {
     try {
-        return qelui::UserInterface::Get().GetPreviewRenderer().reduce(dialog.GetDocument()());
+        return dialog.GetDocument()();
     } catch (...) {
         return {};
     }
 }
 
-qelui::PreviewPictures PicturesOf(const qelui::PreviewRenderer& renderer, const std::string& reduced) noexcept
+/// Nothing where `document` shows what `shown` shows, else its pictures, and `shown` is what they show.
+std::optional<qelui::PreviewPictures> PicturesOf(const qelui::PreviewRenderer& renderer,
+                                                 const std::string& document,
+                                                 std::optional<std::string>& shown) noexcept
 {
     try {
+        const std::string reduced = document.empty() ? std::string() : renderer.reduce(document);
+        if (shown == reduced) {
+            return std::nullopt;
+        }
+        shown = reduced;
         return reduced.empty() ? qelui::PreviewPictures{} : renderer.render(reduced);
     } catch (...) {
-        return {};
+        return qelui::PreviewPictures{};
     }
 }
 
@@ -90,32 +98,34 @@ void PreviewPane::Finish()
 
 void PreviewPane::Refresh()
 {
-    mWanted = ReducedDocument(mDialog);
+    mWanted = DocumentOf(mDialog);
     RenderIfIdle();
 }
 
 void PreviewPane::RenderIfIdle()
 {
-    if (mIsRendering || (mHasAnswer && mWanted == mRendered)) {
+    if (mIsRendering || mWanted == mTaken) {
         return;
     }
     mIsRendering = true;
-    mRendered = mWanted;
-    mThread.start([this, reduced = mWanted, renderer = qelui::UserInterface::Get().GetPreviewRenderer()] {
-        const qelui::PreviewPictures pictures = PicturesOf(renderer, reduced);
+    mTaken = mWanted;
+    mThread.start([this, document = mWanted, renderer = qelui::UserInterface::Get().GetPreviewRenderer()] {
+        const auto pictures = PicturesOf(renderer, document.value_or(std::string()), mShown);
         QMetaObject::invokeMethod(
             this, [this, pictures] { Take(pictures); }, Qt::QueuedConnection);
     });
 }
 
-void PreviewPane::Take(const qelui::PreviewPictures& pictures)
+void PreviewPane::Take(const std::optional<qelui::PreviewPictures>& pictures)
 {
     mIsRendering = false;
-    mHasAnswer = true;
-    mFirst = ToImage(pictures.first);
-    mLast = ToImage(pictures.last);
-    mLastFrame = pictures.lastFrame;
-    update();
+    if (pictures) {
+        mHasAnswer = true;
+        mFirst = ToImage(pictures->first);
+        mLast = ToImage(pictures->last);
+        mLastFrame = pictures->lastFrame;
+        update();
+    }
     RenderIfIdle(); // what changed meanwhile
 }
 

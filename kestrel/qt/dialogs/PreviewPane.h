@@ -8,6 +8,7 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <QWidget>
+#include <optional>
 #include <string>
 
 namespace kestrelqt {
@@ -36,15 +37,16 @@ protected:
 private:
     void Refresh();
     void RenderIfIdle();
-    void Take(const qelui::PreviewPictures& pictures);
+    void Take(const std::optional<qelui::PreviewPictures>& pictures);
     void PaintPicture(QPainter& painter, const QImage& picture, const QString& caption,
                       const QRect& place) const;
 
     const qelui::UI_Dialog& mDialog;
     QTimer mTimer;
-    QThreadPool mThread;   ///< of one thread
-    std::string mWanted;   ///< the reduced document that should be seen
-    std::string mRendered; ///< the one that is seen or being rendered
+    QThreadPool mThread;                ///< of one thread
+    std::optional<std::string> mWanted; ///< the document whose pictures should be seen
+    std::optional<std::string> mTaken;  ///< the one whose pictures are seen or being rendered
+    std::optional<std::string> mShown;  ///< what of it the pictures show; of the rendering thread alone
     bool mIsRendering = false;
     bool mHasAnswer = false; ///< pictures, or that there are none, have come at least once
     QImage mFirst;
