@@ -5,6 +5,7 @@
 #include <kestrel/qelui/controls/UI_StaticText.h>
 #include <kestrel/qt/controls/AltLetters.h>
 #include <kestrel/qt/controls/ElidedLabel.h>
+#include <kestrel/qt/dialogs/ColorChips.h>
 #include <kestrel/qt/dialogs/ColorPickerWindow.h>
 #include <kestrel/qt/dialogs/StatusBar.h>
 
@@ -255,27 +256,39 @@ TEST_F(SettingsDialog, AllIsInSightAtOnceOnAFullHdScreen)
     EXPECT_EQ(mWindow->findChild<QScrollArea*>()->verticalScrollBar()->maximum(), 0) << "pixels to scroll";
 }
 
+void ExpectShareARow(const QWidget& window, const char* button, const char* text)
+{
+    const auto& first = *window.findChild<QWidget*>(QString::fromLatin1(button));
+    const auto& second = *window.findChild<QWidget*>(QString::fromLatin1(text));
+    const QPoint from = first.mapTo(&window, first.rect().center());
+    const QPoint to = second.mapTo(&window, second.rect().center());
+    EXPECT_LT(std::abs(to.y() - from.y()), first.height()) << button;
+    EXPECT_GT(to.x(), from.x()) << button;
+}
+
 TEST_F(SettingsDialog, AButtonAndThePathChosenWithItShareARow)
 {
     mWindow = nullptr;
     mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, QSize(1350, 708));
     ui_qt::ShowAndActivate(*mWindow);
-    for (const auto& [button, text] : {std::pair("swatchColorsFileButtonID", "swatchColorsFilePathTextID"),
-                                       std::pair("saveToPathButtonID", "saveToPathStaticTextID")}) {
-        const auto& first = *mWindow->findChild<QWidget*>(QString::fromLatin1(button));
-        const auto& second = *mWindow->findChild<QWidget*>(QString::fromLatin1(text));
-        const QPoint from = first.mapTo(mWindow.get(), first.rect().center());
-        const QPoint to = second.mapTo(mWindow.get(), second.rect().center());
-        EXPECT_LT(std::abs(to.y() - from.y()), first.height()) << button;
-        EXPECT_GT(to.x(), from.x()) << button;
-    }
+    ExpectShareARow(*mWindow, "swatchColorsFileButtonID", "swatchColorsFilePathTextID");
+    ExpectShareARow(*mWindow, "saveToPathButtonID", "saveToPathStaticTextID");
+}
+
+// The swatch files stand beside another group, where a button and a path of 350 pixels do not fit.
+TEST_F(SettingsDialog, OnTheNarrowestScreenTheSavePathStillSharesTheRowOfItsButton)
+{
+    mWindow = nullptr;
+    mWindow = std::make_unique<kestrelqt::DialogWindow>(*mDialog, QSize(944, 480));
+    ui_qt::ShowAndActivate(*mWindow);
+    ExpectShareARow(*mWindow, "saveToPathButtonID", "saveToPathStaticTextID");
 }
 
 TEST_F(SettingsDialog, AltLettersDifferAndReachAlmostEverything)
 {
     std::map<QChar, std::string> taken;
     int withLetter = 0;
-    for (const auto& [control, letter] : kestrelqt::ChooseAltLetters(*mDialog)) {
+    for (const auto& [control, letter] : kestrelqt::ChooseAltLetters(*mDialog, kestrelqt::IsColorButton)) {
         EXPECT_TRUE(taken.emplace(letter, control->Identifier()).second)
             << control->Identifier() << " and " << taken[letter];
         ++withLetter;
@@ -284,6 +297,23 @@ TEST_F(SettingsDialog, AltLettersDifferAndReachAlmostEverything)
     EXPECT_EQ(taken[QLatin1Char('C')], "cancelButton");
     // 34 controls, of which the eight colour channels share their labels in pairs.
     EXPECT_GE(withLetter, 22);
+}
+
+// Their captions follow the settings, so a letter that they take would move the letters of other controls
+// from one document to the next.
+TEST_F(SettingsDialog, AltLettersAreTheSameWhateverTheColorButtonsSay)
+{
+    std::vector<std::map<const qelui::UI_ControlView*, QChar>> letters;
+    for (const auto& [first, second] :
+         {std::pair("Upper Field Color", "Lower Field Color"), std::pair("Top Color", "Bottom Color"),
+          std::pair("[unused]", "[unused]")}) {
+        mDialog->GetControl<qelui::UI_Button>("chooseColorButtonID0").SetLabel(first);
+        mDialog->GetControl<qelui::UI_Button>("chooseColorButtonID1").SetLabel(second);
+        letters.push_back(kestrelqt::ChooseAltLetters(*mDialog, kestrelqt::IsColorButton));
+    }
+    EXPECT_EQ(letters[0], letters[1]);
+    EXPECT_EQ(letters[0], letters[2]);
+    EXPECT_EQ(letters[0].count(&mDialog->GetControl<qelui::UI_Button>("chooseColorButtonID0")), 0U);
 }
 
 TEST_F(SettingsDialog, TheStatusLineExplainsTheControlWithTheFocus)
@@ -341,16 +371,33 @@ TEST_F(SettingsDialog, TabScrollsWhatItReachesIntoSight)
     ui_qt::Settle();
     auto& first = *mWindow->BindingOf(mDialog->GetControl<qelui::UI_Popup>("pixelFormatPopupID"))->Widget();
     kestrelqt::Focus(first);
-    for (QWidget* at = &first;;) {
-        EXPECT_FALSE(at->visibleRegion().isEmpty()) << Describe(*at) << " has the focus out of sight";
+    QWidget* at = &first;
+    do {
         PressKey(*at, Qt::Key_Tab);
         ui_qt::Settle();
         at = QApplication::focusWidget();
-        if (at == &first) {
-            break;
-        }
         ASSERT_NE(at, nullptr);
+        EXPECT_FALSE(at->visibleRegion().isEmpty()) << Describe(*at) << " has the focus out of sight";
+    } while (at != &first); // from Cancel up to the first control again
+}
+
+// From OK, which is always in sight, so that nothing but the focus can scroll.
+TEST_F(SettingsDialog, AltKeysAndShiftTabScrollWhatTheyReachIntoSight)
+{
+    mWindow->resize(600, 320);
+    ui_qt::Settle();
+    QWidget& ok = *mWindow->findChild<QWidget*>("okButton");
+    for (QWidget* const widget : Reachable(*mWindow)) {
+        kestrelqt::Focus(ok);
+        widget->setFocus(Qt::ShortcutFocusReason);
+        ui_qt::Settle();
+        EXPECT_FALSE(widget->visibleRegion().isEmpty()) << Describe(*widget) << " has the focus out of sight";
     }
+    mWindow->findChild<QScrollArea*>()->verticalScrollBar()->setValue(0);
+    kestrelqt::Focus(ok);
+    PressKey(ok, Qt::Key_Backtab, Qt::ShiftModifier);
+    ui_qt::Settle();
+    EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty()) << "the control before OK";
 }
 
 double Luminance(QRgb color)

@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QEventLoop>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
@@ -148,6 +149,26 @@ TEST(DialogWindow, AChangeThatWasTakenBackIsNone)
     EXPECT_EQ(test.cancels, 1);
 }
 
+TEST(DialogWindow, ClosingTheWindowWarnsOfANumberThatIsTypedButNotEntered)
+{
+    OkCancelDialog test;
+    auto& number = test.dialog.Add(std::make_unique<qelui::UI_NumberEdit>("number"));
+    number.SetValue(720);
+    test.dialog.SetDocument([&number] { return number.ShownText(); });
+    RunWith(test.dialog, [&](QWidget& window) {
+        auto& field = *window.findChild<QLineEdit*>("number");
+        Focus(field);
+        field.selectAll();
+        TypeText(field, "960");
+        window.close();
+        EXPECT_FALSE(test.dialog.IsClosed());
+        EXPECT_EQ(test.dialog.Status().Report(), "Close again to discard the changes");
+        EXPECT_EQ(number.GetValue(), 960) << "what the field shows is what would be discarded";
+        window.close();
+    });
+    EXPECT_EQ(test.cancels, 1);
+}
+
 TEST(DialogWindow, TheCancelButtonCancelsAtOnce)
 {
     OkCancelDialog test;
@@ -168,6 +189,24 @@ TEST(DialogWindow, ReturnPressesTheButtonThatHasTheFocus)
     });
     EXPECT_EQ(test.cancels, 1);
     EXPECT_EQ(test.oks, 0);
+}
+
+// Its Alt key presses a button without giving it the focus: the next keys and the status line would belong to
+// another control.
+TEST(DialogWindow, AButtonThatIsPressedHasTheFocus)
+{
+    OkCancelDialog test;
+    test.dialog.GetControl<qelui::UI_Button>("act").SetTooltip("Acts.");
+    RunWith(test.dialog, [&test](QWidget& window) {
+        Focus(ButtonOf(window, "cancelButton"));
+        ButtonOf(window, "act").animateClick();
+        QTimer::singleShot(300, &window, [&] { // Qt shows the button pressed for 100 ms
+            EXPECT_TRUE(ButtonOf(window, "act").hasFocus());
+            EXPECT_EQ(test.dialog.Status().Explanation(), "Acts.");
+            ButtonOf(window, "okButton").click();
+        });
+    });
+    EXPECT_EQ(test.oks, 1);
 }
 
 TEST(DialogWindow, WhatAHandlerThrowsIsThrownAfterTheModalRun)
@@ -284,19 +323,27 @@ TEST(DialogWindow, APreviewIsRenderedBesideTheUiThreadAndOnlyWhenThePictureChang
     test.dialog.SetDocument([&] { return picture + ' ' + std::to_string(++notes); });
     std::atomic<int> renderings = 0;
     std::atomic<bool> wasOnUiThread = false;
+    const auto note = [&wasOnUiThread, uiThread = std::this_thread::get_id()] {
+        wasOnUiThread = wasOnUiThread || std::this_thread::get_id() == uiThread;
+    };
     std::string lastRendered; // read after the rendering thread is done
     auto& userInterface = qelui::UserInterface::Get();
-    userInterface.SetPreviewRenderer(
-        {.reduce = [](const std::string& text) { return text.substr(0, text.find(' ')); },
-         .render =
-             [&, uiThread = std::this_thread::get_id()](const std::string& reduced) {
-                 ++renderings;
-                 wasOnUiThread = wasOnUiThread || std::this_thread::get_id() == uiThread;
-                 lastRendered = reduced;
-                 const std::uint32_t color = reduced == "red" ? 0xFFFF0000U : 0xFF0000FFU;
-                 return qelui::PreviewPictures{
-                     .first = {1, 1, {color}}, .last = {1, 1, {0xFF00FF00U}}, .lastFrame = 9};
-             }});
+    userInterface.SetPreviewRenderer({.reduce =
+                                          [&note](const std::string& text) { // takes as long as the document is
+                                              note();
+                                              return text.substr(0, text.find(' '));
+                                          },
+                                      .render =
+                                          [&](const std::string& reduced) {
+                                              ++renderings;
+                                              note();
+                                              lastRendered = reduced;
+                                              const std::uint32_t color =
+                                                  reduced == "red" ? 0xFFFF0000U : 0xFF0000FFU;
+                                              return qelui::PreviewPictures{.first = {1, 1, {color}},
+                                                                            .last = {1, 1, {0xFF00FF00U}},
+                                                                            .lastFrame = 9};
+                                          }});
     RunWith(test.dialog, [&](QWidget& window) {
         auto& dialogWindow = static_cast<kestrelqt::DialogWindow&>(window);
         window.resize(1200, 400);

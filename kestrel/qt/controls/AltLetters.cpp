@@ -65,7 +65,8 @@ private:
 
 } // namespace
 
-std::map<const UI_ControlView*, QChar> ChooseAltLetters(qelui::UI_Dialog& dialog)
+std::map<const UI_ControlView*, QChar> ChooseAltLetters(qelui::UI_Dialog& dialog,
+                                                        bool (*changesLabel)(const UI_ControlView& control))
 {
     std::vector<const UI_ControlView*> controls;
     std::map<std::string, int> occurrences;
@@ -75,7 +76,7 @@ std::map<const UI_ControlView*, QChar> ChooseAltLetters(qelui::UI_Dialog& dialog
             letters[control] = QLatin1Char('O');
         } else if (control->Identifier() == qelui::UI_OkCancelRow::kCancelIdentifier) {
             letters[control] = QLatin1Char('C');
-        } else if (qelui::IsActedOn(control->Kind())) {
+        } else if (qelui::IsActedOn(control->Kind()) && !changesLabel(*control)) {
             controls.push_back(control);
             ++occurrences[control->Label()];
         }

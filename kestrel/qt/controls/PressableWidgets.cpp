@@ -37,7 +37,8 @@ ButtonWidget::ButtonWidget(qelui::UI_Button& button, QWidget* parent)
     mWidget->setAutoDefault(true); // Return presses the button that has the focus
     QObject::connect(mWidget, &QPushButton::clicked, mWidget, [this] {
         AtSeam([this] {
-            CommitTyping(*mWidget); // OK must not lose what is typed when a key presses it
+            CommitTyping(*mWidget);                     // OK must not lose what is typed when a key presses it
+            mWidget->setFocus(Qt::ShortcutFocusReason); // Qt leaves it elsewhere when an Alt key presses
             mModel.Press();
         });
     });

@@ -72,6 +72,12 @@ void ShowColorChips(const qelui::UI_Group& group, DialogWidgets& widgets)
     }
 }
 
+bool IsColorButton(const qelui::UI_ControlView& control)
+{
+    const qelui::UI_Group* const group = control.Parent();
+    return group != nullptr && !ChannelsOf(*group).empty() && group->Children().front().get() == &control;
+}
+
 void FollowColorChip(const qelui::UI_ControlView& control, const DialogWidgets& widgets)
 {
     if (const auto group = widgets.chips.find(&control); group != widgets.chips.end()) {

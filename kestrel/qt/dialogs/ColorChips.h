@@ -9,6 +9,9 @@ namespace kestrelqt {
 /// one colour: its button gets a chip of that colour, which follows the numbers. Other groups stay as they are.
 void ShowColorChips(const qelui::UI_Group& group, DialogWidgets& widgets);
 
+/// Whether the control is the button of such a column. Its caption tells which colour it picks at present.
+[[nodiscard]] bool IsColorButton(const qelui::UI_ControlView& control);
+
 /// The chip shows the numbers of the column's models.
 void FollowColorChip(const qelui::UI_ControlView& control, const DialogWidgets& widgets);
 

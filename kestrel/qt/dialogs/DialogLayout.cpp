@@ -171,6 +171,7 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
                DialogWidgets& widgets)
 {
     const bool isWide = IsWide(*control.Parent());
+    const bool sharesRow = isWide || widgets.density.sharesRows; // a wide group has the room on every screen
     const int columns = isWide ? kSpareColumn + 1 : kControlColumn + 1;
     if (IsGroup(control.Kind())) {
         auto& group = static_cast<qelui::UI_Group&>(control);
@@ -179,7 +180,7 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
     }
     if (IsBehindItsButton(control, Neighbour(control, -1))) {
         QWidget* const text = BuildCaptioned(control, parent, widgets);
-        if (widgets.density.sharesRows) {
+        if (sharesRow) {
             form.addWidget(text, row - 1, kControlColumn, 1, columns - kControlColumn);
         } else {
             form.addWidget(text, row, kLabelColumn, 1, columns);
@@ -188,7 +189,7 @@ void AddToForm(qelui::UI_ControlView& control, QGridLayout& form, int row, QWidg
     }
     QWidget* const widget = BuildControl(control, parent, widgets);
     const qelui::UI_ControlView* const next = Neighbour(control, 1);
-    if (next != nullptr && IsBehindItsButton(*next, &control) && widgets.density.sharesRows) {
+    if (next != nullptr && IsBehindItsButton(*next, &control) && sharesRow) {
         form.addWidget(widget, row, kLabelColumn);
         return;
     }

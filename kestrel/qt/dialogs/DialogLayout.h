@@ -20,8 +20,9 @@ struct Density {
     int spacing = 8;     ///< logical pixels between parts, where the layout does not say
     int cardMargin = 12; ///< logical pixels inside the border of a group, likewise
     double ownShare = 1; ///< of the layout's own spacings and margins
-    bool sharesRows =
-        true; ///< a button stands beside the text that shows what was chosen with it, else above it
+    /// In groups side by side a button stands beside the text that shows what was chosen with it, else above
+    /// it. In a group with the dialog's whole width it always stands beside it.
+    bool sharesRows = true;
 
     [[nodiscard]] int SpacingOf(const qelui::UI_Group& group) const;
     [[nodiscard]] int MarginOf(const qelui::UI_Group& group, bool isCard) const;

@@ -8,13 +8,16 @@
 #include <kestrel/qelui/toolkit/UserInterface.h>
 #include <kestrel/qt/EventSeam.h>
 #include <kestrel/qt/controls/AltLetters.h>
+#include <kestrel/qt/controls/NumberField.h>
 #include <kestrel/qt/script/QtDriver.h>
 
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -67,6 +70,18 @@ private:
     }
 };
 
+/// What stays in sight below the controls, with a line on top: controls scroll under it.
+class Foot final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter(this).fillRect(QRect(0, 0, width(), 1), palette().color(QPalette::Mid));
+    }
+};
+
 DialogWindow::DialogWindow(qelui::UI_Dialog& dialog, QSize room)
     : QDialog(ParentOf(dialog)), mDialog(dialog), mRoom(room)
 {
@@ -76,7 +91,7 @@ DialogWindow::DialogWindow(qelui::UI_Dialog& dialog, QSize room)
     }
     setWindowTitle(QString::fromStdString(dialog.Title()));
     setModal(true);
-    mWidgets.altLetters = ChooseAltLetters(dialog);
+    mWidgets.altLetters = ChooseAltLetters(dialog, IsColorButton);
     mScroll = new ScrollArea(this);
     BuildContent();
     BuildFoot();
@@ -132,10 +147,10 @@ void DialogWindow::BuildContent()
 
 void DialogWindow::BuildFoot()
 {
-    mFoot = new QWidget(this);
+    mFoot = new Foot(this);
     auto* const row = new QHBoxLayout(mFoot);
     const int margin = mWidgets.density.MarginOf(mDialog, /*isCard=*/false);
-    row->setContentsMargins(margin, kFootGap / 2, margin, margin);
+    row->setContentsMargins(margin, kFootGap, margin, margin);
     row->setSpacing(2 * kFootGap);
     mStatus = new StatusBar(mFoot);
     row->addWidget(mStatus, 1);
@@ -199,10 +214,22 @@ bool DialogWindow::eventFilter(QObject* watched, QEvent* event)
         for (const auto& [model, binding] : mWidgets.controls) {
             if (binding->Widget() == watched) {
                 AtSeam([this, model = model] { mDialog.Status().Explain(*model); });
+                ShowFocused(*binding->Widget(), static_cast<QFocusEvent*>(event)->reason());
             }
         }
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void DialogWindow::ShowFocused(QWidget& widget, Qt::FocusReason reason)
+{
+    // Qt scrolls for Tab between controls of the scroll area only. What a mouse points at is in sight, and must
+    // not move away under a click.
+    const bool isByKey = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+                         reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
+    if (isByKey && mScroll->isAncestorOf(&widget)) {
+        mScroll->ensureWidgetVisible(&widget);
+    }
 }
 
 void DialogWindow::Run()
@@ -256,7 +283,10 @@ void DialogWindow::reject()
 void DialogWindow::closeEvent(QCloseEvent* event)
 {
     event->ignore(); // the dialog closes the window itself
-    AtSeam([this] { mDialog.RequestClose(); });
+    AtSeam([this] {
+        CommitTyping(*this); // a number that is typed and not entered is a change, too
+        mDialog.RequestClose();
+    });
 }
 
 void DialogWindow::OnControlChanged(qelui::UI_ControlView& control)

@@ -53,6 +53,8 @@ private:
     void FitToScreen();
     /// The preview gets what the controls leave.
     void ArrangePreview();
+    /// Scrolls to a control that a key gave the focus.
+    void ShowFocused(QWidget& widget, Qt::FocusReason reason);
 
     qelui::UI_Dialog& mDialog;
     QSize mRoom;
