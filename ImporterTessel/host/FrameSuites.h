@@ -13,8 +13,8 @@ struct FrameSuites {
     const void* pixelFormat = nullptr; ///< acquired with the others; nothing calls it
 };
 
-/// The process-wide suites, acquired through `stdParms` while there are none yet and kept from then on:
-/// later calls do not look at `stdParms`. They are kept only when all three were got.
+/// The process-wide suites, acquired through `stdParms` by the first call that gets all three, and kept from
+/// then on: later calls do not look at `stdParms`.
 ///
 /// @return null where a table on the way, or a suite, cannot be had. Throws only what the host throws.
 /// Threads: [serialised] until it has once returned suites, then [thread-safe].

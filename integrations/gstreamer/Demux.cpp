@@ -63,7 +63,7 @@ OpenedClip OpenDocument(const TesselDemux* demux)
     if (!file.empty()) {
         return OpenFile(file);
     }
-    return OpenText(demux->state->text, uri.empty() ? "document" : uri);
+    return OpenText(demux->state->text, uri.empty() ? "the document" : uri);
 }
 
 void ShowDocument(TesselDemux* demux)

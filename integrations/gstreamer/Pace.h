@@ -1,4 +1,4 @@
-/// Keeps the streams of one clip together where their own threads would tear them apart.
+/// Keeps the streams of one clip together, although each runs in a thread of its own.
 #pragma once
 
 #include <gst/gst.h>

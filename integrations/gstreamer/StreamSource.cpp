@@ -64,8 +64,8 @@ gboolean Seek(GstBaseSrc* base, GstSegment* segment)
 }
 
 /// Where downstream wants none of the formats, the best one is announced all the same, as demuxers do:
-/// decodebin3 answers with the formats of its decoders, which raw formats are not, and then takes them. What is
-/// refused in earnest fails when the caps arrive there.
+/// decodebin3 answers with the formats of its decoders, which raw formats are not, and then takes raw ones.
+/// Where downstream really refuses them, setting the caps fails.
 gboolean Negotiate(GstBaseSrc* base)
 {
     GstBaseSrcClass* const parent = GST_BASE_SRC_CLASS(tessel_stream_source_parent_class);

@@ -77,7 +77,15 @@ std::shared_ptr<OpenClip> OpenClip::Open(const char* path)
         mlt_log_error(nullptr, "[producer tessel] %s\n", tessel_error_text());
         return nullptr;
     }
-    return std::shared_ptr<OpenClip>(new OpenClip(clip));
+    std::shared_ptr<OpenClip> opened(new OpenClip(clip));
+    const std::string obstacle = opened->Obstacle();
+    if (!obstacle.empty()) {
+        const bool isNamed = obstacle.starts_with(path);
+        mlt_log_error(nullptr, "[producer tessel] %s%s%s\n", isNamed ? "" : path, isNamed ? "" : ": ",
+                      obstacle.c_str());
+        return nullptr;
+    }
+    return opened;
 }
 
 OpenClip::OpenClip(tessel_clip* clip) : mClip(clip)
@@ -89,6 +97,30 @@ OpenClip::OpenClip(tessel_clip* clip) : mClip(clip)
     }
 }
 
+std::string OpenClip::Obstacle() const
+{
+    if (!HasPicture() && !HasSound()) {
+        return "the clip has neither picture nor sound";
+    }
+    if (mFacts.rate_numerator < 1) {
+        // A profile of 0 frames a second never ends.
+        return "mVideoFrameRate is no frame rate that can be played";
+    }
+    if (!HasPicture()) {
+        return {};
+    }
+    // MLT counts a picture's bytes as an int; no format has more than four a pixel.
+    constexpr std::int64_t kMostPixels = std::numeric_limits<int>::max() / 4;
+    if (std::int64_t{mFacts.width} * mFacts.height > kMostPixels) {
+        return std::to_string(mFacts.width) + " x " + std::to_string(mFacts.height) +
+               " pixels are more than MLT holds";
+    }
+    tessel_picture picture{};
+    picture.size = sizeof picture;
+    return tessel_describe_picture(mClip.get(), TESSEL_LAYOUT_OWN, &picture) == TESSEL_OK ? ""
+                                                                                          : tessel_error_text();
+}
+
 bool OpenClip::HasPicture() const noexcept
 {
     return mFacts.width > 0 && mFacts.height > 0;
@@ -96,7 +128,8 @@ bool OpenClip::HasPicture() const noexcept
 
 bool OpenClip::HasSound() const noexcept
 {
-    return mFacts.sample_rate > 0 && mFacts.channel_count > 0;
+    constexpr int kMostChannels = 64; // of the C interface
+    return mFacts.sample_rate > 0 && mFacts.channel_count > 0 && mFacts.channel_count <= kMostChannels;
 }
 
 int OpenClip::ColorSpace(mlt_image_format format) const
@@ -117,13 +150,6 @@ int OpenClip::ColorSpace(mlt_image_format format) const
 
 MltPicture OpenClip::Paint(std::int64_t frame, mlt_image_format format) const
 {
-    // MLT counts a picture's bytes as an int; no format has more than four a pixel.
-    constexpr std::int64_t kMostPixels = std::numeric_limits<int>::max() / 4;
-    if (std::int64_t{mFacts.width} * mFacts.height > kMostPixels) {
-        mlt_log_error(nullptr, "[producer tessel] %d x %d pixels are more than MLT can hold\n", mFacts.width,
-                      mFacts.height);
-        return {};
-    }
     const tessel_layout layout = LayoutOf(format);
     const tessel_picture needed = Describe(mClip.get(), layout);
     mlt_image_s image{};

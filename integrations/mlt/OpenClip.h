@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace tessel::mlt {
@@ -26,7 +27,7 @@ struct MltPicture {
 /// producer.
 class OpenClip {
 public:
-    /// Null, and a line in MLT's log, where the document cannot be opened.
+    /// Null, and a line in MLT's log, where the document cannot be opened or its clip cannot be played.
     [[nodiscard]] static std::shared_ptr<OpenClip> Open(const char* path);
 
     [[nodiscard]] const tessel_description& Facts() const noexcept { return mFacts; }
@@ -51,6 +52,9 @@ private:
     };
 
     explicit OpenClip(tessel_clip* clip);
+
+    /// Why the clip cannot be played; empty where it can.
+    [[nodiscard]] std::string Obstacle() const;
 
     [[nodiscard]] MltPicture Paint(std::int64_t frame, mlt_image_format format) const;
 

@@ -24,9 +24,12 @@ struct stream {
     int64_t position;
 };
 
-/* Opens a document as a movie. Null if it cannot be opened; tessel_error_text then says why. */
-static tessel_movie* open_movie(const char* path)
+/* Opens a document as a movie. Null if it cannot be opened; tessel_error_text then says why.
+ * is_mute: gets whether the clip has sound that cannot be had, so that the movie has pictures alone */
+static tessel_movie* open_movie(const char* path, bool* is_mute)
 {
+    enum { kMostChannels = 64 }; /* of the C interface */
+    *is_mute = false;
     tessel_clip* clip = NULL;
     tessel_movie* movie = NULL;
     if (tessel_open_file(path, NULL, &clip) != TESSEL_OK) {
@@ -34,8 +37,11 @@ static tessel_movie* open_movie(const char* path)
     }
     tessel_movie_options options = {.size = sizeof options};
     tessel_description description = {.size = sizeof description};
-    if (tessel_describe(clip, &description) == TESSEL_OK && description.width <= 0) {
-        options.video_codec = "none";
+    if (tessel_describe(clip, &description) == TESSEL_OK) {
+        options.video_codec = description.width <= 0 ? "none" : NULL;
+        *is_mute = description.channel_count > kMostChannels ||
+                   (description.channel_count > 0 && description.sample_rate < 1);
+        options.audio_codec = *is_mute ? "none" : NULL;
     }
     if (tessel_movie_open(clip, &options, &movie) != TESSEL_OK) {
         movie = NULL;
@@ -85,7 +91,8 @@ static int open_stream(void* data, char* uri, mpv_stream_cb_info* info)
     if (stream == NULL) {
         return MPV_ERROR_NOMEM;
     }
-    stream->movie = open_movie(uri + strlen(kPrefix));
+    bool is_mute = false;
+    stream->movie = open_movie(uri + strlen(kPrefix), &is_mute);
     if (stream->movie == NULL) {
         free(stream);
         return MPV_ERROR_LOADING_FAILED;
@@ -111,11 +118,12 @@ static bool is_document(const char* name)
     return length > ending && strcmp(name + length - ending, kEnding) == 0;
 }
 
-/* One line where mpv prints its own. */
-static void tell(mpv_handle* mpv, const char* line)
+/* One line where mpv prints its own, beginning with the document's name. */
+static void tell(mpv_handle* mpv, const char* path, const char* line)
 {
-    char text[2100];
-    snprintf(text, sizeof text, "[tessel] %s", line);
+    char text[4200];
+    const bool is_named = strncmp(line, path, strlen(path)) == 0;
+    snprintf(text, sizeof text, "[tessel] %s%s%s", is_named ? "" : path, is_named ? "" : ": ", line);
     const char* command[] = {"print-text", text, NULL};
     mpv_command(mpv, command);
 }
@@ -126,9 +134,13 @@ static void before_loading(mpv_handle* mpv)
     static const char kName[] = "stream-open-filename";
     char* path = mpv_get_property_string(mpv, kName);
     if (path != NULL && is_document(path)) {
-        tessel_movie* movie = open_movie(path);
+        bool is_mute = false;
+        tessel_movie* movie = open_movie(path, &is_mute);
         if (movie == NULL) {
-            tell(mpv, tessel_error_text());
+            tell(mpv, path, tessel_error_text());
+        } else if (is_mute) {
+            tell(mpv, path,
+                 "plays without sound: it has more than 64 channels, or a sample rate that is no whole number");
         }
         tessel_movie_close(movie);
         const size_t size = sizeof kPrefix + strlen(path);

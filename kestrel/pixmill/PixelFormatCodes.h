@@ -17,7 +17,7 @@ enum FormatBits : std::uint32_t {
     kBit422 = 0x010,           ///< 4:2:2
     kBit420 = 0x020,           ///< 4:2:0; with kBit422: subsampled as the codec has it
     kBitPremultiplied = 0x040, ///< colour multiplied by alpha
-    kBitNoAlpha = 0x080,       ///< the alpha component is there but says nothing
+    kBitNoAlpha = 0x080,       ///< the alpha component has a place in memory but no meaning
     kBitFloat = 0x100,         ///< 32-bit float
     kBitV210 = 0x200,          ///< 10-bit, three samples to a 32-bit word
     kBitLinear = 0x400,        ///< linear light

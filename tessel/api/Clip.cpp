@@ -3,10 +3,13 @@
 #include "Layouts.h"
 #include "Results.h"
 
+#include <kestrel/importhost/ClipFailure.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/plan/ClipConversion.h>
 #include <tessel/export/plan/PictureGeometry.h>
 #include <tessel/export/plan/SoundShape.h>
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstring>
@@ -120,7 +123,10 @@ void ClearBehind(std::size_t painted, const Rows& rows, void* plane, std::ptrdif
 
 } // namespace
 
-Clip::Clip(document::OpenedClip opened) : mOpened(std::move(opened)), mSource(mOpened) {}
+Clip::Clip(document::OpenedClip opened, std::string standIn)
+    : mOpened(std::move(opened)), mStandIn(std::move(standIn)), mSource(mOpened)
+{
+}
 
 tessel_description Clip::Describe() const noexcept
 {
@@ -281,9 +287,13 @@ void Clip::Samples(std::int64_t start, std::size_t count, std::span<float* const
     const ClipFacts& facts = mOpened.facts;
     const SoundShape sound = exporting::SoundShapeOf(facts);
     if (sound.sampleRate == 0 || sound.hostChannels.empty()) {
-        throw CallError(TESSEL_NOT_POSSIBLE, "the clip has no sound that can be had: it has " +
-                                                 std::to_string(facts.channelCount) + " channels at " +
-                                                 std::to_string(facts.sampleRate) + " samples per second");
+        throw CallError(
+            TESSEL_NOT_POSSIBLE,
+            facts.channelCount < 1
+                ? "the clip has no sound"
+                : fmt::format("the sound cannot be had: {} channels at {} samples per second; it takes "
+                              "at most {} channels and a whole number of samples",
+                              facts.channelCount, facts.sampleRate, importhost::kMostChannels));
     }
     Require(channels.size() == sound.hostChannels.size(), "the clip has another number of channels");
     constexpr std::int64_t kFurthest = std::numeric_limits<std::int64_t>::max() / 2;

@@ -16,6 +16,7 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace tessel::api {
@@ -23,12 +24,14 @@ namespace tessel::api {
 /// Stays where it is made. Threads: [thread-safe]. Its errors are those of `tessel.h`, as exceptions.
 class Clip {
 public:
-    explicit Clip(document::OpenedClip opened);
+    /// @param standIn  the name in messages of the file that stands in for a document in memory; else empty
+    Clip(document::OpenedClip opened, std::string standIn);
     ~Clip() = default;
     Clip(const Clip&) = delete;
     Clip& operator=(const Clip&) = delete;
 
     [[nodiscard]] const std::string& Warning() const noexcept { return mOpened.warning; }
+    [[nodiscard]] const std::string& StandIn() const noexcept { return mStandIn; }
     [[nodiscard]] const exporting::SignalSource& Source() const noexcept { return mSource; }
     [[nodiscard]] tessel_description Describe() const noexcept;
     [[nodiscard]] tessel_picture DescribePicture(tessel_layout layout);
@@ -49,6 +52,7 @@ private:
     [[nodiscard]] exporting::Picture Convert(const exporting::FrameView& view, exporting::PictureLayout layout);
 
     document::OpenedClip mOpened;
+    std::string mStandIn;
     exporting::ClipSource mSource;
 
     std::mutex mFormatMutex;

@@ -32,7 +32,7 @@ namespace {
 
 using tessel::api::CallError;
 using tessel::api::Require;
-using tessel::api::Serve;
+using tessel::api::ServeOn;
 using tessel::exporting::Streams;
 
 constexpr std::string_view kNone = "none";
@@ -76,7 +76,7 @@ tessel::exporting::VirtualMovie::Request RequestFrom(const tessel_movie_options&
 
 tessel_result tessel_movie_open(tessel_clip* clip, const tessel_movie_options* options, tessel_movie** movie)
 {
-    return Serve(TESSEL_FAILED, [&] {
+    return ServeOn(clip, TESSEL_FAILED, [&] {
         Require(clip != nullptr && movie != nullptr, "the clip, or the place for the movie, is a null pointer");
         const auto request = RequestFrom(tessel::api::Taken(options));
         try {
@@ -94,7 +94,7 @@ int64_t tessel_movie_size(const tessel_movie* movie)
 
 tessel_result tessel_movie_read(tessel_movie* movie, int64_t offset, void* buffer, size_t count, size_t* got)
 {
-    return Serve(TESSEL_FAILED, [&] {
+    return ServeOn(movie, TESSEL_FAILED, [&] {
         Require(movie != nullptr && got != nullptr && (buffer != nullptr || count == 0),
                 "the movie, the buffer or the place for its count is a null pointer");
         Require(offset >= 0, "offsets are counted from 0");

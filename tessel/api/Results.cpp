@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <string_view>
 
 namespace tessel::api {
 namespace {
@@ -29,6 +30,21 @@ tessel_result Fail(tessel_result result, const char* line) noexcept
     std::memmove(lastError.data(), line, length); // a caller may hand its own last error on
     lastError[length] = '\0';
     return result;
+}
+
+void NameDocument(std::string_view standIn) noexcept
+{
+    constexpr std::string_view kName =
+        "the document"; // shorter than any stand-in, which has a folder of its own
+    const std::string_view line = lastError.data();
+    const std::size_t place = standIn.size() < kName.size() ? std::string_view::npos : line.find(standIn);
+    if (place == std::string_view::npos) {
+        return;
+    }
+    char* const begin = lastError.data() + place;
+    const std::size_t rest = line.size() - place - standIn.size();
+    std::memcpy(begin, kName.data(), kName.size());
+    std::memmove(begin + kName.size(), begin + standIn.size(), rest + 1); // with the NUL
 }
 
 } // namespace tessel::api

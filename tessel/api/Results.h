@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace tessel::api {
@@ -35,6 +36,11 @@ inline void Require(bool holds, const char* line)
 
 /// Keeps the line, as far as there is memory, and gives the result back.
 tessel_result Fail(tessel_result result, const char* line) noexcept;
+
+/// In the last error, has the document be called "the document" instead of by the name of the file that stood
+/// in for it, which callers never see. Needs no memory.
+/// @param standIn  the file's name as messages have it; empty: the document is a file of the caller's
+void NameDocument(std::string_view standIn) noexcept;
 
 /// Runs a call. Whatever it throws becomes a result: its own for a `CallError`, `otherwise` for what the host
 /// or the conversions throw.

@@ -76,7 +76,7 @@ typedef struct tessel_open_options {
 TESSEL_API tessel_result tessel_open_file(const char* path, const tessel_open_options* options,
                                           tessel_clip** clip);
 
-/* Opens a document that is in memory: `length` bytes of JSON.
+/* Opens a document that is in memory: `length` bytes of JSON. Errors call it "the document".
  * Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_open_text(const char* text, size_t length, const tessel_open_options* options,
                                           tessel_clip** clip);
@@ -231,9 +231,11 @@ typedef struct tessel_movie_options {
 } tessel_movie_options;
 
 /* Opens a clip as a movie with the packets, times and tags of the file that `tessel render` writes with the
- * same codecs. The clip may be closed before the movie. options: null for none TESSEL_NOT_POSSIBLE: a clip that
- * cannot be such a movie. Threads: [thread-safe]. Cost: one frame, and some 16 bytes of memory for each frame
- * of the clip. */
+ * same codecs. The clip may be closed before the movie. Costs one frame, and some 16 bytes of memory for each
+ * frame of the clip.
+ *
+ * options: null for none
+ * TESSEL_NOT_POSSIBLE: a clip that cannot be such a movie. Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_movie_open(tessel_clip* clip, const tessel_movie_options* options,
                                            tessel_movie** movie);
 
@@ -271,7 +273,7 @@ typedef struct tessel_document_options {
  * the working folder.
  *
  * options:  null for none
- * settings: `setting_count` texts; null where there are none
+ * settings: `setting_count` texts; may be null where the count is 0
  * TESSEL_REFUSED: an unknown setting, a wrong value, or a clip that could not be played; the line says what
  * would be right. TESSEL_NOT_OPENED: the document to begin with cannot be read. Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_document_new(const tessel_document_options* options,

@@ -12,8 +12,8 @@ void WriteWithMemset(std::span<std::byte> memory) noexcept;
 /// Whether this processor has stores that bypass its caches.
 [[nodiscard]] bool HasStreamingStores() noexcept;
 
-/// Writes all of `memory` with such stores; with memset where there are none. `memory` begins at a multiple
-/// of 16 bytes.
+/// Writes all of `memory` with such stores; with memset on processors without them. `memory` begins at a
+/// multiple of 16 bytes.
 void WriteWithStreamingStores(std::span<std::byte> memory) noexcept;
 
 } // namespace tessel::cli

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <random>
 #include <string>
@@ -163,6 +164,38 @@ TEST(ClipLife, OneClipServesPicturesAndSoundToManyThreads)
                 std::equal(samples.begin(), samples.end(), sound.begin() + static_cast<std::ptrdiff_t>(start)));
         }
     });
+}
+
+TEST(ClipLife, ClipsOpenWhileTheLastOneClosesAndTakesThePlugInAlong)
+{
+    const std::string text = TextOf(16);
+    const std::vector<Bytes> expected = FrameOf(OpenText(text).get(), 3);
+    InThreads([&](int thread) {
+        for (int turn = 0; turn < 12; ++turn) {
+            const Clip clip = OpenText(text);
+            if ((thread + turn) % 3 == 0) {
+                EXPECT_EQ(FrameOf(clip.get(), 3), expected);
+            }
+        }
+    });
+}
+
+TEST(ClipLife, NumbersFarBehindTheEndAreServedOrRefusedAndNeverOverflow)
+{
+    const Clip clip = OpenText(TextOf(16));
+    constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+    for (const std::int64_t number : {kLast, kLast - 1, kLast / 2, std::int64_t{1} << 40}) {
+        EXPECT_EQ(FrameOf(clip.get(), number).size(), 3U); // the planes of 4:2:2
+    }
+    float samples[2][8] = {};
+    float* const channels[] = {samples[0], samples[1]};
+    EXPECT_EQ(tessel_samples(clip.get(), kLast / 2, 8, channels, 2), TESSEL_OK) << tessel_error_text();
+    EXPECT_EQ(tessel_samples(clip.get(), kLast, 8, channels, 2), TESSEL_BAD_ARGUMENT);
+    EXPECT_EQ(tessel_samples(clip.get(), 0, std::numeric_limits<std::size_t>::max(), channels, 2),
+              TESSEL_BAD_ARGUMENT);
+    const Movie movie = OpenMovie(clip.get());
+    EXPECT_EQ(Read(movie.get(), kLast, 10), Bytes());
+    EXPECT_EQ(Read(movie.get(), tessel_movie_size(movie.get()) - 1, 10).size(), 1U);
 }
 
 TEST(ClipLife, ADocumentThatIsRemovedWhileItIsOpenGoesOn)

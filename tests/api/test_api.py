@@ -88,6 +88,18 @@ class Opening(ApiTest):
         self.assert_call_fails(NOT_OPENED, "broken.tessel", lambda: Clip(file=self.path("broken.tessel")))
         self.assert_call_fails(NOT_OPENED, "no-plugin.so", lambda: Clip(text=b"{}", plugin="/no-plugin.so"))
 
+    def test_an_empty_path_is_said(self):
+        self.assert_call_fails(NOT_OPENED, "the path is empty", lambda: Clip(file=""))
+
+    def test_errors_of_a_document_in_memory_call_it_the_document_and_name_no_file(self):
+        self.assert_call_fails(NOT_OPENED, "the document: line 1", lambda: Clip(text=b"{"))
+        self.assert_call_fails(NOT_OPENED, 'the document: "mFrameWidth": expected an integer',
+                               lambda: Clip(text=text_of(mFrameWidth="wide")))
+        chart = self.open(mRenderFormat=2)  # of a size that charts do not have
+        for call in (lambda: chart.frame(0, clips.OWN), lambda: chart.describe_picture(clips.BGRA),
+                     lambda: clips.Movie(chart)):
+            self.assert_call_fails(FAILED, "the document: frame 0: a swatch chart needs", call)
+
     def test_a_document_that_cannot_be_read_gives_the_default_clip_where_that_is_wanted(self):
         with Clip(text=b"{", allow_default=True) as clip:
             self.assertEqual((clip.describe().width, clip.describe().height), (720, 480))
@@ -249,6 +261,12 @@ class Sound(ApiTest):
                     # The same samples, whatever they are asked for with.
                     pieces = clip.samples(4801, 7919)
                     self.assertEqual(array("f", pieces[0]), channels[0][4801:4801 + 7919])
+
+    def test_a_clip_whose_sound_cannot_be_had_says_what_it_has(self):
+        self.assert_call_fails(NOT_POSSIBLE, "65 channels at 48000 samples per second",
+                               lambda: self.open(mNumChannels=65, mSampleRate=48000).samples(0, 1))
+        self.assert_call_fails(NOT_POSSIBLE, "2 channels at 44100.5 samples per second",
+                               lambda: self.open(mNumChannels=2, mSampleRate=44100.5).samples(0, 1))
 
     def test_a_clip_without_sound_says_so(self):
         self.assert_call_fails(NOT_POSSIBLE, "sound", lambda: self.open(mNumChannels=0).samples(0, 1))

@@ -90,7 +90,7 @@ def _fraction(numerator: int, denominator: int) -> Fraction | None:
 
 def _bytes_of_path(path: StrPath, what: str) -> bytes:
     """A path as the C interface takes it."""
-    given = os.fspath(path)
+    given = os.fspath(path) if isinstance(path, os.PathLike) else path
     if not isinstance(given, str):
         raise TypeError(f"{what} must be a str or a path of str, not {type(given).__name__}")
     if "\0" in given:
@@ -182,6 +182,8 @@ class Clip:
         """
         if template is not None and base is not None:
             raise ValueError("a clip begins with a template or with a base, not with both")
+        if template is not None and not isinstance(template, str):
+            raise TypeError(f"template must be a str, not {type(template).__name__}")
         settings = {"size": size, "rate": rate, "duration": duration, "pixel_format": pixel_format,
                     "pixel_aspect": pixel_aspect, "fields": fields, "color_space": color_space, "picture": picture,
                     "colors": colors, "swatches": swatches, "number": number, "tone": tone, "ident": ident,

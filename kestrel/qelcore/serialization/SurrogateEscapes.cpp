@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kEscapeLength = 6; // \u and four digits
 
-/// The code unit whose escape stands at `place`; nothing where there is none.
+/// The code unit whose escape stands at `place`; nothing where no escape stands there.
 std::optional<unsigned> EscapeAt(std::string_view text, std::size_t place)
 {
     const std::string_view escape = text.substr(std::min(place, text.size()), kEscapeLength);

@@ -48,7 +48,7 @@ private:
     std::optional<std::string> mTaken;  ///< the one whose pictures are seen or being rendered
     std::optional<std::string> mShown;  ///< what of it the pictures show; of the rendering thread alone
     bool mIsRendering = false;
-    bool mHasAnswer = false; ///< pictures, or that there are none, have come at least once
+    bool mHasAnswer = false; ///< an answer, pictures or a refusal, has come at least once
     QImage mFirst;
     QImage mLast;
     qint64 mLastFrame = 0;

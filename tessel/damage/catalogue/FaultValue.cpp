@@ -74,7 +74,7 @@ std::size_t FaultValue::OneOf(std::initializer_list<std::string_view> words)
     const std::string& part = Next();
     const auto* const word = std::find(words.begin(), words.end(), part);
     if (word == words.end()) {
-        Refuse(fmt::format("'{}' is none of {}", part, fmt::join(words, ", ")));
+        Refuse(fmt::format("'{}' is not one of {}", part, fmt::join(words, ", ")));
     }
     return static_cast<std::size_t>(word - words.begin());
 }

@@ -29,10 +29,7 @@ std::uint16_t* Row16(const Picture& picture, std::size_t plane, std::int32_t y)
 Picture Unpack(const Picture& packed)
 {
     Picture planar = exporting::AllocatePicture(PictureLayout::Yuv422p10, packed.width, packed.height);
-    for (std::int32_t y = 0; y < packed.height; ++y) {
-        exporting::UnpackV210Row(packed.planes[0] + y * packed.rowBytes[0], packed.width, Row16(planar, 0, y),
-                                 Row16(planar, 1, y), Row16(planar, 2, y));
-    }
+    exporting::UnpackV210(packed.planes[0], packed.rowBytes[0], planar);
     return planar;
 }
 

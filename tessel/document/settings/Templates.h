@@ -16,7 +16,7 @@ struct Template {
 /// The first is what a new document is where nobody chooses. Static storage. Threads: [thread-safe].
 [[nodiscard]] std::span<const Template> AllTemplates() noexcept;
 
-/// Null where there is none of that name.
+/// Null where no template has that name.
 [[nodiscard]] const Template* TemplateNamed(std::string_view name) noexcept;
 
 } // namespace tessel::document

@@ -1,21 +1,24 @@
 #include "ChromaFilter.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace tessel::exporting {
 namespace {
 
+/// @param source  does not overlap `destination`: only then can the loop become vector code
 void HalveRow(const float* source, std::int32_t width, float* destination) noexcept
 {
-    const std::int32_t halved = (width + 1) / 2;
-    // Writing never overtakes reading: output x needs inputs 2x-1 .. 2x+1, and the left one is kept aside
-    // because output x may have replaced it.
-    float left = source[0];
-    for (std::int32_t x = 0; x < halved; ++x) {
-        const float centre = source[2 * x];
-        const float right = source[std::min(2 * x + 1, width - 1)];
-        destination[x] = (left + 2.0F * centre + right) * 0.25F;
-        left = right;
+    const auto weighted = [](float left, float centre, float right) {
+        return (left + 2.0F * centre + right) * 0.25F;
+    };
+    destination[0] = weighted(source[0], source[0], source[std::min(1, width - 1)]);
+    const std::int32_t pairs = width / 2;
+    for (std::int32_t x = 1; x < pairs; ++x) {
+        destination[x] = weighted(source[2 * x - 1], source[2 * x], source[2 * x + 1]);
+    }
+    if (width % 2 == 1 && width > 1) {
+        destination[pairs] = weighted(source[width - 2], source[width - 1], source[width - 1]);
     }
 }
 
@@ -30,13 +33,15 @@ std::int32_t KeepInField(std::int32_t row, std::int32_t height) noexcept
 
 } // namespace
 
-FloatPlane HalveWidth(FloatPlane plane, int times) noexcept
+FloatPlane HalveWidth(FloatPlane plane, int times)
 {
+    std::vector<float> row(static_cast<std::size_t>(plane.width));
     for (; times > 0; --times) {
         FloatPlane halved = plane;
         halved.width = (plane.width + 1) / 2;
         for (std::int32_t y = 0; y < plane.height; ++y) {
-            HalveRow(plane.Row(y), plane.width, halved.Row(y));
+            std::copy_n(plane.Row(y), plane.width, row.data());
+            HalveRow(row.data(), plane.width, halved.Row(y));
         }
         plane = halved;
     }

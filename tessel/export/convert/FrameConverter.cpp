@@ -1,16 +1,20 @@
 #include "FrameConverter.h"
 
+#include "BufferPool.h"
 #include "ChromaFilter.h"
 #include "Components.h"
 #include "MatrixConversion.h"
+#include "PixelOrder.h"
 #include "SourceFrame.h"
 #include "TargetPicture.h"
 #include "TransferFunction.h"
+#include "V210Packing.h"
 
 #include <tessel/export/ExportError.h>
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace tessel::exporting {
@@ -75,6 +79,46 @@ private:
     PictureLayout mTarget;
 };
 
+/// Pixels keep their samples, in another order.
+class FrameConverter::ReorderWay final : public Way {
+public:
+    ReorderWay(const PixelOrder& order, PictureLayout target) : mOrder(order), mTarget(target) {}
+
+    Picture Convert(const FrameView& frame) override
+    {
+        Picture picture = AllocatePicture(mTarget, frame.width, frame.height, mPool);
+        for (std::int32_t y = 0; y < frame.height; ++y) {
+            ReorderRow(frame.top + y * frame.rowBytes, frame.width, mOrder,
+                       picture.planes[0] + y * picture.rowBytes[0]);
+        }
+        return picture;
+    }
+
+private:
+    PixelOrder mOrder;
+    PictureLayout mTarget;
+    BufferPool mPool;
+};
+
+/// Packed samples of 10 bits become planes.
+class FrameConverter::UnpackWay final : public Way {
+public:
+    static bool Serves(const SourceInfo& source, PictureLayout target) noexcept
+    {
+        return source.kind.storage == Storage::V210 && target == PictureLayout::Yuv422p10;
+    }
+
+    Picture Convert(const FrameView& frame) override
+    {
+        Picture picture = AllocatePicture(PictureLayout::Yuv422p10, frame.width, frame.height, mPool);
+        UnpackV210(frame.top, frame.rowBytes, picture);
+        return picture;
+    }
+
+private:
+    BufferPool mPool;
+};
+
 /// Samples keep their values, or are widened by a power of two.
 class FrameConverter::MoveWay final : public Way {
 public:
@@ -98,14 +142,14 @@ public:
     Picture Convert(const FrameView& frame) override
     {
         mReader.Take(frame);
-        Picture picture = StartPicture(mTarget, frame.width, frame.height);
+        Picture picture = StartPicture(mTarget, frame.width, frame.height, mPool);
         const LayoutInfo& info = InfoOf(picture.layout);
         for (int component = 0; component < 3; ++component) {
             MoveSamples(mReader.Component(component), ComponentOf(picture, component),
                         info.bits - mSource.bits);
         }
         WriteAlpha(mSource, mReader.Component(3), info, ComponentOf(picture, 3), mAlpha);
-        return FinishPicture(mTarget, std::move(picture));
+        return FinishPicture(mTarget, std::move(picture), mPool);
     }
 
 private:
@@ -113,6 +157,7 @@ private:
     SourceInfo mSource;
     SourceReader mReader;
     AlignedBuffer mAlpha;
+    BufferPool mPool;
 };
 
 /// Through float planes: matrix and chroma upsampling by zimg, then chroma subsampling, then one rounding.
@@ -150,7 +195,7 @@ public:
     Picture Convert(const FrameView& frame) override
     {
         mReader.Take(frame);
-        Picture picture = StartPicture(mConversion.target, frame.width, frame.height);
+        Picture picture = StartPicture(mConversion.target, frame.width, frame.height, mPool);
         const LayoutInfo& info = InfoOf(picture.layout);
         if (mMatrix) {
             LoadThroughMatrix();
@@ -164,7 +209,7 @@ public:
             Store(component, info, sourceShift, ComponentOf(picture, component));
         }
         WriteAlpha(mSource, mReader.Component(3), info, ComponentOf(picture, 3), mAlpha);
-        return FinishPicture(mConversion.target, std::move(picture));
+        return FinishPicture(mConversion.target, std::move(picture), mPool);
     }
 
 private:
@@ -250,6 +295,9 @@ private:
 
     static void CloseGaps(const FloatPlane& plane, std::ptrdiff_t rowSamples) noexcept
     {
+        if (rowSamples == plane.width) {
+            return;
+        }
         for (std::int32_t y = 1; y < plane.height; ++y) {
             std::memmove(plane.Row(y), plane.samples + y * rowSamples,
                          static_cast<std::size_t>(plane.width) * sizeof(float));
@@ -266,6 +314,7 @@ private:
     std::array<AlignedBuffer, 3> mInputs;
     std::array<AlignedBuffer, 3> mPlanes;
     AlignedBuffer mAlpha;
+    BufferPool mPool;
 };
 
 FrameConverter::FrameConverter(const Conversion& conversion)
@@ -276,6 +325,10 @@ FrameConverter::FrameConverter(const Conversion& conversion)
     const bool keepsSamples = !NeedsMatrix(source, target, conversion.coding);
     if (KeepsBytes(conversion)) {
         mWay = std::make_unique<ShareWay>(conversion.target);
+    } else if (const std::optional<PixelOrder> order = PixelOrderFor(source, target); keepsSamples && order) {
+        mWay = std::make_unique<ReorderWay>(*order, conversion.target);
+    } else if (keepsSamples && UnpackWay::Serves(source, conversion.target)) {
+        mWay = std::make_unique<UnpackWay>();
     } else if (keepsSamples && MoveWay::Serves(source, target)) {
         mWay = std::make_unique<MoveWay>(conversion, source);
     } else {

@@ -41,6 +41,8 @@ public:
 private:
     class Way;
     class ShareWay;
+    class ReorderWay;
+    class UnpackWay;
     class MoveWay;
     class ComputeWay;
     BR::PixelFormat mSource;

@@ -1,6 +1,7 @@
 #include "Picture.h"
 
 #include "AlignedBuffer.h"
+#include "BufferPool.h"
 
 #include <cstring>
 
@@ -130,7 +131,11 @@ std::int64_t BytesOfRow(const LayoutInfo& info, int plane, std::int32_t planeWid
     return 0;
 }
 
-Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height)
+namespace {
+
+/// @param allocate  gives a shared `AlignedBuffer` of so many bytes
+template <class Allocate>
+Picture PictureIn(PictureLayout layout, std::int32_t width, std::int32_t height, const Allocate& allocate)
 {
     constexpr std::int64_t kRowAlignment = 64;
     const LayoutInfo& info = InfoOf(layout);
@@ -150,12 +155,25 @@ Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t h
         starts[index] = total;
         total += row * size.height;
     }
-    auto buffer = std::make_shared<AlignedBuffer>(static_cast<std::size_t>(total));
+    std::shared_ptr<AlignedBuffer> buffer = allocate(static_cast<std::size_t>(total));
     for (std::size_t plane = 0; plane < info.planes; ++plane) {
         picture.planes[plane] = buffer->Bytes() + starts[plane];
     }
     picture.owner = std::move(buffer);
     return picture;
+}
+
+} // namespace
+
+Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height)
+{
+    return PictureIn(layout, width, height,
+                     [](std::size_t size) { return std::make_shared<AlignedBuffer>(size); });
+}
+
+Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height, BufferPool& pool)
+{
+    return PictureIn(layout, width, height, [&pool](std::size_t size) { return pool.Take(size); });
 }
 
 bool IsSamePicture(const Picture& left, const Picture& right) noexcept

@@ -11,6 +11,8 @@
 
 namespace tessel::exporting {
 
+class BufferPool;
+
 /// Sample layouts that encoders take. Names follow FFmpeg's: 16-bit samples are little-endian unless the
 /// name ends in `be`.
 enum class PictureLayout : std::uint8_t {
@@ -65,7 +67,7 @@ struct LayoutInfo {
     std::uint8_t chromaShiftY; ///< log2 of vertical chroma subsampling
     /// R, G, B, A or Y', Cb, Cr, A; all empty for v210, which has no addressable samples.
     std::array<ComponentPlace, 4> components;
-    ComponentPlace filler; ///< the byte that says nothing, in layouts that have one
+    ComponentPlace filler; ///< the byte without meaning, in layouts that have one
 
     [[nodiscard]] bool HasAlpha() const noexcept { return components[3].plane >= 0; }
 };
@@ -96,6 +98,10 @@ struct PlaneSize {
 /// A picture with memory of its own: rows start on multiples of 64 bytes (v210: 128, as files have them),
 /// contents undefined.
 [[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height);
+
+/// The same in memory of a pool, to which it returns when the picture's last copy is gone.
+[[nodiscard]] Picture AllocatePicture(PictureLayout layout, std::int32_t width, std::int32_t height,
+                                      BufferPool& pool);
 
 /// Whether two pictures have the same layout, size and samples. Fast for pictures that share their memory, and
 /// for those that differ near the top.

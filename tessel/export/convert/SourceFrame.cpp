@@ -64,12 +64,7 @@ void SourceReader::Take(const FrameView& frame) noexcept
     if (mInfo.kind.storage != Storage::V210) {
         return;
     }
-    for (std::int32_t y = 0; y < frame.height; ++y) {
-        const auto row = [&](std::size_t plane) {
-            return reinterpret_cast<std::uint16_t*>(mUnpacked.planes[plane] + y * mUnpacked.rowBytes[plane]);
-        };
-        UnpackV210Row(frame.top + y * frame.rowBytes, frame.width, row(0), row(1), row(2));
-    }
+    UnpackV210(frame.top, frame.rowBytes, mUnpacked);
 }
 
 ComponentSource SourceReader::Component(int index) const noexcept

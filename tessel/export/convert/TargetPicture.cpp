@@ -15,12 +15,13 @@ double HighestCode(int bits) noexcept
 
 } // namespace
 
-Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height)
+Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height, BufferPool& pool)
 {
-    return AllocatePicture(target == PictureLayout::V210 ? PictureLayout::Yuv422p10 : target, width, height);
+    return AllocatePicture(target == PictureLayout::V210 ? PictureLayout::Yuv422p10 : target, width, height,
+                           pool);
 }
 
-Picture FinishPicture(PictureLayout target, Picture picture)
+Picture FinishPicture(PictureLayout target, Picture picture, BufferPool& pool)
 {
     if (target != PictureLayout::V210) {
         const ComponentPlace filler = InfoOf(target).filler;
@@ -31,7 +32,7 @@ Picture FinishPicture(PictureLayout target, Picture picture)
         }
         return picture;
     }
-    Picture packed = AllocatePicture(PictureLayout::V210, picture.width, picture.height);
+    Picture packed = AllocatePicture(PictureLayout::V210, picture.width, picture.height, pool);
     for (std::int32_t y = 0; y < picture.height; ++y) {
         const auto row = [&](std::size_t plane) {
             return reinterpret_cast<const std::uint16_t*>(picture.planes[plane] + y * picture.rowBytes[plane]);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "AlignedBuffer.h"
+#include "BufferPool.h"
 #include "Components.h"
 #include "Picture.h"
 #include "SourceFrame.h"
@@ -11,10 +12,11 @@
 namespace tessel::exporting {
 
 /// A picture to fill. Those of v210 are filled as planes, and packed by `FinishPicture`.
-[[nodiscard]] Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height);
+[[nodiscard]] Picture StartPicture(PictureLayout target, std::int32_t width, std::int32_t height,
+                                   BufferPool& pool);
 
 /// The picture of layout `target` once its components are written.
-[[nodiscard]] Picture FinishPicture(PictureLayout target, Picture picture);
+[[nodiscard]] Picture FinishPicture(PictureLayout target, Picture picture, BufferPool& pool);
 
 /// Rounding of a component from the domain that its floats are in to the target's codes.
 /// @param sourceBits  integer codes of so many bits, or 32 for normalised values

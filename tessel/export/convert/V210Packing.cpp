@@ -1,5 +1,6 @@
 #include "V210Packing.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -18,28 +19,49 @@ using Words = std::array<std::uint32_t, 4>;
 /// The twelve samples of a group in their order of appearance.
 using GroupSamples = std::array<std::uint16_t, 12>;
 
+/// Cb Y Cr Y, three times.
+void UnpackGroup(const std::byte* packed, std::uint16_t* luma, std::uint16_t* cb, std::uint16_t* cr) noexcept
+{
+    Words words;
+    std::memcpy(words.data(), packed, kBytesPerGroup);
+    const auto sample = [&words](std::size_t index) {
+        return static_cast<std::uint16_t>((words[index / 3] >> (10 * (index % 3))) & kSampleMask);
+    };
+    for (std::size_t pair = 0; pair < 3; ++pair) {
+        cb[pair] = sample(4 * pair);
+        luma[2 * pair] = sample(4 * pair + 1);
+        cr[pair] = sample(4 * pair + 2);
+        luma[2 * pair + 1] = sample(4 * pair + 3);
+    }
+}
+
 } // namespace
 
 void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* luma, std::uint16_t* cb,
                    std::uint16_t* cr) noexcept
 {
-    for (std::int32_t x = 0; x < width; x += kPixelsPerGroup, packed += kBytesPerGroup) {
-        Words words;
-        std::memcpy(words.data(), packed, kBytesPerGroup);
-        GroupSamples samples;
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            samples[i] = static_cast<std::uint16_t>((words[i / 3] >> (10 * (i % 3))) & kSampleMask);
-        }
-        // Cb Y Cr Y, three times.
-        for (std::int32_t pair = 0; pair < 3 && x + 2 * pair < width; ++pair) {
-            const std::size_t first = 4 * static_cast<std::size_t>(pair);
-            cb[x / 2 + pair] = samples[first];
-            luma[x + 2 * pair] = samples[first + 1];
-            cr[x / 2 + pair] = samples[first + 2];
-            if (x + 2 * pair + 1 < width) {
-                luma[x + 2 * pair + 1] = samples[first + 3];
-            }
-        }
+    std::int32_t x = 0;
+    for (; x + kPixelsPerGroup <= width; x += kPixelsPerGroup, packed += kBytesPerGroup) {
+        UnpackGroup(packed, luma + x, cb + x / 2, cr + x / 2);
+    }
+    if (x < width) {
+        std::array<std::uint16_t, kPixelsPerGroup> lastLuma;
+        std::array<std::uint16_t, kPixelsPerGroup / 2> lastCb;
+        std::array<std::uint16_t, kPixelsPerGroup / 2> lastCr;
+        UnpackGroup(packed, lastLuma.data(), lastCb.data(), lastCr.data());
+        std::copy_n(lastLuma.begin(), width - x, luma + x);
+        std::copy_n(lastCb.begin(), (width - x + 1) / 2, cb + x / 2);
+        std::copy_n(lastCr.begin(), (width - x + 1) / 2, cr + x / 2);
+    }
+}
+
+void UnpackV210(const std::byte* packed, std::ptrdiff_t rowBytes, const Picture& planes) noexcept
+{
+    for (std::int32_t y = 0; y < planes.height; ++y) {
+        const auto row = [&](std::size_t plane) {
+            return reinterpret_cast<std::uint16_t*>(planes.planes[plane] + y * planes.rowBytes[plane]);
+        };
+        UnpackV210Row(packed + y * rowBytes, planes.width, row(0), row(1), row(2));
     }
 }
 

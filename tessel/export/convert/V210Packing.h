@@ -13,6 +13,10 @@ namespace tessel::exporting {
 void UnpackV210Row(const std::byte* packed, std::int32_t width, std::uint16_t* luma, std::uint16_t* cb,
                    std::uint16_t* cr) noexcept;
 
+/// Unpacks as many rows as a picture of three planes (yuv422p10le) has.
+/// @param rowBytes  from one packed row to the next; may be negative
+void UnpackV210(const std::byte* packed, std::ptrdiff_t rowBytes, const Picture& planes) noexcept;
+
 /// Packs one row into `V210RowBytes(width)` bytes; samples beyond the picture are 0.
 void PackV210Row(const std::uint16_t* luma, const std::uint16_t* cb, const std::uint16_t* cr,
                  std::int32_t width, std::byte* packed) noexcept;

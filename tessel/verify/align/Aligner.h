@@ -13,7 +13,7 @@
 namespace tessel::verify::align {
 
 /// By the printed number where the clip prints one; else by colours that move from frame to frame; else by
-/// presentation time, which says nothing about the order. Threads: one object, one thread at a time.
+/// presentation time, from which a wrong order cannot be seen. Threads: one object, one thread at a time.
 class Aligner {
 public:
     /// @param source         borrowed

@@ -13,7 +13,7 @@ namespace tessel::verify::read {
 
 [[nodiscard]] SampleFormat FormatFacts(const AVPixFmtDescriptor& format);
 
-/// Everything but the sound. @param codec,stream  of the pictures; null: there are none
+/// Everything but the sound. @param codec,stream  of the pictures; null for a movie without pictures
 void FillFacts(MovieFacts& facts, const AVFormatContext& input, const AVCodecContext* codec, AVStream* stream);
 
 /// Adds one sound stream to those before it.

@@ -116,7 +116,7 @@ class Tags(RenderTest):
             for size, rate in (((720, 576), (25, 1)), ((720, 480), (30000, 1001))):
                 path = self.render(document("uyvy", size, rate, 2, order), "x.mxf", "--video-only")
                 self.assertEqual(self.probe(path)["field_order"], name, size)
-        # The container of these says nothing, their pictures do.
+        # These containers have no field for it; the pictures themselves carry it.
         for code, size, codec in (("uyvy", (720, 576), "h264"), ("dvp5", (720, 576), "dv"), ("dvp2", (720, 576), "dv")):
             for order in (1, 2):
                 path = self.render(document(code, size, (25, 1), 2, order), "x.mxf", "--video-only", "--video-codec", codec)

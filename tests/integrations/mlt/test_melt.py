@@ -177,6 +177,26 @@ class Projects(MeltTest):
         answer = self.run_command([MELT, "-silent", "broken.tessel", "-consumer", "null"], self.environment)
         self.assertIn("broken.tessel: line 1", answer.err)
 
+    def test_what_cannot_be_played_is_refused_when_it_is_opened(self):
+        # melt would otherwise show black for a chart of a wrong size, and never end for a rate of 0.
+        for says, changes in (("frame 0: a swatch chart needs a frame of 1920x1080", {"mRenderFormat": 2}),
+                              ("mVideoFrameRate is no frame rate that can be played",
+                               {"mVideoFrameRate": {"ticksperframe": 0}}),
+                              ("100000 x 100000 pixels are more than MLT holds", {"mFrameWidth": 100000,
+                                                                                 "mFrameHeight": 100000}),
+                              ("the clip has neither picture nor sound", {"mFrameWidth": 0, "mNumChannels": 0})):
+            with self.subTest(says=says):
+                clip = self.clip(**changes)
+                answer = self.run_command(["timeout", "-k", "1", "20", MELT, "-silent", clip, "out=0", "-consumer",
+                                           "avformat:out.nut", "vcodec=rawvideo", "real_time=-1"], self.environment)
+                self.assertIn(f"{clip}: {says}", answer.err)
+                self.assertFalse(os.path.exists(self.path("out.nut")))
+
+    def test_a_clip_with_sound_that_cannot_be_had_shows_its_pictures(self):
+        clip = self.clip(mNumChannels=65)
+        answer = self.melt(clip, "out=2", "-consumer", "avformat:out.nut", "vcodec=rawvideo", "real_time=-1")
+        self.assertNotIn("[producer tessel]", answer.err)
+
     def test_metadata_tells_what_the_producer_is(self):
         os.makedirs(self.path("data"))
         for name in os.listdir("/usr/share/mlt-7"):

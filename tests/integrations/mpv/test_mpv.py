@@ -138,6 +138,21 @@ class Failures(MpvTest):
                 self.assertEqual(len(lines), 1, answer.out + answer.err)
                 self.assertIn(name, lines[0])
 
+    def test_a_clip_that_is_no_movie_is_named(self):
+        name = self.write("clip.tessel", document(mVideoDuration={"ticks": 0}))
+        answer = self.mpv(name)
+        self.assertEqual(answer.code, 2)
+        self.assertIn("[tessel] clip.tessel: the clip has no frames", answer.out + answer.err)
+
+    def test_a_clip_with_sound_that_cannot_be_had_shows_its_pictures_and_says_so(self):
+        for changes in ({"mNumChannels": 65}, {"mNumChannels": 2, "mSampleRate": 44100.5}):
+            with self.subTest(**changes):
+                name = self.write("clip.tessel", document(**changes))
+                answer = self.mpv("--untimed", "--frames=2", name)
+                self.assertEqual(answer.code, 0, answer.out + answer.err)
+                self.assertIn("[tessel] clip.tessel: plays without sound:", answer.out + answer.err)
+                self.assertIn("Video --vid=1", answer.out)
+
     def test_a_document_that_is_removed_while_it_plays_goes_on(self):
         name = self.new(*SMALL)
         self.render(name, "rendered.mov", "--video-codec", "raw")

@@ -87,6 +87,25 @@ class New(PackageTest):
         with self.assertRaisesRegex(tessel.OpenError, "missing.tessel"):
             tessel.Clip.new(base=self.path("missing.tessel"))
 
+    def test_a_value_of_a_wrong_type_is_refused_with_the_setting_s_name(self):
+        for says, wrong in (("size must be", {"size": 5}), ("size must be", {"size": (1920, 1080, 3)}),
+                            ("colors must be", {"colors": 5}), ("colors must be", {"colors": [7]}),
+                            ("tone must be", {"tone": 1000}), ("fields must be", {"fields": 1.5}),
+                            ("swatches must be", {"swatches": 3}), ("swatches must be", {"swatches": [3]}),
+                            ("template must be", {"template": 7}), ("base must be", {"base": b"clip.tessel"})):
+            with self.subTest(**wrong):
+                with self.assertRaisesRegex(TypeError, f"^{says}"):
+                    tessel.Clip.new(**wrong)
+        with self.assertRaisesRegex(tessel.SettingError, "fields: must be .*, not 7"):
+            tessel.Clip.new(fields=7)
+
+    def test_the_words_of_the_program_are_taken_too(self):
+        for number, drawn in ((True, True), ("on", True), (False, False), ("off", False)):
+            with self.subTest(number=number):
+                self.assertEqual(self.made(tessel.Clip.new(number=number))["mDrawFrameFieldNumber"], drawn)
+        with self.assertRaisesRegex(tessel.SettingError, "number"):
+            tessel.Clip.new(number="perhaps")
+
     def test_remarks_are_warnings(self):
         # A second has 254016000000 ticks, and 254016000000 / 24.7 is no whole number.
         self.assertIn("whole number of ticks", tessel.Clip.new(rate=24.7, duration=5).warning)

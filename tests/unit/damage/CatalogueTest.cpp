@@ -68,7 +68,7 @@ TEST(FaultCatalogue, WrongValuesAreRefusedInOneLineThatSaysWhatWouldBeRight)
               "--fault order.missing=100: 100 is not within 0 to 99; the value is FRAME");
     EXPECT_EQ(
         Refusal("color.matrix=bt601"),
-        "--fault color.matrix=bt601: 'bt601' is none of 601, 709, 2020, 240; the value is 601|709|2020|240");
+        "--fault color.matrix=bt601: 'bt601' is not one of 601, 709, 2020, 240; the value is 601|709|2020|240");
     EXPECT_EQ(Refusal("fields.swapped"),
               "--fault fields.swapped=: the clip is progressive: only interlaced clips have fields");
 }

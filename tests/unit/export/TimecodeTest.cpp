@@ -51,7 +51,7 @@ TEST(Timecode, DropFrameNumbersAreEachUsedOnceADay)
     }
 }
 
-TEST(Timecode, WhatIsNoneIsRefused)
+TEST(Timecode, TextThatIsNoTimecodeIsRefused)
 {
     for (const char* text :
          {"", "1:00:00:00", "10:00:00", "10:00:00:0", "10:00:00.00", "aa:00:00:00", "24:00:00:00",

@@ -217,7 +217,8 @@ TEST_F(FileReplacementPosix, WhatAKilledSaveLeavesIsGoneAfterTheNextOne)
         return raise(SIGKILL);
     });
     ASSERT_EQ(killed, -SIGKILL);
-    // Files without a name vanish by themselves; where there are none, the next save finds this.
+    // Temporary files without a name vanish by themselves. On a file system that cannot make such files, the
+    // next save removes this one.
     WriteFile(mFolder / ".kestrel-0123456789abcdef.tmp", "half");
     fs::create_directory(mFolder / ".kestrel-fedcba9876543210.tmp");
     WriteFile(mFolder / ".kestrel-fedcba9876543210.tmp/picture", "half");

@@ -149,7 +149,8 @@ private:
     }
 
     /// A field that is left alone: lost where the movie still says that it has two, else made progressive.
-    /// Where the movie says nothing, doubled rows are a loss and interpolated ones are made on purpose.
+    /// Where the movie does not tag its fields, doubled rows are a loss and interpolated ones are made on
+    /// purpose.
     [[nodiscard]] bool IsLoss() const noexcept
     {
         return mGiven.movie.fields == read::FieldOrder::Unknown ? mDecision.best.missing == MissingRows::Doubled

@@ -61,8 +61,8 @@ struct MixMatch {
     double runnerUpResidual = 1;
 };
 
-/// The known matrix that comes nearest, whatever its overall gain; an empty name where there is none of that
-/// shape.
+/// The known matrix that comes nearest, whatever its overall gain; an empty name where no known matrix has
+/// as many inputs and outputs.
 [[nodiscard]] MixMatch NearestMix(const MixFit& fit, std::size_t clipChannels);
 
 } // namespace tessel::verify::judge

@@ -9,7 +9,7 @@
 namespace tessel::verify::judge {
 
 struct ChromaFit {
-    int edges = 0;            ///< that are compared; the rest means nothing where there are none
+    int edges = 0;            ///< that are compared; with 0, the other members mean nothing
     int places = 0;           ///< columns or rows in which they are
     double plainResidual = 0; ///< of the edges as they should be, in parts of their height
     double shift = 0;         ///< chroma lies so many luma samples further right or down
