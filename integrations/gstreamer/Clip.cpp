@@ -30,6 +30,11 @@ OpenedClip Describe(std::unique_ptr<tessel_clip, CloseClip> handle, const std::s
             return {nullptr, NamedError(name)};
         }
     }
+    if (clip->facts.channel_count > 0 && !clip->HasSound()) {
+        clip->remark =
+            name +
+            ": plays without sound: it has more than 64 channels, or a sample rate that is no whole number";
+    }
     clip->handle = std::move(handle);
     if (!clip->own && !clip->HasSound()) {
         return {nullptr, name + ": the clip has neither picture nor sound"};

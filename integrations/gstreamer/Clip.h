@@ -21,8 +21,9 @@ struct Clip {
     tessel_description facts{};
     std::optional<tessel_picture> own; ///< the plug-in's own frames; nothing where the clip has no picture
 
+    std::string remark; ///< what people should know of it, with the document's name; mostly empty
+
     [[nodiscard]] bool HasSound() const noexcept;
-    [[nodiscard]] const char* Warning() const noexcept { return tessel_warning(handle.get()); }
 };
 
 using ClipPointer = std::shared_ptr<const Clip>;

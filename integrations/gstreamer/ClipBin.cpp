@@ -336,8 +336,8 @@ GType ClipBinType()
 void ShowClip(TesselClipBin* bin, const ClipPointer& clip, guint groupId)
 {
     ClipBinState& state = *bin->state;
-    if (clip->Warning()[0] != '\0') {
-        GST_ELEMENT_WARNING(bin, RESOURCE, READ, ("%s", clip->Warning()), (nullptr));
+    if (!clip->remark.empty()) {
+        GST_ELEMENT_WARNING(bin, STREAM, FORMAT, ("%s", clip->remark.c_str()), (nullptr));
     }
     const auto pace = std::make_shared<Pace>();
     if (clip->own) {

@@ -85,6 +85,13 @@ std::shared_ptr<OpenClip> OpenClip::Open(const char* path)
                       obstacle.c_str());
         return nullptr;
     }
+    if (opened->Facts().channel_count > 0 && !opened->HasSound()) {
+        mlt_log_warning(
+            nullptr,
+            "[producer tessel] %s: plays without sound: it has more than 64 channels, or a sample rate "
+            "that is no whole number\n",
+            path);
+    }
     return opened;
 }
 

@@ -350,6 +350,87 @@ TEST_F(StreamTest, StatesMayGoUpAndDownManyTimesAndSeeksMayStorm)
     }
 }
 
+/// Answers the question for memory as an element does that wants room around its rows.
+GstPadProbeReturn OfferPool(GstPad* /*pad*/, GstPadProbeInfo* probe, gpointer /*data*/)
+{
+    GstQuery* const query = GST_PAD_PROBE_INFO_QUERY(probe);
+    if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION) {
+        return GST_PAD_PROBE_OK;
+    }
+    GstCaps* caps = nullptr;
+    gst_query_parse_allocation(query, &caps, nullptr);
+    GstVideoInfo info;
+    EXPECT_TRUE(gst_video_info_from_caps(&info, caps));
+    GstVideoAlignment room;
+    gst_video_alignment_reset(&room);
+    room.padding_top = 2;
+    room.padding_left = 32;
+    room.padding_right = 48;
+    GstBufferPool* const pool = gst_video_buffer_pool_new();
+    GstStructure* const config = gst_buffer_pool_get_config(pool);
+    gst_buffer_pool_config_set_params(config, caps, static_cast<guint>(GST_VIDEO_INFO_SIZE(&info)), 0, 0);
+    gst_buffer_pool_config_add_option(config, GST_BUFFER_POOL_OPTION_VIDEO_META);
+    gst_buffer_pool_config_add_option(config, GST_BUFFER_POOL_OPTION_VIDEO_ALIGNMENT);
+    gst_buffer_pool_config_set_video_alignment(config, &room);
+    EXPECT_TRUE(gst_buffer_pool_set_config(pool, config));
+    gst_query_add_allocation_pool(query, pool, static_cast<guint>(GST_VIDEO_INFO_SIZE(&info)), 0, 0);
+    gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
+    gst_object_unref(pool);
+    return GST_PAD_PROBE_HANDLED;
+}
+
+/// A picture without what lies between its rows.
+struct Pixels {
+    std::string bytes;
+    int stride = 0; ///< of the first plane
+};
+
+Pixels PixelsOf(GstSample* sample)
+{
+    GstVideoInfo info;
+    GstVideoFrame frame;
+    EXPECT_TRUE(gst_video_info_from_caps(&info, gst_sample_get_caps(sample)));
+    EXPECT_TRUE(gst_video_frame_map(&frame, &info, gst_sample_get_buffer(sample), GST_MAP_READ));
+    Pixels pixels;
+    pixels.stride = GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0);
+    for (guint component = 0; component < GST_VIDEO_FRAME_N_COMPONENTS(&frame); ++component) {
+        const guint8* row = GST_VIDEO_FRAME_COMP_DATA(&frame, component);
+        for (int line = 0; line < GST_VIDEO_FRAME_COMP_HEIGHT(&frame, component); ++line) {
+            pixels.bytes.append(reinterpret_cast<const char*>(row),
+                                static_cast<std::size_t>(GST_VIDEO_FRAME_COMP_WIDTH(&frame, component)));
+            row += GST_VIDEO_FRAME_COMP_STRIDE(&frame, component);
+        }
+    }
+    gst_video_frame_unmap(&frame);
+    gst_sample_unref(sample);
+    return pixels;
+}
+
+TEST_F(StreamTest, PicturesArePaintedIntoThePoolOfDownstreamByItsStrides)
+{
+    const std::string file = mFolder.Write("clip.tessel", Clip().Text()).string();
+    const auto shown = [&](bool hasPool) {
+        Close();
+        const std::string line =
+            "tesselsrc location=" + file + " ! video/x-raw,format=I420 ! appsink name=video sync=false";
+        mPipeline = gst_parse_launch(line.c_str(), nullptr);
+        mVideo = gst_bin_get_by_name(GST_BIN(mPipeline), "video");
+        if (hasPool) {
+            GstPad* const pad = gst_element_get_static_pad(mVideo, "sink");
+            gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM, &OfferPool, nullptr, nullptr);
+            gst_object_unref(pad);
+        }
+        gst_element_set_state(mPipeline, GST_STATE_PAUSED);
+        GstSample* const sample = gst_app_sink_try_pull_preroll(GST_APP_SINK(mVideo), 10 * GST_SECOND);
+        EXPECT_NE(sample, nullptr);
+        return sample != nullptr ? PixelsOf(sample) : Pixels();
+    };
+    const Pixels usual = shown(false);
+    const Pixels inPool = shown(true);
+    EXPECT_GE(inPool.stride, usual.stride + 32 + 48);
+    EXPECT_TRUE(inPool.bytes == usual.bytes);
+}
+
 TEST_F(StreamTest, AFormatThatTheClipCannotHaveIsAnError)
 {
     mFile = mFolder.Write("clip.tessel", Clip().Text());

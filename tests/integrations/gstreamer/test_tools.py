@@ -254,6 +254,15 @@ class Failures(GStreamerTest):
         self.write("still.tessel", document(mVideoFrameRate={"ticksperframe": 0}))
         self.assert_one_error("tesselsrc location=still.tessel ! fakesink", "still.tessel", "mVideoFrameRate")
 
+    def test_a_clip_with_sound_that_cannot_be_had_shows_its_pictures_and_says_so(self):
+        for changes in ({"mNumChannels": 65}, {"mNumChannels": 2, "mSampleRate": 44100.5}):
+            with self.subTest(**changes):
+                self.write("clip.tessel", document(**{**PAL, **changes}))
+                # With -q gst-launch keeps warnings to itself.
+                answer = self.run_command([os.environ["GST_LAUNCH"], *"tesselsrc location=clip.tessel ! fakesink".split()])
+                self.assertEqual(answer.code, 0)
+                self.assertIn("clip.tessel: plays without sound:", answer.out + answer.err)
+
     def test_what_is_missing_is_named(self):
         self.assert_one_error("tesselsrc location=missing.tessel ! fakesink", "missing.tessel")
         self.assert_one_error("tesselsrc ! fakesink", "location")
