@@ -2,6 +2,7 @@
 
 #include <tessel/verify/align/Aligner.h>
 #include <tessel/verify/judge/color/ColorJudge.h>
+#include <tessel/verify/judge/color/Resemblance.h>
 #include <tessel/verify/judge/color/RightCodings.h>
 #include <tessel/verify/judge/color/detail/DetailJudge.h>
 #include <tessel/verify/judge/container/ContainerJudge.h>
@@ -40,9 +41,6 @@ Tolerances TolerancesOf(const read::MovieFacts& movie, const VerifyJob& job)
 
 /// Of every so many pictures one is measured, unless all are asked for.
 constexpr std::int64_t kMeasuredEvery = 25;
-
-/// Colours this far from every explanation are those of something else, in 8-bit codes.
-constexpr double kOtherColors = 18;
 
 /// What the closed list knows to be done to colours, as aligners use it.
 std::vector<align::ColorChange> ColorChangesOf(const reference::ClipFacts& clip,
@@ -184,14 +182,15 @@ private:
         }
     }
 
-    /// No number is the clip's and no explanation brings the colours near; without numbers, the colours alone.
     [[nodiscard]] bool ShowsSomethingElse() const
     {
-        if (!mMovie.picture || !mClip.hasPicture || (mPrintsNumbers && mHasMatch)) {
+        if (!mMovie.picture || !mClip.hasPicture) {
             return false;
         }
-        const judge::ColorSampler& sampler = mPrintsNumbers ? mGuessed : mColors;
-        return judge::UnexplainedColor({mClip, *mMovie.picture, sampler}) > kOtherColors;
+        const bool isRead = mPrintsNumbers && mHasMatch;
+        const judge::ColorSampler& sampler = mPrintsNumbers && !mHasMatch ? mGuessed : mColors;
+        return judge::ShowsOtherColors({mClip, *mMovie.picture, sampler},
+                                       isRead ? judge::FrameSource::Numbers : judge::FrameSource::Guess);
     }
 
     void JudgeAll(const align::Alignment& alignment, Findings& findings, Report& report)
@@ -202,7 +201,7 @@ private:
         }
         judge::JudgeContainer({mClip, mMovie, alignment, mSoundSamples, mJob.isStrict, detail.chroma},
                               findings);
-        judge::JudgeOrder(alignment, findings, report.alignment);
+        judge::JudgeOrder(alignment, FramesPerPicture(), findings, report.alignment);
         if (mMovie.picture && mClip.hasPicture) {
             findings.AsExpected(id::kSignalOther);
             judge::JudgeGeometry(mGeometry, alignment, mAligner.Numbers(), *mMovie.picture, findings);
@@ -211,6 +210,17 @@ private:
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
         }
         JudgeSound(alignment, findings, report);
+    }
+
+    /// Frames of the clip in the time of one of the movie's pictures; 1 where the movie states no rate.
+    [[nodiscard]] double FramesPerPicture() const
+    {
+        if (!mMovie.picture || mClip.rate.numerator <= 0) {
+            return 1;
+        }
+        const read::PictureFacts& movie = *mMovie.picture;
+        const read::Rational& rate = movie.averageRate.numerator > 0 ? movie.averageRate : movie.rate;
+        return rate.numerator > 0 ? mClip.rate.Value() / rate.Value() : 1;
     }
 
     void JudgeSound(const align::Alignment& alignment, Findings& findings, Report& report)

@@ -340,9 +340,11 @@ constexpr std::array kOfConstantRate{id::kContainerRate, id::kContainerDuration,
                                      id::kSyncDrift};
 constexpr std::array kOfMissing{id::kContainerDuration, id::kSyncOffset, id::kSyncDrift,
                                 id::kContainerConstantRate};
+// Conversions of the rate may blend frames.
 constexpr std::array kOfCadence{id::kContainerRate,   id::kContainerDuration, id::kContainerConstantRate,
                                 id::kOrderMissing,    id::kOrderRepeated,     id::kOrderFrozen,
-                                id::kOrderUnreadable, id::kFieldsShifted,     id::kSyncDrift};
+                                id::kOrderUnreadable, id::kFieldsShifted,     id::kSyncDrift,
+                                TESSEL_LIKENESS};
 constexpr std::array kOfHead{id::kContainerDuration, id::kContainerStart, id::kSyncOffset};
 constexpr std::array kOfTail{id::kContainerDuration};
 // Rows of the other field have its colours.

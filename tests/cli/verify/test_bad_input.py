@@ -67,10 +67,32 @@ class BadInput(VerifyTest):
                 self.expect(self.verify(root, other), "signal.other")
 
     def test_a_movie_of_one_colour_is_something_else(self):
-        for color in ("black", "white"):
+        for color in ("black", "white", "gray", "0x303030", "red"):
             with self.subTest(color):
                 other = self.generated(f"{color}.mp4", f"color={color}:s=320x180:r=25", "-t", "1")
                 self.expect(self.verify(gradient(frames=24), other), "signal.other")
+
+    def test_noise_is_something_else(self):
+        for name, planes in (("grey", "random(1)*255:128:128"), ("colour", "random(1)*255:random(2)*255:random(3)*255")):
+            with self.subTest(name):
+                other = self.generated(f"{name}.mkv", f"nullsrc=s=320x180:r=25,geq={planes}", "-t", "1", "-c:v", "ffv1")
+                self.expect(self.verify(gradient(frames=24), other), "signal.other")
+
+    def test_another_clip_with_numbers_of_its_own_is_something_else(self):
+        root = gradient(frames=24)
+        other = gradient(frames=24)
+        for key, color in (("mTopGradiantColorStart", (0.1, 0.1, 0.8)), ("mTopGradiantColorEnd", (0.0, 0.9, 0.9)),
+                           ("mBottomGradiantColorStart", (0.9, 0.9, 0.1)), ("mBottomGradiantColorEnd", (0.2, 0.0, 0.6))):
+            red, green, blue = color
+            other[key] = {"mAlphaPart": 1.0, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
+        self.expect(self.verify(root, self.render(other, "other.mkv")), "signal.other")
+
+    def test_the_clip_under_a_curve_is_still_the_clip(self):
+        # A strong contrast curve is not on the closed list, but the numbers and the order of the greys remain.
+        root = gradient(frames=24)
+        curve = "curves=all='0/0 0.4/0.05 0.6/0.95 1/1'"
+        graded = self.ffmpeg(self.render(root, "whole.mkv"), "graded.mkv", "-vf", curve)
+        self.assertNotIn("signal.other", self.ids(self.verify(root, graded)))
 
     def test_damaged_packets_end_with_a_verdict_and_a_note(self):
         root = gradient(frames=60)

@@ -16,6 +16,14 @@ class Color(VerifyTest):
         self.assertIn("codes are BT.601", finding["message"])
         self.assertIn("fidelity.exact", [inner["id"] for inner in finding["consequences"]])
 
+    def test_a_matrix_that_moves_codes_by_the_tolerance_is_named_where_it_alone_explains_them(self):
+        # BT.2020 moves these colours by two codes, and H.264 is allowed 2.5.
+        root = gradient("v211", (384, 216))
+        movie = self.path("of2020.mp4")
+        self.run_tessel("damage", self.save(root), "--fault", "color.matrix=2020", "-o", movie, "--video-codec", "h264",
+                        "--quality", "23")
+        self.assertEqual(self.expect(self.verify(root, movie), "color.matrix")["found"], "BT.2020")
+
     def test_matrix_tag_alone(self):
         root = gradient("v211", (480, 270))
         report = self.verify(root, self.filtered(root, "setparams=colorspace=smpte170m", "-colorspace", "smpte170m"))

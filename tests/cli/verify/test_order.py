@@ -46,6 +46,20 @@ class Order(VerifyTest):
         self.assertAlmostEqual(finding["found"], 1.2, places=2)
         self.assertIn("container.rate", [inner["id"] for inner in finding["consequences"]])
 
+    def test_cadence_of_a_conversion_that_blends(self):
+        root = gradient("v211")
+        whole = self.render(root, "whole.mkv")
+        tags = ("-color_primaries", "1", "-color_trc", "1", "-colorspace", "1", "-color_range", "tv")
+        for rate in (24, 30, 50):
+            with self.subTest(rate):
+                damaged = self.ffmpeg(whole, f"{rate}.mkv", "-vf", f"framerate={rate}", *tags)
+                finding = self.expect(self.verify(root, damaged), "order.cadence")
+                self.assertAlmostEqual(finding["found"], rate / 25, places=2)
+                self.assertIn("container.rate", [inner["id"] for inner in finding["consequences"]])
+
+    def test_another_rate_alone_is_no_cadence(self):
+        self.fault("setpts=N/24/TB", "container.rate", arguments=("-r", "24"))
+
     def test_trimmed_head_and_tail(self):
         root = gradient()
         whole = self.render(root, "whole.mkv", "--video-only")

@@ -96,7 +96,8 @@ class OwnFaults(Sound):
         self.assertAlmostEqual(finding["found"], 1.04, delta=finding["uncertainty"] + 1e-8)
         finding = self.fault(stereo, "audio.drift=100")
         self.assertAlmostEqual(finding["found"], 100, delta=finding["uncertainty"] + 0.01)
-        for fault in ("audio.lost=480", "audio.lost=501:4", "audio.inserted=480", "audio.inserted=13:2.5"):
+        for fault in ("audio.lost=480", "audio.lost=501:4", "audio.inserted=480", "audio.inserted=13:2.5",
+                      "audio.inserted=1000:3.3", "audio.inserted=1000:5", "audio.lost=1000:5"):
             finding = self.fault(root, fault)
             count, _, seconds = fault.partition("=")[2].partition(":")
             self.assertAlmostEqual(finding["found"], int(count), delta=finding["uncertainty"])

@@ -28,10 +28,10 @@ Frames operator+(Frames left, const Frames& right)
 /// Kind, picture, pictures, frame, frames; without what is in its place.
 using Brief = std::tuple<std::string_view, int, int, int, int>;
 
-std::vector<Brief> FaultsOf(const Frames& shown, std::int64_t frameCount)
+std::vector<Brief> FaultsOf(const Frames& shown, std::int64_t frameCount, double framesPerPicture = 1)
 {
     std::vector<Brief> faults;
-    for (const EditStep& step : MakeEditScript(shown, frameCount).steps) {
+    for (const EditStep& step : MakeEditScript(shown, frameCount, framesPerPicture).steps) {
         if (step.kind != "shown") {
             std::string_view name;
             for (const std::string_view known : id::kAll) {
@@ -146,6 +146,37 @@ TEST(EditScript, NamesConversionsOfTheRate)
     }
     EXPECT_EQ(MakeEditScript(slower, 60).cadence, "1 of every 5 frames are left out");
     EXPECT_EQ(FaultsOf(slower, 60).size(), 1U);
+}
+
+TEST(EditScript, NamesConversionsWhosePicturesBetweenShowNoFrame)
+{
+    // 24 to 48 frames per second: between two frames stands a blend of both, and the last frame is held.
+    Frames shown;
+    for (std::int64_t frame = 0; frame < 30; ++frame) {
+        shown.push_back(frame);
+        shown.push_back(frame < 29 ? -1 : 29);
+    }
+    const EditScript script = MakeEditScript(shown, 30, 0.5);
+    EXPECT_NEAR(script.cadenceRatio, 2, 1e-9);
+    EXPECT_NE(script.cadence.find("29 are of no single frame"), std::string::npos) << script.cadence;
+    EXPECT_EQ(FaultsOf(shown, 30, 0.5), (Briefs{{id::kOrderCadence, 0, 60, 0, 30}}));
+    // At the clip's own rate the same pictures have been put in.
+    EXPECT_EQ(std::get<0>(FaultsOf(shown, 30).front()), id::kOrderInserted);
+}
+
+TEST(EditScript, NamesConversionsTooShortForTheirPattern)
+{
+    // 24 to 25: each 24th frame twice, so that 30 frames repeat one or two.
+    Frames shown;
+    for (std::int64_t picture = 0; picture < 31; ++picture) {
+        shown.push_back(picture * 24 / 25);
+    }
+    EXPECT_EQ(FaultsOf(shown, 30, 24.0 / 25), (Briefs{{id::kOrderCadence, 0, 31, 0, 29}}));
+    // By the nearest frame, one is repeated.
+    EXPECT_EQ(FaultsOf(Counting(0, 12) + Counting(11, 30), 30, 24.0 / 25),
+              (Briefs{{id::kOrderCadence, 0, 31, 0, 30}}));
+    // The same frames, each once, at the other rate.
+    EXPECT_TRUE(FaultsOf(Counting(0, 30), 30, 24.0 / 25).empty());
 }
 
 TEST(EditScript, ThreeSingleLossesAreNoPattern)

@@ -48,6 +48,10 @@ double PlaceNoise(const ColorCase& given)
 /// A picture whose chroma is multiplied by less than this counts as grey.
 constexpr double kNoChroma = 0.02;
 
+/// An explanation that leaves so much less than none is right, though the codes are off by no more than about
+/// the tolerance.
+constexpr double kPlainlyBetter = 3;
+
 /// The judgement of one movie's colours.
 class Judging {
 public:
@@ -129,6 +133,13 @@ private:
     [[nodiscard]] bool IsVisible(const Hypothesis& hypothesis) const
     {
         return DistanceOf(mList.front(), hypothesis, mPairs) > mTolerance + mNoise;
+    }
+
+    /// Not where a colour without alpha is multiplied by it.
+    [[nodiscard]] bool ChangesColors(const Hypothesis& hypothesis) const
+    {
+        constexpr double kNothing = 0.1; // codes
+        return DistanceOf(mList.front(), hypothesis, mPairs) > kNothing;
     }
 
     void Tell(std::string_view check, bool isVisible)
@@ -224,12 +235,14 @@ private:
         const bool isListed = mResiduals[best] <= mTolerance + mNoise;
         const bool isFitted = fit.residual <= mTolerance + mNoise && IsBeyond(fit);
         // Levels of one component alone move the mean of three less than their own tolerance.
-        const bool isPlainLevel = isFitted && fit.residual < off / 3;
+        const bool isPlainLevel = isFitted && fit.residual < off / kPlainlyBetter;
         if (off <= mTolerance + mNoise) {
             if (isPlainLevel) {
                 TellLevels(fit);
             } else if (IsCutOff() && best + 1 == mList.size()) {
                 TellFine(); // but for what lies outside the levels
+            } else if (mResiduals[best] < off / kPlainlyBetter) {
+                TellWinner(best, nullptr);
             } else {
                 TellUndecided(best, off);
             }
@@ -257,7 +270,7 @@ private:
                                  DistanceOf(mList[i], winner, mPairs) < mTolerance;
             if (isAlike) {
                 rivals += ", or " + mList[i].message;
-            } else if (runnerUp == 0 || mResiduals[i] < mResiduals[runnerUp]) {
+            } else if (ChangesColors(mList[i]) && (runnerUp == 0 || mResiduals[i] < mResiduals[runnerUp])) {
                 runnerUp = i;
             }
         }
@@ -426,24 +439,6 @@ void JudgeColor(const ColorCase& given, Findings& findings)
         return;
     }
     Judging(given, findings).Run();
-}
-
-double UnexplainedColor(const ColorCase& given)
-{
-    double least = given.sampler.Spots().empty() ? 0 : 1e300;
-    for (const Coding& coding : RightCodings(given.clip, given.movie)) {
-        const std::vector<ColorPair> pairs = PairsOf(given.sampler.Spots(), coding);
-        for (const Hypothesis& hypothesis : Hypotheses(coding)) {
-            least = std::min(least, ResidualOf(hypothesis, pairs));
-        }
-        // A gain near 0 explains every picture of one colour: nothing of the clip is left in it.
-        constexpr double kLeastGain = 0.05;
-        const LevelFit fit = FitLevels(pairs, coding, 1);
-        if (!fit.hasLuma || std::abs(fit.gain) >= kLeastGain) {
-            least = std::min(least, fit.residual);
-        }
-    }
-    return least;
 }
 
 } // namespace tessel::verify::judge

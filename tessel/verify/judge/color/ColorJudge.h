@@ -22,8 +22,4 @@ struct ColorCase {
 /// show as not visible.
 void JudgeColor(const ColorCase& given, Findings& findings);
 
-/// How far the codes are, in 8-bit units, from those that the best explanation predicts: large where the
-/// pictures are not the clip's at all. 0 without colours.
-[[nodiscard]] double UnexplainedColor(const ColorCase& given);
-
 } // namespace tessel::verify::judge

@@ -1,12 +1,10 @@
 #include "EditScript.h"
 
+#include "Cadence.h"
+
 #include <tessel/verify/catalogue/Names.h>
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <cmath>
-#include <numeric>
 #include <optional>
 
 namespace tessel::verify::judge {
@@ -14,9 +12,7 @@ namespace {
 
 using Frames = std::vector<std::int64_t>;
 
-constexpr std::size_t kLongestPattern = 25; // pictures; 24 to 25 repeats every 24th frame
 constexpr std::size_t kShortestReversal = 3;
-constexpr std::ptrdiff_t kLeastUneven = 6; // fewer losses may lie evenly by chance
 
 EditStep Step(std::string_view kind, std::size_t picture, std::size_t pictures, std::int64_t frame,
               std::int64_t frames)
@@ -82,95 +78,6 @@ void TakeSwaps(Frames& shown, std::int64_t frameCount, EditScript& script)
             std::swap(shown[i], shown[other]);
         }
     }
-}
-
-/// The steps from picture to picture where all are known; nothing where one is not.
-std::optional<Frames> Differences(const Frames& shown)
-{
-    Frames steps;
-    for (std::size_t i = 1; i < shown.size(); ++i) {
-        if (shown[i] < 0 || shown[i - 1] < 0) {
-            return std::nullopt;
-        }
-        steps.push_back(shown[i] - shown[i - 1]);
-    }
-    return steps;
-}
-
-/// The shortest pattern that the steps repeat at least three times; 0: none.
-std::size_t PeriodOf(const Frames& steps)
-{
-    for (std::size_t period = 1; period <= kLongestPattern && period * 3 <= steps.size(); ++period) {
-        bool holds = true;
-        for (std::size_t i = period; i < steps.size() && holds; ++i) {
-            holds = steps[i] == steps[i - period];
-        }
-        if (holds) {
-            return period;
-        }
-    }
-    return 0;
-}
-
-/// Frames taken at even distances, as a change of rate without blending takes them: rounding moves each by less
-/// than one frame.
-bool IsEvenlyTaken(const Frames& shown, double framesPerPicture)
-{
-    double least = 1e300;
-    double most = -1e300;
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        const double off = static_cast<double>(shown[i]) - framesPerPicture * static_cast<double>(i);
-        least = std::min(least, off);
-        most = std::max(most, off);
-    }
-    return most - least <= 1.0 + 1e-6;
-}
-
-void FindCadence(const Frames& shown, EditScript& script)
-{
-    const std::optional<Frames> steps = Differences(shown);
-    if (!steps || steps->size() < 6 ||
-        std::any_of(steps->begin(), steps->end(), [](std::int64_t step) { return step < 0; })) {
-        return;
-    }
-    const auto irregular =
-        std::count_if(steps->begin(), steps->end(), [](std::int64_t step) { return step != 1; });
-    if (irregular < 3) {
-        return;
-    }
-    std::size_t period = PeriodOf(*steps);
-    double framesPerPicture =
-        static_cast<double>(shown.back() - shown.front()) / static_cast<double>(steps->size());
-    if (period != 0) {
-        const auto last = steps->begin() + static_cast<std::ptrdiff_t>(period);
-        framesPerPicture = static_cast<double>(std::accumulate(steps->begin(), last, std::int64_t{0})) /
-                           static_cast<double>(period);
-    } else if (irregular < kLeastUneven || !IsEvenlyTaken(shown, framesPerPicture)) {
-        return;
-    }
-    if (framesPerPicture <= 0) {
-        return; // one frame all the time is no cadence
-    }
-    script.cadenceRatio = 1 / framesPerPicture;
-    if (period != 0 && framesPerPicture < 1) {
-        // How often each frame is shown, as in "3:2".
-        std::vector<std::size_t> counts;
-        for (std::size_t i = 0; i < period; ++i) {
-            if (i == 0 || shown[i] != shown[i - 1]) {
-                counts.push_back(0);
-            }
-            ++counts.back();
-        }
-        script.cadence = fmt::format("frames are shown in the pattern {}", fmt::join(counts, ":"));
-    } else if (period != 0 && framesPerPicture > 1) {
-        const auto left =
-            static_cast<std::size_t>(std::llround(framesPerPicture * static_cast<double>(period)));
-        script.cadence = fmt::format("{} of every {} frames are left out", left - period, left);
-    } else {
-        script.cadence = fmt::format("{:.4g} frames are shown for each picture", framesPerPicture);
-    }
-    script.steps.push_back(
-        Step(id::kOrderCadence, 0, shown.size(), shown.front(), shown.back() - shown.front() + 1));
 }
 
 /// Places of a longest strictly rising sequence among the known frames.
@@ -283,7 +190,8 @@ private:
 
 } // namespace
 
-EditScript MakeEditScript(const std::vector<std::int64_t>& given, std::int64_t frameCount)
+EditScript MakeEditScript(const std::vector<std::int64_t>& given, std::int64_t frameCount,
+                          double framesPerPicture)
 {
     EditScript script;
     Frames shown = given;
@@ -292,8 +200,14 @@ EditScript MakeEditScript(const std::vector<std::int64_t>& given, std::int64_t f
     }
     TakeReversals(shown, script);
     TakeSwaps(shown, frameCount, script);
-    FindCadence(shown, script);
-    const bool hasCadence = !script.cadence.empty();
+    const std::optional<Cadence> cadence = FindCadence(shown, framesPerPicture);
+    const bool hasCadence = cadence.has_value();
+    if (cadence) {
+        const auto [first, last] = cadence->frames;
+        script.cadence = cadence->text;
+        script.cadenceRatio = cadence->picturesPerFrame;
+        script.steps.push_back(Step(id::kOrderCadence, 0, shown.size(), first, last - first + 1));
+    }
     const std::vector<bool> rising = RisingPlaces(shown);
     GapReader gaps(shown, script);
     std::int64_t before = -1;

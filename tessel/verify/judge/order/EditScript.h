@@ -21,6 +21,8 @@ struct EditScript {
 ///
 /// @param shown       the frame that each picture shows; -1 where that is not known
 /// @param frameCount  of the clip; shown frames are below it
-[[nodiscard]] EditScript MakeEditScript(const std::vector<std::int64_t>& shown, std::int64_t frameCount);
+/// @param framesPerPicture  frames of the clip in the time of one picture, by the two rates
+[[nodiscard]] EditScript MakeEditScript(const std::vector<std::int64_t>& shown, std::int64_t frameCount,
+                                        double framesPerPicture = 1);
 
 } // namespace tessel::verify::judge

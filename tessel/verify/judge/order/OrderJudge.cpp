@@ -102,7 +102,8 @@ double CountOf(std::string_view kind, const Steps& steps)
 
 } // namespace
 
-void JudgeOrder(const align::Alignment& alignment, Findings& findings, AlignmentReport& report)
+void JudgeOrder(const align::Alignment& alignment, double framesPerPicture, Findings& findings,
+                AlignmentReport& report)
 {
     report.method = alignment.method;
     report.frames = alignment.frameCount;
@@ -124,7 +125,7 @@ void JudgeOrder(const align::Alignment& alignment, Findings& findings, Alignment
         }
         return;
     }
-    const EditScript script = MakeEditScript(shown, alignment.frameCount);
+    const EditScript script = MakeEditScript(shown, alignment.frameCount, framesPerPicture);
     report.steps = script.steps;
     for (const std::string_view kind : kOrderChecks) {
         const Steps steps = Gather(script, kind);

@@ -7,6 +7,8 @@
 namespace tessel::verify::judge {
 
 /// Puts findings of all `order.` checks, and fills in the report's alignment.
-void JudgeOrder(const align::Alignment& alignment, Findings& findings, AlignmentReport& report);
+/// @param framesPerPicture  frames of the clip in the time of one picture, by the two rates
+void JudgeOrder(const align::Alignment& alignment, double framesPerPicture, Findings& findings,
+                AlignmentReport& report);
 
 } // namespace tessel::verify::judge

@@ -31,10 +31,11 @@ private:
             const StrayTone& first = mMap.strays.front();
             Finding& finding = mFindings.Fault(
                 id::kAudioSegments,
-                fmt::format(
-                    "{} {} out of order; the first is {:.0f} Hz, which belongs at {:.2f} s and is at {:.2f} s",
-                    mMap.strays.size(), mMap.strays.size() == 1 ? "segment is" : "segments are",
-                    mClip.frequencies[first.tone], first.clipBegin, mMap.ClipSeconds(first.begin)));
+                fmt::format("{} {} out of order; the first is {}{:.0f} Hz, which belongs at {:.2f} s and is at "
+                            "{:.2f} s",
+                            mMap.strays.size(), mMap.strays.size() == 1 ? "segment is" : "segments are",
+                            first.isPause ? "a pause of " : "", mClip.frequencies[first.tone], first.clipBegin,
+                            mMap.ClipSeconds(first.begin)));
             finding.expected = fmt::format("{:.2f} s", first.clipBegin);
             finding.found = fmt::format("{:.2f} s", mMap.ClipSeconds(first.begin));
             for (const StrayTone& stray : mMap.strays) {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <memory>
 #include <numbers>
+#include <optional>
+#include <utility>
 
 namespace tessel::verify::judge {
 namespace {
@@ -102,6 +104,33 @@ bool IsSame(double a, double b) noexcept
     return std::abs(a / b - 1) < kSame;
 }
 
+/// The ratio that all tones near `about` agree on best: their median, high tones counting for more because they
+/// tell it more exactly. A tone that jumps inside its window tells a wrong frequency, which a mean would
+/// follow.
+std::optional<double> MedianRatio(const std::vector<SpectralPeak>& peaks, const std::vector<double>& tones,
+                                  double about)
+{
+    std::vector<std::pair<double, double>> ratios; // and their weights
+    double total = 0;
+    for (const SpectralPeak& peak : peaks) {
+        for (const double tone : tones) {
+            if (IsSame(peak.frequency, tone * about)) {
+                ratios.emplace_back(peak.frequency / tone, peak.amplitude * tone * tone);
+                total += ratios.back().second;
+            }
+        }
+    }
+    std::sort(ratios.begin(), ratios.end());
+    double sum = 0;
+    for (const auto& [ratio, weight] : ratios) {
+        sum += weight;
+        if (sum >= total / 2) {
+            return ratio;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<SpectralPeak> PeaksOf(const reference::Samples& samples, int sampleRate, std::size_t most)
@@ -183,19 +212,7 @@ double PitchRatio(const std::vector<SpectralPeak>& peaks, const std::vector<doub
     if (bestSum < total / 2) {
         return 0;
     }
-    // All tones that are found tell the ratio; high ones more exactly than low ones.
-    double sum = 0;
-    double weights = 0;
-    for (const SpectralPeak& peak : peaks) {
-        for (const double tone : tones) {
-            if (IsSame(peak.frequency, tone * best)) {
-                const double weight = peak.amplitude * tone * tone;
-                sum += weight * peak.frequency / tone;
-                weights += weight;
-            }
-        }
-    }
-    return weights > 0 ? sum / weights : best;
+    return MedianRatio(peaks, tones, best).value_or(best);
 }
 
 } // namespace tessel::verify::judge

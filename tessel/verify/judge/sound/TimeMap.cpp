@@ -273,8 +273,12 @@ private:
                     continue;
                 }
                 shift = found.shift;
-                mMap.pieces.push_back({edge.seconds, shift, 0});
-                mMatches.emplace_back();
+                if (mMatches.back().empty()) {
+                    mMap.pieces.back().shift = shift; // no edge agrees with the first shift until later
+                } else {
+                    mMap.pieces.push_back({edge.seconds, shift, 0});
+                    mMatches.emplace_back();
+                }
                 other = Near(edge, mMap.tempo * edge.seconds + shift, kEdgeTolerance);
             }
             if (other != nullptr) {
@@ -298,6 +302,11 @@ private:
         }
         const Shift found = BestShift(0, 2, first, mMap.tempo, 0);
         if (found.agreeing < first) {
+            return;
+        }
+        // Something missing that the same amount of something added puts right again: a segment that is out of
+        // order is simpler.
+        if (std::abs(mShift) < kEdgeTolerance && std::abs(found.shift) > kEdgeTolerance) {
             return;
         }
         std::vector<Match> matches;
@@ -720,41 +729,51 @@ private:
         mMap.steps.push_back(step);
     }
 
-    /// Tones of the movie that are nowhere near where the map puts them, but elsewhere in the clip.
+    /// Tones of the movie that are nowhere near where the map puts them, but elsewhere in the clip; where there
+    /// are none, pauses.
     void FindStrays()
     {
+        FindStrays(/*arePauses=*/false);
+        if (mMap.strays.empty()) {
+            FindStrays(/*arePauses=*/true);
+        }
+    }
+
+    void FindStrays(bool arePauses)
+    {
         for (std::size_t i = 0; i < mMovieEdges.size(); ++i) {
-            const ToneEdge& on = mMovieEdges[i];
-            if (!mHasShift || mMatched[i] || !on.isOn) {
+            const ToneEdge& first = mMovieEdges[i];
+            if (!mHasShift || mMatched[i] || first.isOn == arePauses) {
                 continue;
             }
             for (std::size_t k = i + 1; k < mMovieEdges.size(); ++k) {
-                const ToneEdge& off = mMovieEdges[k];
-                if (off.tone != on.tone) {
+                const ToneEdge& last = mMovieEdges[k];
+                if (last.tone != first.tone) {
                     continue;
                 }
-                if (!off.isOn && !mMatched[k]) {
-                    AddStray(on, off);
+                if (last.isOn != first.isOn && !mMatched[k]) {
+                    AddStray(first, last);
                 }
                 break;
             }
         }
     }
 
-    void AddStray(const ToneEdge& on, const ToneEdge& off)
+    void AddStray(const ToneEdge& first, const ToneEdge& last)
     {
-        const double wanted = mMap.ClipSeconds(on.seconds);
-        const double duration = mMap.tempo * (off.seconds - on.seconds);
+        const double wanted = mMap.ClipSeconds(first.seconds);
+        const double duration = mMap.tempo * (last.seconds - first.seconds);
         const ToneEdge* best = nullptr;
         for (const ToneEdge& edge : mClipEdges) {
-            if (edge.isOn && edge.tone == on.tone && std::abs(edge.seconds - wanted) < kMostShift &&
-                Near(off, edge.seconds + duration, kEdgeTolerance) != nullptr &&
+            if (edge.isOn == first.isOn && edge.tone == first.tone &&
+                std::abs(edge.seconds - wanted) < kMostShift &&
+                Near(last, edge.seconds + duration, kEdgeTolerance) != nullptr &&
                 (best == nullptr || std::abs(edge.seconds - wanted) < std::abs(best->seconds - wanted))) {
                 best = &edge;
             }
         }
         if (best != nullptr && std::abs(best->seconds - wanted) > 2 * kEdgeTolerance) {
-            mMap.strays.push_back({on.seconds, off.seconds, on.tone, best->seconds});
+            mMap.strays.push_back({first.seconds, last.seconds, first.tone, best->seconds, !first.isOn});
         }
     }
 

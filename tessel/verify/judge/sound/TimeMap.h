@@ -25,12 +25,13 @@ struct TimeStep {
     double period = 0;      ///< seconds; above 0: only told modulo this period of a tone
 };
 
-/// A tone of a movie that stands where the clip has none of it.
+/// A tone of a movie that stands where the clip has none of it, or a pause where the clip has the tone.
 struct StrayTone {
     double begin = 0; ///< movie seconds
     double end = 0;
     std::size_t tone = 0;
     double clipBegin = 0; ///< where the clip has it, seconds
+    bool isPause = false;
 };
 
 struct TimeMap {

@@ -121,6 +121,26 @@ TEST(TimeMap, AddedSamplesAreNegativeSteps)
     EXPECT_NEAR(map.steps[0].skipped * kRate, -1000, 0.5);
 }
 
+TEST(TimeMap, AStepBeforeMostOfTheSoundIsOneStep)
+{
+    // Most edges lie behind the step and tell the first shift, with which those before it do not agree.
+    Channels clip = Identification();
+    for (std::vector<float>& channel : clip) {
+        const std::vector<float> cycle = channel;
+        test::Append(channel, cycle);
+        test::Append(channel, cycle);
+    }
+    Channels movie = clip;
+    for (std::vector<float>& channel : movie) {
+        const std::vector<float> again(channel.begin() + 169000, channel.begin() + 170000); // inside 880 Hz
+        channel.insert(channel.begin() + 170000, again.begin(), again.end());
+    }
+    const TimeMap map = MapTime(Tracked(clip), Tracked(movie), 1, 0.5 / kRate);
+    ASSERT_EQ(map.steps.size(), 1U);
+    EXPECT_NEAR(map.steps[0].skipped * kRate, -1000, 0.5);
+    EXPECT_NEAR(map.ClipSeconds(0.1), 0.1, 1e-6);
+}
+
 TEST(TimeMap, TonesThatChangePlacesAreStray)
 {
     Channels movie = Identification();
