@@ -28,11 +28,23 @@ void AddWaveform(const Plane& plane, CountGrid& grid, RowWeights weights)
         columns[static_cast<std::size_t>(x)] =
             static_cast<int>(static_cast<std::int64_t>(x) * grid.Columns() / plane.width);
     }
+    const int gridColumns = grid.Columns();
+    const int* const column = columns.data();
+    std::vector<int> cells(columns.size());
+    int* const cell = cells.data();
+    std::uint32_t* const counts = grid.Counts();
     for (int y = 0; y < plane.height; ++y) {
         const float* const row = plane.Row(y);
         const std::uint32_t weight = WeightOf(weights, y);
-        for (int x = 0; x < plane.width && weight != 0; ++x) {
-            grid.Add(columns[static_cast<std::size_t>(x)], levels.Of(row[x]), weight);
+        if (weight == 0) {
+            continue;
+        }
+        // Two loops: the first one becomes vector code.
+        for (int x = 0; x < plane.width; ++x) {
+            cell[x] = levels.Of(row[x]) * gridColumns + column[x];
+        }
+        for (int x = 0; x < plane.width; ++x) {
+            counts[cell[x]] += weight;
         }
     }
 }
@@ -41,12 +53,22 @@ void AddVectors(const Signal& signal, CountGrid& grid, RowWeights weights)
 {
     const Steps across(-kVectorReach, kVectorReach, grid.Columns());
     const Steps up(-kVectorReach, kVectorReach, grid.Rows());
+    const int gridColumns = grid.Columns();
+    std::vector<int> cells(static_cast<std::size_t>(signal.cb.width));
+    int* const cell = cells.data();
+    std::uint32_t* const counts = grid.Counts();
     for (int y = 0; y < signal.cb.height; ++y) {
         const float* const cb = signal.cb.Row(y);
         const float* const cr = signal.cr.Row(y);
         const std::uint32_t weight = WeightOf(weights, y);
-        for (int x = 0; x < signal.cb.width && weight != 0; ++x) {
-            grid.Add(across.Of(cb[x]), up.Of(cr[x]), weight);
+        if (weight == 0) {
+            continue;
+        }
+        for (int x = 0; x < signal.cb.width; ++x) {
+            cell[x] = up.Of(cr[x]) * gridColumns + across.Of(cb[x]);
+        }
+        for (int x = 0; x < signal.cb.width; ++x) {
+            counts[cell[x]] += weight;
         }
     }
 }

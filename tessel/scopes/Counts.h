@@ -16,7 +16,8 @@ class Steps {
 public:
     /// @param count  1 or more
     constexpr Steps(float bottom, float top, int count) noexcept
-        : mBottom(bottom), mFactor(static_cast<float>(count) / (top - bottom)), mCount(count)
+        : mBottom(bottom), mFactor(static_cast<float>(count) / (top - bottom)),
+          mLast(static_cast<float>(count - 1)), mCount(count)
     {
     }
 
@@ -24,14 +25,16 @@ public:
     [[nodiscard]] constexpr int Of(float value) const noexcept
     {
         const float place = (value - mBottom) * mFactor;
-        // Written so that a NaN gives 0.
-        return !(place > 0.0F) ? 0 : place < static_cast<float>(mCount) ? static_cast<int>(place) : mCount - 1;
+        // Written so that a NaN gives 0, and without branches, for vector code.
+        const float positive = place > 0.0F ? place : 0.0F;
+        return static_cast<int>(positive < mLast ? positive : mLast);
     }
     [[nodiscard]] constexpr int Count() const noexcept { return mCount; }
 
 private:
     float mBottom;
     float mFactor;
+    float mLast;
     int mCount;
 };
 
@@ -60,6 +63,8 @@ public:
         return mCounts[static_cast<std::size_t>(row) * static_cast<std::size_t>(mColumns) +
                        static_cast<std::size_t>(column)];
     }
+    /// All counts: those of row 0 from left to right, then those of row 1.
+    [[nodiscard]] std::uint32_t* Counts() noexcept { return mCounts.data(); }
     [[nodiscard]] int Columns() const noexcept { return mColumns; }
     [[nodiscard]] int Rows() const noexcept { return mRows; }
     [[nodiscard]] std::uint32_t Highest() const noexcept;

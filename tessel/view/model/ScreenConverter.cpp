@@ -36,7 +36,7 @@ ScreenConverter::ScreenConverter(BR::PixelFormat format, std::int32_t width, std
 {
 }
 
-exporting::Picture ScreenConverter::Convert(const exporting::FrameView& frame)
+exporting::Picture ScreenConverter::Convert(const exporting::FrameView& frame, int rowStep)
 {
     if (frame.width != mWidth || frame.height != mHeight) {
         throw exporting::ExportError("a frame comes in another size than the first one");
@@ -44,21 +44,24 @@ exporting::Picture ScreenConverter::Convert(const exporting::FrameView& frame)
     if (mIsShared) {
         return mConverter.Convert(frame);
     }
-    mRows.Find(frame, 1);
-    exporting::Picture screen = exporting::AllocatePicture(PictureLayout::Bgra, mWidth, mHeight);
+    mRows.Find(frame, rowStep);
+    const auto rows = static_cast<std::int32_t>(mRows.Kinds().size());
+    exporting::Picture screen = exporting::AllocatePicture(PictureLayout::Bgra, mWidth, rows);
     const std::size_t size = 4 * static_cast<std::size_t>(mWidth);
-    const auto rowOf = [&screen](int y) { return screen.planes[0] + y * screen.rowBytes[0]; };
+    const auto rowOf = [&screen](int index) { return screen.planes[0] + index * screen.rowBytes[0]; };
+    const auto firstOf = [this, rowStep](int kind) {
+        return mRows.Firsts()[static_cast<std::size_t>(kind)] / rowStep;
+    };
     mBatches.ForEach(frame, mRows.Firsts(), [&](const exporting::FrameView& batch, int first, int count) {
         const exporting::Picture made = mConverter.Convert(batch);
         for (int i = 0; i < count; ++i) {
-            std::memcpy(rowOf(mRows.Firsts()[static_cast<std::size_t>(first + i)]),
-                        made.planes[0] + i * made.rowBytes[0], size);
+            std::memcpy(rowOf(firstOf(first + i)), made.planes[0] + i * made.rowBytes[0], size);
         }
     });
-    for (int y = 0; y < mHeight; ++y) {
-        const int first = mRows.Firsts()[static_cast<std::size_t>(mRows.Kinds()[static_cast<std::size_t>(y)])];
-        if (first != y) {
-            std::memcpy(rowOf(y), rowOf(first), size);
+    for (int index = 0; index < rows; ++index) {
+        const int first = firstOf(mRows.Kinds()[static_cast<std::size_t>(index)]);
+        if (first != index) {
+            std::memcpy(rowOf(index), rowOf(first), size);
         }
     }
     return screen;

@@ -17,9 +17,12 @@ public:
     /// @throws exporting::ExportError  for a format that frames never have
     ScreenConverter(BR::PixelFormat format, std::int32_t width, std::int32_t height);
 
+    /// @param rowStep  converts each `rowStep`th row alone, from the first one on; more costs less. Frames that
+    /// are
+    ///                 shared have all rows.
     /// @return in the layout `Bgra`, or `Bgr0` for frames of that kind: the fourth byte is not to be looked at
     /// @throws exporting::ExportError  for a frame of another format or size
-    [[nodiscard]] exporting::Picture Convert(const exporting::FrameView& frame);
+    [[nodiscard]] exporting::Picture Convert(const exporting::FrameView& frame, int rowStep = 1);
 
 private:
     bool mIsShared;

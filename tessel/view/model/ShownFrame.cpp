@@ -27,7 +27,7 @@ ShownFrame FrameMaker::Make(std::int64_t frame, const FrameWish& wish)
     shown.frame = frame;
     shown.wish = wish;
     shown.pixels = mClip->Source().RenderFrame(frame);
-    shown.screen = mToScreen.Convert(shown.pixels);
+    shown.screen = mToScreen.Convert(shown.pixels, wish.screenRowStep);
     if (wish.scopes) {
         shown.scopes = Count(shown.pixels, wish.scopeRowStep);
     }

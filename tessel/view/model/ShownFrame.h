@@ -45,7 +45,8 @@ struct ScopeCounts {
 struct FrameWish {
     bool scopes = false;
     bool codeCheck = false;
-    int scopeRowStep = 1; ///< more costs less
+    int screenRowStep = 1; ///< of the picture for the screen; more costs less
+    int scopeRowStep = 1;  ///< more costs less
     /// Frames that are begun sooner after the last ones with scopes have none; 0: all have.
     double secondsBetweenScopes = 0;
 
@@ -56,7 +57,7 @@ struct ShownFrame {
     std::int64_t frame = 0;
     FrameWish wish;
     exporting::FrameView pixels;               ///< as the plug-in painted them
-    exporting::Picture screen;                 ///< by `ScreenConverter`
+    exporting::Picture screen;                 ///< by `ScreenConverter`; may have fewer rows than the frame
     std::shared_ptr<const ScopeCounts> scopes; ///< null: not counted
     std::shared_ptr<const scopes::CodeFaults> faults;
     exporting::Picture marks;    ///< of the faults, by `MarksOf`; empty where they were not looked for

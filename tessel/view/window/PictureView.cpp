@@ -88,6 +88,11 @@ Area PictureView::Place() const
     return PlaceOf(mContent.size, WindowArea(), mZoom);
 }
 
+int PictureView::ScreenRows() const
+{
+    return static_cast<int>(Place().height);
+}
+
 void PictureView::Draw(QPainter& painter, const QImage& image, const Area& place) const
 {
     const Rows rows = RowsOf(mFieldView, mFirstField, mIsSecondField, image.height());

@@ -15,10 +15,10 @@ namespace tessel::view {
 
 /// What one pane shows. The images' pixels belong to `owner`.
 struct PaneContent {
-    QImage image;     ///< all rows; empty: nothing to show
+    QImage image;     ///< all rows, or every so many of them; empty: nothing to show
     QImage overlay;   ///< of the same size, with alpha; empty: none
     QImage wiped;     ///< shown right of the wipe's line; empty: no wipe
-    PictureSize size; ///< of the image
+    PictureSize size; ///< of the picture that the image shows
     QString title;    ///< above the picture
     QString trouble;  ///< instead of a picture
     std::shared_ptr<const void> owner;
@@ -37,6 +37,8 @@ public:
     void SetMoving(bool isMoving);
     /// Marks the pane that scopes and meters belong to.
     void SetActive(bool isActive);
+    /// Rows of the screen that the picture takes, also those out of sight.
+    [[nodiscard]] int ScreenRows() const;
     [[nodiscard]] const PaneContent& Content() const noexcept { return mContent; }
     /// Where the wipe's line is, from 0 to 1 of the picture's width.
     void SetWipe(double place);

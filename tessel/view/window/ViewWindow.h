@@ -86,6 +86,8 @@ private:
     void Tick();
     void WantAround(std::int64_t due);
     [[nodiscard]] int FramesAhead() const;
+    /// How many rows of a frame share a row of the screen while it plays; 1 where all are wanted.
+    [[nodiscard]] int ScreenRowStep() const;
     [[nodiscard]] bool IsReady(std::int64_t frame) const;
     [[nodiscard]] bool IsShown(std::int64_t frame) const;
     void ShowNewest(std::int64_t due);

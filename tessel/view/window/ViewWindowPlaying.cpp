@@ -7,6 +7,7 @@
 #include <QDockWidget>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace tessel::view {
@@ -36,7 +37,22 @@ FrameWish ViewWindow::CurrentWish() const
     const bool isLarge = !mPanes.empty() && mPanes[0].clip->Facts().height >= 480;
     wish.scopeRowStep = mTransport.Speed() != 0 && isLarge ? 4 : 1;
     wish.secondsBetweenScopes = mTransport.Speed() != 0 ? kScopeSeconds : 0;
+    wish.screenRowStep = ScreenRowStep();
     return wish;
+}
+
+int ViewWindow::ScreenRowStep() const
+{
+    // Field views and pixels in their own size need the rows as they are.
+    if (mTransport.Speed() == 0 || mFieldView != FieldView::Woven || mZoom.pixelScale > 0 || mIsWipe) {
+        return 1;
+    }
+    int step = std::numeric_limits<int>::max();
+    for (const Pane& pane : mPanes) {
+        const int rows = pane.view->Content().size.height > 0 ? pane.view->ScreenRows() : 0;
+        step = std::min(step, rows > 0 ? pane.clip->Facts().height / rows : 1);
+    }
+    return std::max(step, 1);
 }
 
 int ViewWindow::FramesAhead() const

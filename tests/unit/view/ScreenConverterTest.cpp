@@ -39,6 +39,25 @@ FrameView Frame(PixelFormat format, int width, int height, bool isBottomUp)
             .owner = bytes};
 }
 
+TEST(ScreenConverter, FewerRowsAreThoseOfTheWholePicture)
+{
+    for (const PixelFormat format : {PixelFormat::V210_422_10u_709, PixelFormat::BGRA_4444_32f}) {
+        const FrameView frame = Frame(format, 48, 77, format == PixelFormat::BGRA_4444_32f);
+        ScreenConverter converter(format, 48, 77);
+        const exporting::Picture whole = converter.Convert(frame);
+        for (const int step : {2, 3, 77, 100}) {
+            const exporting::Picture some = converter.Convert(frame, step);
+            ASSERT_EQ(some.height, (77 + step - 1) / step);
+            for (int y = 0; y < some.height; ++y) {
+                ASSERT_EQ(std::memcmp(some.planes[0] + y * some.rowBytes[0],
+                                      whole.planes[0] + y * step * whole.rowBytes[0], std::size_t{4} * 48),
+                          0)
+                    << step << ' ' << y;
+            }
+        }
+    }
+}
+
 TEST(ScreenConverter, GivesWhatTheConversionOfWholeFramesGives)
 {
     for (const PixelFormat format :
