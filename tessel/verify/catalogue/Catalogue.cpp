@@ -372,7 +372,9 @@ constexpr std::array kOfHarmonics{id::kAudioNoise, id::kAudioDc};
 // Cutting bits off towards minus infinity moves the mean by half a step.
 constexpr std::array kOfSoundDepth{id::kAudioNoise, id::kAudioHarmonics, id::kAudioDc};
 constexpr std::array kOfContainerDepth{id::kColorDepth, id::kAudioDepth, TESSEL_LIKENESS};
-constexpr std::array kOfSegments{id::kAudioDropout, id::kAudioSilence};
+// Another segment sounds on other channels, which looks like a mixture.
+constexpr std::array kOfSegments{id::kAudioDropout, id::kAudioSilence, id::kAudioDownmix, id::kAudioUpmix,
+                                 id::kAudioOrder};
 // Silence put before the sound makes it longer; the movie's times say that it starts later.
 constexpr std::array kOfSyncOffset{id::kContainerDuration, id::kContainerStart, id::kSyncDrift};
 constexpr std::array kOfSyncDrift{id::kContainerDuration, id::kSyncOffset};

@@ -119,6 +119,13 @@ class OwnFaults(Sound):
                       "audio.lost=501:4", "audio.dropout=480", "audio.downmix", "audio.upmix", "sync.offset=40"):
             self.fault(root, fault)
 
+    def test_ebu_surround(self):
+        # 480 samples are whole periods of the channels' 1000 Hz, but not of the low tone.
+        root = clip(EBU_SURROUND, 10)
+        for fault in ("audio.inserted=480:2", "audio.lost=480:2"):
+            finding = self.fault(root, fault)
+            self.assertAlmostEqual(finding["found"], 480, delta=finding["uncertainty"])
+
     def test_a_steady_tone_shows_what_it_can(self):
         root = clip(TONE, 3)
         for fault in ("audio.polarity=0", "audio.gain=-6", "audio.silence=1", "audio.clipping=-14", "audio.noise=-60",

@@ -638,6 +638,9 @@ private:
         }
         const double sigma = Scatter(steps) / std::numbers::sqrt2;
         const double threshold = std::max({mLeast, 6 * sigma, 0.02 / mMovie.rate});
+        if (pieces.empty() && SplitBeginning(points, off, threshold, piece, pieces, offs)) {
+            return;
+        }
         double level = off.front();
         std::size_t since = 0;
         const std::size_t firstStep = mMap.steps.size();
@@ -672,6 +675,41 @@ private:
         if (isBeginning && mMap.steps.size() == firstStep + 1) {
             SettleBeginning(mMap.steps.back(), pieces, 1 / points.front().frequency);
         }
+    }
+
+    /// Before the first edge, phases alone tell the shift, each modulo its own period, and a tone that loses
+    /// whole periods goes on as if nothing had happened. Where the phases that do not fit the piece fit a
+    /// beginning in its place, that is what it is.
+    bool SplitBeginning(const std::vector<PhasePoint>& points, const std::vector<double>& off, double threshold,
+                        const TimePiece& piece, std::vector<TimePiece>& pieces, std::vector<double>& offs)
+    {
+        const auto fits = [&](std::size_t i, double shift) {
+            return std::abs(std::remainder(off[i] - shift, 1 / points[i].frequency)) <= threshold;
+        };
+        const double inPlace = -piece.shift;
+        std::size_t split = points.size(); // behind the last point that does not fit the piece
+        while (split > 0 && fits(split - 1, 0)) {
+            --split;
+        }
+        if (split == 0 || split == points.size() || !mMap.hasEdges || std::abs(inPlace) <= mLeast) {
+            return false;
+        }
+        for (std::size_t i = 0; i < split; ++i) {
+            if (!fits(i, inPlace)) {
+                return false;
+            }
+        }
+        TimeStep step;
+        step.skipped = piece.shift;
+        step.uncertainty = std::max(mEdgeSigma, 0.5 / mMovie.rate);
+        step.first = step.last = points[split - 1].end;
+        mMap.steps.push_back(step);
+        pieces.push_back({piece.begin, 0, 0});
+        pieces.push_back({step.last, piece.shift, piece.edges});
+        for (std::size_t i = split; i < points.size(); ++i) {
+            offs.push_back(std::remainder(off[i], 1 / points[i].frequency));
+        }
+        return true;
     }
 
     /// No edge lies before the first jump: whole periods more or less would do as well. A beginning that is in

@@ -141,6 +141,45 @@ TEST(TimeMap, AStepBeforeMostOfTheSoundIsOneStep)
     EXPECT_NEAR(map.ClipSeconds(0.1), 0.1, 1e-6);
 }
 
+TEST(TimeMap, AStepOfWholePeriodsIsCountedByTheToneThatItBreaks)
+{
+    // 480 samples are 10 periods of 1000 Hz and 6.6 of 660 Hz; the first beginning or end of a tone comes
+    // later.
+    Channels clip{test::Tone(660, 0.125, 200000), test::Tone(1000, 0.125, 200000)};
+    for (const std::ptrdiff_t pause : {80000, 120000, 170000}) {
+        std::fill_n(clip[1].begin() + pause, 12000, 0.0F);
+    }
+    Channels movie = clip;
+    for (std::vector<float>& channel : movie) {
+        const std::vector<float> again(channel.begin() + 47520, channel.begin() + 48000);
+        channel.insert(channel.begin() + 48000, again.begin(), again.end());
+    }
+    const TimeMap map = MapTime(Tracked(clip), Tracked(movie), 1, 0.5 / kRate);
+    ASSERT_EQ(map.steps.size(), 1U);
+    EXPECT_NEAR(map.steps[0].skipped * kRate, -480, 0.5);
+    EXPECT_NEAR(map.steps[0].first * kRate, 48000, 2);
+    EXPECT_EQ(map.signs, (std::vector<int>{1, 1}));
+}
+
+TEST(TimeMap, APauseInAnotherPlaceIsStray)
+{
+    Channels clip{test::Tone(1000, 0.125, 300000), test::Tone(1000, 0.125, 300000)};
+    Channels movie = clip;
+    for (const std::ptrdiff_t pause : {132000, 276000}) {
+        std::fill_n(clip[0].begin() + pause, 12000, 0.0F);
+        std::fill_n(movie[0].begin() + (pause == 132000 ? 103200 : pause), 12000, 0.0F);
+    }
+    for (Channels* channels : {&clip, &movie}) {
+        (*channels)[1] = (*channels)[0]; // edges are those of a sound, not of a channel
+    }
+    const TimeMap map = MapTime(Tracked(clip), Tracked(movie), 1, 0.5 / kRate);
+    EXPECT_TRUE(map.steps.empty());
+    ASSERT_EQ(map.strays.size(), 1U);
+    EXPECT_TRUE(map.strays[0].isPause);
+    EXPECT_NEAR(map.strays[0].begin * kRate, 103200, 2);
+    EXPECT_NEAR(map.strays[0].clipBegin * kRate, 132000, 2);
+}
+
 TEST(TimeMap, TonesThatChangePlacesAreStray)
 {
     Channels movie = Identification();
