@@ -30,10 +30,8 @@ OpenedClip Describe(std::unique_ptr<tessel_clip, CloseClip> handle, const std::s
             return {nullptr, NamedError(name)};
         }
     }
-    if (clip->facts.channel_count > 0 && !clip->HasSound()) {
-        clip->remark =
-            name +
-            ": plays without sound: it has more than 64 channels, or a sample rate that is no whole number";
+    if (const std::string warning = tessel_warning(handle.get()); !warning.empty()) {
+        clip->remark = name + ": " + warning;
     }
     clip->handle = std::move(handle);
     if (!clip->own && !clip->HasSound()) {
@@ -60,8 +58,7 @@ OpenedClip Opened(const std::string& name, Open&& open) noexcept
 
 bool Clip::HasSound() const noexcept
 {
-    constexpr int kMostChannels = 64; // of a GStreamer stream, and of the C interface
-    return facts.sample_rate > 0 && facts.channel_count > 0 && facts.channel_count <= kMostChannels;
+    return facts.sample_rate > 0 && facts.channel_count > 0 && facts.channel_count <= TESSEL_MOST_CHANNELS;
 }
 
 OpenedClip OpenFile(const std::string& path) noexcept

@@ -85,12 +85,8 @@ std::shared_ptr<OpenClip> OpenClip::Open(const char* path)
                       obstacle.c_str());
         return nullptr;
     }
-    if (opened->Facts().channel_count > 0 && !opened->HasSound()) {
-        mlt_log_warning(
-            nullptr,
-            "[producer tessel] %s: plays without sound: it has more than 64 channels, or a sample rate "
-            "that is no whole number\n",
-            path);
+    if (const std::string warning = tessel_warning(clip); !warning.empty()) {
+        mlt_log_warning(nullptr, "[producer tessel] %s: %s\n", path, warning.c_str());
     }
     return opened;
 }
@@ -135,8 +131,7 @@ bool OpenClip::HasPicture() const noexcept
 
 bool OpenClip::HasSound() const noexcept
 {
-    constexpr int kMostChannels = 64; // of the C interface
-    return mFacts.sample_rate > 0 && mFacts.channel_count > 0 && mFacts.channel_count <= kMostChannels;
+    return mFacts.sample_rate > 0 && mFacts.channel_count > 0 && mFacts.channel_count <= TESSEL_MOST_CHANNELS;
 }
 
 int OpenClip::ColorSpace(mlt_image_format format) const

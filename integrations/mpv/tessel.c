@@ -15,6 +15,7 @@
 static const char kProtocol[] = "tessel";
 static const char kPrefix[] = "tessel://";
 static const char kEnding[] = ".tessel";
+enum { kMostText = 2100 }; /* of a line for people */
 
 /* ---- The stream ---- */
 
@@ -24,12 +25,12 @@ struct stream {
     int64_t position;
 };
 
-/* Opens a document as a movie. Null if it cannot be opened; tessel_error_text then says why.
- * is_mute: gets whether the clip has sound that cannot be had, so that the movie has pictures alone */
-static tessel_movie* open_movie(const char* path, bool* is_mute)
+/* Opens a document as a movie, of pictures alone where its sound cannot be had. Null if it cannot be opened;
+ * tessel_error_text then says why.
+ * remark: gets what is remarked on the clip, as much as `size` bytes hold */
+static tessel_movie* open_movie(const char* path, char* remark, size_t size)
 {
-    enum { kMostChannels = 64 }; /* of the C interface */
-    *is_mute = false;
+    *remark = '\0';
     tessel_clip* clip = NULL;
     tessel_movie* movie = NULL;
     if (tessel_open_file(path, NULL, &clip) != TESSEL_OK) {
@@ -39,10 +40,11 @@ static tessel_movie* open_movie(const char* path, bool* is_mute)
     tessel_description description = {.size = sizeof description};
     if (tessel_describe(clip, &description) == TESSEL_OK) {
         options.video_codec = description.width <= 0 ? "none" : NULL;
-        *is_mute = description.channel_count > kMostChannels ||
-                   (description.channel_count > 0 && description.sample_rate < 1);
-        options.audio_codec = *is_mute ? "none" : NULL;
+        const bool is_mute = description.channel_count > TESSEL_MOST_CHANNELS ||
+                             (description.channel_count > 0 && description.sample_rate < 1);
+        options.audio_codec = is_mute ? "none" : NULL;
     }
+    snprintf(remark, size, "%s", tessel_warning(clip));
     if (tessel_movie_open(clip, &options, &movie) != TESSEL_OK) {
         movie = NULL;
     }
@@ -91,8 +93,8 @@ static int open_stream(void* data, char* uri, mpv_stream_cb_info* info)
     if (stream == NULL) {
         return MPV_ERROR_NOMEM;
     }
-    bool is_mute = false;
-    stream->movie = open_movie(uri + strlen(kPrefix), &is_mute);
+    char remark[kMostText];
+    stream->movie = open_movie(uri + strlen(kPrefix), remark, sizeof remark);
     if (stream->movie == NULL) {
         free(stream);
         return MPV_ERROR_LOADING_FAILED;
@@ -121,7 +123,7 @@ static bool is_document(const char* name)
 /* One line where mpv prints its own, beginning with the document's name. */
 static void tell(mpv_handle* mpv, const char* path, const char* line)
 {
-    char text[4200];
+    char text[2 * kMostText];
     const bool is_named = strncmp(line, path, strlen(path)) == 0;
     snprintf(text, sizeof text, "[tessel] %s%s%s", is_named ? "" : path, is_named ? "" : ": ", line);
     const char* command[] = {"print-text", text, NULL};
@@ -134,13 +136,12 @@ static void before_loading(mpv_handle* mpv)
     static const char kName[] = "stream-open-filename";
     char* path = mpv_get_property_string(mpv, kName);
     if (path != NULL && is_document(path)) {
-        bool is_mute = false;
-        tessel_movie* movie = open_movie(path, &is_mute);
+        char remark[kMostText];
+        tessel_movie* movie = open_movie(path, remark, sizeof remark);
         if (movie == NULL) {
             tell(mpv, path, tessel_error_text());
-        } else if (is_mute) {
-            tell(mpv, path,
-                 "plays without sound: it has more than 64 channels, or a sample rate that is no whole number");
+        } else if (*remark != '\0') {
+            tell(mpv, path, remark);
         }
         tessel_movie_close(movie);
         const size_t size = sizeof kPrefix + strlen(path);

@@ -86,6 +86,21 @@ void DescribeSamples(const LayoutInfo& info, tessel_picture& picture) noexcept
     }
 }
 
+static_assert(TESSEL_MOST_CHANNELS == importhost::kMostChannels);
+
+/// Why the clip's sound cannot be had; empty where it can, or where the clip has none.
+std::string SoundObstacle(const ClipFacts& facts)
+{
+    const SoundShape sound = exporting::SoundShapeOf(facts);
+    if (facts.channelCount < 1 || (sound.sampleRate > 0 && !sound.hostChannels.empty())) {
+        return {};
+    }
+    return fmt::format(
+        "the sound cannot be had: {} channels at {} samples per second, where at most {} channels and "
+        "a whole number of samples are possible",
+        facts.channelCount, facts.sampleRate, TESSEL_MOST_CHANNELS);
+}
+
 /// Rows of a picture in the caller's memory.
 struct Rows {
     const std::byte* source = nullptr;
@@ -124,8 +139,10 @@ void ClearBehind(std::size_t painted, const Rows& rows, void* plane, std::ptrdif
 } // namespace
 
 Clip::Clip(document::OpenedClip opened, std::string standIn)
-    : mOpened(std::move(opened)), mStandIn(std::move(standIn)), mSource(mOpened)
+    : mOpened(std::move(opened)), mStandIn(std::move(standIn)), mWarning(mOpened.warning), mSource(mOpened)
 {
+    const std::string obstacle = SoundObstacle(mOpened.facts);
+    mWarning += (mWarning.empty() || obstacle.empty() ? "" : "\n") + obstacle;
 }
 
 tessel_description Clip::Describe() const noexcept
@@ -287,13 +304,8 @@ void Clip::Samples(std::int64_t start, std::size_t count, std::span<float* const
     const ClipFacts& facts = mOpened.facts;
     const SoundShape sound = exporting::SoundShapeOf(facts);
     if (sound.sampleRate == 0 || sound.hostChannels.empty()) {
-        throw CallError(
-            TESSEL_NOT_POSSIBLE,
-            facts.channelCount < 1
-                ? "the clip has no sound"
-                : fmt::format("the sound cannot be had: {} channels at {} samples per second; it takes "
-                              "at most {} channels and a whole number of samples",
-                              facts.channelCount, facts.sampleRate, importhost::kMostChannels));
+        throw CallError(TESSEL_NOT_POSSIBLE,
+                        facts.channelCount < 1 ? "the clip has no sound" : SoundObstacle(facts));
     }
     Require(channels.size() == sound.hostChannels.size(), "the clip has another number of channels");
     constexpr std::int64_t kFurthest = std::numeric_limits<std::int64_t>::max() / 2;

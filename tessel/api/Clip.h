@@ -30,7 +30,7 @@ public:
     Clip(const Clip&) = delete;
     Clip& operator=(const Clip&) = delete;
 
-    [[nodiscard]] const std::string& Warning() const noexcept { return mOpened.warning; }
+    [[nodiscard]] const std::string& Warning() const noexcept { return mWarning; }
     [[nodiscard]] const std::string& StandIn() const noexcept { return mStandIn; }
     [[nodiscard]] const exporting::SignalSource& Source() const noexcept { return mSource; }
     [[nodiscard]] tessel_description Describe() const noexcept;
@@ -53,6 +53,7 @@ private:
 
     document::OpenedClip mOpened;
     std::string mStandIn;
+    std::string mWarning;
     exporting::ClipSource mSource;
 
     std::mutex mFormatMutex;

@@ -84,9 +84,13 @@ TESSEL_API tessel_result tessel_open_text(const char* text, size_t length, const
 /* Null is allowed. No call on the clip may be under way. Threads: [any-thread]. */
 TESSEL_API void tessel_close(tessel_clip* clip);
 
-/* What the plug-in remarked when the clip was opened, one line each; empty where all is well.
+/* What the plug-in remarked when the clip was opened, and whether its sound cannot be had; one line each, empty
+ * where all is well.
  * Threads: [thread-safe]. */
 TESSEL_API const char* tessel_warning(const tessel_clip* clip);
+
+/* More channels than these have no sound that can be had. */
+enum { TESSEL_MOST_CHANNELS = 64 };
 
 enum { TESSEL_PROGRESSIVE = 0, TESSEL_UPPER_FIELD_FIRST = 1, TESSEL_LOWER_FIELD_FIRST = 2 };
 
@@ -105,7 +109,7 @@ typedef struct tessel_description {
     int64_t frame_count; /* 0 or more */
     /* Samples per second and channel; 0 where it is no whole number from 1 on: then the clip gives no sound. */
     int32_t sample_rate;
-    int32_t channel_count; /* 0 or more; sound can be had of 64 at most */
+    int32_t channel_count; /* 0 or more; sound can be had of TESSEL_MOST_CHANNELS at most */
     /* Not 0: six channels are L R C LFE Ls Rs. */
     int32_t is_surround_51;
     /* How many samples a channel has from the first frame's start to the last one's end. */

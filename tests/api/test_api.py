@@ -263,6 +263,8 @@ class Sound(ApiTest):
                     self.assertEqual(array("f", pieces[0]), channels[0][4801:4801 + 7919])
 
     def test_a_clip_whose_sound_cannot_be_had_says_what_it_has(self):
+        self.assertIn("the sound cannot be had: 65 channels", self.open(mNumChannels=65).warning())
+        self.assertEqual(self.open(mNumChannels=0).warning(), "")
         self.assert_call_fails(NOT_POSSIBLE, "65 channels at 48000 samples per second",
                                lambda: self.open(mNumChannels=65, mSampleRate=48000).samples(0, 1))
         self.assert_call_fails(NOT_POSSIBLE, "2 channels at 44100.5 samples per second",

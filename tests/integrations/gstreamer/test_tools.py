@@ -261,7 +261,7 @@ class Failures(GStreamerTest):
                 # With -q gst-launch keeps warnings to itself.
                 answer = self.run_command([os.environ["GST_LAUNCH"], *"tesselsrc location=clip.tessel ! fakesink".split()])
                 self.assertEqual(answer.code, 0)
-                self.assertIn("clip.tessel: plays without sound:", answer.out + answer.err)
+                self.assertIn("clip.tessel: the sound cannot be had:", answer.out + answer.err)
 
     def test_what_is_missing_is_named(self):
         self.assert_one_error("tesselsrc location=missing.tessel ! fakesink", "missing.tessel")

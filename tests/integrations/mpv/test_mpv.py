@@ -150,7 +150,7 @@ class Failures(MpvTest):
                 name = self.write("clip.tessel", document(**changes))
                 answer = self.mpv("--untimed", "--frames=2", name)
                 self.assertEqual(answer.code, 0, answer.out + answer.err)
-                self.assertIn("[tessel] clip.tessel: plays without sound:", answer.out + answer.err)
+                self.assertIn("[tessel] clip.tessel: the sound cannot be had:", answer.out + answer.err)
                 self.assertIn("Video --vid=1", answer.out)
 
     def test_a_document_that_is_removed_while_it_plays_goes_on(self):
