@@ -43,6 +43,18 @@ QWidget* ParentOf(const qelui::UI_Dialog& dialog)
     return parent == nullptr ? nullptr : static_cast<QWidget*>(parent->NativeWindow());
 }
 
+/// What stays in sight below the controls, with a line on top: controls scroll under it.
+class Foot final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter(this).fillRect(QRect(0, 0, width(), 1), palette().color(QPalette::Mid));
+    }
+};
+
 } // namespace
 
 /// Scrolls upright only, and is as wide as what it shows.
@@ -67,18 +79,6 @@ private:
     [[nodiscard]] int BarWidth() const
     {
         return style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    }
-};
-
-/// What stays in sight below the controls, with a line on top: controls scroll under it.
-class Foot final : public QWidget {
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override
-    {
-        QPainter(this).fillRect(QRect(0, 0, width(), 1), palette().color(QPalette::Mid));
     }
 };
 
