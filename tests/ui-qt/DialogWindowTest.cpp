@@ -374,6 +374,46 @@ TEST(DialogWindow, APreviewIsRenderedBesideTheUiThreadAndOnlyWhenThePictureChang
     EXPECT_EQ(test.cancels, 1);
 }
 
+TEST(DialogWindow, APreviewComesBackAfterOneThatCouldNotBeMade)
+{
+    OkCancelDialog test;
+    int notes = 0;
+    test.dialog.SetDocument([&notes] { return std::to_string(++notes); });
+    std::atomic<int> reductions = 0;
+    auto& userInterface = qelui::UserInterface::Get();
+    userInterface.SetPreviewRenderer(
+        {.reduce = [&reductions](const std::string& /*text*/) -> std::string {
+             if (++reductions == 2) {
+                 throw std::bad_alloc();
+             }
+             return "always the same";
+         },
+         .render =
+             [](const std::string& /*reduced*/) {
+                 return qelui::PreviewPictures{.first = {1, 1, {0xFFFF0000U}}, .last = {}, .lastFrame = 0};
+             }});
+    RunWith(test.dialog, [&test](QWidget& window) {
+        auto& dialogWindow = static_cast<kestrelqt::DialogWindow&>(window);
+        window.resize(1200, 400);
+        const auto isRed = [&dialogWindow] {
+            const QImage image = dialogWindow.Picture().toImage();
+            bool isFound = false;
+            for (int x = 0; x < image.width(); ++x) {
+                isFound = isFound || image.pixel(x, 40) == 0xFFFF0000;
+            }
+            return isFound;
+        };
+        EXPECT_TRUE(isRed());
+        auto& act = test.dialog.GetControl<qelui::UI_Button>("act");
+        act.SetLabel("Changed");
+        EXPECT_FALSE(isRed()) << "there is no memory for it";
+        act.SetLabel("Changed again");
+        EXPECT_TRUE(isRed());
+        window.close();
+    });
+    userInterface.SetPreviewRenderer({});
+}
+
 TEST(DialogWindow, ABoxAnswersWithTheButtonPressedAndNoWhenClosed)
 {
     ui_qt::Toolkit();

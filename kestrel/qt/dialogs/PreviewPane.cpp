@@ -56,6 +56,7 @@ std::optional<qelui::PreviewPictures> PicturesOf(const qelui::PreviewRenderer& r
         shown = reduced;
         return reduced.empty() ? qelui::PreviewPictures{} : renderer.render(reduced);
     } catch (...) {
+        shown.reset(); // the next document may have pictures again
         return qelui::PreviewPictures{};
     }
 }
