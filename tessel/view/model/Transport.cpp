@@ -134,9 +134,9 @@ bool Transport::IsInSecondHalf(double now) const noexcept
     return elapsed - std::floor(elapsed) >= 0.5;
 }
 
-std::int64_t Transport::Following(std::int64_t frame, int steps) const noexcept
+std::int64_t Transport::Following(std::int64_t frame, int later) const noexcept
 {
-    const std::int64_t next = frame + (mSpeed == 0 ? 1 : mSpeed) * std::int64_t{steps};
+    const std::int64_t next = mSpeed < 0 ? frame - later : frame + later;
     if (next >= 0 && next < mCount) {
         return next;
     }

@@ -44,8 +44,9 @@ public:
     /// Whether the second half of the due frame's time has begun: when its second field is shown.
     [[nodiscard]] bool IsInSecondHalf(double now) const noexcept;
 
-    /// The frame that comes `steps` frames later in the direction of playing; nothing beyond the ends: -1.
-    [[nodiscard]] std::int64_t Following(std::int64_t frame, int steps) const noexcept;
+    /// The frame that comes `later` frames after another one in the direction of playing, whatever the speed;
+    /// -1 beyond the ends.
+    [[nodiscard]] std::int64_t Following(std::int64_t frame, int later) const noexcept;
 
     /// How many frames ago `frame` was due, if `due` is due now; large for one that is still to come.
     [[nodiscard]] std::int64_t Lateness(std::int64_t frame, std::int64_t due) const noexcept;

@@ -52,12 +52,16 @@ ViewWindow::~ViewWindow()
     mPanes.clear();
 }
 
+int ViewWindow::ThreadsPerPane() noexcept
+{
+    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 4);
+}
+
 ViewWindow::Pane ViewWindow::MakePane(const std::filesystem::path& file)
 {
     Pane pane;
     pane.clip = std::make_shared<const ViewedClip>(mImporter, file);
-    const int threads = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 4);
-    pane.ahead = std::make_unique<FrameAhead>(pane.clip, threads, [this] {
+    pane.ahead = std::make_unique<FrameAhead>(pane.clip, ThreadsPerPane(), [this] {
         QMetaObject::invokeMethod(
             this, [this] { Tick(); }, Qt::QueuedConnection);
     });

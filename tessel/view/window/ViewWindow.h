@@ -12,6 +12,7 @@
 #include <tessel/scopes/Meters.h>
 #include <tessel/view/compare/Comparison.h>
 #include <tessel/view/model/FrameAhead.h>
+#include <tessel/view/model/FramePlan.h>
 #include <tessel/view/model/Transport.h>
 #include <tessel/view/model/ViewedClip.h>
 
@@ -72,6 +73,7 @@ private:
     /// Shows clips, and compares a movie with the first one; what cannot be opened is said.
     void OpenFiles(const std::vector<std::filesystem::path>& files);
     void OpenClips(const std::vector<std::filesystem::path>& files);
+    [[nodiscard]] static int ThreadsPerPane() noexcept;
     [[nodiscard]] Pane MakePane(const std::filesystem::path& file);
     void TakeScale();
     void Compare(const std::string& movie);

@@ -17,9 +17,10 @@ namespace {
 constexpr int kLeastAhead = 3;
 constexpr int kUsualAhead = 12;
 constexpr std::int64_t kAheadBytes = 256 << 20;
-constexpr int kMostAhead = 50;         // that are begun earlier because they take long
+constexpr int kMostLate = 50;          // frames; what is later is not shown any more
 constexpr double kSoundSlack = 0.3;    // seconds that sound may be off before it is started anew
 constexpr double kScopeSeconds = 0.08; // between frames with scopes while it plays
+constexpr int kScopeRows = 270;        // of a frame that are counted then, at least where it has them
 
 } // namespace
 
@@ -33,9 +34,9 @@ FrameWish ViewWindow::CurrentWish() const
     FrameWish wish;
     wish.scopes = mScopesDock->isVisible();
     wish.codeCheck = mShowsFaults;
-    // Every fourth row tells as much of a moving picture, in a quarter of the time.
-    const bool isLarge = !mPanes.empty() && mPanes[0].clip->Facts().height >= 480;
-    wish.scopeRowStep = mTransport.Speed() != 0 && isLarge ? 4 : 1;
+    // Some rows tell as much of a moving picture, in a fraction of the time.
+    const int height = mPanes.empty() ? 0 : mPanes[0].clip->Facts().height;
+    wish.scopeRowStep = mTransport.Speed() != 0 ? std::max(height / kScopeRows, 1) : 1;
     wish.secondsBetweenScopes = mTransport.Speed() != 0 ? kScopeSeconds : 0;
     wish.screenRowStep = ScreenRowStep();
     return wish;
@@ -70,20 +71,13 @@ void ViewWindow::WantAround(std::int64_t due)
     std::vector<std::int64_t> frames;
     std::vector<std::int64_t> keep;
     if (mTransport.Speed() != 0) {
-        // What takes longer to make than it is shown has to be begun that much earlier.
-        double seconds = 0;
+        MakingPace pace{.seconds = 0, .threads = ThreadsPerPane()};
         for (const Pane& pane : mPanes) {
-            seconds = std::max(seconds, pane.ahead->SecondsToMake());
+            pace.seconds = std::max(pace.seconds, pane.ahead->SecondsToMake());
         }
-        const bool isTimed = mTransport.CurrentPace() == Pace::RealTime;
-        const int lead = isTimed ? std::min(static_cast<int>(mTransport.FramesIn(seconds)), kMostAhead) : 0;
-        const int ahead = lead + FramesAhead();
-        for (int i = 0; i <= ahead; ++i) {
-            const std::int64_t next = mTransport.Following(due, i);
-            if (next >= 0) {
-                (i < lead ? keep : frames).push_back(next);
-            }
-        }
+        FramePlan plan = PlanFrames(mTransport, due, pace, FramesAhead());
+        frames = std::move(plan.frames);
+        keep = std::move(plan.keep);
     } else {
         frames.push_back(due);
         // Whoever steps goes to a neighbour next.
@@ -180,7 +174,7 @@ void ViewWindow::ShowNewest(std::int64_t due)
             newest = frame;
         }
     }
-    if (newest >= 0 && mTransport.Lateness(newest, due) < kMostAhead) {
+    if (newest >= 0 && mTransport.Lateness(newest, due) < kMostLate) {
         ShowFrame(newest);
     }
 }
