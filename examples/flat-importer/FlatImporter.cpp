@@ -11,6 +11,7 @@
 #include <kestrel/importabi/Suites.h>
 #include <kestrel/pixmill/Fill.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
+#include <kestrel/qelcore/FourCharacterCode.h>
 #include <kestrel/qelcore/logging/Log.h>
 
 #include <algorithm>
@@ -28,8 +29,8 @@ KS_IMPORTER_RESOURCES(FLAT_NAME_KEY, FLAT_MATCH_NAME);
 
 namespace {
 
-constexpr std::uint32_t kImporterCode = 0x494D5054; // IMPT
-constexpr std::uint32_t kFileTypeCode = 0x464C4154; // FLAT
+constexpr std::uint32_t kImporterCode = qelcore::FourCharacterCode("IMPT");
+constexpr std::uint32_t kFileTypeCode = qelcore::FourCharacterCode("FLAT");
 constexpr std::int32_t kChannels = 2;
 constexpr std::uint32_t kSettingsBytes = 4096; // a longer text is not handed to the host
 

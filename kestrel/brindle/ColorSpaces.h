@@ -1,4 +1,4 @@
-/// The colour spaces that the host knows, their names, codes and matching.
+/// The colour spaces that the host knows, their names, codes and matching. Threads: [thread-safe].
 #pragma once
 
 #include <kestrel/Export.h>

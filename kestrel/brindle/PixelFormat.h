@@ -1,4 +1,4 @@
-/// The host's pixel formats, under both of their numberings.
+/// The host's pixel formats, under both of their numberings. Threads: [thread-safe].
 #pragma once
 
 #include <kestrel/Export.h>

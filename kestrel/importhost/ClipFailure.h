@@ -32,7 +32,7 @@ struct ClipFailure {
 /// More channels than these are not played.
 inline constexpr std::int32_t kMostChannels = 64;
 
-/// The failure in one line without the file's name, as far as the host can see its reason.
+/// The failure in one line without the file's name, as far as the host sees its reason. [thread-safe]
 [[nodiscard]] KESTRELHOST_API std::string FailureText(const ClipFailure& failure,
                                                       const ClipDescription& description);
 

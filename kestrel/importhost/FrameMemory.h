@@ -8,7 +8,7 @@
 namespace importhost {
 
 /// Page-aligned bytes, zero when made. Above 32 MB it asks for huge pages, because a frame of that size
-/// costs more in page faults than in painting. Move-only.
+/// costs more in page faults than in painting. Move-only. Threads: [any-thread].
 class KESTRELHOST_API FrameMemory {
 public:
     FrameMemory() noexcept = default;

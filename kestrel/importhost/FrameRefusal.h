@@ -1,4 +1,4 @@
-/// What the host makes no frame of.
+/// What the host makes no frame of. Threads: [any-thread].
 #pragma once
 
 #include <cstdint>

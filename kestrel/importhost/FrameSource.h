@@ -20,7 +20,7 @@ struct RenderedFrame {
 
 /// Has frames painted. A new frame is zero before the plug-in paints it, so that a picture is a pure function
 /// of settings and time also where the plug-in leaves rows alone. Zeroing costs a pass over memory; it is left
-/// out where somebody who knows the clip says that the plug-in paints whole frames.
+/// out where the program knows that the plug-in paints whole frames.
 /// Threads: [thread-safe], except `SetPaintedWhole`, which comes before the first frame.
 class FrameSource {
 public:

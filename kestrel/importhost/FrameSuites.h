@@ -16,7 +16,7 @@ namespace importhost {
 /// What new frames hold. Only `Nothing` is free; it leaves what an earlier frame left.
 enum class NewFrameContent : std::uint8_t { Zero, Nothing, Pattern };
 
-/// One frame request under way, on one thread. Frames made for it live here until somebody takes them;
+/// One frame request under way, on one thread. Frames made for it live here until they are taken;
 /// the rest goes back to the pool with the request, whatever the plug-in did with their handles.
 class FrameRequest {
 public:

@@ -1,4 +1,4 @@
-/// Errors of the host, with messages for a person.
+/// Errors of the host, with messages for a person. Threads: [any-thread].
 #pragma once
 
 #include <kestrel/Export.h>

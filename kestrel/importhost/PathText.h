@@ -1,4 +1,4 @@
-/// File names in messages, and which file names a clip may have.
+/// File names in messages, and which file names a clip may have. Threads: [thread-safe].
 #pragma once
 
 #include <kestrel/Export.h>

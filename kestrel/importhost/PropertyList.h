@@ -1,6 +1,6 @@
 /// A plug-in's property list: what a host learns of a plug-in before it runs any of it.
 ///
-/// The bytes come from a file that anybody may have made, so the parser takes nothing on trust: every
+/// The bytes come from a file of unknown origin, so the parser takes nothing on trust: every
 /// length is checked before it is used, and a list that breaks one rule is refused as a whole.
 #pragma once
 

@@ -18,7 +18,7 @@ struct SaveReport {
 
 /// Receives the result of each save on its own thread, from construction to destruction.
 /// Only the newest listener receives a report; calling `ReportSave` in its handler passes it on to the next
-/// older.
+/// older. Threads: [any-thread].
 class KESTREL_API ScopedSaveListener {
 public:
     using Handler = std::function<void(const SaveReport&)>;
@@ -35,6 +35,7 @@ private:
 };
 
 /// Gives a report to the calling thread's listener, if there is one. An exception of the listener is logged.
+/// Threads: [thread-safe].
 KESTREL_API void ReportSave(const SaveReport& report) noexcept;
 
 } // namespace ORB

@@ -64,8 +64,8 @@ private:
 };
 
 /// Removes the temporary files and folders that killed processes left in `folder`: those of the two classes
-/// above whose lock is free. On a file system without locks none is removed. Threads: [any-thread]. Reads the
-/// whole folder.
+/// above whose lock is free. On a file system without locks it removes nothing. Threads: [any-thread]. Reads
+/// the whole folder.
 KESTREL_API void RemoveLeftovers(const std::string& folder) noexcept;
 
 } // namespace ORB

@@ -1,4 +1,4 @@
-/// Four-character codes, in the two byte orders that the host has them in.
+/// Four-character codes, in the two byte orders that the host has them in. [thread-safe]
 #pragma once
 
 #include <cstdint>

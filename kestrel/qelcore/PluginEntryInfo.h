@@ -1,4 +1,4 @@
-/// One entry of a statically linked plug-in.
+/// One entry of a statically linked plug-in. Threads: [any-thread].
 #pragma once
 
 namespace qelcore::utility {

@@ -1,4 +1,4 @@
-/// Layout texts as trees: what the two dialects of the layout language have in common.
+/// Layout texts as trees: what the two dialects of the layout language have in common. Threads: [any-thread].
 #pragma once
 
 #include <kestrel/Export.h>

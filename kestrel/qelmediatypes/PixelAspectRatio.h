@@ -1,4 +1,4 @@
-/// Pixel aspect ratios and the host's thirteen named ones.
+/// Pixel aspect ratios and the host's thirteen named ones. Threads: [any-thread].
 #pragma once
 
 #include <array>

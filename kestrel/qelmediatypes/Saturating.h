@@ -1,4 +1,5 @@
-/// Conversions and arithmetic that stop at the ends of their range instead of wrapping or trapping.
+/// Conversions and arithmetic that stop at the ends of their range, neither wrapping nor trapping.
+/// [thread-safe]
 #pragma once
 
 #include <kestrel/Export.h>

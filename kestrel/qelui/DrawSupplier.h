@@ -1,4 +1,4 @@
-/// How a window is drawn.
+/// How a window is drawn. Threads: [any-thread].
 #pragma once
 
 namespace qelui {

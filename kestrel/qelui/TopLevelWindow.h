@@ -1,4 +1,4 @@
-/// A top-level window: a host's main window, or a dialog.
+/// A top-level window: a host's main window, or a dialog. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

@@ -37,6 +37,12 @@ CASES = [
     ("nothing names a place on somebody's machine",
      ("scripts/demo", "# from /Users/somebody/clips"),
      ("scripts/demo", "# network/")),
+    ("a public header says which threads may call",
+     ("kestrel/orb/Installed.h", "/// A file. Threads: as usual.\n"),
+     ("kestrel/orb/Installed.h", "/// A file. Threads: [any-thread].\n")),
+    ("a public header says which threads may call",
+     ("kestrel/orb/Installed.h", "int buffer[thread];\n"),
+     ("kestrel/orb/Private.h", "int buffer[thread];\n")),
 ]
 
 
@@ -44,6 +50,9 @@ class Rules(RuleCases, unittest.TestCase):
     RULES = RULES
     CASES = CASES
     broken_rules = staticmethod(broken_rules)
+    SURROUNDINGS = (("kestrel/orb/CMakeLists.txt",
+                     "target_sources(kestrel PRIVATE Private.h)\n"
+                     "target_sources(kestrel PUBLIC FILE_SET HEADERS FILES Installed.h)\n"),)
 
 
 if __name__ == "__main__":

@@ -1,9 +1,9 @@
-"""Rules about the text of files, one row each: which files, and what must not stand in them."""
+"""Rules about the text of files, one row each: which files, and what must not or must stand in them."""
 
 import os
 import re
 
-from include_rules import without_comments
+from include_rules import installed_headers, without_comments
 
 LEFT_OUT = {".git", ".cache", "__pycache__", "build", "out"}
 SOURCES = r"(?:kestrel|ImporterTessel|tessel|examples)/.*\.(?:h|cpp|c)$"
@@ -17,7 +17,7 @@ class Rule:
         self.exempt = re.compile(exempt) if exempt else None
         self.in_comments = in_comments
 
-    def concerns(self, path):
+    def concerns(self, path, _installed):
         return self.files.match(path) and not (self.exempt and self.exempt.search(path))
 
     def breaks(self, text):
@@ -25,6 +25,22 @@ class Rule:
         searched = text if self.in_comments else without_comments(text)
         for found in self.forbidden.finditer(searched):
             yield searched.count("\n", 0, found.start()) + 1, found.group()
+
+
+class PublicHeaderRule:
+    """What each installed header must say."""
+
+    def __init__(self, name, required, exempt):
+        self.name = name
+        self.required = re.compile(required)
+        self.exempt = re.compile(exempt)
+
+    def concerns(self, path, installed):
+        return path in installed and not self.exempt.search(path)
+
+    def breaks(self, text):
+        if not self.required.search(text):
+            yield 1, "no such word"
 
 
 RULES = [
@@ -46,16 +62,20 @@ RULES = [
          r'"(?:[^"\\\n]|\\.)*(?<![\w-])--[a-z]{2}'),
     Rule("nothing names a place on somebody's machine", r".*", r"(?<![\w.$}~-])/(?:Users|home|root|work|workspace)/\w+",
          exempt=r"\.(?:png)$|^tests/fuzz/[^/]+/corpus/|^tests/layers/test_text\.py$", in_comments=True),
+    # The words of docs/threads.md. Macros and numbers have no threads.
+    PublicHeaderRule("a public header says which threads may call", r"\[(?:ui-thread|any-thread|thread-safe|serialised)\]",
+                     exempt=r"^kestrel/(?:Export|importabi/(?:Resources|ResultCodes))\.h$"),
 ]
 
 
 def broken_rules(root):
     """(path, line, what stands there, rule's name) of everything that breaks a rule below `root`."""
+    installed = set(installed_headers(root))
     for where, folders, names in os.walk(root):
         folders[:] = sorted(set(folders) - LEFT_OUT)
         for name in sorted(set(names) - LEFT_OUT):
             path = os.path.relpath(os.path.join(where, name), root)
-            rules = [rule for rule in RULES if rule.concerns(path)]
+            rules = [rule for rule in RULES if rule.concerns(path, installed)]
             if not rules:
                 continue
             with open(os.path.join(root, path), encoding="utf-8", errors="replace") as file:

@@ -8,7 +8,8 @@
 
 namespace qelcore::classref {
 
-/// Base of such objects. Create them with `std::make_shared`.
+/// Base of such objects. Create them with `std::make_shared`. Threads: [any-thread]; references may be taken
+/// and dropped on any thread at once.
 class KESTREL_API UnknownBase : public std::enable_shared_from_this<UnknownBase> {
 public:
     virtual ~UnknownBase();

@@ -11,7 +11,7 @@ namespace qelcore::debug {
 ///
 /// @param message   The text. Where it begins with a category, as in "plugin.Module  it broke" or
 ///                  "<plugin.Module> it broke", the report is filed under that; else under `function`.
-/// @return true when the person asks to break into the debugger. Here nobody is asked: true exactly when
+/// @return true when the person asks to break into the debugger. This host does not ask: true exactly when
 ///         the environment variable `KESTREL_BREAK_ON_ASSERT` is "true".
 /// Threads: [thread-safe]. Never throws.
 [[nodiscard]] KESTREL_API bool DoSimpleAssert(std::string_view file, int line, std::string_view function,

@@ -1,4 +1,4 @@
-/// The host's exceptions. All are exported types: one thrown in a library is caught by type in another.
+/// The host's exceptions, exported so that one library catches by type what another throws. [any-thread]
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,4 @@
-/// A file as a dialog hands it out: a name, nothing opened.
+/// A file as a dialog hands it out: a name, nothing opened. Threads: [any-thread].
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-/// The host's log: messages with a context go to whoever listens, else to standard error.
+/// The host's log: messages with a context go to the listener, else to standard error.
 #pragma once
 
 #include <kestrel/Export.h>

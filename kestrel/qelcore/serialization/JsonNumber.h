@@ -1,4 +1,4 @@
-/// Numbers in JSON texts, without regard to the process's locale.
+/// Numbers in JSON texts, without regard to the process's locale. Threads: [thread-safe].
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,4 @@
-/// Conversions between UTF-8 and UTF-16.
+/// Conversions between UTF-8 and UTF-16. Threads: [thread-safe].
 #pragma once
 
 #include <kestrel/Export.h>

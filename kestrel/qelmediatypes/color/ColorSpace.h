@@ -1,4 +1,4 @@
-/// Colour spaces as a host value: a profile, how it is to be taken, and facts about the signal.
+/// Colour spaces as a host value: a profile, how it is to be taken, and facts about the signal. [any-thread]
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,4 @@
-/// Controls that are pressed: buttons, check boxes, radio buttons.
+/// Controls that are pressed: buttons, check boxes, radio buttons. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

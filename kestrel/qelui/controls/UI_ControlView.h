@@ -2,7 +2,7 @@
 ///
 /// Two sides use a control, and each has its own verbs:
 /// - **code** (a dialog's implementation) calls `Set...`: the value is taken as it is, never rounded,
-///   never limited, and nobody is notified;
+///   never limited, and no change handler runs;
 /// - a **person**, acting through a toolkit, arrives as `Enter...`, `Choose...`, `Press...`: what is entered
 ///   is made to fit the control and then the change handlers run.
 ///

@@ -1,4 +1,4 @@
-/// Controls that hold others: groups, radio groups and the row of OK and Cancel.
+/// Controls that hold others: groups, radio groups and the row of OK and Cancel. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,5 @@
 /// Controls that hold a number: number edits, and hot-text numbers, which can be dragged.
+/// Threads: [ui-thread] for the controls, [thread-safe] for the functions.
 #pragma once
 
 #include <kestrel/Export.h>

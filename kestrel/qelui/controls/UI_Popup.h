@@ -1,4 +1,4 @@
-/// A list of which one item is chosen.
+/// A list of which one item is chosen. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,4 @@
-/// Text that a person reads.
+/// Text that a person reads. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

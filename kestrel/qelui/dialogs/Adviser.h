@@ -1,5 +1,6 @@
 /// What a program can say of a dialog's controls that the host cannot, because it takes knowledge of the
 /// document.
+/// Threads: [ui-thread].
 #pragma once
 
 #include <functional>
@@ -16,8 +17,7 @@ struct AdviceRequest {
 };
 
 /// One sentence for the status line, UTF-8; empty where there is nothing to say. With a complaint the sentence
-/// takes its place. Called on the ui thread at each change and each move of the focus, so it has a few
-/// milliseconds.
+/// takes its place. Called at each change and each move of the focus, so it has a few milliseconds.
 using Adviser = std::function<std::string(const AdviceRequest&)>;
 
 } // namespace qelui

@@ -1,4 +1,4 @@
-/// The host's colour picker.
+/// The host's colour picker. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>
@@ -23,7 +23,7 @@ public:
     ColorPickerDialog(const DrawSupplier& supplier, TopLevelWindow* parent, bool offersAlpha);
 
     void SetColor(const PickerColor& color) noexcept { mColor = color; }
-    /// The colour set, or what the person made of it; channels that nobody touched keep every bit.
+    /// The colour set, or what the person made of it; channels that the person left alone keep every bit.
     [[nodiscard]] const PickerColor& GetColor() const noexcept { return mColor; }
 
     /// @return whether the person accepted; if not, the colour is the one that was set.

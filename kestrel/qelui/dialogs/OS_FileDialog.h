@@ -1,4 +1,4 @@
-/// The platform's dialogs for choosing a file.
+/// The platform's dialogs for choosing a file. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

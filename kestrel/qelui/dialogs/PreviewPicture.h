@@ -23,7 +23,7 @@ struct PreviewPictures {
 };
 
 /// How a program makes pictures of the settings in a dialog. Neither function throws anything but what a
-/// toolkit treats as "no picture". Both are called on a thread of the toolkit's, one call at a time: a long
+/// toolkit treats as "no picture". Both are called on a thread of the toolkit's, [serialised]: a long
 /// document takes its time, too.
 struct PreviewRenderer {
     /// What of a settings document the pictures show: texts that look alike give the same result, so that they

@@ -1,4 +1,4 @@
-/// A modal dialog: the root of a tree of controls, and their window.
+/// A modal dialog: the root of a tree of controls, and their window. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

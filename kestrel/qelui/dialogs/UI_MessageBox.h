@@ -1,4 +1,4 @@
-/// A question with a few answers.
+/// A question with a few answers. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

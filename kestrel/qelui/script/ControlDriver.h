@@ -40,7 +40,7 @@ struct SeenState {
 
 /// Does what a person would do. The runner calls an act only if `See` reports the control as enabled. An act
 /// returns after everything that it causes has happened, including nested dialogs. It throws only
-/// `std::bad_alloc`. Afterwards the dialog may be closed and its widgets destroyed.
+/// `std::bad_alloc`. Afterwards the dialog may be closed and its widgets destroyed. Threads: [ui-thread].
 class KESTRELUI_API ControlDriver {
 public:
     ControlDriver() = default;

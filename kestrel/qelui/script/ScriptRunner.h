@@ -1,4 +1,4 @@
-/// Plays one script on one dialog.
+/// Plays one script on one dialog. Threads: [ui-thread].
 #pragma once
 
 #include <kestrel/Export.h>

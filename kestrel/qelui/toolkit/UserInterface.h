@@ -37,6 +37,7 @@ struct KESTRELUI_API ScriptFailure {
 /// - `KESTREL_UI`: `qt` or `scripted`. If it is not set: `qt` if there is a display and Qt can open windows
 ///   on it, else `scripted` if a script is named, else there is no toolkit;
 /// - `KESTREL_UI_SCRIPT`: the script's file.
+/// Threads: [ui-thread].
 class KESTRELUI_API UserInterface {
 public:
     [[nodiscard]] static UserInterface& Get();
