@@ -1,5 +1,7 @@
 #include "ColorSpaces.h"
 
+#include <kestrel/qelcore/text/LetterCase.h>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -81,14 +83,9 @@ std::optional<Codes> CodesOf(const ColorSpace& space) noexcept
     return Codes{data[0], data[1], data[2], data[3]};
 }
 
-/// ASCII letters alone: names are compared the same in every locale.
-constexpr char LowerCase(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool SameName(std::string_view a, std::string_view b)
 {
+    using qelcore::text::LowerCase;
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return LowerCase(x) == LowerCase(y); });
 }

@@ -10,6 +10,7 @@
 #include <kestrel/importabi/ResultCodes.h>
 #include <kestrel/importabi/Selectors.h>
 #include <kestrel/qelcore/logging/Log.h>
+#include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
 
 #include <algorithm>
@@ -23,19 +24,11 @@
 namespace importhost {
 namespace {
 
+using qelcore::text::LowerCase;
+
 [[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& why)
 {
     throw HostError(DisplayName(file) + ": " + why);
-}
-
-std::string LowerASCII(std::string text)
-{
-    for (char& character : text) {
-        if (character >= 'A' && character <= 'Z') {
-            character = static_cast<char>(character - 'A' + 'a');
-        }
-    }
-    return text;
 }
 
 /// Looks at the file's kind only; whether it can be read shows when the plug-in opens it.
@@ -128,11 +121,11 @@ void DescribeColor(const Importer& importer, const std::filesystem::path& file, 
 
 const FileType& FileTypeOf(const Importer& importer, const std::filesystem::path& file)
 {
-    const std::string extension = LowerASCII(qelcore::text::UTF8Text(file.extension()));
+    const std::string extension = LowerCase(qelcore::text::UTF8Text(file.extension()));
     std::string known;
     for (const FileType& type : importer.FileTypes()) {
         for (const std::string& own : type.extensions) {
-            if (extension.substr(std::min<std::size_t>(extension.size(), 1)) == LowerASCII(own)) {
+            if (extension.substr(std::min<std::size_t>(extension.size(), 1)) == LowerCase(own)) {
                 return type;
             }
             known += (known.empty() ? "." : ", .") + own;

@@ -22,7 +22,7 @@ std::int32_t CreateFrame(ksFrameHandle* frame, std::int32_t access, std::uint32_
     if (access != ksFrameAccessReadWrite) {
         return kWrongAccess;
     }
-    // A frame belongs to the request it is made for; without one nobody would ever give it back.
+    // A frame belongs to the request it is made for; outside a request it would never be freed.
     FrameRequest* request = FrameRequest::FromToken(extra16);
     if (request == nullptr) {
         return kRefused;

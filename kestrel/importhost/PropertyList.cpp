@@ -2,6 +2,7 @@
 
 #include "HostError.h"
 
+#include <kestrel/qelcore/text/FourCharacterText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 
 #include <algorithm>
@@ -18,13 +19,7 @@ constexpr std::uint32_t kMostProperties = 1024;
 
 std::string Quoted(std::uint32_t key)
 {
-    std::string text = "\"";
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        const auto character = static_cast<char>(key >> static_cast<unsigned>(shift) & 0xFFU);
-        text += character >= ' ' && character <= '~' ? character : '?';
-    }
-    text += '"';
-    return text;
+    return '"' + qelcore::text::TextOfFourCharacters(key) + '"';
 }
 
 [[noreturn]] void Refuse(const std::string& what)

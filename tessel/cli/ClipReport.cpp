@@ -3,6 +3,7 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/pixmill/PixelFormatCodes.h>
+#include <kestrel/qelcore/text/FourCharacterText.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/typed/Names.h>
 
@@ -22,7 +23,6 @@ using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 using typed::ChannelTypeName;
 using typed::FieldOrderName;
-using typed::FourCharacterText;
 using typed::PixelAspectName;
 using typed::PixelFormatName;
 
@@ -105,7 +105,7 @@ std::string RateText(const ClipDescription& description)
 std::string FormatText(const ClipFacts& description)
 {
     return fmt::format("{} \"{}\"", PixelFormatName(description.pixelFormat),
-                       FourCharacterText(description.pixelFormatCode));
+                       qelcore::text::TextOfFourBytes(description.pixelFormatCode));
 }
 
 std::string AudioText(const ClipFacts& facts)
@@ -121,9 +121,9 @@ std::string AudioText(const ClipFacts& facts)
     return text;
 }
 
-} // namespace
-
-std::string Timecode(std::int64_t frame, std::int32_t timeScale, std::int32_t sampleSize)
+/// Frame number `frame` as hours, minutes, seconds and frames, counted with the nearest whole rate and without
+/// dropping numbers: "01:00:00:00". "-" for a rate without frames.
+std::string TimecodeText(std::int64_t frame, std::int32_t timeScale, std::int32_t sampleSize)
 {
     if (timeScale <= 0 || sampleSize <= 0 || frame < 0) {
         return "-";
@@ -134,6 +134,8 @@ std::string Timecode(std::int64_t frame, std::int32_t timeScale, std::int32_t sa
     return fmt::format("{:02}:{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60,
                        frame % rate);
 }
+
+} // namespace
 
 std::string ReportAsTable(const OpenedClip& opened)
 {
@@ -153,7 +155,7 @@ std::string ReportAsTable(const OpenedClip& opened)
     table.Add("frame rate", RateText(description));
     table.Add("duration",
               fmt::format("{} frames, {:.3f} s, {}", description.frameCount, Seconds(description),
-                          Timecode(description.frameCount, description.timeScale, description.sampleSize)));
+                          TimecodeText(description.frameCount, description.timeScale, description.sampleSize)));
     // The record's fields are packed: copies, not references.
     table.Add("color space",
               fmt::format("{} (primaries {}, transfer {}, matrix {}, {} range)", description.colorSpaceName,
@@ -179,7 +181,7 @@ Value ReportAsDocument(const OpenedClip& opened)
 
     Object format;
     AddToObject(format, "code", Integer(description.pixelFormatCode));
-    AddToObject(format, "fourCharacterCode", Text(FourCharacterText(description.pixelFormatCode)));
+    AddToObject(format, "fourCharacterCode", Text(qelcore::text::TextOfFourBytes(description.pixelFormatCode)));
     AddToObject(format, "name", Text(PixelFormatName(description.pixelFormat)));
     AddToObject(format, "bottomRowFirst", Value(IsStoredBottomRowFirst(description)));
 
@@ -194,7 +196,7 @@ Value ReportAsDocument(const OpenedClip& opened)
     AddToObject(duration, "frames", Integer(description.frameCount));
     AddToObject(duration, "seconds", Value(Seconds(description)));
     AddToObject(duration, "timecode",
-                Text(Timecode(description.frameCount, description.timeScale, description.sampleSize)));
+                Text(TimecodeText(description.frameCount, description.timeScale, description.sampleSize)));
 
     Object color;
     AddToObject(color, "name", Text(description.colorSpaceName));

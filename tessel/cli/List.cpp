@@ -5,6 +5,7 @@
 
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/qelcore/serialization/Json.h>
+#include <kestrel/qelcore/text/FourCharacterText.h>
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 #include <tessel/document/settings/ColorSpaceNames.h>
 #include <tessel/document/settings/FrameRates.h>
@@ -130,7 +131,8 @@ Listing PixelFormats()
                 return std::find(row.formats.begin(), row.formats.end(), info.constant) != row.formats.end();
             });
         listing.Add({Text(layout->name), Text(MatrixName(document::MatrixOf(info.format))),
-                     Text(typed::FourCharacterText(info.sdkCode)), Integer(info.sdkCode), Text(info.constant)});
+                     Text(qelcore::text::TextOfFourBytes(info.sdkCode)), Integer(info.sdkCode),
+                     Text(info.constant)});
     }
     return listing;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 namespace tessel::typed {
+
 std::string_view PixelFormatName(BR::PixelFormat format) noexcept
 {
     const auto formats = BR::AllPixelFormats();
@@ -10,16 +11,6 @@ std::string_view PixelFormatName(BR::PixelFormat format) noexcept
         return info.format == format;
     });
     return found != formats.end() ? found->constant : "unknown";
-}
-
-std::string FourCharacterText(std::uint32_t code)
-{
-    std::string text;
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-        const auto character = static_cast<char>(code >> shift & 0xFFU);
-        text += character >= ' ' && character <= '~' ? character : '?';
-    }
-    return text;
 }
 
 std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept

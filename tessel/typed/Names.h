@@ -6,16 +6,12 @@
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace tessel::typed {
 
 /// The host constant's name, "KsPixelFormat_BGRA_4444_8u"; "unknown" for no format.
 [[nodiscard]] std::string_view PixelFormatName(BR::PixelFormat format) noexcept;
-
-/// The four bytes of a code as text, "v210"; bytes that cannot be shown as "?".
-[[nodiscard]] std::string FourCharacterText(std::uint32_t code);
 
 /// The name of one of the host's ratios without its prefix, "DVNTSCWide"; empty for any other.
 [[nodiscard]] std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept;

@@ -7,7 +7,7 @@
 namespace qelcore::logging {
 namespace {
 
-/// The listener that hears what this thread logs now; null where nobody does.
+/// The newest listener of this thread; null without one.
 thread_local ScopedListener* tListener = nullptr;
 
 constexpr const char* kUnknownException = "unknown exception";

@@ -214,6 +214,11 @@ std::optional<std::string_view> FindText(const Value& value) noexcept
     return TextOf(value.GetNode());
 }
 
+bool IsNumber(const Value& value) noexcept
+{
+    return value.GetKind() == Kind::Number || FindInteger(value).has_value();
+}
+
 bool ObjectHasProperty(const Value& object, std::string_view key) noexcept
 {
     return !GetVariantInObject(object, key).IsNothing();

@@ -154,11 +154,12 @@ private:
 };
 
 /// Reads. Each throws `type_exception` naming `key` where the value has another type; nothing is of no type. A
-/// text lives as long as some copy of its value or of what contains it.
+/// text lives as long as some copy of its value or of what contains it, so that of a temporary is not given.
 /// @{
 [[nodiscard]] KESTREL_API Members AsObject(const Value& value, std::string_view key);
 [[nodiscard]] KESTREL_API Elements AsArray(const Value& value, std::string_view key);
 [[nodiscard]] KESTREL_API std::string_view AsText(const Value& value, std::string_view key);
+std::string_view AsText(const Value&& value, std::string_view key) = delete;
 /// From a signed or unsigned integer; the bits of the 64-bit two's complement. 333.0 is not an integer.
 [[nodiscard]] KESTREL_API std::int64_t AsInteger(const Value& value, std::string_view key);
 /// From a double or either kind of integer.
@@ -172,7 +173,11 @@ private:
 /// The same without an exception: no result where the value has another type. @{
 [[nodiscard]] KESTREL_API std::optional<std::int64_t> FindInteger(const Value& value) noexcept;
 [[nodiscard]] KESTREL_API std::optional<std::string_view> FindText(const Value& value) noexcept;
+std::optional<std::string_view> FindText(const Value&& value) = delete;
 /// @}
+
+/// Whether the value is a double or an integer.
+[[nodiscard]] KESTREL_API bool IsNumber(const Value& value) noexcept;
 
 /// Whether `object` is an object and has `key`.
 [[nodiscard]] KESTREL_API bool ObjectHasProperty(const Value& object, std::string_view key) noexcept;

@@ -1,6 +1,8 @@
 /// Names in tables: looked up, listed.
 #pragma once
 
+#include <kestrel/qelcore/text/LetterCase.h>
+
 #include <string>
 #include <string_view>
 
@@ -9,14 +11,12 @@ namespace tessel::exporting {
 /// Whether two names are the same but for the case of ASCII letters.
 [[nodiscard]] constexpr bool IsSameName(std::string_view left, std::string_view right) noexcept
 {
-    constexpr auto lower = [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    };
+    using qelcore::text::LowerCase;
     if (left.size() != right.size()) {
         return false;
     }
     for (std::size_t i = 0; i < left.size(); ++i) {
-        if (lower(left[i]) != lower(right[i])) {
+        if (LowerCase(left[i]) != LowerCase(right[i])) {
             return false;
         }
     }

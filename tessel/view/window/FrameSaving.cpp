@@ -1,22 +1,20 @@
 #include "FrameSaving.h"
 
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/plan/Container.h>
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 namespace tessel::view {
 
 void SaveFrameAs(const exporting::SignalSource& clip, std::int64_t frame, const std::filesystem::path& file)
 {
-    std::string ending = qelcore::text::UTF8Text(file.extension());
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    const std::string ending = qelcore::text::LowerCase(qelcore::text::UTF8Text(file.extension()));
     if (ending != ".png" && ending != ".exr") {
         throw exporting::ExportError(importhost::DisplayName(file) +
                                      ": a frame is saved as .png or .exr: give the file one of these endings");
@@ -27,11 +25,11 @@ void SaveFrameAs(const exporting::SignalSource& clip, std::int64_t frame, const 
     job.target = file;
     job.frames = {.first = frame, .count = 1};
     // Where rendering would read a percent sign as the place of a number, the file gets its name afterwards.
-    const bool hasPercentSign = file.filename().native().find('%') != std::string::npos;
+    std::string name = qelcore::text::UTF8Text(file.filename());
+    const bool hasPercentSign = name.find('%') != std::string::npos;
     if (hasPercentSign) {
-        std::string name = '.' + file.filename().native();
         std::replace(name.begin(), name.end(), '%', '_');
-        job.target = file.parent_path() / name;
+        job.target = file.parent_path() / qelcore::text::PathOf('.' + name);
     }
     static_cast<void>(exporting::Render(clip, job));
     if (hasPercentSign) {

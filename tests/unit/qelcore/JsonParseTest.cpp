@@ -41,7 +41,8 @@ TEST(JSONParse, ReadsEveryKindOfValue)
     EXPECT_FALSE(AsBoolean(object.Find("f"), "f"));
     EXPECT_EQ(AsInteger(object.Find("i"), "i"), -1);
     EXPECT_EQ(AsNumber(object.Find("d"), "d"), 0.5);
-    EXPECT_EQ(AsText(object.Find("s"), "s"), "x");
+    const Value text = object.Find("s");
+    EXPECT_EQ(AsText(text, "s"), "x");
     EXPECT_EQ(AsArray(object.Find("a"), "a").size(), 2U);
     EXPECT_TRUE(GetVariantInObject(object.Find("o"), "k").IsObject());
 }
