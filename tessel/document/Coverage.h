@@ -13,8 +13,7 @@ namespace tessel::document {
 ///   rows and an odd last row is left over;
 /// - gradient: always, it is painted row by row;
 /// - swatches: in 32-bit float BGRA, the only format that a chart is painted in. Neighbouring swatches and
-/// bands
-///   share their borders, from the first row and column to the last;
+///   bands share their borders, from the first row and column to the last;
 /// - any other render format paints nothing but the frame number.
 [[nodiscard]] bool PaintsWholeFrame(const importhost::ClipDescription& description, const DocumentFacts& facts);
 

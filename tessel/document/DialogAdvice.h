@@ -9,9 +9,8 @@ namespace tessel::document {
 /// What there is to say of a control while the dialog holds these settings: why a chart is not shown, which
 /// values the chosen modes do not use. One sentence or two, empty where there is nothing to say.
 /// @param control    The control's identifier in the dialog's layout.
-/// @param complaint  What the plug-in logged when a person used the control, empty on other occasions. The
-/// answer is
-///                   then what became of a swatch file, or empty for complaints about something else.
+/// @param complaint  What the plug-in logged when a person used the control, empty on other occasions. With
+///                   one, the answer is what became of a swatch file, or empty for other complaints.
 /// Threads: [any-thread].
 [[nodiscard]] std::string DialogAdvice(std::string_view control, std::string_view settingsText,
                                        std::string_view complaint);

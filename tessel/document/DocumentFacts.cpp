@@ -1,5 +1,7 @@
 #include "DocumentFacts.h"
 
+#include "Wrapper.h"
+
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/orb/File.h>
 #include <kestrel/qelcore/serialization/Json.h>
@@ -14,8 +16,6 @@ namespace {
 using qelcore::serialization::Elements;
 using qelcore::serialization::GetVariantInObject;
 using qelcore::serialization::Value;
-
-constexpr char kWrapper[] = "SerializerWrappedObject";
 
 /// The low 32 bits of an integer, as the plug-in takes them; nothing for another type.
 std::optional<std::uint32_t> Integer32(const Value& value)
@@ -51,12 +51,6 @@ SwatchBand Band(const Value& coordinates, const Value& colors, const char* name)
         band.lastY = static_cast<std::int32_t>(Integer32(rows[rows.size() - 1]).value_or(0));
     }
     return band;
-}
-
-Value Unwrapped(const Value& root)
-{
-    return qelcore::serialization::ObjectHasProperty(root, kWrapper) ? GetVariantInObject(root, kWrapper)
-                                                                     : root;
 }
 
 /// Leaves `flag` as it is where the key is absent or holds no boolean.
@@ -133,8 +127,8 @@ std::optional<std::string> DocumentProblem(const std::filesystem::path& file)
     if (Unwrapped(root).IsObject()) {
         return std::nullopt;
     }
-    const bool isWrapped = qelcore::serialization::ObjectHasProperty(root, kWrapper);
-    return (isWrapped ? '"' + std::string(kWrapper) + "\": " : std::string()) +
+    const bool isWrapped = qelcore::serialization::ObjectHasProperty(root, kWrapperKey);
+    return (isWrapped ? '"' + std::string(kWrapperKey) + "\": " : std::string()) +
            "expected a JSON object with a clip's settings";
 }
 

@@ -1,5 +1,7 @@
 #include "DroppedKeys.h"
 
+#include "Wrapper.h"
+
 #include <kestrel/qelcore/serialization/Json.h>
 
 namespace tessel::document {
@@ -9,17 +11,8 @@ using qelcore::serialization::AsObject;
 using qelcore::serialization::GetVariantInObject;
 using qelcore::serialization::Value;
 
-constexpr std::string_view kWrapper = "SerializerWrappedObject";
 /// Read from documents of version 0 and written as "mColorSpace".
 constexpr std::string_view kOldColorSpace = "mPredefinedColorSpace";
-
-/// The object that holds the settings; empty where the text has no such object.
-Value SettingsOf(std::string_view text)
-{
-    const Value root = qelcore::serialization::JSONParse(text);
-    return qelcore::serialization::ObjectHasProperty(root, kWrapper) ? GetVariantInObject(root, kWrapper)
-                                                                     : root;
-}
 
 void AddDropped(const Value& before, const Value& after, const std::string& path,
                 std::vector<std::string>& dropped)
@@ -39,8 +32,8 @@ void AddDropped(const Value& before, const Value& after, const std::string& path
 
 std::vector<std::string> DroppedKeys(std::string_view before, std::string_view after)
 {
-    const Value old = SettingsOf(before);
-    const Value now = SettingsOf(after);
+    const Value old = Unwrapped(qelcore::serialization::JSONParse(before));
+    const Value now = Unwrapped(qelcore::serialization::JSONParse(after));
     std::vector<std::string> dropped;
     if (old.IsObject() && now.IsObject()) {
         AddDropped(old, now, /*path=*/"", dropped);

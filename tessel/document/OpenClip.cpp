@@ -18,6 +18,7 @@ namespace {
 using importhost::ClipDescription;
 using importhost::HostError;
 
+/// The type of files that are `.tessel` documents.
 constexpr std::uint32_t kTesselDocument = qelcore::FourCharacterCode("TSSL");
 
 [[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& why)

@@ -33,7 +33,7 @@ struct ClipFacts : importhost::ClipDescription {
         BR::PixelFormat::Unknown; ///< the same; `Unknown` where the code is not a pixel format's
     /// Every frame shows the same picture, says the document.
     bool isStill = false;
-    /// The format in which frames come, once somebody has asked a frame for it.
+    /// The format in which frames come, once a frame was asked for it.
     BR::PixelFormat frameFormat = BR::PixelFormat::Unknown;
 };
 

@@ -1,21 +1,19 @@
 #include "ColorSpaceNames.h"
 
 #include <kestrel/brindle/ColorSpaces.h>
+#include <kestrel/qelcore/text/LetterCase.h>
 
 #include <algorithm>
 
 namespace tessel::document {
 namespace {
 
+using qelcore::text::LowerCase;
+
 bool IsLetterOrDigit(char letter) noexcept
 {
     return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
            (letter >= '0' && letter <= '9');
-}
-
-char Lower(char letter) noexcept
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 /// "Rec. 2020 (10-bit)" gives "rec2020-10-bit".
@@ -35,7 +33,7 @@ std::string NameOf(std::string_view title)
         }
         name += isApart && !name.empty() ? "-" : "";
         isApart = false;
-        name += Lower(letter);
+        name += LowerCase(letter);
     }
     return name;
 }
@@ -46,7 +44,7 @@ std::string Bare(std::string_view text)
     std::string bare;
     for (const char letter : text) {
         if (IsLetterOrDigit(letter)) {
-            bare += Lower(letter);
+            bare += LowerCase(letter);
         }
     }
     constexpr std::string_view kSeries = "bt";

@@ -2,6 +2,7 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/qelcore/serialization/Json.h>
+#include <tessel/document/Wrapper.h>
 
 #include <algorithm>
 #include <optional>
@@ -13,7 +14,6 @@ namespace {
 using qelcore::serialization::JSONParse;
 using qelcore::serialization::Value;
 
-constexpr std::string_view kWrapper = "SerializerWrappedObject";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kSpace = " \t\r\n";
 
@@ -147,7 +147,7 @@ std::size_t OutermostBrace(std::string_view text)
 {
     Scanner scanner(text, text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     const std::size_t brace = scanner.SkipSpace();
-    const FoundObject wrapper = LookInto(text, brace, kWrapper);
+    const FoundObject wrapper = LookInto(text, brace, kWrapperKey);
     return wrapper.member ? wrapper.member->value.begin : brace;
 }
 
@@ -252,10 +252,7 @@ DocumentEditor::DocumentEditor(std::string text) : mText(std::move(text))
 
 Value DocumentEditor::Root() const
 {
-    const Value root = JSONParse(mText);
-    return qelcore::serialization::ObjectHasProperty(root, kWrapper)
-               ? qelcore::serialization::GetVariantInObject(root, kWrapper)
-               : root;
+    return Unwrapped(JSONParse(mText));
 }
 
 Value DocumentEditor::Find(std::string_view path) const

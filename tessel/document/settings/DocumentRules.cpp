@@ -21,12 +21,8 @@ namespace tessel::document {
 namespace {
 
 using qelcore::serialization::Elements;
+using qelcore::serialization::IsNumber;
 using qelcore::serialization::Value;
-
-bool IsNumber(const Value& value) noexcept
-{
-    return value.GetKind() == Value::Kind::Number || qelcore::serialization::FindInteger(value).has_value();
-}
 
 bool IsBase64(std::string_view text)
 {
@@ -242,22 +238,29 @@ std::optional<std::string> PlayingProblem(const DocumentEditor& document)
     return SoundProblem(document);
 }
 
-std::vector<std::string> DocumentWarnings(const DocumentEditor& document)
+std::optional<std::int32_t> MatrixOfColorSpace(const DocumentEditor& document)
 {
     constexpr std::size_t kMatrixByte = 2; // primaries, transfer, matrix, full range
+    constexpr std::int32_t kRec709 = 1;
+    const Value value = document.Find("mColorSpace.baseColorProfile.colorProfileData");
+    const auto data = qelcore::serialization::FindText(value);
+    if (!data) {
+        return kRec709;
+    }
+    const auto codes = qelcore::serialization::DecodeBinaryDataFromUTF8String(*data);
+    return codes.size() > kMatrixByte ? std::optional<std::int32_t>(codes[kMatrixByte]) : std::nullopt;
+}
+
+std::vector<std::string> DocumentWarnings(const DocumentEditor& document)
+{
     const auto code = static_cast<std::uint32_t>(Integer32(document, "mPixelFormat", 0));
     const PixelMatrix painted = MatrixOf(BR::SDKToBEPixelFormat(code));
-    const Value dataValue = document.Find("mColorSpace.baseColorProfile.colorProfileData");
-    const auto data = qelcore::serialization::FindText(dataValue); // a view into the value
-    const auto codes = data ? qelcore::serialization::DecodeBinaryDataFromUTF8String(*data)
-                            : std::vector<std::uint8_t>{1, 1, 1, 0}; // absent: Rec. 709
-    if (painted == PixelMatrix::None || codes.size() <= kMatrixByte) {
+    constexpr std::int32_t kRgb = 0; // such spaces name no matrix
+    constexpr std::int32_t kUnspecified = 2;
+    const std::int32_t matrix = MatrixOfColorSpace(document).value_or(kUnspecified);
+    if (painted == PixelMatrix::None || matrix == kRgb || matrix == kUnspecified ||
+        MatrixOfSpace(matrix) == painted) {
         return {};
-    }
-    constexpr std::uint8_t kUnspecified = 2;
-    const std::uint8_t matrix = codes[kMatrixByte];
-    if (matrix == 0 || matrix == kUnspecified || MatrixOfSpace(matrix) == painted) {
-        return {}; // R'G'B' spaces name no matrix
     }
     const Value nameValue = document.Find("mColorSpace.baseColorProfile.colorProfileName");
     const auto name = qelcore::serialization::FindText(nameValue);

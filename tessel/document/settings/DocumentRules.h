@@ -1,4 +1,4 @@
-/// What a document must be to be read, and to work.
+/// What a document must be to be read, and to work. Threads: [any-thread].
 #pragma once
 
 #include "DocumentEditor.h"
@@ -6,6 +6,7 @@
 
 #include <kestrel/qelcore/serialization/Value.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ namespace tessel::document {
 /// Why a clip that can be read cannot be played: no frame could be made of it, or no sound. One line that says
 /// what would work; nothing where all does.
 [[nodiscard]] std::optional<std::string> PlayingProblem(const DocumentEditor& document);
+
+/// The matrix of the document's colour space by ITU-T H.273, BT.709's where the document names no space;
+/// nothing for a space without codes.
+[[nodiscard]] std::optional<std::int32_t> MatrixOfColorSpace(const DocumentEditor& document);
 
 /// What works and is perhaps not meant, a line each: pixels of one matrix in a colour space of another.
 [[nodiscard]] std::vector<std::string> DocumentWarnings(const DocumentEditor& document);

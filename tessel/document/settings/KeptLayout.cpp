@@ -10,14 +10,10 @@ namespace {
 
 using qelcore::serialization::AsObject;
 using qelcore::serialization::GetVariantInObject;
+using qelcore::serialization::IsNumber;
 using qelcore::serialization::JSONParse;
 using qelcore::serialization::ObjectHasProperty;
 using qelcore::serialization::Value;
-
-bool IsNumber(const Value& value)
-{
-    return value.GetKind() == Value::Kind::Number || qelcore::serialization::FindInteger(value).has_value();
-}
 
 /// Whether a reader sees the same. Numbers that are not whole are held as 32-bit floats, so 0.1 and 0.100000001
 /// are one number, as are 1 and 1.0.

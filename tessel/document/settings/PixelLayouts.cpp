@@ -1,6 +1,7 @@
 #include "PixelLayouts.h"
 
 #include <kestrel/pixmill/PixelFormatCodes.h>
+#include <kestrel/qelcore/text/LetterCase.h>
 
 #include <algorithm>
 
@@ -26,10 +27,7 @@ std::string LayoutName(std::string_view constant)
         name += name.empty() || part == "420" ? "" : "-";
         name += part == "32f" ? "float" : part;
     }
-    std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return name;
+    return qelcore::text::LowerCase(name);
 }
 
 } // namespace

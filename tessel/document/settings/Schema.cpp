@@ -122,7 +122,7 @@ std::string DocumentSchema()
     AddToObject(schema, "description", Value("The settings of a synthetic clip, a .tessel document"));
     AddToObject(schema, "$defs", Value(std::move(definitions)));
     AddToObject(schema, "type", Value("object"));
-    // A wrapper's other keys count for nothing.
+    // The other keys of a wrapper are ignored.
     AddToObject(schema, "if", JSONParse(R"({"required": ["SerializerWrappedObject"]})"));
     AddToObject(schema, "then",
                 JSONParse(R"({"properties": {"SerializerWrappedObject": {"$ref": "#/$defs/settings"}}})"));

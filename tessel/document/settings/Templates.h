@@ -13,7 +13,7 @@ struct Template {
     std::string_view settings;
 };
 
-/// The first is what a new document is where nobody chooses. Static storage. Threads: [thread-safe].
+/// The first is the default. Static storage. Threads: [thread-safe].
 [[nodiscard]] std::span<const Template> AllTemplates() noexcept;
 
 /// Null where no template has that name.
