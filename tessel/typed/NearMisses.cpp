@@ -1,5 +1,7 @@
 #include "NearMisses.h"
 
+#include <kestrel/qelcore/text/LetterCase.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -7,14 +9,7 @@
 namespace tessel::typed {
 namespace {
 
-std::string Lower(std::string_view word)
-{
-    std::string lower(word);
-    for (char& letter : lower) {
-        letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    }
-    return lower;
-}
+using qelcore::text::LowerCase;
 
 /// Insertions, deletions, replacements and swaps of neighbours that turn one word into the other.
 std::size_t Distance(std::string_view from, std::string_view to)
@@ -44,12 +39,12 @@ std::string NearestTo(std::string_view word, std::span<const std::string> candid
 {
     constexpr std::size_t kShortestStart = 2;
     constexpr std::size_t kLongest = 100; // what is longer was no slip of a finger
-    const std::string typed = Lower(word.substr(0, kLongest));
+    const std::string typed = LowerCase(word.substr(0, kLongest));
     const std::size_t most = std::max<std::size_t>(1, typed.size() / 3);
     std::string nearest;
     std::size_t least = most + 1;
     for (const std::string& candidate : candidates) {
-        const std::string name = Lower(candidate);
+        const std::string name = LowerCase(candidate);
         const std::size_t distance = Distance(typed, name);
         // Of single letters everything is one step away.
         if (distance < least && distance < name.size() && distance < typed.size()) {
@@ -60,7 +55,7 @@ std::string NearestTo(std::string_view word, std::span<const std::string> candid
     if (nearest.empty() && typed.size() >= kShortestStart) {
         const auto begun =
             std::find_if(candidates.begin(), candidates.end(),
-                         [&typed](const std::string& name) { return Lower(name).starts_with(typed); });
+                         [&typed](const std::string& name) { return LowerCase(name).starts_with(typed); });
         return begun != candidates.end() ? *begun : nearest;
     }
     return nearest;

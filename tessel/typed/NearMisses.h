@@ -20,6 +20,7 @@ template <class Rows>
 [[nodiscard]] std::vector<std::string> NamesOfRows(const Rows& rows)
 {
     std::vector<std::string> names;
+    names.reserve(rows.size());
     for (const auto& row : rows) {
         names.emplace_back(row.name);
     }

@@ -14,8 +14,11 @@
 
 namespace tessel::typed {
 
-/// Settings as typed, by name. Most have one value.
-using TypedSettings = std::map<std::string, std::vector<std::string>, std::less<>>;
+/// A setting's values as typed; at least one, most settings have one.
+using TypedValues = std::vector<std::string>;
+
+/// Settings as typed, by name.
+using TypedSettings = std::map<std::string, TypedValues, std::less<>>;
 
 /// One of them.
 struct Setting {
@@ -28,16 +31,13 @@ struct Setting {
     bool takesSeveral = false;
     /// Changes the document. @throws SettingError  for an invalid value; its text does not repeat the setting's
     /// name
-    void (*apply)(const std::vector<std::string>& values, document::DocumentEditor& document) = nullptr;
+    void (*apply)(const TypedValues& values, document::DocumentEditor& document) = nullptr;
     /// A warning about a value that was applied; may be null.
-    std::optional<std::string> (*remark)(const std::vector<std::string>& values) = nullptr;
+    std::optional<std::string> (*remark)(const TypedValues& values) = nullptr;
 };
 
 /// All, in the order in which they are applied: a duration in frames comes after the rate.
 [[nodiscard]] std::span<const Setting> AllSettings();
-
-/// Null for an unknown name.
-[[nodiscard]] const Setting* SettingNamed(std::string_view name);
 
 /// What is to change in a document.
 struct Changes {

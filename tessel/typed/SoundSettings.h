@@ -1,0 +1,15 @@
+/// Settings of sound.
+#pragma once
+
+#include "Settings.h"
+
+namespace tessel::typed {
+
+/// Each is an `apply` of `Setting`, under the rules that stand there. @{
+void ApplyTone(const TypedValues& values, document::DocumentEditor& document);
+void ApplyIdent(const TypedValues& values, document::DocumentEditor& document);
+void ApplyChannels(const TypedValues& values, document::DocumentEditor& document);
+void ApplySampleRate(const TypedValues& values, document::DocumentEditor& document);
+/// @}
+
+} // namespace tessel::typed
