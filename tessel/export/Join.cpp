@@ -4,10 +4,10 @@
 #include "Parts.h"
 #include "SoundTrack.h"
 
-#include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/encode/MovieWriter.h>
 #include <tessel/export/encode/PartReader.h>
 #include <tessel/export/files/Interrupt.h>
+#include <tessel/export/files/WholeFile.h>
 
 #include <fmt/format.h>
 
@@ -18,11 +18,6 @@ namespace tessel::exporting {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Shown(const fs::path& path)
-{
-    return fmt::format("'{}'", qelcore::text::UTF8Text(path));
-}
 
 std::string Counted(std::int64_t count, const char* noun)
 {
@@ -53,8 +48,8 @@ void RequireFormat(const LabelledPart& part, const CodedFormat& wanted)
     if (!FitTogether(part.format, wanted)) {
         const bool sameText = part.format.Text() == wanted.Text();
         throw ExportError(fmt::format(
-            "{} is {}, but the join would be {}{}: give join the options that render had", Shown(part.path),
-            part.format.Text(), wanted.Text(), sameText ? " of other settings" : ""));
+            "{} is {}, but the join would be {}{}: give join the options that render had",
+            QuotedName(part.path), part.format.Text(), wanted.Text(), sameText ? " of other settings" : ""));
     }
 }
 
@@ -65,22 +60,22 @@ void RequireSameWork(const LabelledPart& part, const LabelledPart& first, const 
     const PartLabel& label = *part.label;
     if (label.part.count != first.label->part.count) {
         throw ExportError(fmt::format("{} is part {}, but {} is part {}: render all parts of one division",
-                                      Shown(part.path), label.part.Text(), Shown(first.path),
+                                      QuotedName(part.path), label.part.Text(), QuotedName(first.path),
                                       first.label->part.Text()));
     }
     if (label.document != document) {
         throw ExportError(fmt::format("{} was rendered from another document, or before this one was changed: "
                                       "render the part again",
-                                      Shown(part.path)));
+                                      QuotedName(part.path)));
     }
     if (const std::string wanted = CodedPictureText(*plan.video); label.picture != wanted) {
         throw ExportError(
             fmt::format("{} is {}, but the join would be {}: give join the options that render had",
-                        Shown(part.path), label.picture, wanted));
+                        QuotedName(part.path), label.picture, wanted));
     }
     if (const FrameRange frames = FramesOfPart(whole, label.part); label.frames != frames) {
         throw ExportError(fmt::format(
-            "{} has {}, but part {} of {} has {}: give join the frames that render had", Shown(part.path),
+            "{} has {}, but part {} of {} has {}: give join the frames that render had", QuotedName(part.path),
             FramesText(label.frames), label.part.Text(), FramesText(whole), FramesText(frames)));
     }
 }
@@ -91,7 +86,7 @@ void RequireEachOnce(const std::vector<LabelledPart>& parts, const FrameRange& w
     for (std::size_t i = 1; i < parts.size(); ++i) {
         if (parts[i].label->part == parts[i - 1].label->part) {
             throw ExportError(fmt::format("{} and {} are both part {}: give one of them",
-                                          Shown(parts[i - 1].path), Shown(parts[i].path),
+                                          QuotedName(parts[i - 1].path), QuotedName(parts[i].path),
                                           parts[i].label->part.Text()));
         }
     }
@@ -134,18 +129,19 @@ public:
         while (AVPacket* packet = reader.Next()) {
             if (part.pictures && mIndex - begin == *part.pictures) {
                 throw ExportError(fmt::format("{} holds more than its {}: render the part again",
-                                              Shown(part.path), Counted(*part.pictures, "picture")));
+                                              QuotedName(part.path), Counted(*part.pictures, "picture")));
             }
             if (mIndex == mJob.frames.count) {
                 throw ExportError(fmt::format("{} holds pictures behind the last of {}: give join the frames "
                                               "and the parts that render had",
-                                              Shown(part.path), FramesText(mJob.frames)));
+                                              QuotedName(part.path), FramesText(mJob.frames)));
             }
             Write(*packet);
         }
         if (part.pictures && mIndex - begin != *part.pictures) {
-            throw ExportError(fmt::format("{} ends after {} of its {}: render the part again", Shown(part.path),
-                                          mIndex - begin, Counted(*part.pictures, "picture")));
+            throw ExportError(fmt::format("{} ends after {} of its {}: render the part again",
+                                          QuotedName(part.path), mIndex - begin,
+                                          Counted(*part.pictures, "picture")));
         }
     }
 
@@ -212,7 +208,7 @@ std::vector<PlacedPart> PlaceParts(const std::vector<fs::path>& files, const Out
         if (!part.label) {
             throw ExportError(
                 fmt::format("{} does not say which part it is, and {} does: render all with --part",
-                            Shown(part.path), Shown(first->path)));
+                            QuotedName(part.path), QuotedName(first->path)));
         }
         RequireSameWork(part, *first, plan, whole, document);
         RequireFormat(part, wanted);

@@ -6,11 +6,10 @@
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/encode/PictureFile.h>
 #include <tessel/export/files/SequenceWriter.h>
+#include <tessel/export/files/WholeFile.h>
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -18,11 +17,6 @@ namespace tessel::exporting {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Shown(const fs::path& path)
-{
-    return fmt::format("'{}'", qelcore::text::UTF8Text(path));
-}
 
 /// The pictures of a sequence by the numbers of their frames.
 class NumberedFiles {
@@ -33,7 +27,7 @@ public:
         if (!name) {
             throw ExportError(
                 fmt::format("{} is one picture; a sequence has a number in its name, as in %06d{}",
-                            Shown(sequence), qelcore::text::UTF8Text(sequence.extension())));
+                            QuotedName(sequence), qelcore::text::UTF8Text(sequence.extension())));
         }
         mName = *std::move(name);
     }
@@ -48,17 +42,6 @@ private:
     NumberedName mName;
 };
 
-std::vector<std::byte> ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (!file.is_open() || file.bad()) {
-        throw ExportError(fmt::format("cannot read {}", Shown(path)));
-    }
-    const auto* begin = reinterpret_cast<const std::byte*>(bytes.data());
-    return {begin, begin + bytes.size()};
-}
-
 /// The one file with the picture of a frame.
 fs::path FindPicture(const std::vector<NumberedFiles>& sequences, const FrameRange& frames, std::int64_t frame)
 {
@@ -71,13 +54,14 @@ fs::path FindPicture(const std::vector<NumberedFiles>& sequences, const FrameRan
         }
         if (!found.empty()) {
             throw ExportError(fmt::format("frame {} is there twice, as {} and {}: remove one of them", frame,
-                                          Shown(found), Shown(file)));
+                                          QuotedName(found), QuotedName(file)));
         }
         found = file;
     }
     if (found.empty()) {
         throw ExportError(fmt::format("the picture of frame {} of {} to {} is missing: there is no {}", frame,
-                                      frames.first, frames.Last(), Shown(sequences.front().FileOf(frame))));
+                                      frames.first, frames.Last(),
+                                      QuotedName(sequences.front().FileOf(frame))));
     }
     return found;
 }
@@ -100,9 +84,9 @@ std::int64_t JoinSequence(const std::vector<fs::path>& sequences, const RenderJo
     std::int64_t size = 0;
     for (std::int64_t index = 0; index < job.frames.count; ++index) {
         const fs::path& path = pictures[static_cast<std::size_t>(index)];
-        const std::vector<std::byte> file = ReadFile(path);
+        const std::vector<std::byte> file = ReadFileBytes(path);
         if (const std::string problem = check.ProblemOf(file); !problem.empty()) {
-            throw ExportError(fmt::format("{} {}: render the frame again", Shown(path), problem));
+            throw ExportError(fmt::format("{} {}: render the frame again", QuotedName(path), problem));
         }
         if (writer) {
             writer->Write(file, job.frames.first + index);

@@ -8,15 +8,12 @@
 #include <tessel/export/encode/Digests.h>
 #include <tessel/export/files/Interrupt.h>
 #include <tessel/export/files/OutputFile.h>
+#include <tessel/export/files/WholeFile.h>
 
 #include <fmt/format.h>
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
-#include <span>
 #include <system_error>
-#include <vector>
 
 namespace tessel::cli {
 namespace {
@@ -60,13 +57,8 @@ exporting::RenderJob FileWork::StartJob(const exporting::OutputRequest& request,
 
 std::string FileWork::DocumentDigest() const
 {
-    std::ifstream file(mClipFile, std::ios::binary);
-    const std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (!file.is_open() || file.bad()) {
-        throw ExportError(fmt::format("cannot read '{}'", UTF8Text(mClipFile)));
-    }
     exporting::Hasher hasher("SHA256");
-    hasher.Add(std::as_bytes(std::span(bytes)));
+    hasher.Add(exporting::ReadFileBytes(mClipFile));
     return hasher.Take().hex;
 }
 

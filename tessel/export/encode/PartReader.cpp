@@ -4,6 +4,7 @@
 
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
+#include <tessel/export/files/WholeFile.h>
 #include <tessel/export/plan/Container.h>
 
 #include <fmt/format.h>
@@ -26,7 +27,8 @@ CodedFormat FormatOf(const AVCodecParameters& parameters)
     if (parameters.codec_id == AV_CODEC_ID_RAWVIDEO) {
         format.pixels = static_cast<AVPixelFormat>(parameters.format);
     }
-    // FFmpeg's AVI reader marks raw pictures that stand upside down so; it is nobody's header.
+    // FFmpeg's AVI reader puts a mark of its own here for raw pictures that stand upside down; it is no header
+    // of the codec.
     if (parameters.codec_id != AV_CODEC_ID_RAWVIDEO && parameters.extradata_size > 0) {
         format.headers.assign(headers, headers + parameters.extradata_size);
     }
@@ -70,7 +72,7 @@ bool FitTogether(const CodedFormat& left, const CodedFormat& right) noexcept
 }
 
 PartReader::PartReader(const std::filesystem::path& path)
-    : mName(fmt::format("'{}'", qelcore::text::UTF8Text(path))), mPacket(libav::MakePacket())
+    : mName(QuotedName(path)), mPacket(libav::MakePacket())
 {
     libav::TakeOverLogging();
     AVFormatContext* input = avformat_alloc_context();

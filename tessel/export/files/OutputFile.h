@@ -26,7 +26,7 @@ public:
     struct StandardOutput {};
     explicit OutputFile(StandardOutput);
 
-    /// A file in a folder that nobody else sees, written directly under its own name.
+    /// A file in a folder of this process alone, written directly under its own name.
     struct New {};
     /// @throws ExportError  naming the path, where it cannot be made or exists already.
     OutputFile(New, const std::filesystem::path& path);

@@ -1,5 +1,6 @@
 #include "Interrupt.h"
 #include "OutputFile.h"
+#include "WholeFile.h"
 
 #include <kestrel/orb/FileReplacement.h>
 #include <kestrel/qelcore/logging/Log.h>
@@ -41,17 +42,12 @@ std::string OrCurrent(const fs::path& folder)
     return folder.empty() ? "." : folder.native();
 }
 
-std::string Shown(const fs::path& path)
-{
-    return fmt::format("'{}'", UTF8Text(path));
-}
-
 /// @throws ExportError  naming `path`, where nothing can be written
 ORB::Destination DestinationOf(const fs::path& path)
 {
     ORB::Destination destination;
     if (const int error = ORB::FindDestination(path.native(), destination)) {
-        FailToWrite(Shown(path), error);
+        FailToWrite(QuotedName(path), error);
     }
     return destination;
 }
@@ -62,11 +58,11 @@ void Commit(const fs::path& path, ORB::FileReplacement& replacement)
     const ORB::ReplacementOutcome outcome = replacement.Commit();
     if (!outcome.copyOfOldFile.empty()) {
         throw ExportError(
-            fmt::format("cannot write {}: {}; the file is damaged, and its old content is in '{}'", Shown(path),
-                        ErrnoText(outcome.error), outcome.copyOfOldFile));
+            fmt::format("cannot write {}: {}; the file is damaged, and its old content is in '{}'",
+                        QuotedName(path), ErrnoText(outcome.error), outcome.copyOfOldFile));
     }
     if (outcome.error != 0) {
-        FailToWrite(Shown(path), outcome.error);
+        FailToWrite(QuotedName(path), outcome.error);
     }
     if (!outcome.notKept.empty()) {
         qelcore::logging::Log("export", fmt::format("{}: written, but it could not keep its {}", UTF8Text(path),
@@ -100,7 +96,7 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 {
     State& state = *mState;
     state.path = path;
-    state.shownName = Shown(path);
+    state.shownName = QuotedName(path);
     const ORB::Destination destination = DestinationOf(path);
     if (destination.kind == ORB::Destination::Kind::Special) {
         state.descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -119,7 +115,7 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 OutputFile::OutputFile(New, const fs::path& path) : mState(std::make_unique<State>())
 {
     mState->path = path;
-    mState->shownName = Shown(path);
+    mState->shownName = QuotedName(path);
     mState->descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (mState->descriptor < 0) {
         FailToWrite(mState->shownName, errno);
@@ -192,7 +188,7 @@ void OutputFile::Commit()
 void RequireReplaceable(const fs::path& path)
 {
     if (DestinationOf(path).kind == ORB::Destination::Kind::Special) {
-        throw ExportError(fmt::format("cannot write {}: it is not an ordinary file", Shown(path)));
+        throw ExportError(fmt::format("cannot write {}: it is not an ordinary file", QuotedName(path)));
     }
 }
 
@@ -207,7 +203,7 @@ JointReplacement::JointReplacement(fs::path aside) : mAside(std::move(aside))
 {
     std::error_code error;
     if (!fs::create_directory(mAside, error)) {
-        FailToWrite(Shown(mAside), error ? error.value() : EEXIST);
+        FailToWrite(QuotedName(mAside), error ? error.value() : EEXIST);
     }
 }
 
@@ -230,7 +226,7 @@ void JointReplacement::Replace(const fs::path& path, const fs::path& whole)
 {
     ORB::FileReplacement& replacement = mFiles.emplace_back(path).replacement;
     if (const int error = replacement.BeginWith(DestinationOf(path), whole.native())) {
-        FailToWrite(Shown(path), error);
+        FailToWrite(QuotedName(path), error);
     }
     replacement.KeepOldAs(mAside / std::to_string(mFiles.size()));
     Commit(path, replacement);

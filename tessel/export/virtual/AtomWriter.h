@@ -17,6 +17,8 @@ public:
     void Put16(std::uint32_t value) { PutBytes(value, 2); }
     void Put32(std::uint64_t value) { PutBytes(value, 4); }
     void Put64(std::uint64_t value) { PutBytes(value, 8); }
+    /// A whole number as 16.16 fixed point.
+    void PutFixed(std::int64_t number) { Put32(static_cast<std::uint64_t>(number) << 16U); }
     void PutDouble(double value) { Put64(std::bit_cast<std::uint64_t>(value)); }
     void PutZeros(std::size_t count) { mBytes.resize(mBytes.size() + count); }
     void PutText(std::string_view text)

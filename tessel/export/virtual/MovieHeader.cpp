@@ -1,7 +1,7 @@
 #include "MovieHeader.h"
 
 #include "AtomWriter.h"
-#include "UncodedPicture.h"
+#include "SampleDescriptions.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -10,8 +10,6 @@
 
 namespace tessel::exporting {
 namespace {
-
-using importhost::FieldOrder;
 
 constexpr std::int64_t kMovieScale = 1000; ///< units a second of the movie's own times
 constexpr std::int64_t kMost32 = std::numeric_limits<std::uint32_t>::max();
@@ -185,8 +183,8 @@ private:
                 mOut.Put16(track.isPicture ? 0 : 0x100);
                 mOut.Put16(0);
                 PutMatrix();
-                PutFixed(track.width);
-                PutFixed(track.height);
+                mOut.PutFixed(track.width);
+                mOut.PutFixed(track.height);
             });
             mOut.Atom("edts", [&] {
                 mOut.FullAtom("elst", version, 0, [&] {
@@ -203,9 +201,6 @@ private:
         });
     }
 
-    /// A number of pixels as 16.16 fixed point.
-    void PutFixed(std::int64_t number) { mOut.Put32(static_cast<std::uint64_t>(number) << 16U); }
-
     /// For pixels that are not square: the size at which the picture shows.
     void PutApertures()
     {
@@ -219,8 +214,8 @@ private:
         mOut.Atom("tapt", [&] {
             for (const std::string_view type : {"clef", "prof", "enof"}) {
                 mOut.FullAtom(type, 0, 0, [&] {
-                    PutFixed(type == "enof" ? geometry.width : shown);
-                    PutFixed(geometry.height);
+                    mOut.PutFixed(type == "enof" ? geometry.width : shown);
+                    mOut.PutFixed(geometry.height);
                 });
             }
         });
@@ -275,7 +270,11 @@ private:
         const std::int64_t entries = track.isPicture ? shape.pictureCount : shape.sampleCount;
         mOut.FullAtom("stsd", 0, 0, [&] {
             mOut.Put32(1);
-            track.isPicture ? PutPictureDescription() : PutSoundDescription();
+            if (track.isPicture) {
+                PutPictureDescription(*mPlan.video, mOut);
+            } else {
+                PutSoundDescription(*mPlan.audio, mOut);
+            }
         });
         mOut.FullAtom("stts", 0, 0, [&] {
             mOut.Put32(1);
@@ -316,146 +315,6 @@ private:
             for (const std::int64_t place : chunks.places) {
                 PutNumber(mBase + place, mWideOffsets ? 1 : 0);
             }
-        });
-    }
-
-    void PutPictureDescription()
-    {
-        const VideoPlan& plan = *mPlan.video;
-        const UncodedPicture picture = UncodedPictureOf(plan);
-        const PictureGeometry& geometry = plan.geometry;
-        mOut.Atom(picture.type, [&] {
-            mOut.PutZeros(6);
-            mOut.Put16(1); // the one data reference
-            mOut.Put16(picture.isPackedYcbcr ? 2 : 0);
-            mOut.Put16(0);
-            mOut.PutText("FFMP");
-            mOut.Put32(0);
-            mOut.Put32(0x400); // lossless
-            mOut.Put16(static_cast<std::uint32_t>(geometry.width));
-            mOut.Put16(static_cast<std::uint32_t>(geometry.height));
-            PutFixed(72); // dots an inch
-            PutFixed(72);
-            mOut.Put32(0);
-            mOut.Put16(1);     // frame in a packet
-            mOut.PutZeros(32); // no name of a compressor
-            mOut.Put16(static_cast<std::uint32_t>(picture.depth));
-            mOut.Put16(0xFFFF); // no palette
-            mOut.Atom("fiel", [&] {
-                const bool isProgressive = geometry.order == FieldOrder::Progressive;
-                mOut.Put8(isProgressive ? 1 : 2);
-                // Fields lie interleaved; the upper or the lower one is shown first.
-                mOut.Put8(isProgressive ? 0 : geometry.order == FieldOrder::UpperFirst ? 9 : 14);
-            });
-            mOut.Atom("colr", [&] {
-                mOut.PutText("nclc");
-                mOut.Put16(static_cast<std::uint32_t>(plan.tags.primaries));
-                mOut.Put16(static_cast<std::uint32_t>(plan.tags.transfer));
-                mOut.Put16(static_cast<std::uint32_t>(plan.tags.matrix));
-            });
-            if (geometry.aspectNumerator != 0) {
-                mOut.Atom("pasp", [&] {
-                    mOut.Put32(static_cast<std::uint64_t>(geometry.aspectNumerator));
-                    mOut.Put32(static_cast<std::uint64_t>(geometry.aspectDenominator));
-                });
-            }
-            if (picture.isPackedYcbcr) {
-                mOut.Atom("clap", [&] {
-                    for (const std::int32_t number : {geometry.width, 1, geometry.height, 1, 0, 1, 0, 1}) {
-                        mOut.Put32(static_cast<std::uint64_t>(number));
-                    }
-                });
-            }
-        });
-    }
-
-    /// Rates beyond 16 bits have a sample description of version 2, samples of more than 16 bits one of
-    /// version 1.
-    void PutSoundDescription()
-    {
-        const AudioPlan& plan = *mPlan.audio;
-        const int bits = plan.codec->bits == 0 ? 32 : plan.codec->bits;
-        const auto bytes = static_cast<std::uint64_t>(bits / 8);
-        const auto channels = static_cast<std::uint32_t>(plan.hostChannels.size());
-        const bool isFast = plan.sampleRate > std::numeric_limits<std::uint16_t>::max();
-        const bool isWide = bits > 16;
-        std::string_view type = "sowt";
-        if (plan.codec->bits == 0) {
-            type = "fl32";
-        } else if (isWide) {
-            type = bits == 24 ? "in24" : "in32";
-        }
-        mOut.Atom(isFast ? "lpcm" : type, [&] {
-            mOut.PutZeros(6);
-            mOut.Put16(1); // the one data reference
-            mOut.Put16(isFast ? 2 : isWide ? 1 : 0);
-            mOut.PutZeros(6);
-            if (isFast) {
-                constexpr std::uint64_t kSize = 72;
-                constexpr std::uint32_t kFloat = 1;
-                constexpr std::uint32_t kSigned = 4;
-                constexpr std::uint32_t kPacked = 8;
-                mOut.Put16(3);
-                mOut.Put16(16);
-                mOut.Put16(0xFFFE);
-                mOut.Put16(0);
-                mOut.Put32(0x10000);
-                mOut.Put32(kSize);
-                mOut.PutDouble(plan.sampleRate);
-                mOut.Put32(channels);
-                mOut.Put32(0x7F000000);
-                mOut.Put32(static_cast<std::uint64_t>(bits));
-                mOut.Put32(kPacked | (plan.codec->bits == 0 ? kFloat : kSigned));
-                mOut.Put32(bytes * channels);
-                mOut.Put32(1);
-            } else {
-                mOut.Put16(channels);
-                mOut.Put16(16);
-                mOut.PutZeros(4);
-                PutFixed(plan.sampleRate);
-                if (isWide) {
-                    mOut.Put32(1); // sample in a packet
-                    mOut.Put32(bytes);
-                    mOut.Put32(bytes * channels);
-                    mOut.Put32(2);
-                    PutLittleEndian(type);
-                }
-            }
-            PutSpeakers();
-        });
-    }
-
-    void PutLittleEndian(std::string_view type)
-    {
-        mOut.Atom("wave", [&] {
-            mOut.Atom("frma", [&] { mOut.PutText(type); });
-            mOut.Atom("enda", [this] { mOut.Put16(1); });
-            mOut.Put32(8); // the end of the list
-            mOut.Put32(0);
-        });
-    }
-
-    void PutSpeakers()
-    {
-        // Apple's tags of channel layouts; L R C LFE Ls Rs is "MPEG 5.1 A".
-        std::uint64_t tag = 0;
-        switch (mPlan.audio->layout) {
-        case SpeakerLayout::Mono:
-            tag = 0x640001;
-            break;
-        case SpeakerLayout::Stereo:
-            tag = 0x650002;
-            break;
-        case SpeakerLayout::Surround51:
-            tag = 0x790006;
-            break;
-        case SpeakerLayout::None:
-            return;
-        }
-        mOut.FullAtom("chan", 0, 0, [&] {
-            mOut.Put32(tag);
-            mOut.Put32(0);
-            mOut.Put32(0);
         });
     }
 
