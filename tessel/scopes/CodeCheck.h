@@ -10,9 +10,8 @@ namespace tessel::scopes {
 
 /// What is wrong with a pixel; several may be.
 enum CodeFault : std::uint8_t {
-    /// A code that serial digital interfaces keep for timing: 0 and 255 at 8 bits, 0 to 3 and 1020 to 1023 at
-    /// 10 bits
-    /// (ITU-R BT.656-5, BT.1120-9). Only Y'CbCr samples of integers have such codes.
+    /// A code that serial digital interfaces keep for timing (ITU-R BT.656-5, BT.1120-9): 0 and 255 at 8 bits,
+    /// 0 to 3 and 1020 to 1023 at 10 bits. Only Y'CbCr samples of integers have such codes.
     kReservedCode = 1,
     /// Y' outside black to white, or chroma outside its range: codes outside 16 to 235 and 16 to 240 at 8 bits.
     kOutsideRange = 2,
@@ -32,8 +31,10 @@ struct CodeFaults {
     /// @}
 };
 
-/// Looks at every pixel. @param signal  of all rows of the frame, from a `SignalReader`
+/// Looks at every pixel. Threads: [any-thread].
+/// @param signal  all rows of the frame, from a `SignalReader`
 /// @param format  of the frame
+/// @param faults  is overwritten; its memory is used again
 void CheckCodes(const Signal& signal, BR::PixelFormat format, CodeFaults& faults);
 
 } // namespace tessel::scopes

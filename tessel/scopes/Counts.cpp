@@ -1,7 +1,5 @@
 #include "Counts.h"
 
-#include <algorithm>
-
 namespace tessel::scopes {
 namespace {
 
@@ -12,12 +10,6 @@ std::uint32_t WeightOf(RowWeights weights, int row) noexcept
 }
 
 } // namespace
-
-std::uint32_t CountGrid::Highest() const noexcept
-{
-    const auto highest = std::max_element(mCounts.begin(), mCounts.end());
-    return highest == mCounts.end() ? 0 : *highest;
-}
 
 void AddWaveform(const Plane& plane, CountGrid& grid, RowWeights weights)
 {

@@ -67,7 +67,6 @@ public:
     [[nodiscard]] std::uint32_t* Counts() noexcept { return mCounts.data(); }
     [[nodiscard]] int Columns() const noexcept { return mColumns; }
     [[nodiscard]] int Rows() const noexcept { return mRows; }
-    [[nodiscard]] std::uint32_t Highest() const noexcept;
 
 private:
     int mColumns;

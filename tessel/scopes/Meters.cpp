@@ -30,10 +30,4 @@ void Meters::Take(double seconds, std::span<const double> peaksDb)
     }
 }
 
-void Meters::Reset()
-{
-    mReadings.assign(mChannels, {});
-    mLastSeconds = 0;
-}
-
 } // namespace tessel::scopes

@@ -19,27 +19,27 @@ inline constexpr double kSilenceDb = -std::numeric_limits<double>::infinity();
 struct MeterReading {
     double peakDb = kSilenceDb;
     double heldDb = kSilenceDb; ///< the highest peak of the last `kHoldSeconds`
-    bool hasClipped = false;    ///< a sample has been above full scale since the last `Reset`
+    bool hasClipped = false;    ///< a sample has been above full scale
 };
 
 /// Meters of a clip's channels. Time is the clip's own, so that readings do not depend on the speed of playing.
+/// Threads: [any-thread].
 class Meters {
 public:
     static constexpr double kHoldSeconds = 1.5;
 
-    explicit Meters(std::size_t channels) : mChannels(channels) {}
+    explicit Meters(std::size_t channels) : mReadings(channels), mHeldSince(channels, 0.0) {}
 
     /// Takes the samples that sound from `seconds` on. A time before that of the last call starts the hold
     /// anew: the clip was wound back.
+    /// @param peaksDb  of each channel, from `PeakDb`
     void Take(double seconds, std::span<const double> peaksDb);
-    void Reset();
 
     [[nodiscard]] std::span<const MeterReading> Readings() const noexcept { return mReadings; }
 
 private:
-    std::size_t mChannels;
-    std::vector<MeterReading> mReadings = std::vector<MeterReading>(mChannels);
-    std::vector<double> mHeldSince = std::vector<double>(mChannels, 0.0);
+    std::vector<MeterReading> mReadings;
+    std::vector<double> mHeldSince; ///< seconds
     double mLastSeconds = 0;
 };
 

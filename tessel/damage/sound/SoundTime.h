@@ -26,7 +26,6 @@ public:
     /// Two stretches of `count` samples change places.
     void Exchange(std::int64_t first, std::int64_t second, std::int64_t count);
 
-    [[nodiscard]] bool IsIdentity() const noexcept { return mSteps.empty(); }
     [[nodiscard]] std::optional<double> ClipPositionOf(std::int64_t filePosition) const;
 
 private:

@@ -161,9 +161,4 @@ void SoundHasher::Flush(std::size_t least)
     mPending.erase(mPending.begin(), mPending.begin() + static_cast<std::ptrdiff_t>(begin));
 }
 
-std::string_view HashedSoundCodec(const AudioPlan& plan)
-{
-    return RawPlan(plan).codec->encoder;
-}
-
 } // namespace tessel::exporting

@@ -86,7 +86,4 @@ private:
     std::int64_t mStart = 0;
 };
 
-/// The PCM codec that `SoundHasher` hashes: "pcm_s24le". FFmpeg's name.
-[[nodiscard]] std::string_view HashedSoundCodec(const AudioPlan& plan);
-
 } // namespace tessel::exporting

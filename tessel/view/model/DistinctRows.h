@@ -42,8 +42,7 @@ public:
     RowBatches(BR::PixelFormat format, std::int32_t width);
 
     /// @param use  gets a frame of `kRows` rows, the index in `rows` of its first one, and how many of its rows
-    /// are of
-    ///             `rows`; those behind are of no use. The frame is gone when it returns.
+    ///             come from `rows`; the rest is undefined. The frame is gone when it returns.
     void ForEach(const exporting::FrameView& frame, const std::vector<int>& rows,
                  const std::function<void(const exporting::FrameView& batch, int first, int count)>& use);
 

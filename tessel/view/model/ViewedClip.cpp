@@ -1,5 +1,6 @@
 #include "ViewedClip.h"
 
+#include <kestrel/importhost/ClipFailure.h>
 #include <kestrel/importhost/PathText.h>
 #include <tessel/document/settings/IdentSegments.h>
 #include <tessel/export/ExportError.h>
@@ -14,8 +15,6 @@
 
 namespace tessel::view {
 namespace {
-
-constexpr std::int32_t kMostChannels = 64; // that the host plays
 
 /// @throws exporting::ExportError
 document::OpenedClip RequireFrames(document::OpenedClip opened)
@@ -46,7 +45,7 @@ ViewedClip::ViewedClip(std::shared_ptr<const importhost::Importer> importer, con
       mAsked(mSource, 0)
 {
     const document::ClipFacts& facts = mAsked.Description();
-    if (facts.sampleRate >= 1.0F && facts.channelCount <= kMostChannels) {
+    if (facts.sampleRate >= 1.0F && facts.channelCount <= importhost::kMostChannels) {
         for (int channel = 0; channel < facts.channelCount; ++channel) {
             mChannelNames.push_back(verify::reference::ChannelName(channel, facts.channelCount));
         }

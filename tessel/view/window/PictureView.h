@@ -33,7 +33,6 @@ public:
     void Show(PaneContent content);
     void SetRows(FieldView view, FirstField firstField, bool isSecondField);
     void SetZoom(const Zoom& zoom);
-    [[nodiscard]] const Zoom& CurrentZoom() const noexcept { return mZoom; }
     void SetMoving(bool isMoving);
     /// Marks the pane that scopes and meters belong to.
     void SetActive(bool isActive);

@@ -31,9 +31,8 @@ struct WindowRequest {
 
 /// Opens the window and returns when it has closed. Where there is no display, a request with a screenshot or a
 /// time to play runs without one. [ui-thread]
-/// @throws importhost::HostError, exporting::ExportError  where the clips cannot be shown, the screenshot
-/// cannot be
-///         written, a key has no such name, or there is no display
+/// @throws importhost::HostError, exporting::ExportError  where the clips cannot be shown, the
+///         screenshot cannot be written, a key has no such name, or there is no display
 void RunWindow(const WindowRequest& request);
 
 } // namespace tessel::view

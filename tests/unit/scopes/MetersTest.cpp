@@ -69,8 +69,6 @@ TEST(Meters, RememberThatAChannelPassedFullScale)
     meters.Take(0.04, std::array{-20.0, -20.0});
     EXPECT_TRUE(meters.Readings()[0].hasClipped);
     EXPECT_FALSE(meters.Readings()[1].hasClipped); // full scale itself is not above it
-    meters.Reset();
-    EXPECT_FALSE(meters.Readings()[0].hasClipped);
 }
 
 } // namespace

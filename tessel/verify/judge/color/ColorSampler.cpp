@@ -180,7 +180,6 @@ void ColorSampler::TakeSpot(const Frames& frames, const Place& place, int parity
             }
         }
     }
-    mLeastAlpha = std::min(mLeastAlpha, spot.pair.alpha);
     mSpots.push_back(spot);
 }
 

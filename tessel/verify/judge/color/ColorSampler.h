@@ -37,9 +37,6 @@ public:
     /// Whether pictures were scaled or moved by parts of a pixel, so that a spot's place is known less well.
     [[nodiscard]] bool IsResampled() const noexcept { return mIsResampled; }
 
-    /// The least alpha of all spots.
-    [[nodiscard]] double LeastAlpha() const noexcept { return mLeastAlpha; }
-
 private:
     /// Where spots are: on a grid over the picture, and in the number, whose strokes are narrow.
     struct Place {
@@ -54,7 +51,6 @@ private:
     std::int64_t mStride = 1;
     std::vector<Place> mPlaces;
     std::vector<Spot> mSpots;
-    double mLeastAlpha = 1;
     bool mIsResampled = false;
 };
 
