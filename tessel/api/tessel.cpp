@@ -9,6 +9,7 @@
 #include "TextDocument.h"
 
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/qelcore/text/PathText.h>
 
 #include <filesystem>
 #include <memory>
@@ -19,16 +20,11 @@
 
 namespace {
 
+using qelcore::text::PathOf;
 using tessel::api::CallError;
 using tessel::api::Require;
 using tessel::api::Serve;
 using tessel::api::ServeOn;
-
-std::filesystem::path PathOf(const char* text)
-{
-    const std::string_view bytes(text);
-    return {std::u8string(bytes.begin(), bytes.end())};
-}
 
 /// @param standIn  as `tessel::api::Clip` takes it
 tessel_clip* Open(const std::filesystem::path& file, const tessel_open_options* given,

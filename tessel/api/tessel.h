@@ -239,7 +239,8 @@ typedef struct tessel_movie_options {
  * frame of the clip.
  *
  * options: null for none
- * TESSEL_NOT_POSSIBLE: a clip that cannot be such a movie. Threads: [thread-safe]. */
+ * TESSEL_NOT_POSSIBLE: a clip that cannot be such a movie. TESSEL_BAD_ARGUMENT: no codec has such a name.
+ * Threads: [thread-safe]. */
 TESSEL_API tessel_result tessel_movie_open(tessel_clip* clip, const tessel_movie_options* options,
                                            tessel_movie** movie);
 
