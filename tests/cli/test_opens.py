@@ -1,26 +1,15 @@
 """How often a command opens its document. Counted from outside, with strace."""
 
-import os
-import shutil
-import subprocess
 import unittest
 
-from program import PROGRAM, ProgramTest, document
+from program import document
+from traces import TracedTest
 
 
-@unittest.skipUnless(shutil.which("strace"), "strace is not installed")
-class Opens(ProgramTest):
+class Opens(TracedTest):
     def opens(self, *arguments):
         """How often the program opens clip.tessel for reading."""
-        environment = dict(os.environ, KESTREL_DEBUG_DATABASE=self.path("no-such-debug-database.json"))
-        completed = subprocess.run(["strace", "-f", "-e", "trace=open,openat", "-o", "trace", PROGRAM, *arguments],
-                                   cwd=self.folder, env=environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120, check=False)
-        if completed.returncode != 0 and b"ptrace" in completed.stderr:
-            self.skipTest("this system lets nobody trace")
-        self.assertEqual((completed.returncode, completed.stderr), (0, b""))
-        with open(self.path("trace"), encoding="utf-8", errors="replace") as trace:
-            return sum('clip.tessel"' in line for line in trace)
+        return sum('clip.tessel"' in call for call in self.calls("open,openat", *arguments))
 
     def test_a_document_is_opened_once(self):
         self.write("clip.tessel", document())
