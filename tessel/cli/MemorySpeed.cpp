@@ -10,8 +10,8 @@ namespace tessel::cli {
 
 void WriteWithMemset(std::span<std::byte> memory) noexcept
 {
-    // Called through a pointer that the compiler cannot see through, or it would drop writes that nobody
-    // reads.
+    // Called through a pointer that the compiler cannot see through, or it would drop writes that are
+    // never read.
     static void* (*const volatile kMemset)(void*, int, std::size_t) = &std::memset;
     kMemset(memory.data(), 0x5A, memory.size());
 }

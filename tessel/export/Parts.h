@@ -49,9 +49,9 @@ struct PartLabel {
 /// Everything about the coded pictures that parts must have in common.
 [[nodiscard]] std::string CodedPictureText(const VideoPlan& plan);
 
-/// @throws ExportError  for a codec whose pictures are coded from their neighbours; names those of the
-/// container
-///                      that can be joined
+/// Whether parts with these pictures can be joined.
+/// @throws ExportError  for a codec whose pictures are coded from their neighbours; names those codecs of the
+///                      container that can be joined
 void RequireJoinable(const OutputPlan& plan);
 
 } // namespace tessel::exporting

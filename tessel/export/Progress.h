@@ -19,7 +19,7 @@ public:
 };
 
 /// Tells a listener, which may be null, of work that a person may end at any time.
-/// @throws Interrupted  where somebody has asked for that
+/// @throws Interrupted  where a signal has asked for it
 void ReportProgress(ProgressListener* listener, std::int64_t done, std::int64_t total, const char* unit);
 
 /// A bar on standard error, redrawn ten times a second and wiped at the end.

@@ -33,7 +33,7 @@ struct RenderJob {
     FrameRange frames;
     int threadCount = 1;                  ///< for synthesis, conversion and codecs
     ProgressListener* progress = nullptr; ///< may be null
-    const RenderRecord* record = nullptr; ///< null: nobody wants to know
+    const RenderRecord* record = nullptr; ///< null: no record
 };
 
 /// A render whose plan is made, and can be looked at before it runs. Borrows the source.

@@ -9,7 +9,7 @@
 
 namespace tessel::exporting {
 
-/// Digests of one picture; those that nobody asks for are empty.
+/// Digests of one picture; those that the record does not ask for are empty.
 struct PictureDigests {
     Digest coded{};   ///< as the encoder gets it: FFmpeg's raw picture of its layout; v210 as its packet
     Digest painted{}; ///< as the plug-in painted it: rows from top to bottom without what is behind them

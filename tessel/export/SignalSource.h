@@ -1,4 +1,4 @@
-/// Where pictures and samples come from: a clip, or in tests something simpler.
+/// Where pictures and samples come from: a clip, or what stands in its place.
 #pragma once
 
 #include <tessel/document/OpenClip.h>

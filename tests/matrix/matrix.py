@@ -3,7 +3,7 @@
 
 Three kinds of cells: `fault` (made by `tessel damage`), `clean` (random documents as `tessel render` writes them)
 and `foreign` (made by other programs' filters). Each names exactly the findings that it expects. What is known to be
-missed stands in known-misses.json with its reason; the run fails on any other miss, and on a known one that is mended.
+missed stands in known-misses.json with its reason; the run fails on any other miss, and on a known one that is no longer missed.
 
 Results are kept in the output folder: a run that is broken off, or repeated, only makes what is new or has changed.
 """
@@ -218,18 +218,18 @@ def judge(told, known):
     """Prints what is wrong. @return whether nothing is"""
     misses = [name for name, entry in told.items() if entry["state"] == "miss"]
     new = [name for name in misses if name not in known]
-    mended = [name for name in told if name in known and told[name]["state"] != "miss"]
+    fixed = [name for name in told if name in known and told[name]["state"] != "miss"]
     for name in new:
         print(f"\nMISS {name}\n  {told[name]['text']}")
         for command in told[name]["commands"]:
             print(f"  $ {command}")
-    for name in mended:
-        print(f"\nMENDED {name}: remove it from {os.path.basename(KNOWN)} ({known[name]})")
+    for name in fixed:
+        print(f"\nFIXED {name}: remove it from {os.path.basename(KNOWN)} ({known[name]})")
     counts = collections.Counter(entry["state"] for entry in told.values())
     print(f"\n{counts['ok']} of {counts['ok'] + counts['miss']} cells as expected, {len(misses) - len(new)} known misses, "
-          f"{len(new)} new ones, {len(mended)} mended; {counts['refused']} cannot be made, "
+          f"{len(new)} new ones, {len(fixed)} fixed; {counts['refused']} cannot be made, "
           f"{counts[NOT_CARRIED]} are not carried")
-    return not new and not mended
+    return not new and not fixed
 
 
 def arguments():

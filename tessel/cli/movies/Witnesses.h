@@ -24,9 +24,9 @@ public:
     /// @throws exporting::ExportError, importhost::HostError
     explicit Witnesses(const RenderOptions& options);
 
-    /// What the render is to tell; null for nothing. Once.
+    /// What the render has to record; null where the options ask for no record. Called once.
     /// @param plan, clip  borrowed while this lives
-    /// @throws exporting::ExportError  where the plan has nothing of what is to be told
+    /// @throws exporting::ExportError  where the plan lacks what the options ask to record
     [[nodiscard]] const exporting::RenderRecord*
     Watch(const exporting::OutputPlan& plan, const document::OpenedClip& clip, exporting::FrameRange frames);
 

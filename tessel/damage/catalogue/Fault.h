@@ -15,7 +15,7 @@ namespace tessel::damage {
 struct Fault {
     std::string_view name;     ///< a name of `tessel/verify/catalogue/Names.h`
     std::string_view form;     ///< of its value, as help shows it
-    std::string_view usual;    ///< the value where nobody gives one; a "FRAME" left out is the middle one
+    std::string_view usual;    ///< the value by default; without its "FRAME", the middle frame
     std::string_view sentence; ///< what it does
     void (*apply)(DamagePlan& plan, FaultValue& value, Truth& truth);
 };

@@ -12,7 +12,7 @@ struct OrderedPicture {
     enum class Kind : std::uint8_t {
         Frame, ///< as the clip has it
         Black, ///< no frame of the clip
-        Noise, ///< a frame of the clip that nobody can recognise
+        Noise, ///< a frame of the clip under noise, so that it cannot be recognised
     };
     Kind kind = Kind::Frame;
     std::int64_t frame = 0; ///< counted from the clip's start; of `Black` the one before it

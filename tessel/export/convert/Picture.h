@@ -74,7 +74,7 @@ struct LayoutInfo {
 
 [[nodiscard]] const LayoutInfo& InfoOf(PictureLayout layout) noexcept;
 
-/// Planes of pixels, top row first, and whoever owns their memory. Copies share the pixels.
+/// Planes of pixels, top row first, and the owner of their memory. Copies share the pixels.
 struct Picture {
     PictureLayout layout = PictureLayout::Bgra;
     std::int32_t width = 0;

@@ -18,7 +18,7 @@ using importhost::kMostChannels;
 /// The codec for any number of channels at any rate, in the containers that have one.
 constexpr const char* kRoomiest = "pcm24";
 
-/// The chosen codec, or the container's; where that one is too small for the clip and nobody asked for it, PCM.
+/// The chosen codec, or the container's; PCM where the container's cannot hold the clip.
 const AudioCodec& CodecFor(const ClipFacts& clip, const Container& container, const AudioCodec* chosen,
                            std::int32_t sampleRate)
 {

@@ -20,7 +20,7 @@ enum class ContainerKind : std::uint8_t {
     Sequence, ///< a file per picture
 };
 
-/// A container's codec for each kind of clip format, where nobody chooses one: names of video codecs.
+/// A container's default codec for each kind of clip format: names of video codecs.
 struct DefaultVideoCodecs {
     std::string_view rgb8{};
     std::string_view rgbFloat{};
@@ -56,7 +56,7 @@ struct Container {
     bool headersOutOfBand = false;   ///< headers of codecs go into the container's, not into their packets
     DefaultVideoCodecs videoCodecs{};
     std::string_view commentKey = "comment";     ///< FFmpeg's name for a text about the file
-    std::string_view audioCodec{};               ///< where nobody chooses one; empty: no sound
+    std::string_view audioCodec{};               ///< the default; empty: no sound
     std::span<const PictureLayout> rawLayouts{}; ///< that its readers know unpacked, the preferred first
     std::span<const RawTag> rawTags{};
     RawWriter rawWriter = RawWriter::Libav;

@@ -273,7 +273,7 @@ void AddSoundFacts(MovieFacts& facts, const AVFormatContext& /*input*/, const AV
     ++facts.soundStreams;
     if (facts.sound) {
         facts.sound->channels += codec.ch_layout.nb_channels;
-        facts.sound->layout.clear(); // nobody says what several streams are together
+        facts.sound->layout.clear(); // several streams together have no stated layout
         facts.sound->lfeChannel.reset();
         return;
     }

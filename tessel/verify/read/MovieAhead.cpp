@@ -52,7 +52,7 @@ MovieAhead::Item MovieAhead::Next()
         if (mFailure) {
             std::rethrow_exception(mFailure);
         }
-        return {}; // stays there for whoever asks again
+        return {}; // stays there for the next call
     }
     Item item = std::move(mReady.front());
     mReady.pop_front();

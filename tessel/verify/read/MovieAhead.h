@@ -13,9 +13,9 @@
 namespace tessel::verify::read {
 
 /// Decodes on a thread of its own, a few pictures ahead, so that memory stays the same however long the movie
-/// is. While it lives, nobody else calls the movie's `Next`. The movie's facts are complete, but for warnings,
-/// once `Next` has given the first picture; warnings once it has come to the end. Threads: one object, one
-/// thread at a time.
+/// is. While it lives, no other code may call the movie's `Next`. The movie's facts are complete, but for
+/// warnings, once `Next` has given the first picture; warnings once it has come to the end. Threads: one
+/// object, one thread at a time.
 class MovieAhead {
 public:
     using Item = std::variant<std::monostate, Picture, Sound>;

@@ -56,7 +56,7 @@ struct PictureFacts {
     int width = 0;
     int height = 0;
     Rational rate;        ///< frames per second as announced
-    Rational averageRate; ///< pictures through duration, as the container reckons
+    Rational averageRate; ///< pictures divided by duration, as the container gives them
     Rational pixelAspect; ///< numerator 0: not said
     FieldOrder fields = FieldOrder::Unknown;
     /// Codes of ITU-T H.273; 2 is unspecified. @{

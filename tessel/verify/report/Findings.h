@@ -63,7 +63,7 @@ public:
 
     [[nodiscard]] bool HasFault(std::string_view id) const;
 
-    /// What nobody mentioned, findings in order, consequences inside their causes, verdict.
+    /// For `Conclude`, which adds the checks without a verdict, orders the findings, and decides.
     struct Choice {
         std::set<std::string, std::less<>> only;   ///< ids that count; empty: all
         std::set<std::string, std::less<>> accept; ///< ids whose faults are fine

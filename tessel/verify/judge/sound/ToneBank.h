@@ -23,9 +23,9 @@ struct BlockTones {
 /// Threads: [any-thread].
 class ToneBank {
 public:
-    /// @param cyclesPerSample  frequencies, each in (0, 0.5); a pair nearer to each other than 1 / length, or
-    /// one
-    ///                         below 1 / length, can hardly be told apart
+    /// @param cyclesPerSample  frequencies, each in (0, 0.5). Two that differ by less than 1 / length are
+    ///                         hardly told apart, and one below 1 / length is hardly told
+    ///                         from a constant
     /// @param length           samples in a block
     ToneBank(const std::vector<double>& cyclesPerSample, int length);
     ~ToneBank();
