@@ -77,7 +77,7 @@ std::shared_ptr<const scopes::CodeFaults> FrameMaker::Check(const exporting::Fra
                      found.flags.begin() + static_cast<std::ptrdiff_t>(width) * count);
     });
     for (std::size_t y = 0; y < mRows.Kinds().size(); ++y) {
-        const std::size_t kind = static_cast<std::size_t>(mRows.Kinds()[y]);
+        const auto kind = static_cast<std::size_t>(mRows.Kinds()[y]);
         std::copy_n(kinds.data() + kind * width, width, faults->flags.data() + y * width);
     }
     for (const std::uint8_t flags : faults->flags) {

@@ -282,7 +282,7 @@ private:
             std::string message =
                 part == 0 ? winner.message : fmt::format("the range is {}", winner.found[part]);
             if (part == 0 && !rivals.empty()) {
-                message = "one of: " + message + rivals;
+                message = fmt::format("one of: {}{}", message, rivals);
             }
             message += fmt::format(" (residual {:.1f} codes", mResiduals[best]);
             if (runnerUp != 0) {

@@ -31,6 +31,8 @@ public:
     ~ToneBank();
     ToneBank(ToneBank&&) noexcept;
     ToneBank& operator=(ToneBank&&) noexcept;
+    ToneBank(const ToneBank&) = delete;
+    ToneBank& operator=(const ToneBank&) = delete;
 
     [[nodiscard]] int Length() const noexcept;
     /// @param samples  `Length()` of them
