@@ -33,6 +33,7 @@ public:
 
     void SetPace(Pace pace, double now);
     void SetLooping(bool isLooping) noexcept { mIsLooping = isLooping; }
+    [[nodiscard]] bool IsLooping() const noexcept { return mIsLooping; }
     [[nodiscard]] Pace CurrentPace() const noexcept { return mPace; }
 
     /// The clip changed. Goes on where it was, as far as the new clip has that frame.
