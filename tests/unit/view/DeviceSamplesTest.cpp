@@ -116,6 +116,22 @@ TEST(DeviceSamples, BehindTheLastFrameTheClipBeginsAgainInALoopAndElseIsSilent)
     }
 }
 
+TEST(DeviceSamples, ALoopHasNoGap)
+{
+    const auto clip = Sample("hd-2997.tessel");
+    const DeviceFormat format{2, DeviceSampleType::Float32};
+    for (const std::size_t frames : {480U, 4096U, 50'000U}) {
+        DeviceSamples loop(clip, format, 0, SoundEnd::Loop);
+        std::size_t silent = 0;
+        for (std::size_t done = 0; done < 300'000; done += frames) { // about three times the clip
+            for (const float sample : Read<float>(loop, format, frames)) {
+                silent = std::abs(sample) < 1e-4F ? silent + 1 : 0;
+                ASSERT_LT(silent, 96U) << frames << ' ' << done; // a millisecond
+            }
+        }
+    }
+}
+
 TEST(DeviceSamples, PartsOfAFrameAreLeftOut)
 {
     const DeviceFormat format{2, DeviceSampleType::Float32};
