@@ -17,9 +17,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -63,6 +65,11 @@ void AddTolerance(const std::string& text, verify::VerifyJob& job)
     if (error != std::errc() || stop != end || !std::isfinite(value)) {
         throw UsageError(fmt::format("--tolerance {}: expected a number behind the equals sign", text));
     }
+    // Levels in dB and likeness are limits; all others are distances from what is right.
+    const bool isDistance = check.unit.substr(0, 2) != "dB";
+    if (isDistance && value < 0) {
+        throw UsageError(fmt::format("--tolerance {}: a tolerance is 0 or more", text));
+    }
     job.tolerances.insert_or_assign(std::string(check.id), value);
 }
 
@@ -87,6 +94,14 @@ verify::VerifyJob JobOf(const Options& options)
     return job;
 }
 
+/// One name, or two names of one file.
+bool SameFile(const std::string& one, const std::string& other)
+{
+    std::error_code ignored;
+    return std::filesystem::path(one).lexically_normal() == std::filesystem::path(other).lexically_normal() ||
+           std::filesystem::equivalent(one, other, ignored);
+}
+
 /// Starts a report before the movie is read: a folder that is not there is told at once, and what cannot be
 /// finished leaves an earlier report as it was.
 std::optional<exporting::OutputFile> StartReport(const char* option, const std::string& name,
@@ -95,9 +110,11 @@ std::optional<exporting::OutputFile> StartReport(const char* option, const std::
     if (name.empty()) {
         return std::nullopt;
     }
+    if (name == "-") {
+        throw UsageError(fmt::format("{} -: expected a file's name; --json prints to standard output", option));
+    }
     for (const std::string& input : {options.clip, options.movie}) {
-        std::error_code ignored;
-        if (std::filesystem::equivalent(name, input, ignored)) {
+        if (SameFile(name, input)) {
             throw UsageError(fmt::format("{} {}: the report would replace what it is about; name another file",
                                          option, name));
         }
@@ -118,9 +135,27 @@ int ExitCodeOf(verify::Verdict verdict)
     return kUndecided;
 }
 
+/// Terminals have colours, unless they are dumb ones or their owner wants none (https://no-color.org).
+verify::TextColors WantedColors()
+{
+    const auto valueOf = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value == nullptr ? std::string_view() : std::string_view(value);
+    };
+    const bool isPlain = !valueOf("NO_COLOR").empty() || valueOf("TERM") == "dumb";
+    return exporting::StandardOutputIsTerminal() && !isPlain ? verify::TextColors::Terminal
+                                                             : verify::TextColors::Plain;
+}
+
 void RunComparison(const Options& options, Context& context)
 {
     verify::VerifyJob job = JobOf(options);
+    if (options.asJson && options.isQuiet) {
+        throw UsageError("--quiet prints nothing and --json prints the report: give one of them");
+    }
+    if (!options.junit.empty() && SameFile(options.junit, options.html)) {
+        throw UsageError(fmt::format("--html {}: --junit writes to this file; name another one", options.html));
+    }
     std::optional<exporting::OutputFile> junit = StartReport("--junit", options.junit, options);
     std::optional<exporting::OutputFile> html = StartReport("--html", options.html, options);
     const document::OpenedClip clip = context.OpenClip(options.clip, {.allowDefault = options.allowDefault});
@@ -145,9 +180,7 @@ void RunComparison(const Options& options, Context& context)
     if (options.asJson) {
         WriteOut(verify::ReportAsJson(report));
     } else if (!options.isQuiet) {
-        WriteOut(verify::ReportAsText(report, exporting::StandardOutputIsTerminal()
-                                                  ? verify::TextColors::Terminal
-                                                  : verify::TextColors::Plain));
+        WriteOut(verify::ReportAsText(report, WantedColors()));
     }
     context.exitCode = ExitCodeOf(report.verdict);
 }
@@ -172,15 +205,56 @@ void PrintVisible(const Options& options, Context& context)
     WriteOut(options.asJson ? verify::ReportAsJson(report) : text);
 }
 
+/// The option that asks for a text instead of a comparison; empty: none.
+std::string_view TextAskedFor(const Options& options)
+{
+    const std::pair<bool, std::string_view> texts[] = {{options.printList, "--list"},
+                                                       {options.printSchema, "--schema"},
+                                                       {!options.visible.empty(), "--visible"}};
+    std::string_view asked;
+    for (const auto& [isAsked, option] : texts) {
+        if (isAsked && !asked.empty()) {
+            throw UsageError(fmt::format("{} and {}: give one of them", asked, option));
+        }
+        asked = isAsked ? option : asked;
+    }
+    return asked;
+}
+
+/// @throws UsageError  where an option of comparisons would be left unheard
+void RefuseComparison(std::string_view asked, const Options& options)
+{
+    const std::pair<bool, std::string_view> given[] = {
+        {!options.junit.empty(), "--junit"},
+        {!options.html.empty(), "--html"},
+        {!options.only.empty(), "--only"},
+        {!options.accept.empty(), "--accept"},
+        {!options.tolerances.empty(), "--tolerance"},
+        {options.isStrict, "--strict"},
+        {options.isQuiet, "--quiet"},
+    };
+    for (const auto& [isGiven, option] : given) {
+        if (isGiven) {
+            throw UsageError(fmt::format("{} compares nothing: leave out {}", asked, option));
+        }
+    }
+}
+
 } // namespace
 
 void RunVerify(const VerifyOptions& options, Context& context)
 {
+    const std::string_view asked = TextAskedFor(options);
+    if (!asked.empty()) {
+        RefuseComparison(asked, options);
+    }
     if (options.printList || options.printSchema) {
         if (!options.clip.empty()) {
             throw UsageError("--list and --schema take no clip");
         }
-        WriteOut(options.printList ? verify::CatalogueAsText() : verify::ReportSchema());
+        WriteOut(options.printSchema ? verify::ReportSchema()
+                 : options.asJson    ? verify::CatalogueAsJson()
+                                     : verify::CatalogueAsText());
         return;
     }
     if (!options.visible.empty()) {

@@ -59,6 +59,18 @@ std::vector<align::ColorChange> ColorChangesOf(const reference::ClipFacts& clip,
     return changes;
 }
 
+/// Of a movie or a clip without pictures. The container's and the order's judges tell their own part.
+void TellPicturesNotVisible(Findings& findings)
+{
+    for (const CheckInfo& check : Catalogue()) {
+        const std::string_view subject = check.id.substr(0, check.id.find('.'));
+        if (subject == "geometry" || subject == "fields" || subject == "color" || subject == "fidelity") {
+            findings.NotVisible(check.id, "a movie and a clip with pictures");
+        }
+    }
+    findings.NotVisible(id::kSignalOther, "a movie with the clip's pictures or its sound");
+}
+
 /// One movie on its way through the judges: `Take` what is decoded, then `Finish`.
 class Inspection {
 public:
@@ -113,6 +125,9 @@ public:
             report.alignment.frames = mClip.frameCount;
         } else {
             JudgeAll(alignment, findings, report);
+            if (!mMovie.picture && findings.HasFault(id::kSignalOther)) {
+                findings.KeepOnly(id::kSignalOther); // its length or its depth tell nothing of the clip
+            }
         }
         Conclude(findings, report);
         report.telling = mTelling.Result();
@@ -156,11 +171,9 @@ private:
     {
         mHasMatch = true;
         const align::Placement placement = mAligner.PlacementFor(picture);
-        if (mColors.Wants(frame)) {
+        const bool isTelling = mColors.Wants(frame);
+        if (isTelling) {
             mColors.Take(picture, frame, placement);
-            if (mJob.keepsPictures) {
-                mTelling.Take(picture, frame, *mMovie.picture);
-            }
         }
         if (mDetail.Wants(frame)) {
             mDetail.Take(picture, frame, placement, *mMovie.picture);
@@ -176,6 +189,9 @@ private:
         using Rows = judge::FidelitySampler::Rows;
         const bool isLossless = mMovie.picture->codecClass == CodecClass::Lossless;
         const bool isSuspicious = mWatch.IsSuspicious(picture, frame, *mMovie.picture);
+        if (mJob.keepsPictures && (isSuspicious || isTelling)) {
+            mTelling.Take(picture, frame, *mMovie.picture);
+        }
         if (isSuspicious || mFidelity.Wants(frame)) {
             mFidelity.Take(picture, frame, *mMovie.picture,
                            isSuspicious || isLossless ? Rows::All : Rows::InTurns);
@@ -208,6 +224,8 @@ private:
             judge::JudgeFields({mFields, mClip, *mMovie.picture, alignment}, findings);
             judge::JudgeColor({mClip, *mMovie.picture, mColors, detail.lostStep, detail.chromaOff}, findings);
             judge::JudgeFidelity(mFidelity, *mMovie.picture, findings);
+        } else {
+            TellPicturesNotVisible(findings);
         }
         JudgeSound(alignment, findings, report);
     }
@@ -274,6 +292,7 @@ read::MovieFacts PerfectMovie(const reference::ClipFacts& clip)
 {
     read::MovieFacts movie;
     movie.container = "matroska";
+    movie.kind = "Matroska";
     if (clip.hasPicture) {
         read::PictureFacts& picture = movie.picture.emplace();
         picture.codec = "ffv1";

@@ -7,7 +7,6 @@ Prints Markdown. With --document FILE each table is written there, between the l
 
 import argparse
 import concurrent.futures
-import itertools
 import os
 import subprocess
 import sys
@@ -17,31 +16,40 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 from cells import Miss, Tools  # noqa: E402
-from clips import CLIPS, document, picture, tone  # noqa: E402
+from clips import CLIPS, RATE, picture  # noqa: E402
 
 HEIGHTS = (180, 108, 90, 72, 54, 44)
 QUALITIES = {"h264": (18, 28, 40, 51), "hevc": (28, 40, 51), "mpeg2": (2, 10, 28)}
 READ_FRAMES = 24
 
-# Of each fault: the clip, the amounts from large to small, and the unit. {} is the amount.
-SOUND_CARRIERS = {"PCM 24": (".mov", ["--video-codec", "v210", "--audio-codec", "pcm24"]),
-                  "FLAC 24": (".mkv", ["--video-codec", "ffv1"]),
+# Of each fault: the clip, the amounts from large to small, the unit, and the carriers. {} is the amount.
+SOUND_CARRIERS = {"PCM": (".mov", ["--video-codec", "v210", "--audio-codec", "pcm24"]),
+                  "FLAC": (".mkv", ["--video-codec", "ffv1"]),
                   "AAC": (".mp4", ["--video-codec", "h264", "--quality", "23"])}
 PICTURE_CARRIERS = {"FFV1": (".mkv", ["--video-codec", "ffv1"]),
                     "ProRes": (".mov", ["--video-codec", "prores"]),
-                    "H.264 CRF 23": (".mp4", ["--video-codec", "h264", "--quality", "23"])}
+                    "H.264, CRF 23": (".mp4", ["--video-codec", "h264", "--quality", "23"])}
+FRAME_MS = 1000 / RATE
 FAULTS = [
-    ("sync.offset={}", "stereo", (40, 20, 10, 5, 2, 1, 0.5), "ms", SOUND_CARRIERS),
-    ("audio.drift={}", "tone", (400, 100, 30, 10, 5, 2, 1), "ppm", SOUND_CARRIERS),
-    ("audio.gain={}", "tone", (3, 1, 0.5, 0.2, 0.1, 0.05, 0.02), "dB", SOUND_CARRIERS),
-    ("audio.lost={}:4", "stereo", (500, 100, 10, 5, 2, 1), "samples", SOUND_CARRIERS),
-    ("color.gain={}", "gradient", (0.9, 0.95, 0.97, 0.98, 0.99, 0.995), "", PICTURE_CARRIERS),
-    ("color.offset={}", "gradient", (0.05, 0.02, 0.01, 0.005, 0.002), "of white", PICTURE_CARRIERS),
-    ("color.hue={}", "gradient", (10, 5, 3, 2, 1, 0.5), "degrees", PICTURE_CARRIERS),
-    ("color.saturation={}", "gradient", (0.8, 0.9, 0.95, 0.97, 0.98, 0.99), "", PICTURE_CARRIERS),
-    ("geometry.shifted={}", "gradient", (2.5, 1, 0.5, 0.3, 0.2, 0.1), "pixels", PICTURE_CARRIERS),
-    ("color.siting={}", "chart", (2, 1, 0.5, 0.25), "luma pixels", PICTURE_CARRIERS),
+    ("sync.offset={}", "stereo", (100, 40, 20, 10, 5, 4, 3.5, 3, 2, 1.5, 1.1, 1, 0.5),
+     f"ms; a frame is {FRAME_MS:.1f} ms", SOUND_CARRIERS),
+    ("audio.drift={}", "tone", (400, 100, 30, 10, 7, 6, 5, 3, 2, 1.5, 1.1, 1, 0.5), "ppm", SOUND_CARRIERS),
+    ("audio.gain={}", "tone", (3, 1, 0.5, 0.4, 0.35, 0.3, 0.2, 0.1, 0.06, 0.05, 0.02), "dB", SOUND_CARRIERS),
+    ("audio.lost={}:4", "stereo", (500, 100, 10, 5, 3, 2, 1), "samples", SOUND_CARRIERS),
+    ("color.gain={}", "gradient", (0.9, 0.95, 0.97, 0.975, 0.98, 0.985, 0.99, 0.993, 0.995), "factor",
+     PICTURE_CARRIERS),
+    ("color.offset={}", "gradient", (0.05, 0.02, 0.015, 0.01, 0.008, 0.006, 0.005, 0.004, 0.002),
+     "of white; 0.01 is 2.19 codes", PICTURE_CARRIERS),
+    ("color.saturation={}", "gradient", (0.8, 0.9, 0.95, 0.96, 0.97, 0.975, 0.98, 0.985, 0.99), "factor",
+     PICTURE_CARRIERS),
+    ("color.hue={}", "gradient", (10, 5, 3, 2.5, 2, 1.5, 1, 0.7, 0.5), "degrees", PICTURE_CARRIERS),
+    ("color.siting={}", "chart", (2, 1, 0.5, 0.4, 0.3, 0.25, 0.2), "luma pixels", PICTURE_CARRIERS),
+    ("geometry.shifted={}", "gradient", (2.5, 1, 0.5, 0.4, 0.3, 0.25, 0.2, 0.15, 0.1), "pixels", PICTURE_CARRIERS),
 ]
+# Of each length: the size, the movie's extension and options.
+SMALL = ((160, 90), ".mkv", ["--video-codec", "ffv1"])
+LARGE = ((1920, 1080), ".mp4", ["--video-codec", "h264", "--quality", "23"])
+LENGTHS = [(SMALL, 500), (SMALL, 5_000), (SMALL, 20_000), (SMALL, 100_000), (LARGE, 500), (LARGE, 2_000)]
 
 
 def width_of(height):
@@ -63,12 +71,14 @@ def share_read(tools, codec, height, quality):
     return right if report["alignment"]["method"] == "number" else 0
 
 
-def smallest(tools, pool, fault, clip_name, amounts, extension, options):
-    """The smallest amount that is named, all larger ones being named as well; None where not even the largest is."""
+def smallest(tools, fault, clip_name, amounts, extension, options):
+    """By halving: an amount that is named while the next smaller one is not, and the uncertainty of the number found.
+    None where not even the largest is named."""
     check = fault.split("=")[0]
     clip = tools.clip(clip_name)
 
-    def is_named(amount):
+    def uncertainty_of(amount):
+        """None where the fault is not named."""
         base = f"{fault.format(amount)}{extension}".replace(":", "_").replace("/", "_")
         movie = os.path.join(tools.folder, base)
         try:
@@ -76,28 +86,49 @@ def smallest(tools, pool, fault, clip_name, amounts, extension, options):
                         *options])
             report = tools.verify(clip, movie)
         except Miss:
-            return False
+            return None
         finally:
             tools.remove(movie)
             tools.remove(movie + ".truth.json")
-        return any(finding["id"] == check and finding["verdict"] == "not as expected"
-                   for finding in report["findings"])
+        found = [finding for finding in report["findings"]
+                 if finding["id"] == check and finding["verdict"] == "not as expected"]
+        return (found[0]["uncertainty"] or 0) if found else None
 
-    named = list(itertools.takewhile(lambda pair: pair[1], zip(amounts, pool.map(is_named, amounts))))
-    return named[-1][0] if named else None
+    named, unnamed = -1, len(amounts)  # places in `amounts`: all before are named, all from there on are not
+    uncertainty = 0
+    while named + 1 < unnamed:
+        tried = (named + unnamed) // 2
+        found = uncertainty_of(amounts[tried])
+        if found is None:
+            unnamed = tried
+        else:
+            named, uncertainty = tried, found
+    return (amounts[named], uncertainty) if named >= 0 else None
 
 
-def peak_of(tools, frames):
+def told(smallest_fault):
+    """A cell of the table."""
+    if smallest_fault is None:
+        return "none"
+    amount, uncertainty = smallest_fault
+    return f"{amount:g}" if uncertainty == 0 else f"{amount:g} ± {uncertainty:.2g}"
+
+
+def peak_of(tools, kind, frames):
     """Megabytes and seconds of a comparison."""
-    clip = tools.save(f"long-{frames}", document("bgrx", (160, 90), rate=(25, 1), frames=frames, number=True, **tone()))
-    movie = os.path.join(tools.folder, f"long-{frames}.mkv")
-    tools.render(clip, movie, [])
+    size, extension, options = kind
+    clip = tools.save(f"long-{size[1]}-{frames}", picture(size=size, frames=frames))
+    movie = os.path.join(tools.folder, f"long-{size[1]}-{frames}{extension}")
+    tools.render(clip, movie, options)
     started = time.monotonic()
     process = subprocess.Popen([*tools.program, "verify", clip, movie, "--quiet"])
-    _, _, usage = os.wait4(process.pid, 0)
-    process.returncode = 0
+    _, status, usage = os.wait4(process.pid, 0)
+    seconds = time.monotonic() - started
+    process.returncode = os.waitstatus_to_exitcode(status)
     os.remove(movie)
-    return usage.ru_maxrss / 1024, time.monotonic() - started
+    if process.returncode != 0:
+        raise Miss(f"{frames} pictures of {size[0]}x{size[1]} are not as expected")
+    return usage.ru_maxrss / 1024, seconds
 
 
 def reading_table(tools, pool):
@@ -114,28 +145,31 @@ def reading_table(tools, pool):
 
 
 def fault_table(tools, pool):
-    lines = ["The smallest fault that is named, of the amounts tried; every larger one is named, too.", ""]
+    lines = ["The smallest fault that is named, of the amounts tried, with the uncertainty of the number that is "
+             "reported."]
     for carriers in (SOUND_CARRIERS, PICTURE_CARRIERS):
-        lines.append("| Fault | Tried | " + " | ".join(carriers) + " |")
-        lines.append("|---" * (len(carriers) + 2) + "|")
-        for fault, clip, amounts, unit, of in FAULTS:
-            if of is not carriers:
-                continue
-            told = [smallest(tools, pool, fault, clip, amounts, extension, options)
-                    for extension, options in carriers.values()]
+        lines += ["", "| Fault | Tried | " + " | ".join(carriers) + " |", "|---" * (len(carriers) + 2) + "|"]
+        rows = [row for row in FAULTS if row[-1] is carriers]
+        cells = [pool.submit(smallest, tools, fault, clip, amounts, extension, options)
+                 for fault, clip, amounts, _, _ in rows for extension, options in carriers.values()]
+        for place, (fault, _, amounts, unit, _) in enumerate(rows):
+            own = cells[place * len(carriers):(place + 1) * len(carriers)]
             tried = ", ".join(f"{amount:g}" for amount in amounts)
-            cells = ["none" if amount is None else f"{amount:g}" for amount in told]
-            lines.append(f"| `{fault.split('=')[0]}` ({unit or 'factor'}) | {tried} | " + " | ".join(cells) + " |")
-        lines.append("")
-    return lines[:-1]
+            lines.append(f"| `{fault.split('=')[0]}` ({unit}) | {tried} | "
+                         + " | ".join(told(cell.result()) for cell in own) + " |")
+            print(lines[-1], file=sys.stderr, flush=True)
+    return lines
 
 
-def memory_table(tools, lengths):
-    lines = ["Memory of a comparison by the movie's length (160x90, FFV1 and FLAC).", "",
-             "| Pictures | Megabytes | Pictures a second |", "|---|---|---|"]
-    for frames in lengths:
-        peak, seconds = peak_of(tools, frames)
-        lines.append(f"| {frames:,} | {peak:.0f} | {frames / seconds:.0f} |".replace(",", " "))
+def memory_table(tools, longest):
+    lines = ["The most memory that a comparison takes, by the movie's length, and its speed with "
+             f"{os.cpu_count()} cores.", "",
+             "| Movie | Pictures | Megabytes | Pictures a second |", "|---|---|---|---|"]
+    for kind, frames in LENGTHS:
+        if frames <= longest:
+            (width, height), _, options = kind
+            peak, seconds = peak_of(tools, kind, frames)
+            lines.append(f"| {width}x{height}, {options[1]} | {frames:,} | {peak:.0f} | {frames / seconds:.0f} |")
     return lines
 
 
@@ -159,15 +193,13 @@ def main():
     parser.add_argument("--longest", type=int, default=100_000, help="pictures of the longest movie")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1)
     options = parser.parse_args()
-    os.nice(10)
     os.makedirs(options.folder, exist_ok=True)
     tools = Tools(options.tessel, options.plugin, options.folder)
     for name in ("gradient", "stereo", "tone", "chart"):
         tools.save(name, CLIPS[name]())
-    lengths = [frames for frames in (1_000, 5_000, 20_000, 100_000) if frames <= options.longest]
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         tables = {"numbers": lambda: reading_table(tools, pool), "faults": lambda: fault_table(tools, pool),
-                  "memory": lambda: memory_table(tools, lengths)}
+                  "memory": lambda: memory_table(tools, options.longest)}
         for name in options.table or tables:
             text = "\n".join(tables[name]())
             print(text, flush=True)

@@ -20,7 +20,8 @@ void AddVerifyCommand(CommandLine& commandLine, Context& context)
                    "What came back: a movie, a sound file, - for standard input, or pictures with a number in "
                    "their name, as in out/%06d.png")
         .TakesFile(FileKind::Any);
-    command.AddFlag("--json", options->asJson, "Print the report as JSON (see --schema)");
+    command.AddFlag("--json", options->asJson,
+                    "Print the report as JSON (see --schema), or the list of checks");
     command.AddOption("--junit", options->junit, "Also write the report as JUnit's XML")
         .ValueName("FILE")
         .TakesFile(FileKind::Any);

@@ -63,8 +63,9 @@ struct CheckInfo {
 [[nodiscard]] std::string_view NameOf(CodecClass codec) noexcept;
 /// @}
 
-/// The catalogue as the text of `--list`, and as the Markdown table of docs/verify.md. @{
+/// The catalogue as the text of `--list`, as its JSON document, and as the Markdown table of docs/verify.md. @{
 [[nodiscard]] std::string CatalogueAsText();
+[[nodiscard]] std::string CatalogueAsJson();
 [[nodiscard]] std::string CatalogueAsMarkdown();
 /// @}
 

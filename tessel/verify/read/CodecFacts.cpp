@@ -9,6 +9,7 @@ extern "C" {
 #include <cmath>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace tessel::verify::read {
 namespace {
@@ -210,11 +211,37 @@ SampleFormat FormatFacts(const AVPixFmtDescriptor& format)
     return facts;
 }
 
+/// The container as people call it. FFmpeg has one name for all kinds of MOV: the file's brand tells them
+/// apart.
+std::string KindOf(const AVFormatContext& input, std::string_view head)
+{
+    if (head == "mov") {
+        const AVDictionaryEntry* brand = av_dict_get(input.metadata, "major_brand", nullptr, 0);
+        return brand == nullptr || std::string_view(brand->value) == "qt  " ? "MOV" : "MP4";
+    }
+    if (head == "image2" || head.find("_pipe") != std::string_view::npos) {
+        return "picture files";
+    }
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kOthers{
+        {{"matroska", "Matroska"}, {"mpegts", "MPEG-TS"}, {"mpeg", "MPEG-PS"}, {"yuv4mpegpipe", "Y4M"}}};
+    for (const auto& [name, kind] : kOthers) {
+        if (name == head) {
+            return std::string(kind);
+        }
+    }
+    std::string kind(head);
+    std::transform(kind.begin(), kind.end(), kind.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 32) : letter;
+    });
+    return kind;
+}
+
 void FillFacts(MovieFacts& facts, const AVFormatContext& input, const AVCodecContext* codec, AVStream* stream)
 {
     facts.container = input.iformat->name;
     facts.sayable = SayableOf(input, codec);
     const std::string_view head = std::string_view(facts.container).substr(0, facts.container.find(','));
+    facts.kind = KindOf(input, head);
     for (const ContainerSays& row : kContainers) {
         if (row.name == head) {
             facts.carriesPictures = row.pictures;

@@ -1,6 +1,7 @@
 #include "Movie.h"
 
 #include "CodecFacts.h"
+#include "MovieAddress.h"
 
 #include <tessel/export/ExportError.h>
 #include <tessel/export/encode/LibavHandles.h>
@@ -15,6 +16,7 @@ extern "C" {
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <string_view>
 
 namespace tessel::verify::read {
 namespace {
@@ -43,9 +45,9 @@ private:
 InputContext OpenInput(const std::string& name, const ReadOptions& options)
 {
     Dictionary settings;
-    const bool isSequence = name.find('%') != std::string::npos;
+    const MovieAddress address = AddressOf(name);
     const AVInputFormat* format = nullptr;
-    if (isSequence) {
+    if (address.isSequence) {
         format = av_find_input_format("image2");
         settings.Set("start_number_range", "200000");
         if (options.sequenceRate.numerator > 0) {
@@ -54,14 +56,14 @@ InputContext OpenInput(const std::string& name, const ReadOptions& options)
         }
     }
     AVFormatContext* context = nullptr;
-    const int result =
-        avformat_open_input(&context, name == "-" ? "pipe:0" : name.c_str(), format, settings.Get());
+    const int result = avformat_open_input(&context, address.url.c_str(), format, settings.Get());
+    const std::string_view shownName = name == "-" ? "standard input" : std::string_view(name);
     if (result < 0) {
-        throw ReadError(fmt::format("{}: cannot be read as a movie: {}", name, libav::Explain(result)));
+        throw ReadError(fmt::format("{}: cannot be read as a movie: {}", shownName, libav::Explain(result)));
     }
     InputContext input(context);
     if (const int found = avformat_find_stream_info(context, nullptr); found < 0) {
-        throw ReadError(fmt::format("{}: cannot be read as a movie: {}", name, libav::Explain(found)));
+        throw ReadError(fmt::format("{}: cannot be read as a movie: {}", shownName, libav::Explain(found)));
     }
     return input;
 }

@@ -92,6 +92,7 @@ struct SoundFacts {
 struct MovieFacts {
     std::string name;                    ///< as the movie was named
     std::string container;               ///< FFmpeg's name
+    std::string kind;                    ///< the container as people call it: "MP4"
     std::optional<PictureFacts> picture; ///< of the first picture stream
     std::optional<SoundFacts> sound;     ///< of all sound streams, one behind the other
     int soundStreams = 0;

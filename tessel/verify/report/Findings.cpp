@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <iterator>
 
 namespace tessel::verify {
 namespace {
@@ -149,6 +150,14 @@ void Findings::Note(std::string text)
     if (std::find(mNotes.begin(), mNotes.end(), text) == mNotes.end()) {
         mNotes.push_back(std::move(text));
     }
+}
+
+void Findings::KeepOnly(std::string_view name)
+{
+    for (auto entry = mEntries.begin(); entry != mEntries.end();) {
+        entry = entry->first == name ? std::next(entry) : mEntries.erase(entry);
+    }
+    mNotVisible.clear();
 }
 
 bool Findings::HasFault(std::string_view name) const

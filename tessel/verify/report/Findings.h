@@ -61,6 +61,9 @@ public:
 
     void Note(std::string text);
 
+    /// Forgets all verdicts but that of `id`: where it is a movie of something else, the others say nothing.
+    void KeepOnly(std::string_view id);
+
     [[nodiscard]] bool HasFault(std::string_view id) const;
 
     /// For `Conclude`, which adds the checks without a verdict, orders the findings, and decides.

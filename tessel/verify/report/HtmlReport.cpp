@@ -59,15 +59,12 @@ std::string ImageOf(const std::vector<std::uint8_t>& rgb, int width, int height,
 
 std::string FindingAsHtml(const Finding& finding)
 {
-    std::string text = fmt::format("<li class=\"{}\"><b>{}</b> <code>{}</code> <small>{}",
-                                   finding.verdict == Verdict::NotAsExpected ? "bad" : "unsure",
-                                   Escaped(finding.message), finding.id, NameOf(finding.severity));
-    fmt::format_to(std::back_inserter(text), "; expected {}, found {}", Escaped(TextOf(finding.expected)),
-                   Escaped(TextOf(finding.found)));
-    if (finding.uncertainty) {
-        fmt::format_to(std::back_inserter(text), " ± {:.3g} {}", *finding.uncertainty, finding.unit);
-    }
-    text += "</small>";
+    const bool isFault = finding.verdict == Verdict::NotAsExpected;
+    const std::string numbers = NumbersOf(finding);
+    std::string text =
+        fmt::format("<li class=\"{}\"><b>{}{}</b> <code>{}</code> <small>{}{}{}</small>",
+                    isFault ? "bad" : "unsure", isFault ? "" : "undecided: ", Escaped(finding.message),
+                    finding.id, NameOf(finding.severity), numbers.empty() ? "" : "; ", Escaped(numbers));
     if (!finding.consequences.empty()) {
         text += "<ul>\n";
         for (const Finding& consequence : finding.consequences) {
@@ -125,9 +122,40 @@ std::string ListOf(std::string_view title, const std::vector<std::string>& lines
     return text + "</ul>\n";
 }
 
+/// Names of checks, one behind the other: a report has some fifty of them.
+std::string NamesOf(std::string_view title, const std::vector<std::string>& ids)
+{
+    if (ids.empty()) {
+        return {};
+    }
+    std::string text = fmt::format("<h2>{}</h2>\n<p class=\"names\">", title);
+    for (const std::string& id : ids) {
+        fmt::format_to(std::back_inserter(text), "<code>{}</code>\n", id);
+    }
+    return text + "</p>\n";
+}
+
+std::string HeadOf(const Report& report)
+{
+    std::string text = fmt::format("<h1>{}</h1>\n<p>Compared with <b>{}</b>: <b class=\"{}\">{}</b>.",
+                                   Escaped(report.movie), Escaped(report.clip),
+                                   report.verdict == Verdict::AsExpected      ? "fine"
+                                   : report.verdict == Verdict::NotAsExpected ? "bad"
+                                                                              : "unsure",
+                                   NameOf(report.verdict));
+    const AlignmentReport& alignment = report.alignment;
+    if (alignment.method != AlignmentMethod::None) {
+        fmt::format_to(std::back_inserter(text), " {} of {} pictures were matched with {} frames, by {}.",
+                       alignment.matched, alignment.pictures, alignment.frames, NameOf(alignment.method));
+    }
+    return text + "</p>\n";
+}
+
 constexpr std::string_view kStyle =
     "body{font:15px/1.45 system-ui,sans-serif;max-width:1000px;margin:2em auto;padding:0 1em;color:#222;"
-    "background:#fff}figure{display:inline-block;margin:0 1em 1em 0}img{image-rendering:pixelated}"
+    "background:#fff}h1{overflow-wrap:anywhere}figure{margin:0 0 1em}"
+    ".frame{display:flex;flex-wrap:wrap;gap:0 16px}img{image-rendering:pixelated}"
+    ".fine{color:#274}.bad{color:#a11}.unsure{color:#850}li{color:#222}.names{line-height:1.9}"
     "svg{max-width:100%}svg text{font-size:13px;fill:#555}figcaption,small{color:#555}.bad>b{color:#a11}"
     ".unsure>b{color:#850}code{background:#eee;padding:0 .3em}";
 
@@ -135,13 +163,10 @@ constexpr std::string_view kStyle =
 
 std::string ReportAsHtml(const Report& report)
 {
-    std::string page = fmt::format(
-        "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
-        "<title>{0}: {1}</title>\n<style>{2}</style></head><body>\n"
-        "<h1>{0}</h1>\n<p>Compared with <b>{3}</b>: <b>{1}</b>. {4} of {5} pictures were "
-        "matched with {6} frames, by {7}.</p>\n",
-        Escaped(report.movie), NameOf(report.verdict), kStyle, Escaped(report.clip), report.alignment.matched,
-        report.alignment.pictures, report.alignment.frames, NameOf(report.alignment.method));
+    std::string page = fmt::format("<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
+                                   "<title>{0}: {1}</title>\n<style>{2}</style></head><body>\n"
+                                   "{3}",
+                                   Escaped(report.movie), NameOf(report.verdict), kStyle, HeadOf(report));
     if (!report.findings.empty()) {
         page += "<h2>Findings</h2>\n<ul>\n";
         for (const Finding& finding : report.findings) {
@@ -151,21 +176,22 @@ std::string ReportAsHtml(const Report& report)
     }
     page += TimelineOf(report.alignment);
     for (const TellingFrame& telling : report.telling) {
-        fmt::format_to(std::back_inserter(page), "<h2>Frame {} (picture {})</h2>\n", telling.frame,
-                       telling.picture);
+        fmt::format_to(std::back_inserter(page), "<h2>Frame {} (picture {})</h2>\n<div class=\"frame\">\n",
+                       telling.frame, telling.picture);
         page += ImageOf(telling.expected, telling.width, telling.height, "expected");
         page += ImageOf(telling.actual, telling.width, telling.height, "actual");
         page += ImageOf(telling.difference, telling.width, telling.height, "difference, four times enlarged");
+        page += "</div>\n";
     }
     page += WaveformsAsHtml(report.sounds);
     page += ListOf("Notes", report.notes);
-    page += ListOf("As expected", report.asExpected);
+    page += NamesOf("As expected", report.asExpected);
     std::vector<std::string> hidden;
     for (const NotVisible& check : report.notVisible) {
         hidden.push_back(fmt::format("{}: use {}", check.id, check.use));
     }
     page += ListOf("Not visible with this clip and movie", hidden);
-    page += ListOf("Not checked", report.notChecked);
+    page += NamesOf("Not checked", report.notChecked);
     return page + "</body></html>\n";
 }
 

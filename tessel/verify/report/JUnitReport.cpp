@@ -20,11 +20,7 @@ public:
     {
         const bool isFailure = finding.verdict == Verdict::NotAsExpected;
         ++(isFailure ? mFailures : mErrors);
-        std::string details =
-            fmt::format("expected {}, found {}", TextOf(finding.expected), TextOf(finding.found));
-        if (finding.uncertainty) {
-            fmt::format_to(std::back_inserter(details), " ± {:.3g} {}", *finding.uncertainty, finding.unit);
-        }
+        std::string details = NumbersOf(finding);
         for (const Finding& consequence : finding.consequences) {
             fmt::format_to(std::back_inserter(details), "\nand so: {} ({})", consequence.message,
                            consequence.id);

@@ -1,11 +1,13 @@
 #include "Markup.h"
 
+#include <kestrel/qelcore/text/Unicode.h>
+
 namespace tessel::verify {
 
 std::string Escaped(std::string_view text)
 {
     std::string escaped;
-    for (const char letter : text) {
+    for (const char letter : qelcore::text::Repaired(text)) {
         switch (letter) {
         case '&':
             escaped += "&amp;";

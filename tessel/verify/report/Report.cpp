@@ -45,6 +45,30 @@ std::string TextOf(const Quantity& quantity)
     return "-";
 }
 
+std::string NumbersOf(const Finding& finding)
+{
+    std::string text;
+    if (finding.expected.index() != 0 || finding.found.index() != 0) {
+        text = fmt::format("expected {}, found {}", TextOf(finding.expected), TextOf(finding.found));
+        if (finding.uncertainty.value_or(0) > 0) {
+            fmt::format_to(std::back_inserter(text), " ± {:.3g}", *finding.uncertainty);
+        }
+        if (std::holds_alternative<double>(finding.found) && finding.unit != "ratio" && !finding.unit.empty()) {
+            text += " " + finding.unit;
+        }
+    }
+    const auto add = [&](std::string_view noun, const std::vector<Span>& spans) {
+        if (!spans.empty()) {
+            const bool isOne = spans.size() == 1 && spans.front().first == spans.front().last;
+            fmt::format_to(std::back_inserter(text), "{}{}{} {}", text.empty() ? "" : "; ", noun,
+                           isOne ? "" : "s", TextOf(spans));
+        }
+    };
+    add("frame", finding.frames);
+    add("sample", finding.samples);
+    return text;
+}
+
 std::vector<Span> SpansOf(const std::vector<std::int64_t>& numbers)
 {
     std::vector<Span> spans;

@@ -59,6 +59,9 @@ struct Finding {
     std::vector<Finding> consequences;
 };
 
+/// "expected 1, found 0.9 ± 0.003 dB; frames 3 to 7": the numbers behind the message. Empty where it has none.
+[[nodiscard]] std::string NumbersOf(const Finding& finding);
+
 /// A check that this clip or this movie cannot serve.
 struct NotVisible {
     std::string id;

@@ -94,6 +94,11 @@ class BadInput(VerifyTest):
         graded = self.ffmpeg(self.render(root, "whole.mkv"), "graded.mkv", "-vf", curve)
         self.assertNotIn("signal.other", self.ids(self.verify(root, graded)))
 
+    def test_a_sound_of_something_else_is_one_finding(self):
+        other = self.generated("noise.wav", "anoisesrc=c=pink:r=44100:d=3")
+        report = self.verify(gradient(frames=25), other)
+        self.assertEqual(self.expect(report, "signal.other")["message"], "the sound is not this clip's")
+
     def test_damaged_packets_end_with_a_verdict_and_a_note(self):
         root = gradient(frames=60)
         whole = self.render(root, "whole.mp4")

@@ -1,5 +1,7 @@
 """What `tessel render` writes is found as expected: no false alarms."""
 
+import os
+
 from verify_support import VerifyTest, document, fields, gradient, main
 
 
@@ -42,6 +44,20 @@ class Clean(VerifyTest):
         self.assertEqual(report["alignment"]["method"], "time")
         self.assertIn("order.missing", [check["id"] for check in report["notVisible"]])
 
+    def test_names_that_ffmpeg_takes_for_protocols_or_patterns(self):
+        root = gradient(frames=3)
+        for name in ("12:30.mkv", "pipe:0.mkv", "50%.mkv", "take %02d.mkv", "%d%d.mkv", "-x.mkv"):
+            with self.subTest(name):
+                os.rename(self.render(root, "x.mkv"), self.path(name))
+                self.expect_clean(self.verify(root, f"./{name}" if name.startswith("-") else name), name)
+        for folder in ("50%", "take %02d", "1:2"):
+            with self.subTest(folder):
+                os.mkdir(self.path(folder))
+                self.render(root, "p_%03d.png")
+                for frame in range(3):
+                    os.rename(self.path(f"p_{frame:03}.png"), os.path.join(self.path(folder), f"p_{frame:03}.png"))
+                self.expect_clean(self.verify(root, f"{folder}/p_%03d.png"), folder)
+
     def test_one_frame(self):
         self.clean(gradient(frames=1), "x.mkv", "x.mp4")
 
@@ -49,7 +65,12 @@ class Clean(VerifyTest):
         root = gradient()
         report = self.verify(root, self.render(root, "x.wav"))
         self.expect_clean(report, "wav")
-        self.assertIn("order.missing", [check["id"] for check in report["notVisible"]])
+        hidden = {check["id"] for check in report["notVisible"]}
+        shown_by_pictures = {"order.missing", "geometry.scaled", "fields.lost", "color.gain", "fidelity.psnr"}
+        self.assertEqual(shown_by_pictures - hidden, set())
+        self.assertEqual(report["notChecked"], [])
+        self.assertIn("signal.other", report["asExpected"])
+        self.assertEqual(report["alignment"]["method"], "none")
 
     def test_what_aac_leaves_out_of_the_lfe_channel_is_a_note(self):
         for channels, kind in ((6, 3), (8, 2)):

@@ -5,6 +5,8 @@ import collections
 import html.parser
 import json
 import os
+import pty
+import re
 import resource
 import subprocess
 import unittest
@@ -128,6 +130,39 @@ class Reports(VerifyTest):
             bitmap = base64.b64decode(source.split(",", 1)[1])
             self.assertEqual((bitmap[:2], int.from_bytes(bitmap[2:6], "little")), (b"BM", len(bitmap)))
 
+    def test_the_page_shows_the_one_picture_that_differs(self):
+        root = gradient(frames=30)
+        whole = self.render(root, "whole.mkv")
+        for wrong in (13, 17):  # neither is one of the dozen frames that colours are read from
+            box = f"drawbox=enable='eq(n,{wrong})':t=fill:color=red:x=100:y=80:w=100:h=60"
+            movie = self.ffmpeg(whole, "glitch.mkv", "-vf", box)
+            self.run_tessel("verify", self.save(root), movie, "--quiet", "--html", self.path("page.html"))
+            with open(self.path("page.html"), encoding="utf-8") as file:
+                self.assertIn(f"Frame {wrong} (picture {wrong})", re.findall("<h2>(.*?)</h2>", file.read()))
+
+    def test_reports_are_well_formed_where_a_file_name_is_no_text(self):
+        root = gradient(frames=6)
+        movie = os.path.join(os.fsencode(self.folder), b"bytes \xff\xfe.mkv")
+        os.rename(self.render(root, "x.mkv"), movie)
+        done = subprocess.run([*self.tessel, "verify", self.save(root), movie, "--json", "--junit", self.path("r.xml"),
+                               "--html", self.path("r.html")], capture_output=True, check=True, cwd=self.folder)
+        self.assertIn("\ufffd", json.loads(done.stdout)["movie"])
+        self.assertIn("\ufffd", xml.parse(self.path("r.xml")).getroot().find("testsuite").get("name"))
+        with open(self.path("r.html"), encoding="utf-8") as file:
+            self.assertIn("\ufffd", file.read())
+
+    def test_the_list_of_checks_as_json_says_what_the_text_says(self):
+        text = self.run_tessel("verify", "--list").stdout.decode()
+        checks = json.loads(self.run_tessel("verify", "--list", "--json").stdout)
+        heads = [line for line in text.splitlines() if not line.startswith(" ")]
+        self.assertEqual([f"{check['id']}  ({check['severity']})" for check in checks], heads)
+        for check in checks:
+            self.assertIn(f"    {check['sentence']}\n    seen with: {check['seenWith']}\n", text)
+        by_id = {check["id"]: check for check in checks}
+        self.assertEqual(by_id["color.offset"]["tolerance"], {"lossless": 1, "mezzanine": 1.5, "delivery": 2.5})
+        self.assertIsNone(by_id["order.missing"]["tolerance"])
+        self.assertIn("container.duration", by_id["order.missing"]["consequences"])
+
     def test_text_names_movie_clip_and_fault(self):
         root = gradient(frames=6)
         damaged = self.filtered(root, "hflip")
@@ -147,7 +182,10 @@ class Reports(VerifyTest):
     def test_strict_makes_a_fault_of_what_a_container_cannot_say(self):
         root = gradient("v211", frames=6)
         movie = self.render(root, "x.mp4")
-        self.assertEqual(self.verify(root, movie)["verdict"], "as expected")
+        report = self.verify(root, movie)
+        self.assertEqual(report["verdict"], "as expected")
+        self.assertEqual(report["notes"][0], "h264 in MP4 cannot carry more than 8 bits in its profile High; "
+                                             "the clip has 10 [container.depth]")
         self.expect(self.verify(root, movie, "--strict"), "container.depth")
 
     def test_a_tolerance_of_ones_own(self):
@@ -161,6 +199,25 @@ class Reports(VerifyTest):
         with open(self.render(root, "x.nut"), "rb") as movie:
             done = self.run_tessel("verify", self.save(root), "-", stdin=movie)
         self.assertEqual(done.returncode, 0, done.stdout)
+
+    def test_a_pipe_that_brings_no_movie_is_named_as_standard_input(self):
+        done = self.run_tessel("verify", self.clip(), "-", stdin=subprocess.DEVNULL)
+        self.assertEqual((done.returncode, done.stdout), (1, b""))
+        self.assertTrue(done.stderr.startswith(b"tessel: standard input: cannot be read as a movie: "), done.stderr)
+
+    def test_text_has_colours_on_terminals_that_want_them(self):
+        root = gradient(frames=6)
+        command = ["verify", self.save(root), self.filtered(root, "hflip"), "--no-progress"]
+        for variables, has_colors in (({"TERM": "xterm"}, True), ({"TERM": "dumb"}, False),
+                                      ({"TERM": "xterm", "NO_COLOR": "1"}, False),
+                                      ({"TERM": "xterm", "NO_COLOR": ""}, True)):
+            reader, writer = pty.openpty()
+            environment = {name: text for name, text in os.environ.items() if name not in ("TERM", "NO_COLOR")}
+            subprocess.run([*self.tessel, *command], stdout=writer, env={**environment, **variables}, check=False)
+            text = os.read(reader, 100_000)
+            os.close(writer)
+            os.close(reader)
+            self.assertEqual(b"\x1b[31m" in text, has_colors, variables)
 
     def test_something_else_is_one_finding(self):
         other = self.path("other.mp4")
@@ -192,6 +249,15 @@ class Reports(VerifyTest):
         self.refuse("verify", clip, "x.mkv", "--tolerance", "color.gain", code=2, says=["NAME=VALUE"])
         self.refuse("verify", clip, "x.mkv", "--tolerance", "color.gain=much", code=2, says=["number"])
         self.refuse("verify", clip, "x.mkv", "--tolerance", "order.missing=2", code=2, says=["compares no number"])
+        self.refuse("verify", clip, "x.mkv", "--tolerance", "color.hue=-1", code=2, says=["color.hue=-1", "0 or more"])
+        self.refuse("verify", clip, "x.mkv", "--json", "--quiet", code=2, says=["--json", "--quiet"])
+        for option in ("--html", "--junit"):
+            self.refuse("verify", clip, "x.mkv", option, "-", code=2, says=[option, "file's name"])
+        self.refuse("verify", clip, "x.mkv", "--junit", "report", "--html", "./report", code=2, says=["name another"])
+        self.refuse("verify", "--list", "--schema", code=2, says=["--list", "--schema"])
+        self.refuse("verify", "--list", "--visible", clip, code=2, says=["--list", "--visible"])
+        self.refuse("verify", "--visible", clip, "--html", "x.html", code=2, says=["--visible", "--html"])
+        self.left_over("clip.tessel")
 
     def test_visible_tells_what_a_clip_shows(self):
         done = self.run_tessel("verify", "--visible", self.clip())

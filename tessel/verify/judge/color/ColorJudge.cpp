@@ -311,7 +311,7 @@ private:
             Tell(check, isVisible);
         }
         if (!mFindings.HasFault(id::kColorClipped)) {
-            mFindings.NotVisible(id::kColorClipped, "the colours without what else was done to them");
+            mFindings.NotVisible(id::kColorClipped, "a movie without other faults of colour");
         }
         for (const std::string_view check : kFitted) {
             mFindings.AsExpected(check); // the winner explains the levels
@@ -395,7 +395,7 @@ private:
         TellLevel(id::kColorHue, fit.hasChroma, {0, fit.hueDegrees, fit.hueUncertainty},
                   fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
         TellListedFine();
-        mFindings.NotVisible(id::kColorClipped, "the colours without what else was done to them");
+        mFindings.NotVisible(id::kColorClipped, "a movie without other faults of colour");
     }
 
     void TellUndecided(std::size_t best, double off)

@@ -28,8 +28,8 @@ void ContainerReport::Unsayable(std::string_view id, const std::string& what, co
 {
     const bool isSound = !mMovie.picture || id == id::kContainerLayout;
     const std::string line =
-        fmt::format("{} with {} cannot {} ({})", mMovie.container.substr(0, mMovie.container.find(',')),
-                    isSound ? mMovie.sound->codec : mMovie.picture->codec, what, expected);
+        fmt::format("{} in {} cannot {}; the clip has {}",
+                    isSound ? mMovie.sound->codec : mMovie.picture->codec, mMovie.kind, what, expected);
     if (mGiven.isStrict) {
         Fault(id, line, expected, std::string("cannot be said"));
     } else {

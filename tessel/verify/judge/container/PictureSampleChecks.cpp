@@ -25,8 +25,11 @@ private:
         if (bits >= mClip.bits) {
             mFindings.AsExpected(id::kContainerDepth);
         } else if (bits >= mMovie.sayable.bits || mClip.bits == 16) {
-            Unsayable(id::kContainerDepth, fmt::format("carry more than {} bits", bits),
-                      mClip.bits == 16 ? "float" : fmt::format("{}", mClip.bits));
+            // A profile is made for a depth: the High one of H.264 has 8 bits, High 10 has 10.
+            const std::string profile =
+                picture.profile.empty() ? "" : fmt::format(" in its profile {}", picture.profile);
+            Unsayable(id::kContainerDepth, fmt::format("carry more than {} bits{}", bits, profile),
+                      mClip.bits == 16 ? "float samples" : fmt::format("{}", mClip.bits));
         } else {
             Fault(id::kContainerDepth, fmt::format("samples have {} bits, not {}", bits, mClip.bits),
                   static_cast<double>(mClip.bits), static_cast<double>(bits));

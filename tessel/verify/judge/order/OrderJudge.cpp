@@ -105,7 +105,7 @@ double CountOf(std::string_view kind, const Steps& steps)
 void JudgeOrder(const align::Alignment& alignment, double framesPerPicture, Findings& findings,
                 AlignmentReport& report)
 {
-    report.method = alignment.method;
+    report.method = alignment.pictures.empty() ? AlignmentMethod::None : alignment.method;
     report.frames = alignment.frameCount;
     report.pictures = static_cast<std::int64_t>(alignment.pictures.size());
     std::vector<std::int64_t> shown;
@@ -118,8 +118,7 @@ void JudgeOrder(const align::Alignment& alignment, double framesPerPicture, Find
         }
     }
     report.confidence = report.matched > 0 ? least : 0;
-    if (alignment.pictures.empty() || alignment.method == AlignmentMethod::None ||
-        alignment.method == AlignmentMethod::Time) {
+    if (report.method == AlignmentMethod::None || report.method == AlignmentMethod::Time) {
         for (const std::string_view kind : kOrderChecks) {
             findings.NotVisible(kind);
         }

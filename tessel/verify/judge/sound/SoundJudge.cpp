@@ -27,6 +27,7 @@ void JudgeSound(const SoundEvidence& evidence, const read::SoundFacts& movie, Un
     };
     switch (evidence.trouble) {
     case SoundTrouble::None:
+        findings.AsExpected(id::kSignalOther);
         JudgeSoundRouting(evidence, movie, uncarried, findings);
         JudgeSoundTimes(evidence, movie, uncarried, findings);
         JudgeSoundLevels(evidence, movie, uncarried, findings);
