@@ -155,7 +155,7 @@ constexpr std::string_view kStyle =
     "body{font:15px/1.45 system-ui,sans-serif;max-width:1000px;margin:2em auto;padding:0 1em;color:#222;"
     "background:#fff}h1{overflow-wrap:anywhere}figure{margin:0 0 1em}"
     ".frame{display:flex;flex-wrap:wrap;gap:0 16px}img{image-rendering:pixelated}"
-    ".fine{color:#274}.bad{color:#a11}.unsure{color:#850}li{color:#222}.names{line-height:1.9}"
+    "b.fine{color:#274}b.bad{color:#a11}b.unsure{color:#850}.names{line-height:1.9}"
     "svg{max-width:100%}svg text{font-size:13px;fill:#555}figcaption,small{color:#555}.bad>b{color:#a11}"
     ".unsure>b{color:#850}code{background:#eee;padding:0 .3em}";
 
