@@ -49,8 +49,8 @@ struct ComponentView {
             std::memcpy(&value, at, sizeof value);
             return value;
         }
-        const unsigned low = std::to_integer<unsigned>(at[isBigEndian ? 1 : 0]);
-        const unsigned high = std::to_integer<unsigned>(at[isBigEndian ? 0 : 1]);
+        const auto low = std::to_integer<unsigned>(at[isBigEndian ? 1 : 0]);
+        const auto high = std::to_integer<unsigned>(at[isBigEndian ? 0 : 1]);
         return static_cast<double>(((high << 8U) | low) >> shift & ((1U << bits) - 1U));
     }
     /// Every second row, from `parity` on.

@@ -56,10 +56,9 @@ private:
             return;
         }
         if (sound.layout.empty()) {
-            if (mClip.channels <= 2) {
-                mFindings.AsExpected(id::kContainerLayout); // readers take it for mono or stereo
-            } else if (sound.codecClass != CodecClass::Lossless) {
-                mFindings.AsExpected(id::kContainerLayout); // these codecs have one order for six channels
+            // Readers take one or two channels for mono or stereo, and lossy codecs have one order for six.
+            if (mClip.channels <= 2 || sound.codecClass != CodecClass::Lossless) {
+                mFindings.AsExpected(id::kContainerLayout);
             } else if (!mMovie.sayable.layout) {
                 Unsayable(id::kContainerLayout, "say the channel layout", expected);
             } else {

@@ -224,7 +224,7 @@ Artefacts MeasureArtefacts(const read::ComponentView& expected, const read::Comp
         read::LoadRow(expected, y, a.data());
         read::LoadRow(found, y, b.data());
         for (std::size_t x = 1; x < a.size(); ++x) {
-            const double change = static_cast<double>(std::abs((b[x] - a[x]) - (b[x - 1] - a[x - 1])));
+            const auto change = static_cast<double>(std::abs((b[x] - a[x]) - (b[x - 1] - a[x - 1])));
             if (x % kCodedBlock == 0) {
                 artefacts.atEdges += change;
                 ++artefacts.edges;
