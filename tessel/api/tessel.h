@@ -89,7 +89,7 @@ TESSEL_API void tessel_close(tessel_clip* clip);
  * Threads: [thread-safe]. */
 TESSEL_API const char* tessel_warning(const tessel_clip* clip);
 
-/* More channels than these have no sound that can be had. */
+/* The most channels that sound can be had of. */
 enum { TESSEL_MOST_CHANNELS = 64 };
 
 enum { TESSEL_PROGRESSIVE = 0, TESSEL_UPPER_FIELD_FIRST = 1, TESSEL_LOWER_FIELD_FIRST = 2 };
