@@ -155,7 +155,9 @@ typedef enum tessel_layout {
     TESSEL_LAYOUT_YUV420P10 = 17, /* 10 bits in 16 */
     TESSEL_LAYOUT_YUV422P10 = 18,
     TESSEL_LAYOUT_YUV444P10 = 19,
-    TESSEL_LAYOUT_YUVA444P10 = 20
+    TESSEL_LAYOUT_YUVA444P10 = 20,
+    /* No layout: gives the type room for other numbers, which are refused. */
+    TESSEL_LAYOUT_ROOM = 0x7FFFFFFF
 } tessel_layout;
 
 enum {
