@@ -139,6 +139,8 @@ FAULTS = [
     one("audio.lost=480:4", "tone", Near(480), carriers=SOUND),
     one("audio.lost=100:4.2", "stereo", Near(100), carriers=SOUND),
     one("audio.inserted=480:4", "stereo", Near(480), carriers=SOUND),
+    # 1000 samples are no whole periods of the tone that sounds then.
+    one("audio.inserted=1000:5", "surround", Near(1000), carriers=SOUND),
     one("audio.dropout=480:4", "tone", carriers=SOUND),
     one("audio.depth=8", "tone", Near(8), carriers=SOUND),
     one("audio.downmix", "surround", carriers=SOUND),

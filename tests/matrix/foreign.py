@@ -111,6 +111,7 @@ FFMPEG = [
     picture("trim start", "gradient", "trim=start_frame=5,setpts=PTS-STARTPTS", {"order.head": Frames(0, 4)}),
     picture("trim end", "gradient", "trim=end_frame=25", {"order.tail": Frames(25, 29)}),
     picture("fps 30", "gradient", f"settb=1/{RATE},setpts=N,fps=30", {"order.cadence": Near(1.25, 0.01)}),
+    picture("framerate", "gradient", "framerate=30", {"order.cadence": Near(1.25, 0.01)}),
     picture("framestep", "stereo", "framestep=2", {"order.cadence": Near(0.5, 0.01)}),
     picture("telecine", "stereo", "telecine=pattern=23", {"order.cadence": None}),
     picture("setpts", "gradient", f"setpts='(N+floor(N/10))/{RATE}/TB'", {"container.constant-rate": None},
@@ -129,6 +130,10 @@ FFMPEG = [
     picture("phase", "fields", "phase=mode=t", {"fields.shifted": None}),
     picture("yadif", "fields", "yadif=mode=send_frame,setfield=prog", {"fields.progressive": None}),
     picture("yadif bob", "fields", "yadif=mode=send_field,setfield=prog", {"fields.bobbed": None}),
+    picture("bwdif", "fields", "bwdif=mode=send_frame,setfield=prog", {"fields.progressive": None}),
+    picture("bwdif bob", "fields", "bwdif=mode=send_field,setfield=prog", {"fields.bobbed": None}),
+    # It moves the picture by a row, so that each field is on the other's.
+    picture("fieldorder", "fields", "fieldorder=bff", {"fields.swapped": None}, tags=(*TAGS, "-field_order", "bb")),
     picture("field and scale", "fields", "field=top,scale=384:288:flags=neighbor,setsar=1,setfield=tff",
             {"fields.lost": None}),
     # pp works on 8 bits alone.

@@ -29,7 +29,7 @@ constexpr std::array kOfGain{id::kColorClipped, id::kColorSaturation, id::kColor
 // What changes colours other than in proportion moves the middle of edges between them.
 constexpr std::array kOfCrookedColor{id::kColorSiting, id::kColorSubsampling, TESSEL_LIKENESS};
 constexpr std::array kOfSubsampling{id::kColorSiting, id::kColorSaturation, TESSEL_LIKENESS};
-constexpr std::array kOfRate{id::kContainerDuration, id::kAudioPitch, id::kSyncDrift};
+constexpr std::array kOfRate{id::kContainerDuration, id::kAudioPitch, id::kSyncDrift, id::kSyncOffset};
 constexpr std::array kOfConstantRate{id::kContainerRate, id::kContainerDuration, id::kSyncOffset,
                                      id::kSyncDrift};
 constexpr std::array kOfMissing{id::kContainerDuration, id::kSyncOffset, id::kSyncDrift,
