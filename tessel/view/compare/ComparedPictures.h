@@ -17,7 +17,9 @@ struct ComparedPictures {
     exporting::Picture
         movie; ///< in the movie's own size, as players show it: by the matrix and range it announces
     exporting::Picture difference; ///< in the clip's size: 128 where equal, else 128 + gain × (movie - clip)
-    double meanOff = 0;            ///< mean of the magnitudes of R', G' and B' differences, 0..255
+    /// Mean of the magnitudes of R', G' and B' differences; white is 255, and what lies beyond white and black
+    /// counts.
+    double meanOff = 0;
     double mostOff = 0;            ///< the largest of them
     bool isSampleBySample = false; ///< compared in the movie's own samples; else scaled, and by colour
 };

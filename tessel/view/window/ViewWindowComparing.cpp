@@ -101,7 +101,7 @@ void ViewWindow::ShowCompared()
     difference.size = mPanes[0].clip->Size();
     difference.trouble = movie.trouble;
     difference.owner = movie.owner = newest;
-    difference.title = QString("difference x%1   mean %2, most %3 of 255%4")
+    difference.title = QString("difference x%1   mean %2, most %3 (white: 255)%4")
                            .arg(newest->gain)
                            .arg(pictures.meanOff, 0, 'f', 3)
                            .arg(pictures.mostOff, 0, 'f', 1)
