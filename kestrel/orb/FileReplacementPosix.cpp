@@ -424,6 +424,8 @@ std::string WriteFailureText(int error)
         return "the disk quota is used up";
     case EFBIG:
         return "it is larger than files may be here";
+    case EPIPE:
+        return "its reader has gone";
     case EIO:
         return "the disk reports an error";
     default:

@@ -4,10 +4,10 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
+#include <kestrel/orb/FileReplacement.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
 
 namespace tessel::cli {
 namespace {
@@ -15,7 +15,7 @@ namespace {
 [[noreturn]] void FailToWrite()
 {
     const int error = errno != 0 ? errno : EIO;
-    throw importhost::HostError("cannot write to standard output: " + std::generic_category().message(error));
+    throw importhost::HostError("standard output: cannot be written: " + ORB::WriteFailureText(error));
 }
 
 void WriteLine(const char* prefix, std::string_view line) noexcept

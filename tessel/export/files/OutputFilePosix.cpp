@@ -22,19 +22,14 @@ namespace {
 namespace fs = std::filesystem;
 using qelcore::text::UTF8Text;
 
-std::string ErrnoText(int error)
-{
-    return std::generic_category().message(error);
-}
-
 [[noreturn]] void FailToWrite(const std::string& name, int error)
 {
-    throw ExportError("cannot write " + name + ": " + ErrnoText(error));
+    throw ExportError(name + ": cannot be written: " + ORB::WriteFailureText(error));
 }
 
 [[noreturn]] void FailToWriteInto(const std::string& folder, int error)
 {
-    throw ExportError("cannot write into '" + folder + "': " + ErrnoText(error));
+    throw ExportError(folder + ": cannot be written to: " + ORB::WriteFailureText(error));
 }
 
 std::string OrCurrent(const fs::path& folder)
@@ -47,7 +42,7 @@ ORB::Destination DestinationOf(const fs::path& path)
 {
     ORB::Destination destination;
     if (const int error = ORB::FindDestination(path.native(), destination)) {
-        FailToWrite(QuotedName(path), error);
+        FailToWrite(UTF8Text(path), error);
     }
     return destination;
 }
@@ -58,11 +53,11 @@ void Commit(const fs::path& path, ORB::FileReplacement& replacement)
     const ORB::ReplacementOutcome outcome = replacement.Commit();
     if (!outcome.copyOfOldFile.empty()) {
         throw ExportError(
-            fmt::format("cannot write {}: {}; the file is damaged, and its old content is in '{}'",
-                        QuotedName(path), ErrnoText(outcome.error), outcome.copyOfOldFile));
+            fmt::format("{}: cannot be written: {}; the file is damaged, and its old content is in {}",
+                        UTF8Text(path), ORB::WriteFailureText(outcome.error), outcome.copyOfOldFile));
     }
     if (outcome.error != 0) {
-        FailToWrite(QuotedName(path), outcome.error);
+        FailToWrite(UTF8Text(path), outcome.error);
     }
     if (!outcome.notKept.empty()) {
         qelcore::logging::Log("export", fmt::format("{}: written, but it could not keep its {}", UTF8Text(path),
@@ -96,7 +91,7 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 {
     State& state = *mState;
     state.path = path;
-    state.shownName = QuotedName(path);
+    state.shownName = UTF8Text(path);
     const ORB::Destination destination = DestinationOf(path);
     if (destination.kind == ORB::Destination::Kind::Special) {
         state.descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -115,7 +110,7 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
 OutputFile::OutputFile(New, const fs::path& path) : mState(std::make_unique<State>())
 {
     mState->path = path;
-    mState->shownName = QuotedName(path);
+    mState->shownName = UTF8Text(path);
     mState->descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (mState->descriptor < 0) {
         FailToWrite(mState->shownName, errno);
@@ -126,7 +121,7 @@ OutputFile::OutputFile(New, const fs::path& path) : mState(std::make_unique<Stat
 OutputFile::OutputFile(StandardOutput) : mState(std::make_unique<State>())
 {
     mState->descriptor = STDOUT_FILENO;
-    mState->shownName = "to standard output";
+    mState->shownName = "standard output";
 }
 
 OutputFile::~OutputFile() = default;
@@ -188,7 +183,7 @@ void OutputFile::Commit()
 void RequireReplaceable(const fs::path& path)
 {
     if (DestinationOf(path).kind == ORB::Destination::Kind::Special) {
-        throw ExportError(fmt::format("cannot write {}: it is not an ordinary file", QuotedName(path)));
+        throw ExportError(fmt::format("{}: cannot be written: it is not an ordinary file", UTF8Text(path)));
     }
 }
 
@@ -203,7 +198,7 @@ JointReplacement::JointReplacement(fs::path aside) : mAside(std::move(aside))
 {
     std::error_code error;
     if (!fs::create_directory(mAside, error)) {
-        FailToWrite(QuotedName(mAside), error ? error.value() : EEXIST);
+        FailToWrite(UTF8Text(mAside), error ? error.value() : EEXIST);
     }
 }
 
@@ -212,12 +207,13 @@ JointReplacement::~JointReplacement()
     for (; !mFiles.empty(); mFiles.pop_back()) {
         const ORB::ReplacementOutcome outcome = mFiles.back().replacement.Undo();
         if (outcome.error != 0) {
-            qelcore::logging::Log("export", fmt::format("{}: cannot be restored: {}{}",
-                                                        UTF8Text(mFiles.back().path), ErrnoText(outcome.error),
-                                                        outcome.copyOfOldFile.empty()
-                                                            ? std::string()
-                                                            : fmt::format("; its old content is in '{}'",
-                                                                          outcome.copyOfOldFile)));
+            qelcore::logging::Log(
+                "export",
+                fmt::format("{}: cannot be restored: {}{}", UTF8Text(mFiles.back().path),
+                            ORB::WriteFailureText(outcome.error),
+                            outcome.copyOfOldFile.empty()
+                                ? std::string()
+                                : fmt::format("; its old content is in '{}'", outcome.copyOfOldFile)));
         }
     }
 }
@@ -226,7 +222,7 @@ void JointReplacement::Replace(const fs::path& path, const fs::path& whole)
 {
     ORB::FileReplacement& replacement = mFiles.emplace_back(path).replacement;
     if (const int error = replacement.BeginWith(DestinationOf(path), whole.native())) {
-        FailToWrite(QuotedName(path), error);
+        FailToWrite(UTF8Text(path), error);
     }
     replacement.KeepOldAs(mAside / std::to_string(mFiles.size()));
     Commit(path, replacement);

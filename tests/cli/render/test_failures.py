@@ -91,12 +91,12 @@ class Failures(RenderTest):
 
     def test_places_that_cannot_be_written_to_are_named(self):
         clip = self.clip()
-        self.refuse("render", clip, "-o", "nowhere/x.mkv", says=("nowhere/x.mkv", "No such file"))
-        self.refuse("render", clip, "-o", "nowhere/deeper/x_%d.png", says=("nowhere/deeper", "No such file"))
+        self.refuse("render", clip, "-o", "nowhere/x.mkv", says=("nowhere/x.mkv: cannot be written: its folder does not exist",))
+        self.refuse("render", clip, "-o", "nowhere/deeper/x_%d.png", says=("nowhere/deeper", "folder does not exist"))
         self.refuse("render", clip, "-o", "/proc/x.mkv", says=("/proc/x.mkv",))
         os.mkdir(self.path("x.mkv"))
         os.mkdir(self.path("x.mkv/clip.mkv"))
-        self.refuse("render", clip, "-o", "x.mkv", says=("clip.mkv", "directory"))
+        self.refuse("render", clip, "-o", "x.mkv", says=("clip.mkv: cannot be written: it is a folder",))
         self.left_over("clip.tessel", "x.mkv")
 
     @unittest.skipIf(os.geteuid() == 0, "root may write everywhere")
@@ -104,24 +104,24 @@ class Failures(RenderTest):
         clip = self.clip()
         os.mkdir(self.path("locked"))
         os.chmod(self.path("locked"), stat.S_IRUSR | stat.S_IXUSR)
-        self.refuse("render", clip, "-o", "locked/x.mkv", says=("locked/x.mkv", "Permission"))
+        self.refuse("render", clip, "-o", "locked/x.mkv", says=("locked/x.mkv: cannot be written: permission denied",))
         with open(self.path("old.mkv"), "w", encoding="utf-8") as file:
             file.write("old")
         os.chmod(self.path("old.mkv"), stat.S_IRUSR)
-        self.refuse("render", clip, "-o", "old.mkv", says=("old.mkv", "Permission"))
+        self.refuse("render", clip, "-o", "old.mkv", says=("old.mkv: cannot be written: permission denied",))
 
     def test_a_full_disk_is_said_at_once(self):
         clip = self.clip(**LONG)
         for name in ("mkv", "mov", "nut", "y4m", "wav", "png"):
             start = time.monotonic()
             self.refuse("render", clip, "-o", "/dev/full", "--format", name, "--frames",
-                        "1" if name == "png" else "90000", says=("/dev/full", "No space"))
+                        "1" if name == "png" else "90000", says=("/dev/full: cannot be written: the disk is full",))
             self.assertLess(time.monotonic() - start, 60)
         with open("/dev/full", "wb") as full:
             done = subprocess.run([*self.tessel, "render", clip, "-o", "-", "--format", "nut"], stdout=full,
                                   stderr=subprocess.PIPE, check=False)
         self.assertEqual(done.returncode, 1)
-        self.assertIn(b"No space", done.stderr)
+        self.assertEqual(done.stderr, b"tessel: standard output: cannot be written: the disk is full\n")
         self.left_over("clip.tessel")
 
     def test_a_closed_pipe_ends_with_one_line(self):
@@ -133,7 +133,7 @@ class Failures(RenderTest):
                 line = process.stderr.read().decode()
                 self.assertEqual(process.wait(), 1, line)
                 self.assertEqual(line.count("\n"), 1, line)
-                self.assertIn("Broken pipe", line)
+                self.assertEqual(line, "tessel: standard output: cannot be written: its reader has gone\n")
 
     def test_pipes_carry_whole_files(self):
         clip = self.clip(frames=4)
@@ -243,7 +243,7 @@ class Failures(RenderTest):
             self.render(document(frames=1), name)
             self.left_over("clip.tessel", name)
             os.remove(self.path(name))
-            self.refuse("render", self.clip(frames=1), "-o", "x" + name, says=("File name too long",))
+            self.refuse("render", self.clip(frames=1), "-o", "x" + name, says=("the name is too long",))
         self.left_over("clip.tessel")
 
     def test_the_largest_size_of_files_is_an_error_and_no_signal(self):
@@ -252,7 +252,7 @@ class Failures(RenderTest):
 
         done = subprocess.run([*self.tessel, "render", self.clip(**LONG), "-o", "x.mkv"], cwd=self.folder,
                               preexec_fn=limit, capture_output=True, check=False)
-        self.assertEqual((done.returncode, done.stderr), (1, b"tessel: cannot write 'x.mkv': File too large\n"))
+        self.assertEqual((done.returncode, done.stderr), (1, b"tessel: x.mkv: cannot be written: it is larger than files may be here\n"))
         self.left_over("clip.tessel")
 
     def test_more_threads_than_codecs_take_are_no_error(self):
