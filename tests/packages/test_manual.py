@@ -69,6 +69,15 @@ class Manual(unittest.TestCase):
             self.assertIn(key, page)
         self.assertNotIn("`", page)
 
+    @unittest.skipUnless(shutil.which("man") and shutil.which("groff"), "man-db or groff is not installed")
+    def test_topics_fit_a_terminal(self):
+        for topic in dump()["topics"]:
+            page, = (path for path in PAGES if os.path.basename(path) == f"tessel-{topic['name']}.7")
+            done = subprocess.run(["man", "-l", page], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=True,
+                                  env=dict(os.environ, MANWIDTH="80", LC_ALL="C.UTF-8"))
+            lines = re.sub(".\b", "", done.stdout).splitlines()
+            self.assertLessEqual(max(map(len, lines)), 80, topic["name"])
+
     @unittest.skipUnless(shutil.which("lexgrog"), "man-db is not installed")
     def test_apropos_can_list_every_page(self):
         for page in PAGES:

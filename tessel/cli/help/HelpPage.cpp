@@ -33,28 +33,46 @@ std::size_t Columns(std::string_view text)
     }));
 }
 
-void WrapLine(std::string_view line, std::size_t indent, std::size_t width, std::string& page)
+/// Where the last cell of a table's row begins: behind its first gap of two blanks. A row without such a gap is
+/// one cell behind its leading blanks.
+std::size_t LastCell(std::string_view row)
 {
-    const std::string margin(indent, ' ');
-    const std::size_t room = width > indent ? width - indent : 1;
-    if (line.empty() || line.front() == ' ') {
-        page += line.empty() ? "\n" : margin + std::string(line) + '\n';
-        return;
-    }
-    std::size_t used = 0;
-    while (!line.empty()) {
-        const std::size_t end = std::min(line.find(' '), line.size());
-        const std::string_view word = line.substr(0, end);
-        line.remove_prefix(std::min(end + 1, line.size()));
-        if (used > 0 && used + 1 + Columns(word) > room) {
-            page += '\n';
-            used = 0;
+    const std::size_t first = std::min(row.find_first_not_of(' '), row.size());
+    const std::size_t gap = row.find("  ", first);
+    return gap == std::string_view::npos ? first : std::min(row.find_first_not_of(' ', gap), row.size());
+}
+
+/// Adds words to the page's last line, which has `used` columns, and to more lines, which begin at `column`.
+void WrapWords(std::string_view words, std::size_t used, std::size_t column, std::size_t width,
+               std::string& page)
+{
+    bool isFirst = true; // of its line
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(' '), words.size());
+        const std::string_view word = words.substr(0, end);
+        words.remove_prefix(std::min(end + 1, words.size()));
+        if (!isFirst && used + 1 + Columns(word) > width) {
+            page += '\n' + std::string(column, ' ');
+            used = column;
+            isFirst = true;
         }
-        page += used > 0 ? " " : margin;
+        page += isFirst ? "" : " ";
         page += word;
-        used += (used > 0 ? 1 : 0) + Columns(word);
+        used += (isFirst ? 0 : 1) + Columns(word);
+        isFirst = false;
     }
     page += '\n';
+}
+
+void WrapLine(std::string_view line, std::size_t indent, std::size_t width, std::string& page)
+{
+    if (line.empty()) {
+        page += '\n';
+        return;
+    }
+    const std::size_t cell = line.front() == ' ' ? LastCell(line) : 0;
+    page += std::string(indent, ' ') + std::string(line.substr(0, cell));
+    WrapWords(line.substr(cell), indent + cell, indent + std::min(cell, width / 2), width, page);
 }
 
 std::string Join(const std::vector<std::string>& words)

@@ -29,7 +29,8 @@ inline constexpr std::size_t kWidestPage = 110;
 /// @}
 
 /// `text` in lines of at most `width` columns, each behind `indent` blanks, breaking at blanks and keeping
-/// newlines. A line that begins with a blank is an example or a table and stands as it is.
+/// newlines. A line that begins with a blank is a table's row: what does not fit of its last cell, which begins
+/// behind the first gap of two blanks, goes on below that cell.
 [[nodiscard]] std::string Wrapped(std::string_view text, std::size_t indent, std::size_t width);
 
 } // namespace tessel::cli

@@ -12,7 +12,7 @@
 namespace tessel::cli {
 namespace {
 
-/// "  mkv   ffv1, raw, v210, ...; sound flac, ...", a line a container.
+/// "  mkv    ffv1, raw, v210, ..." and "         sound: flac, ...", for each container.
 std::string ContainerTable()
 {
     std::string table;
@@ -55,9 +55,15 @@ TopicText AboutDocuments()
             "size, rate, duration, pixel format, colour space, what the picture shows, and the sound. "
             "Every frame and every sample follows from it.\n"
             "\n"
+            "  tessel new NEW            make one from options and templates\n"
             "  tessel info CLIP          what the clip is\n"
+            "  tessel set CLIP KEY=VALUE change it in scripts\n"
             "  tessel edit CLIP          change it in its dialog\n"
             "  tessel edit -o NEW        make one in its dialog\n"
+            "  tessel view CLIP          play it\n"
+            "  tessel render CLIP -o OUT make a movie, sound or pictures of it\n"
+            "  tessel list SUBJECT       the formats, rates, colour spaces ... to choose from\n"
+            "  tessel schema             the keys of documents as JSON Schema, for editors\n"
             "\n"
             "The picture is one of three: field colours, a gradient that moves by one step a frame, or a "
             "chart of colour swatches (1920x1080, 32-bit float BGRA). The frame number is printed into "

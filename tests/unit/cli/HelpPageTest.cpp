@@ -93,8 +93,16 @@ TEST(HelpPage, WrappingCountsCharactersAndKeepsEveryWord)
     EXPECT_EQ(Wrapped("aa bb", 2, 5), "  aa\n  bb\n");
     EXPECT_EQ(Wrapped("longword b", 0, 4), "longword\nb\n") << "a long word stays whole";
     EXPECT_EQ(Wrapped("a\n\nb", 0, 10), "a\n\nb\n");
-    EXPECT_EQ(Wrapped("a b c d\n  a table   stays", 0, 4), "a b\nc d\n  a table   stays\n");
+    EXPECT_EQ(Wrapped("a b c d\n  a row   stays", 0, 20), "a b c d\n  a row   stays\n");
     EXPECT_EQ(Wrapped("", 3, 10), "");
+}
+
+TEST(HelpPage, ALongRowOfATableGoesOnBelowItsLastCell)
+{
+    EXPECT_EQ(Wrapped("  mov  aa, bb, cc, dd", 0, 16), "  mov  aa, bb,\n       cc, dd\n");
+    EXPECT_EQ(Wrapped("     aa, bb, cc", 0, 12), "     aa, bb,\n     cc\n");
+    EXPECT_EQ(Wrapped("  mov  aa, bb, cc", 2, 14), "    mov  aa,\n         bb,\n         cc\n");
+    EXPECT_EQ(Wrapped("  a long name  aa bb", 0, 18), "  a long name  aa\n         bb\n") << "no narrow column";
 }
 
 } // namespace
