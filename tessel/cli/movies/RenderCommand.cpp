@@ -55,13 +55,13 @@ void AddRenderCommand(CommandLine& commandLine, Context& context)
     command.AddOption(
         "--hash", options->hashes,
         "Also write the hashes of the pictures and samples that the encoders get, as ffmpeg's framehash "
-        "format has them");
+        "format has them; - for standard output");
     command.AddOption("--verify", options->verify,
                       "Compare with hashes that were written so; the first difference ends the render");
     command.AddOption(
         "--truth", options->truth,
         "Also write a table in CSV: number, time, timecodes, hash as painted, sample and ident of each "
-        "picture");
+        "picture; - for standard output");
     command.AddExample("tessel render clip.tessel -o clip.mkv", "Lossless: everything kept");
     command.AddExample("tessel render clip.tessel -o clip.mov", "For an editor");
     command.AddExample("tessel render clip.tessel -o out/%06d.exr --frames 3", "Pictures, float bit for bit");

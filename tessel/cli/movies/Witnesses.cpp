@@ -9,12 +9,26 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 
 namespace tessel::cli {
 
 namespace fs = std::filesystem;
 using exporting::ExportError;
 using qelcore::text::UTF8Text;
+
+namespace {
+
+constexpr std::string_view kStandardOutput = "-";
+
+/// A file in the making, or standard output for "-".
+exporting::OutputFile TableFile(const fs::path& file)
+{
+    return file == kStandardOutput ? exporting::OutputFile(exporting::OutputFile::StandardOutput())
+                                   : exporting::OutputFile(file);
+}
+
+} // namespace
 
 void Witnesses::Check(const RenderOptions& options)
 {
@@ -26,6 +40,9 @@ void Witnesses::Check(const RenderOptions& options)
         throw UsageError("--hash and --truth name the same file");
     }
     for (const fs::path& file : {options.hashes, options.truth}) {
+        if (file == kStandardOutput && options.output == kStandardOutput) {
+            throw UsageError("-o, --hash and --truth cannot share standard output; name files for the others");
+        }
         if (!file.empty() && file == fs::path(options.output)) {
             throw UsageError(
                 fmt::format("'{}' is the file that is rendered; give another name", UTF8Text(file)));
@@ -39,10 +56,10 @@ Witnesses::Witnesses(const RenderOptions& options)
         mExpected.emplace(options.verify);
     }
     if (!options.hashes.empty()) {
-        mHashFile.emplace(options.hashes);
+        mHashFile = TableFile(options.hashes);
     }
     if (!options.truth.empty()) {
-        mTruthFile.emplace(options.truth);
+        mTruthFile = TableFile(options.truth);
     }
 }
 
