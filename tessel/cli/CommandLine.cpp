@@ -89,6 +89,19 @@ std::string UnknownArgument(const std::string& argument, const ProgramText& prog
            DidYouMean(option, names);
 }
 
+std::string Missing(const std::string& argument, const CommandText& command)
+{
+    std::string choices;
+    for (const OptionText& positional : command.positionals) {
+        if (positional.names.front() == argument) {
+            for (const std::string& choice : positional.choices) {
+                choices += (choices.empty() ? ": it is one of " : ", ") + choice;
+            }
+        }
+    }
+    return argument + " is missing" + choices;
+}
+
 /// The parser's complaint in this program's words.
 std::string WhatIsWrong(const CLI::App& app, const ProgramText& program, const CLI::ParseError& error)
 {
@@ -101,7 +114,7 @@ std::string WhatIsWrong(const CLI::App& app, const ProgramText& program, const C
     }
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
         return command == nullptr ? "a command is missing"
-                                  : said.substr(0, said.find(" is required")) + " is missing";
+                                  : Missing(said.substr(0, said.find(" is required")), *command);
     }
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         return name + (said.find("At Most") != std::string::npos ? " takes one value" : " needs a value");

@@ -76,6 +76,13 @@ public:
 private:
     static std::string Cell(const Value& value)
     {
+        if (value.IsArray()) {
+            std::string cell;
+            for (const Value& part : qelcore::serialization::Elements(value)) {
+                cell += (cell.empty() ? "" : ", ") + Cell(part);
+            }
+            return cell;
+        }
         if (const auto text = qelcore::serialization::FindText(value)) {
             return std::string(*text);
         }
@@ -106,6 +113,19 @@ Value Text(std::string_view text)
 Value Integer(std::int64_t number)
 {
     return Value(number);
+}
+
+/// The names of the rows that `which` accepts.
+template <class Rows, class Which>
+Value Names(const Rows& rows, const Which& which)
+{
+    Array names;
+    for (const auto& row : rows) {
+        if (which(row)) {
+            names.push_back(Text(row.name));
+        }
+    }
+    return Value(std::move(names));
 }
 
 std::string_view MatrixName(document::PixelMatrix matrix)
@@ -206,10 +226,23 @@ Listing Containers()
     for (const exporting::Container& container : exporting::AllContainers()) {
         listing.Add({Text(container.name),
                      Text(container.takesEveryCodec ? "nothing" : KindName(container.kind)),
-                     Text(container.TakesVideo() ? exporting::VideoCodecNames(container) : ""),
-                     Text(container.TakesAudio() ? exporting::AudioCodecNames(container) : "")});
+                     Names(exporting::AllVideoCodecs(),
+                           [&container](const exporting::VideoCodec& codec) {
+                               return container.TakesVideo() && codec.GoesInto(container);
+                           }),
+                     Names(exporting::AllAudioCodecs(), [&container](const exporting::AudioCodec& codec) {
+                         return container.TakesAudio() && codec.GoesInto(container);
+                     })});
     }
     return listing;
+}
+
+template <class Codec>
+Value ContainersOf(const Codec& codec)
+{
+    return Names(exporting::AllContainers(), [&codec](const exporting::Container& container) {
+        return !container.takesEveryCodec && codec.GoesInto(container);
+    });
 }
 
 Listing Codecs()
@@ -217,13 +250,13 @@ Listing Codecs()
     Listing listing({"name", "kind", "title", "containers", "quality"});
     for (const exporting::VideoCodec& codec : exporting::AllVideoCodecs()) {
         const auto& quality = codec.quality;
-        listing.Add({Text(codec.name), Text("picture"), Text(codec.title), Text(codec.containers),
+        listing.Add({Text(codec.name), Text("picture"), Text(codec.title), ContainersOf(codec),
                      Text(quality.name.empty() ? std::string("-")
                                                : fmt::format("{} {} to {}, usually {}", quality.name,
                                                              quality.best, quality.worst, quality.usual))});
     }
     for (const exporting::AudioCodec& codec : exporting::AllAudioCodecs()) {
-        listing.Add({Text(codec.name), Text("sound"), Text(codec.encoder), Text(codec.containers), Text("-")});
+        listing.Add({Text(codec.name), Text("sound"), Text(codec.encoder), ContainersOf(codec), Text("-")});
     }
     return listing;
 }

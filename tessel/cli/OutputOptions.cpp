@@ -4,12 +4,16 @@
 
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
+#include <tessel/export/plan/Names.h>
 #include <tessel/typed/NearMisses.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <string_view>
+#include <vector>
 
 namespace tessel::cli {
 
@@ -17,6 +21,50 @@ using exporting::Container;
 using exporting::ExportError;
 using typed::DidYouMean;
 using typed::NamesOfRows;
+
+namespace {
+
+/// What other programs call a codec.
+struct OtherNames {
+    std::string_view codec;
+    std::string_view names; ///< between blanks
+};
+
+constexpr std::array kOtherNames{
+    OtherNames{"raw", "rawvideo uncompressed"},
+    OtherNames{"prores", "prores_ks prores_aw"},
+    OtherNames{"dnxhr", "dnxhd"},
+    OtherNames{"mjpeg", "jpeg jpg"},
+    OtherNames{"tiff", "tif"},
+    OtherNames{"exr", "openexr"},
+    OtherNames{"h264", "avc x264 libx264"},
+    OtherNames{"hevc", "h265 h.265 x265 libx265"},
+    OtherNames{"av1", "libaom svtav1 libsvtav1"},
+    OtherNames{"vp9", "libvpx libvpx-vp9"},
+    OtherNames{"mpeg2", "mpeg2video m2v"},
+    OtherNames{"dv", "dvvideo"},
+    OtherNames{"pcm16", "s16 s16le pcm_s16le pcm_s16be"},
+    OtherNames{"pcm24", "s24 s24le pcm_s24le pcm_s24be"},
+    OtherNames{"pcm32", "s32 s32le pcm_s32le pcm_s32be"},
+    OtherNames{"pcmfloat", "float f32 f32le pcm_f32le pcm_f32be"},
+    OtherNames{"opus", "libopus"},
+};
+
+/// "; did you mean 'hevc'?" for h265, which is more like h264: other programs' names count before likeness.
+std::string DidYouMeanCodec(std::string name, const std::vector<std::string>& codecs)
+{
+    std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+    const auto* const known = std::find_if(kOtherNames.begin(), kOtherNames.end(), [&](const OtherNames& row) {
+        return exporting::HasWord(row.names, name) &&
+               std::find(codecs.begin(), codecs.end(), row.codec) != codecs.end();
+    });
+    return known != kOtherNames.end() ? fmt::format("; did you mean '{}'?", known->codec)
+                                      : DidYouMean(name, codecs);
+}
+
+} // namespace
 
 void AddOutputOptions(const Command& command, OutputOptions& options)
 {
@@ -85,9 +133,9 @@ const Container& ContainerFor(const std::string& format, const std::string& outp
     }
     const Container* container = exporting::ContainerNamed(extension);
     if (container == nullptr) {
-        throw UsageError(
-            fmt::format("'{}': no format has this extension; the formats are {} (or give --format)", output,
-                        exporting::ContainerNames()));
+        throw UsageError(fmt::format(
+            "'{}': no format has this extension; the formats are {} (or give --format){}", output,
+            exporting::ContainerNames(), DidYouMean(extension, NamesOfRows(exporting::AllContainers()))));
     }
     return *container;
 }
@@ -109,7 +157,7 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
             throw UsageError(
                 fmt::format("--video-codec {} is not known; there are {}{}", options.videoCodec,
                             exporting::VideoCodecNames(),
-                            DidYouMean(options.videoCodec, NamesOfRows(exporting::AllVideoCodecs()))));
+                            DidYouMeanCodec(options.videoCodec, NamesOfRows(exporting::AllVideoCodecs()))));
         }
     }
     if (!options.audioCodec.empty()) {
@@ -118,7 +166,7 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
             throw UsageError(
                 fmt::format("--audio-codec {} is not known; there are {}{}", options.audioCodec,
                             exporting::AudioCodecNames(),
-                            DidYouMean(options.audioCodec, NamesOfRows(exporting::AllAudioCodecs()))));
+                            DidYouMeanCodec(options.audioCodec, NamesOfRows(exporting::AllAudioCodecs()))));
         }
     }
     if (options.quality) {

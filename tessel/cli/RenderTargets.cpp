@@ -60,8 +60,7 @@ void RequireSequenceName(const fs::path& file)
 
 bool WritesNothing(const TargetOptions& options)
 {
-    const Container* format = exporting::ContainerNamed(options.format);
-    return format != nullptr && format->takesEveryCodec;
+    return !options.format.empty() && FormatNamed(options.format).takesEveryCodec;
 }
 
 } // namespace

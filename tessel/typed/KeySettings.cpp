@@ -11,12 +11,34 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+#include <limits>
+
 namespace tessel::typed {
 
 using document::DocumentEditor;
 using document::KeyInfo;
 using exporting::IsSameName;
 using qelcore::serialization::Value;
+
+namespace {
+
+/// Readers of documents keep the low 32 bits of such a key: 4294967297 would be 1. @throws SettingError
+void RequireRange(const KeyInfo& info, const Value& value)
+{
+    const auto integer = qelcore::serialization::FindInteger(value);
+    if (info.type != document::KeyType::Integer32 || !integer) {
+        return;
+    }
+    // Codes of pixel formats are unsigned, and are written either way.
+    constexpr std::int64_t kLeast = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    if (*integer < kLeast || *integer > kMost) {
+        throw SettingError(fmt::format(R"("{}": expected an integer of 32 bits, not {})", info.path, *integer));
+    }
+}
+
+} // namespace
 
 void ApplyKey(std::string_view key, std::string_view value, DocumentEditor& document)
 {
@@ -33,6 +55,7 @@ void ApplyKey(std::string_view key, std::string_view value, DocumentEditor& docu
     }
     const Value parsed = qelcore::serialization::JSONParse(value);
     if (document::TypeFits(info->type, parsed)) {
+        RequireRange(*info, parsed);
         document.Set(key, parsed);
         return;
     }
@@ -42,8 +65,10 @@ void ApplyKey(std::string_view key, std::string_view value, DocumentEditor& docu
         document.Set(key, text);
         return;
     }
-    throw SettingError(
-        fmt::format(R"("{}": expected {}, not "{}")", key, document::TypeText(info->type), value));
+    const std::vector<std::string> words = NamesOfRows(info->values);
+    throw SettingError(fmt::format(R"("{}": expected {}{}, not "{}"{})", key, document::TypeText(info->type),
+                                   words.empty() ? "" : fmt::format(" or one of {}", fmt::join(words, ", ")),
+                                   value, DidYouMean(value, words)));
 }
 
 std::vector<std::string> KeyPaths()

@@ -17,6 +17,7 @@
 #include <tessel/document/settings/PixelLayouts.h>
 #include <tessel/export/plan/Names.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -28,6 +29,18 @@ using exporting::IsSameName;
 using qelcore::serialization::AddToObject;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
+
+/// The name of the layout that `text` differs from by case and by `_` for `-` alone; empty where there is none.
+std::string NameOfLayoutLike(std::string text)
+{
+    std::replace(text.begin(), text.end(), '_', '-');
+    for (const document::PixelLayout& layout : document::AllPixelLayouts()) {
+        if (IsSameName(layout.name, text)) {
+            return std::string(layout.name);
+        }
+    }
+    return {};
+}
 
 /// A layout's name takes the matrix from the colour space: 601 for 601's, else 709. The host's own names and
 /// codes say the matrix themselves.
@@ -47,6 +60,10 @@ std::uint32_t PixelFormatCode(const std::string& text, const DocumentEditor& doc
             IsSameName(info.constant.substr(kPrefix.size()), text)) {
             return info.sdkCode;
         }
+    }
+    // Elsewhere layouts are written UYVY and bgra_float, too.
+    if (const std::string layout = NameOfLayoutLike(text); !layout.empty()) {
+        return PixelFormatCode(layout, document);
     }
     RefuseWord(text, "a pixel format such as v210 or bgra-float; tessel list pixel-formats names all",
                PixelLayoutChoices());

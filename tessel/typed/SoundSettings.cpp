@@ -18,6 +18,14 @@ void ApplyTone(const TypedValues& values, DocumentEditor& document)
     document.Set("mSteadyToneAmplitude", FloatValue(tone.amplitude));
 }
 
+std::optional<std::string> RemarkOnTone(const TypedValues& values)
+{
+    if (const Tone tone = ReadTone(values.front()); tone.amplitude > 1.0F) {
+        return values.front() + " is louder than full scale: integer samples will be clipped";
+    }
+    return std::nullopt;
+}
+
 void ApplyIdent(const TypedValues& values, DocumentEditor& document)
 {
     const document::Ident& ident = RequiredRow(document::AllIdents(), values.front());

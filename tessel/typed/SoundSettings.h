@@ -12,4 +12,7 @@ void ApplyChannels(const TypedValues& values, document::DocumentEditor& document
 void ApplySampleRate(const TypedValues& values, document::DocumentEditor& document);
 /// @}
 
+/// The `remark` of a tone beyond full scale.
+[[nodiscard]] std::optional<std::string> RemarkOnTone(const TypedValues& values);
+
 } // namespace tessel::typed

@@ -84,6 +84,21 @@ class Help(ProgramTest):
         self.assert_failed(self.run_program("help", "documnets"), 2, "no help on 'documnets'",
                            "did you mean 'documents'?")
 
+    def test_topics_fit_the_terminal_too(self):
+        for columns in (40, 80, 100):
+            for topic in self.dump()["topics"]:
+                page = self.page("help", topic["name"], columns=columns)
+                self.assertLessEqual(max(map(len, page.splitlines())), columns, topic["name"])
+                self.assertEqual(page.split(), (topic["summary"] + "\n" + topic["text"]).split())
+        # What does not fit of a list goes on below the list.
+        self.assertIn("\n  mov    ffv1, raw, v210, v408, prores, dnxhr,\n         mjpeg,",
+                      self.page("help", "codecs", columns=50))
+
+    def test_the_documents_page_names_the_commands_that_make_and_change_documents(self):
+        page = self.page("help", "documents")
+        for command in ("new", "info", "set", "edit", "list", "schema"):
+            self.assertIn("\n  tessel " + command + " ", page)
+
     def test_pages_are_as_wide_as_the_terminal(self):
         for columns in (60, 100):
             widths = []
@@ -122,10 +137,22 @@ class Help(ProgramTest):
                                 (["render", clip, "-o", "x.mov", "--format", "mvo"], "did you mean 'mov'?"),
                                 (["render", clip, "-o", "x.mov", "--video-codec", "h246"], "did you mean 'h264'?"),
                                 (["render", clip, "-o", "x.mov", "--audio-codec", "pcm25"], "did you mean 'pcm24'?"),
+                                (["render", clip, "-o", "x.mvk"], "did you mean 'mkv'?"),
+                                (["render", clip, "--format", "nulll"], "did you mean 'null'?"),
                                 (["verify", clip, "x.mov", "--only", "color.gian"], "did you mean 'color.gain'?"),
                                 (["edit", clip, "--theme", "drak"], "did you mean 'dark'?")):
             with self.subTest(arguments=arguments):
                 self.assert_failed(self.run_program(*arguments), 2, says)
+
+    def test_other_programs_names_of_codecs_are_known(self):
+        clip = self.write("clip.tessel", document())
+        for name, codec in (("h265", "hevc"), ("H265", "hevc"), ("libx264", "h264"), ("avc", "h264"),
+                            ("prores_ks", "prores"), ("dnxhd", "dnxhr"), ("mpeg2video", "mpeg2")):
+            answer = self.run_program("render", clip, "-o", "x.mkv", "--video-codec", name)
+            self.assert_failed(answer, 2, f"did you mean '{codec}'?")
+        for name, codec in (("pcm_s24le", "pcm24"), ("s16", "pcm16"), ("pcm_f32le", "pcmfloat"), ("libopus", "opus")):
+            answer = self.run_program("render", clip, "-o", "x.mkv", "--audio-codec", name)
+            self.assert_failed(answer, 2, f"did you mean '{codec}'?")
 
     def test_nothing_is_suggested_for_what_is_like_nothing(self):
         for arguments in (["nonsense"], ["info", "a.tessel", "--nonsense"]):
@@ -138,6 +165,8 @@ class Help(ProgramTest):
         for arguments, line in (
                 ([], "a command is missing (see tessel --help)"),
                 (["info"], "CLIP is missing (see tessel info --help)"),
+                (["list"], "SUBJECT is missing: it is one of pixel-formats, frame-rates, pixel-aspects, color-spaces, "
+                           "idents, templates, containers, codecs (see tessel list --help)"),
                 (["info", clip, "--unknown"], "'--unknown' is no option of info (see tessel info --help)"),
                 (["--unknown"], "'--unknown' is no option (see tessel --help)"),
                 (["bench", clip, "b"], "'b' is one argument too many (see tessel bench --help)"),

@@ -87,6 +87,22 @@ class New(DocumentTest):
         _, _, answer = self.new("--pixel-format", "v210", "--color-space", "rec2020-10-bit", warnings=True)
         self.assertIn("warning: ", answer.err)
 
+    def test_layouts_are_known_in_capitals_and_with_underscores(self):
+        for name, constant in (("UYVY", "UYVY_422_8u_709"), ("V210", "V210_422_10u_709"),
+                               ("bgra_float", "BGRA_4444_32f"), ("BGRA", "BGRA_4444_8u")):
+            report, _, _ = self.new("--pixel-format", name)
+            self.assertEqual(report["video"]["pixelFormat"]["name"], "KsPixelFormat_" + constant)
+
+    def test_tones_that_come_out_as_something_else_are_warned_of(self):
+        for options, says in ((["--tone", "24000:-18"], "48000 samples a second hold no tone of 24000 Hz"),
+                              (["--tone", "5000:-18", "--sample-rate", "8000"], "choose one below 4000 Hz"),
+                              (["--tone", "1000:6"], "1000:6 is louder than full scale")):
+            _, _, answer = self.new(*options, warnings=True)
+            self.assertIn("warning: ", answer.err)
+            self.assertIn(says, answer.err)
+        self.new("--tone", "23999:0")
+        self.new("--ident", "blits", "--sample-rate", "1000")  # has no steady tone
+
     def made_with(self, option, values):
         """What the plug-in reports of a clip for each value, with the documents."""
         names = []
@@ -197,6 +213,8 @@ class New(DocumentTest):
         self.refuse(["--template", "hd-bar"], "did you mean 'hd-bars'?")
         self.refuse(["--set", "mFrameWith=5"], "did you mean 'mFrameWidth'?")
         self.refuse(["--set", "mFrameWidth=wide"], "\"mFrameWidth\": expected an integer")
+        self.refuse(["--set", "mFrameWidth=4294967936"], "\"mFrameWidth\": expected an integer of 32 bits")  # 2^32 + 640
+        self.refuse(["--set", "mFieldType=uper"], "or one of progressive, upper, lower", "did you mean 'upper'?")
         self.refuse(["--set", "nothing"], "expected KEY=VALUE")
         self.refuse(["--number", "--no-number"], "exclude each other")
         self.refuse(["--rate", "25", "--rate", "50"], "--rate takes one value")
@@ -390,8 +408,15 @@ class Lists(DocumentTest):
             self.assertEqual(set(lines[0].split()), set(rows[0]))
             for line, row in zip(lines[1:], rows):
                 for value in row.values():
-                    if isinstance(value, str):
-                        self.assertIn(value, line)
+                    if isinstance(value, (str, list)):
+                        self.assertIn(value if isinstance(value, str) else ", ".join(value), line)
+
+    def test_lists_within_rows_are_arrays(self):
+        containers = {row["name"]: row for row in self.listed("containers")}
+        self.assertEqual(containers["mp4"]["audioCodecs"], ["flac", "aac", "opus"])
+        self.assertEqual(containers["wav"]["videoCodecs"], [])
+        codecs = {row["name"]: row for row in self.listed("codecs")}
+        self.assertEqual(codecs["dnxhr"]["containers"], ["mkv", "mov", "mxf"])
 
     def test_the_lists_are_complete(self):
         self.assertEqual(len(self.listed("pixel-formats")), 48)

@@ -14,8 +14,12 @@
 #include <tessel/document/SwatchRules.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <limits>
 #include <numeric>
+#include <system_error>
+#include <utility>
 
 namespace tessel::document {
 namespace {
@@ -144,6 +148,30 @@ std::optional<std::string> ChartProblem(const DocumentEditor& document, std::uin
     return facts ? BrokenSwatchRule(description, *facts) : std::nullopt;
 }
 
+/// The shortest decimal that reads back as the same float.
+std::string Shortest(float number)
+{
+    std::array<char, 64> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} ? std::string(text.data(), end) : std::string();
+}
+
+/// A tone at or above half the sample rate comes out as another one.
+std::optional<std::string> ToneWarning(const DocumentEditor& document)
+{
+    const auto number = [&document](const char* key, float standard) {
+        const Value value = document.Find(key);
+        return value.IsNothing() ? standard : qelcore::serialization::AsFloat(value, key);
+    };
+    const float rate = number("mSampleRate", 48000.0F);
+    const float frequency = number("mSteadyToneFrequency", 1000.0F);
+    if (Integer32(document, "mToneFormat", 0) == 1 || !(frequency >= rate / 2)) {
+        return std::nullopt;
+    }
+    return Shortest(rate) + " samples a second hold no tone of " + Shortest(frequency) +
+           " Hz, only its alias: choose one below " + Shortest(rate / 2) + " Hz";
+}
+
 } // namespace
 
 bool TypeFits(KeyType type, const Value& value)
@@ -258,15 +286,20 @@ std::vector<std::string> DocumentWarnings(const DocumentEditor& document)
     constexpr std::int32_t kRgb = 0; // such spaces name no matrix
     constexpr std::int32_t kUnspecified = 2;
     const std::int32_t matrix = MatrixOfColorSpace(document).value_or(kUnspecified);
+    std::vector<std::string> warnings;
+    if (auto warning = ToneWarning(document)) {
+        warnings.push_back(*std::move(warning));
+    }
     if (painted == PixelMatrix::None || matrix == kRgb || matrix == kUnspecified ||
         MatrixOfSpace(matrix) == painted) {
-        return {};
+        return warnings;
     }
     const Value nameValue = document.Find("mColorSpace.baseColorProfile.colorProfileName");
     const auto name = qelcore::serialization::FindText(nameValue);
-    return {std::string("the pixels are painted with the ") +
-            (painted == PixelMatrix::Bt709 ? "BT.709" : "BT.601") + " matrix, the colour space is " +
-            std::string(name.value_or("Rec. 709")) + ": players that believe it show other colours"};
+    warnings.push_back(std::string("the pixels are painted with the ") +
+                       (painted == PixelMatrix::Bt709 ? "BT.709" : "BT.601") + " matrix, the colour space is " +
+                       std::string(name.value_or("Rec. 709")) + ": players that believe it show other colours");
+    return warnings;
 }
 
 } // namespace tessel::document
