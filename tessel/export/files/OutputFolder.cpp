@@ -1,11 +1,13 @@
 #include "OutputFolder.h"
 
+#include <kestrel/orb/FileReplacement.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 
 namespace tessel::exporting {
@@ -31,9 +33,8 @@ OutputFolder::OutputFolder(const fs::path& path, Missing missing)
             mMade.push_back(one);
         } else if (!fs::is_directory(one, ignored)) { // somebody else may have made it meanwhile
             Remove();
-            throw ExportError(
-                fmt::format("cannot make the folder '{}': {}", UTF8Text(one),
-                            (error ? error : std::make_error_code(std::errc::file_exists)).message()));
+            throw ExportError(fmt::format("{}: the folder cannot be made: {}", UTF8Text(one),
+                                          ORB::WriteFailureText(error ? error.value() : EEXIST)));
         }
     }
 }
