@@ -47,7 +47,11 @@ struct MovieWriter::State {
     }
     [[nodiscard]] auto AudioSink() const
     {
-        return [this](AVPacket& packet) { WritePacket(packet, *audioStream, audioUnit); };
+        return [this](AVPacket& packet) {
+            packet.pts += audioDelay;
+            packet.dts += audioDelay;
+            WritePacket(packet, *audioStream, audioUnit);
+        };
     }
 
     OutputFile file;
@@ -62,6 +66,7 @@ struct MovieWriter::State {
     AVStream* audioStream = nullptr;
     AVRational videoUnit{};
     AVRational audioUnit{};
+    std::int64_t audioDelay = 0; ///< samples that are added to the times of packets
 };
 
 namespace {
@@ -87,6 +92,13 @@ std::int64_t IndexBytes(const MovieExtent& extent, std::int64_t samplesPerPacket
         extent.samples == 0 ? 0
                             : extent.samples / std::max<std::int64_t>(samplesPerPacket, 1) + extent.pictures;
     return kHeaders + kPerPacket * (extent.pictures + soundPackets + 64);
+}
+
+/// Readers of Matroska take a coder's delay off the times in the file. FFmpeg's muxer adds it to them, but not
+/// that of Opus. In samples.
+std::int64_t DelayToAdd(const Container& container, const AVCodecParameters& sound) noexcept
+{
+    return container.muxer == "matroska" && sound.codec_id == AV_CODEC_ID_OPUS ? sound.initial_padding : 0;
 }
 
 } // namespace
@@ -138,6 +150,7 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
         state.audioStream = &AddStream(*format);
         state.audio->DescribeStream(*state.audioStream);
         state.audioUnit = state.audioStream->time_base;
+        state.audioDelay = DelayToAdd(container, *state.audioStream->codecpar);
     }
     if (!plan.comment.empty()) {
         av_dict_set(&format->metadata, std::string(container.commentKey).c_str(), plan.comment.c_str(), 0);

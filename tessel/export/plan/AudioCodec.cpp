@@ -25,6 +25,7 @@ constexpr std::array<AudioCodec, 7> kCodecs{{
      .mostChannels = 8,
      .bitsPerChannel = 160'000,
      .needsNamedLayout = true,
+     .hasDelay = true,
      .keeps = Keeps::ChannelLayout},
     {.name = "opus",
      .encoder = "libopus",
@@ -32,6 +33,7 @@ constexpr std::array<AudioCodec, 7> kCodecs{{
      .mostChannels = 8,
      .bitsPerChannel = 160'000,
      .needsNamedLayout = true,
+     .hasDelay = true,
      .keeps = Keeps::ChannelLayout},
 }};
 

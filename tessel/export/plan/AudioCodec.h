@@ -26,6 +26,8 @@ struct AudioCodec {
     /// Takes no channels but those of a named layout, and calls the surround speakers of 5.1 "back"; the others
     /// take any number, and call them "side", as readers of PCM expect.
     bool needsNamedLayout = false;
+    bool hasDelay =
+        false; ///< its decoders give some ms before the first sample, which the container must announce
     Keeps keeps = Keeps::Nothing; ///< what the codec's own stream says
 
     [[nodiscard]] bool GoesInto(const Container& container) const noexcept;

@@ -58,6 +58,8 @@ constexpr DefaultVideoCodecs kUnpacked{.rgb8 = "raw",
 
 constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
 
+// A coder's delay stands in the sound's header. FFmpeg would also move the pictures back by it.
+constexpr std::string_view kMatroskaOptions = "avoid_negative_ts=disabled";
 constexpr std::string_view kMovOptions = "movflags=+write_colr";
 // A pipe cannot seek, so the index is written in fragments.
 constexpr std::string_view kMovPipeOptions = "movflags=+write_colr+frag_keyframe+empty_moov";
@@ -75,11 +77,13 @@ constexpr std::array<Container, 13> kContainers{{
     {.name = "mkv",
      .kind = ContainerKind::Movie,
      .muxer = "matroska",
+     .muxerOptions = kMatroskaOptions,
+     .pipeOptions = kMatroskaOptions,
      .headersOutOfBand = true,
      .videoCodecs = kLossless,
      .audioCodec = "flac",
      .rawLayouts = kAnyRaw,
-     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::Timecode},
+     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::Timecode | Keeps::CoderDelay},
     {.name = "mov",
      .otherExtension = "qt",
      .kind = ContainerKind::Movie,
@@ -92,7 +96,7 @@ constexpr std::array<Container, 13> kContainers{{
      .audioCodec = "pcm24",
      .rawLayouts = kQuickTimeRaw,
      .rawTags = kQuickTimeTags,
-     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode},
+     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode | Keeps::CoderDelay},
     {.name = "mp4",
      .otherExtension = "m4v",
      .kind = ContainerKind::Movie,
@@ -103,7 +107,7 @@ constexpr std::array<Container, 13> kContainers{{
      .headersOutOfBand = true,
      .videoCodecs = Always("h264"),
      .audioCodec = "aac",
-     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::ChannelLayout},
+     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::ChannelLayout | Keeps::CoderDelay},
     {.name = "mxf",
      .kind = ContainerKind::Movie,
      .muxer = "mxf",

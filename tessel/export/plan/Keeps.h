@@ -14,6 +14,8 @@ enum class Keeps : std::uint16_t {
     Range = 1U << 3U,  ///< of the codes: readers heed it
     ChannelLayout = 1U << 4U,
     Timecode = 1U << 5U,
+    CoderDelay =
+        1U << 6U, ///< how many samples a coder of sound puts before the first one: readers leave them out
     Everything = 0xFFFF,
 };
 

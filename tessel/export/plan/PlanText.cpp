@@ -126,6 +126,9 @@ std::vector<std::string> LossesOf(const OutputPlan& plan)
         !Holds(plan.container->keeps | plan.audio->codec->keeps, Keeps::ChannelLayout)) {
         losses.emplace_back("channel layout (5.1)");
     }
+    if (plan.audio && plan.audio->codec->hasDelay && !Holds(plan.container->keeps, Keeps::CoderDelay)) {
+        losses.push_back(fmt::format("the delay of its coder ({})", plan.audio->codec->name));
+    }
     return losses;
 }
 

@@ -50,6 +50,9 @@ class DryRun(RenderTest):
         text = self.announce(document("uyvy", order=1), "x.avi")
         self.assertIn("not said", text)
         self.assertNotIn("not said", self.announce(document("bgra"), "x.mkv"))
+        for container, is_said in (("avi", False), ("nut", False), ("mkv", True), ("mov", True), ("mp4", True)):
+            text = self.announce(document("bgra"), f"x.{container}", "--audio-codec", "aac")
+            self.assertEqual("the delay of its coder (aac)" in text, not is_said, text)
 
     def test_what_cannot_be_written_is_refused_without_writing(self):
         clip = self.save(document())

@@ -98,6 +98,19 @@ class Sound(RenderTest):
                 exact = frames * rate[1] * sample_rate / rate[0]
                 self.assertEqual(len(self.samples(path)) // 8, math.floor(exact + 0.5), f"{output} {rate} {sample_rate}")
 
+    def test_a_coder_that_needs_a_start_does_not_delay_the_pictures(self):
+        root = document(size=(64, 64), frames=30, pattern="gradient")
+        for output, video, sound in (("x.mkv", "h264", "aac"), ("x.mkv", "ffv1", "opus"), ("x.mkv", "hevc", "aac"),
+                                     ("x.mp4", "h264", "aac"), ("x.mov", "prores", "aac")):
+            with self.subTest(output=output, video=video, sound=sound):
+                path = self.render(root, output, "--video-codec", video, "--audio-codec", sound)
+                done = subprocess.run(["ffprobe", "-v", "error", "-select_streams", "v", "-show_entries", "frame=pts_time",
+                                       "-of", "csv=p=0", path], capture_output=True, check=True)
+                times = [float(line.strip(",")) for line in done.stdout.decode().split()]
+                self.assertEqual(len(times), 30)
+                for frame, time in enumerate(times):
+                    self.assertAlmostEqual(time, frame / 30, delta=0.0006)
+
     def test_samples_are_the_same_however_they_are_cut(self):
         root = document(size=(16, 16), rate=(30000, 1001), frames=90, **surround(2))
         whole = self.samples(self.render(root, "whole.mkv", "--audio-only", "--audio-codec", "pcmfloat"))

@@ -66,6 +66,14 @@ class Clean(Sound):
                 self.expect_clean(report, f"{index} {codec}")
 
 
+    def test_our_own_lossy_sound_has_no_fault(self):
+        for root in (clip(BLITS), clip(EBU_SURROUND, 13), clip(EBU_STEREO, 7)):
+            for output, codec in (("clean.m4a", "aac"), ("clean.mka", "aac"), ("clean.mka", "opus")):
+                kind = "mp4" if output.endswith("m4a") else "mkv"
+                self.render(root, output, "--format", kind, "--audio-only", "--audio-codec", codec)
+                self.expect_clean(self.heard(root, output), f"{root['mToneFormat']} {output} {codec}")
+
+
 class OwnFaults(Sound):
     def test_channels_of_blits(self):
         root = clip(BLITS)

@@ -108,18 +108,31 @@ private:
                                            clipSeconds < stray.clipBegin + length + kMargin;
                     return isThere || isMissing;
                 });
-            const bool isJump = std::any_of(mMap.steps.begin(), mMap.steps.end(), [&](const TimeStep& step) {
-                return seconds > step.first - kMargin && seconds < step.last + kMargin;
-            });
-            if (isStray || isJump) {
+            if (isStray) {
                 continue;
             }
+            const double jump = LargestStepAt(seconds);
             for (std::size_t tone = 0; tone < mClip.frequencies.size(); ++tone) {
-                if (Compare(seconds, clipSeconds, tone, moment)) {
+                // A tone that a step moves by a small part of its period is upright or upside down as before.
+                constexpr double kSmallPart = 0.1;
+                if (jump * mClip.frequencies[tone] < kSmallPart &&
+                    Compare(seconds, clipSeconds, tone, moment)) {
                     use(moment);
                 }
             }
         }
+    }
+
+    /// Of the steps that lie at or near that moment, how far the largest goes, in seconds; 0 without one.
+    double LargestStepAt(double seconds) const
+    {
+        double largest = 0;
+        for (const TimeStep& step : mMap.steps) {
+            if (seconds > step.first - kMargin && seconds < step.last + kMargin) {
+                largest = std::max(largest, std::abs(step.skipped));
+            }
+        }
+        return largest;
     }
 
     /// One tone at one moment; false where the clip has none of it, or something changes.
