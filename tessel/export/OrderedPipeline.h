@@ -5,7 +5,6 @@
 
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <functional>
 #include <mutex>
@@ -30,7 +29,7 @@ public:
     /// @param capacity  1 or more
     /// @throws ExportError  where the system does not start that many threads
     OrderedPipeline(std::int64_t count, std::vector<Make> makers, std::int64_t capacity)
-        : mCount(count), mCapacity(capacity)
+        : mCount(count), mCapacity(capacity), mSlots(static_cast<std::size_t>(capacity))
     {
         mThreads.reserve(makers.size());
         try {
@@ -59,9 +58,8 @@ public:
         if (mTaken == mCount) {
             return std::nullopt;
         }
-        mChanged.wait(lock, [this] { return !mSlots.empty() && mSlots.front().done; });
-        Slot slot = std::move(mSlots.front());
-        mSlots.pop_front();
+        mChanged.wait(lock, [this] { return SlotOf(mTaken).done; });
+        Slot slot = std::exchange(SlotOf(mTaken), Slot{});
         ++mTaken;
         lock.unlock();
         mChanged.notify_all();
@@ -89,7 +87,6 @@ private:
                     return;
                 }
                 index = mStarted++;
-                mSlots.emplace_back();
             }
             Slot slot;
             slot.done = true;
@@ -100,13 +97,15 @@ private:
             }
             {
                 const std::lock_guard lock(mMutex);
-                mSlots[static_cast<std::size_t>(index - mTaken)] = std::move(slot);
+                SlotOf(index) = std::move(slot);
             }
             mChanged.notify_all();
         }
     }
 
-    [[nodiscard]] bool HasRoom() const { return static_cast<std::int64_t>(mSlots.size()) < mCapacity; }
+    [[nodiscard]] bool HasRoom() const { return mStarted - mTaken < mCapacity; }
+
+    Slot& SlotOf(std::int64_t index) { return mSlots[static_cast<std::size_t>(index % mCapacity)]; }
 
     void Stop()
     {
@@ -125,7 +124,8 @@ private:
     std::int64_t mCapacity;
     std::mutex mMutex;
     std::condition_variable mChanged;
-    std::deque<Slot> mSlots; ///< of results mTaken, mTaken + 1, ...
+    std::vector<Slot> mSlots; ///< of results mTaken to mTaken + mCapacity - 1; none is made while threads work,
+                              ///< which must not fail outside of `make`
     std::int64_t mStarted = 0;
     std::int64_t mTaken = 0;
     bool mStopping = false;

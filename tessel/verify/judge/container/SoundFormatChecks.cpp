@@ -17,7 +17,8 @@ public:
             mFindings.AsExpected(id::kContainerChannels);
         } else {
             Fault(id::kContainerChannels,
-                  fmt::format("the sound has {} channels, not {}", sound.channels, mClip.channels),
+                  fmt::format("the sound has {} {}, not {}", sound.channels,
+                              sound.channels == 1 ? "channel" : "channels", mClip.channels),
                   static_cast<double>(mClip.channels), static_cast<double>(sound.channels));
         }
         if (sound.sampleRate == mClip.sampleRate) {
