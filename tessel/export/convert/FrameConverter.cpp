@@ -12,6 +12,7 @@
 
 #include <tessel/export/ExportError.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <optional>
@@ -160,7 +161,8 @@ private:
     BufferPool mPool;
 };
 
-/// Through float planes: matrix and chroma upsampling by zimg, then chroma subsampling, then one rounding.
+/// Through float planes: matrix and chroma upsampling by zimg, then chroma subsampling, then one rounding. One
+/// stripe of rows after the other, so that the planes stay in the processor's cache.
 class FrameConverter::ComputeWay final : public Way {
 public:
     ComputeWay(const Conversion& conversion, const SourceInfo& source)
@@ -169,18 +171,19 @@ public:
         // zimg only knows whole pairs: an odd last column gets a partner.
         const bool hasHalfPair = source.chromaShiftX == 1 && conversion.width % 2 == 1;
         mMatrixWidth = conversion.width + (hasHalfPair ? 1 : 0);
+        mStripeRows = std::min(kStripeRows, conversion.height);
         // Rows of 16 floats are rows on multiples of 64 bytes.
         mRowSamples = (static_cast<std::ptrdiff_t>(mMatrixWidth) + 15) / 16 * 16;
         const auto planeBytes =
-            static_cast<std::size_t>(mRowSamples) * static_cast<std::size_t>(conversion.height) * sizeof(float);
+            static_cast<std::size_t>(mRowSamples) * static_cast<std::size_t>(mStripeRows) * sizeof(float);
         const LayoutInfo& target = InfoOf(conversion.target);
         const bool upsamples = source.chromaShiftX > target.chromaShiftX;
         mSourceBits = source.bits;
         if (NeedsMatrix(source, target, conversion.coding) || upsamples) {
             const bool toRgb = target.family == ColorFamily::Rgb;
             mMatrix = std::make_unique<MatrixConversion>(
-                MatrixInput{mMatrixWidth, conversion.height, source.kind.family, source.kind.matrix,
-                            source.bits, source.chromaShiftX == 1},
+                MatrixInput{mMatrixWidth, mStripeRows, source.kind.family, source.kind.matrix, source.bits,
+                            source.chromaShiftX == 1},
                 target.family, toRgb ? Matrix::Rgb : conversion.coding.matrix);
             mSourceBits = 32;
             for (AlignedBuffer& plane : mInputs) {
@@ -197,22 +200,47 @@ public:
         mReader.Take(frame);
         Picture picture = StartPicture(mConversion.target, frame.width, frame.height, mPool);
         const LayoutInfo& info = InfoOf(picture.layout);
-        if (mMatrix) {
-            LoadThroughMatrix();
-        } else {
-            for (int component = 0; component < 3; ++component) {
-                Load(component, mPlanes[static_cast<std::size_t>(component)], mRowSamples);
-            }
-        }
-        const int sourceShift = mMatrix ? 0 : mSource.chromaShiftX;
-        for (int component = 0; component < 3; ++component) {
-            Store(component, info, sourceShift, ComponentOf(picture, component));
+        for (std::int32_t y = 0; y < frame.height; y += kStripeRows) {
+            ConvertStripe({y, std::min(kStripeRows, frame.height - y)}, picture);
         }
         WriteAlpha(mSource, mReader.Component(3), info, ComponentOf(picture, 3), mAlpha);
         return FinishPicture(mConversion.target, std::move(picture), mPool);
     }
 
 private:
+    /// A stripe of fields has as many rows of either field, each with its neighbours that chroma is made from.
+    static constexpr std::int32_t kStripeRows = 16;
+
+    /// Rows of the picture.
+    struct Stripe {
+        std::int32_t first;
+        std::int32_t count;
+    };
+
+    void ConvertStripe(const Stripe& stripe, const Picture& picture)
+    {
+        if (mMatrix) {
+            LoadThroughMatrix(stripe);
+        } else {
+            for (int component = 0; component < 3; ++component) {
+                Load(RowsOf(mReader.Component(component), stripe),
+                     mPlanes[static_cast<std::size_t>(component)]);
+            }
+        }
+        const int sourceShift = mMatrix ? 0 : mSource.chromaShiftX;
+        for (int component = 0; component < 3; ++component) {
+            Store(component, stripe, sourceShift, picture);
+        }
+    }
+
+    template <class Byte>
+    static ComponentSamples<Byte> RowsOf(ComponentSamples<Byte> samples, const Stripe& rows) noexcept
+    {
+        samples.first += rows.first * samples.rowBytes;
+        samples.height = rows.count;
+        return samples;
+    }
+
     [[nodiscard]] bool KeepsFloats() const noexcept
     {
         return mSource.type == SampleType::F32 && InfoOf(mConversion.target).type == SampleType::F32;
@@ -220,15 +248,14 @@ private:
 
     /// Loads a component as floats; unusual floats are made usual and for integer targets linear light becomes
     /// R'G'B'.
-    void Load(int component, const AlignedBuffer& buffer, std::ptrdiff_t rowSamples) const
+    void Load(const ComponentSource& source, const AlignedBuffer& buffer) const
     {
-        const ComponentSource source = mReader.Component(component);
-        LoadFloats(source, buffer.As<float>(), rowSamples);
+        LoadFloats(source, buffer.As<float>(), mRowSamples);
         if (mSource.type != SampleType::F32) {
             return;
         }
         for (std::int32_t y = 0; y < source.height; ++y) {
-            float* row = buffer.As<float>() + y * rowSamples;
+            float* row = buffer.As<float>() + y * mRowSamples;
             if (KeepsFloats()) {
                 MakeFiniteWithHeadroom(row, source.width);
                 continue;
@@ -240,7 +267,7 @@ private:
         }
     }
 
-    void LoadThroughMatrix()
+    void LoadThroughMatrix(const Stripe& stripe)
     {
         MatrixConversion::InputPlanes input{};
         for (int component = 0; component < 3; ++component) {
@@ -248,10 +275,10 @@ private:
             const AlignedBuffer& buffer = mInputs[index];
             input.data[index] = buffer.Bytes();
             input.rowBytes[index] = mRowSamples * static_cast<std::ptrdiff_t>(sizeof(float));
+            const ComponentSource source = RowsOf(mReader.Component(component), stripe);
             if (mSource.type == SampleType::F32) {
-                Load(component, buffer, mRowSamples);
+                Load(source, buffer);
             } else {
-                const ComponentSource source = mReader.Component(component);
                 const int step = source.type == SampleType::U8 ? 1 : 2;
                 MoveSamples(
                     source,
@@ -262,23 +289,19 @@ private:
                              mRowSamples * static_cast<std::ptrdiff_t>(sizeof(float))});
     }
 
-    static void RepeatLastColumn(const ComponentTarget& samples) noexcept
-    {
-        const auto sampleBytes = static_cast<std::size_t>(samples.step);
-        for (std::int32_t y = 0; y < samples.height; ++y) {
-            std::byte* last = samples.first + y * samples.rowBytes + (samples.width - 1) * samples.step;
-            std::memcpy(last + sampleBytes, last, sampleBytes);
-        }
-    }
-
     /// Subsamples where the target has less chroma, then rounds.
-    void Store(int component, const LayoutInfo& target, int sourceShift, const ComponentTarget& samples)
+    void Store(int component, const Stripe& stripe, int sourceShift, const Picture& picture)
     {
+        const LayoutInfo& target = InfoOf(picture.layout);
+        const int heightShift = component != 0 ? target.chromaShiftY : 0;
+        const ComponentTarget samples =
+            RowsOf(ComponentOf(picture, component),
+                   {stripe.first >> heightShift, RoundedUp(stripe.count, heightShift)});
         auto* plane = mPlanes[static_cast<std::size_t>(component)].As<float>();
         std::ptrdiff_t rowSamples = mRowSamples;
         if (component != 0 && (target.chromaShiftX > sourceShift || target.chromaShiftY > 0)) {
             const ComponentSource source = mReader.Component(component);
-            FloatPlane chroma{plane, sourceShift == 0 ? mConversion.width : source.width, mConversion.height};
+            FloatPlane chroma{plane, sourceShift == 0 ? mConversion.width : source.width, stripe.count};
             CloseGaps(chroma, mRowSamples);
             chroma = HalveWidth(chroma, target.chromaShiftX - sourceShift);
             if (target.chromaShiftY > 0) {
@@ -291,6 +314,11 @@ private:
             rounding.scale *= static_cast<double>(kMatrixHeadroom);
         }
         StoreFloats(plane, rowSamples, samples, rounding);
+    }
+
+    static std::int32_t RoundedUp(std::int32_t count, int shift) noexcept
+    {
+        return (count + (1 << shift) - 1) >> shift;
     }
 
     static void CloseGaps(const FloatPlane& plane, std::ptrdiff_t rowSamples) noexcept
@@ -308,6 +336,7 @@ private:
     SourceInfo mSource;
     SourceReader mReader;
     std::int32_t mMatrixWidth = 0;
+    std::int32_t mStripeRows = 0; ///< of the float planes
     std::ptrdiff_t mRowSamples = 0;
     int mSourceBits = 8; ///< of the integer codes that the float planes hold; 32: normalised values
     std::unique_ptr<MatrixConversion> mMatrix;

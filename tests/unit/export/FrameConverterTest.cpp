@@ -298,7 +298,9 @@ bool Check(const BR::PixelFormatInfo& format, const LayoutModel& target, int wid
 
 TEST(FrameConverter, EveryFormatReachesEveryLayoutAsPlainArithmeticSays)
 {
-    constexpr std::array<std::array<int, 2>, 6> kSizes{{{1, 1}, {2, 2}, {7, 5}, {48, 4}, {50, 9}, {67, 3}}};
+    // The high ones end on each row of a field's four, behind one and two stripes of sixteen rows.
+    constexpr std::array<std::array<int, 2>, 10> kSizes{
+        {{1, 1}, {2, 2}, {7, 5}, {48, 4}, {50, 9}, {67, 3}, {6, 17}, {9, 34}, {8, 35}, {3, 32}}};
     const std::array<Coding, 4> codings{{{{Matrix::Bt709, false}, 709},
                                          {{Matrix::Smpte170M, false}, 601},
                                          {{Matrix::Bt2020, false}, 2020},
