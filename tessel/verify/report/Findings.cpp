@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cmath>
 #include <iterator>
+#include <variant>
 
 namespace tessel::verify {
 namespace {
@@ -13,6 +14,21 @@ namespace {
 std::size_t PlaceOf(std::string_view name) noexcept
 {
     return static_cast<std::size_t>(std::find(id::kAll.begin(), id::kAll.end(), name) - id::kAll.begin());
+}
+
+/// Whether a cause accounts for how bad its consequence is. Samples that are cut to n bits keep a PSNR of 6.02
+/// n + 4.8 dB (6.02 n + 10.8 where they are rounded): what is clearly lower has another cause, be it in one
+/// picture.
+bool AccountsFor(const Finding& cause, const Finding& consequence)
+{
+    const bool isDepth = cause.id == id::kContainerDepth || cause.id == id::kColorDepth;
+    const double* const bits = std::get_if<double>(&cause.found);
+    const double* const psnr = std::get_if<double>(&consequence.found);
+    if (!isDepth || consequence.id != id::kFidelityPsnr || bits == nullptr || psnr == nullptr) {
+        return true;
+    }
+    constexpr double kMargin = 6; // dB: a bit, for the roundings of conversions
+    return *psnr >= 6.02 * *bits + 4.8 - kMargin;
 }
 
 /// Puts findings that follow from others inside those. A finding that several causes explain goes to the first.
@@ -44,7 +60,8 @@ std::vector<Finding> Nested(std::vector<Finding> flat,
             for (std::size_t above = cause; above < flat.size(); above = parent[above]) {
                 isCircle = isCircle || above == child;
             }
-            if (child < flat.size() && parent[child] == flat.size() && !isCircle) {
+            if (child < flat.size() && parent[child] == flat.size() && !isCircle &&
+                AccountsFor(flat[cause], flat[child])) {
                 parent[child] = cause;
             }
         }

@@ -22,6 +22,15 @@ class Fidelity(VerifyTest):
         self.assertEqual(psnr["frames"], [{"first": 4, "last": 4}])
         self.assertIn("in frame 4", psnr["message"])
 
+    def test_a_picture_that_is_worse_than_lost_bits_make_it_is_a_fault_of_its_own(self):
+        root = gradient("v211", frames=30)
+        box = "drawbox=enable=eq(n\\,13):x=200:y=100:w=64:h=48:color=red:t=fill"
+        clean = self.findings(self.verify(root, self.filtered(root, "format=yuv422p", output="bits.mkv")))
+        self.assertEqual(list(clean), ["container.depth"])
+        spoilt = self.findings(self.verify(root, self.filtered(root, "format=yuv422p," + box, output="box.mkv")))
+        self.assertEqual(sorted(spoilt), ["container.depth", "fidelity.psnr"])
+        self.assertEqual(spoilt["fidelity.psnr"]["frames"], [{"first": 13, "last": 13}])
+
     def test_all_pictures_are_measured_on_demand(self):
         root = gradient("v211", frames=30)
         movie = self.render(root, "x.mp4")
