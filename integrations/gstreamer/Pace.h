@@ -1,4 +1,4 @@
-/// Keeps the streams of one clip together, although each runs in a thread of its own.
+/// Keeps the picture and the sound of one clip in step. Each has its own thread.
 #pragma once
 
 #include <gst/gst.h>

@@ -15,7 +15,8 @@ namespace tessel::typed {
 /// 2^24 without a point.
 [[nodiscard]] qelcore::serialization::Value FloatValue(float number);
 
-/// The integer under a key, `standard` where there is none. @param path  "mFramePAR.numerator"
+/// The integer under a key, or `standard` where the key is absent or holds no integer. @param path
+/// "mFramePAR.numerator"
 [[nodiscard]] std::int64_t IntegerAt(const document::DocumentEditor& document, std::string_view path,
                                      std::int64_t standard);
 

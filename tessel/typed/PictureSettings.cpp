@@ -30,7 +30,7 @@ using qelcore::serialization::AddToObject;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 
-/// The name of the layout that `text` differs from by case and by `_` for `-` alone; empty where there is none.
+/// The layout whose name is `text` but for upper case and `_` in place of `-`. Empty where no layout is.
 std::string NameOfLayoutLike(std::string text)
 {
     std::replace(text.begin(), text.end(), '_', '-');

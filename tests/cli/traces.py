@@ -17,7 +17,7 @@ class TracedTest(ProgramTest):
                                    cwd=self.folder, env=environment, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120, check=False)
         if completed.returncode != 0 and b"ptrace" in completed.stderr:
-            self.skipTest("this system lets nobody trace")
+            self.skipTest("tracing is not permitted on this system")
         self.assertEqual((completed.returncode, completed.stderr), (0, b""))
         with open(self.path("trace"), encoding="utf-8", errors="replace") as trace:
             return trace.read().splitlines()

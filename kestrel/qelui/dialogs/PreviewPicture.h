@@ -23,8 +23,8 @@ struct PreviewPictures {
 };
 
 /// How a program makes pictures of the settings in a dialog. Neither function throws anything but what a
-/// toolkit treats as "no picture". Both are called on a thread of the toolkit's, [serialised]: a long
-/// document takes its time, too.
+/// toolkit treats as "no picture". Threads: the toolkit calls both on its preview thread, [serialised]. Reading
+/// a long document is slow, too.
 struct PreviewRenderer {
     /// What of a settings document the pictures show: texts that look alike give the same result, so that they
     /// are rendered once. Called after each change.

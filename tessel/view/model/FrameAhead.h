@@ -53,7 +53,7 @@ private:
         std::string failure;
     };
     void Run();
-    /// The most urgent frame that nobody makes yet; the end: there is none. With `mMutex` locked.
+    /// The most urgent frame that no thread has begun; the end if all are begun. Needs `mMutex` locked.
     [[nodiscard]] std::vector<std::int64_t>::const_iterator NextToMake() const;
     /// The wish for a frame that is begun now: without scopes where it is too soon for them.
     [[nodiscard]] FrameWish WishNow();

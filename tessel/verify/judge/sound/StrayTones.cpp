@@ -9,8 +9,8 @@ class StraySearch : public TimeMapStage {
 public:
     explicit StraySearch(TimeMapDraft& draft) noexcept : TimeMapStage(draft) {}
 
-    /// Tones of the movie that are nowhere near where the map puts them, but elsewhere in the clip; where there
-    /// are none, pauses.
+    /// Finds tones of the movie that lie far from where the map puts them, but elsewhere in the clip. If it
+    /// finds no such tone, it looks for such pauses.
     void Run()
     {
         Find(/*arePauses=*/false);
