@@ -1,4 +1,5 @@
-#include <kestrel/importhost/Importer.h>
+#include "SampleClip.h"
+
 #include <tessel/view/model/DeviceSamples.h>
 
 #include <gtest/gtest.h>
@@ -8,13 +9,6 @@
 
 namespace tessel::view {
 namespace {
-
-std::shared_ptr<const ViewedClip> Sample(const char* name)
-{
-    static const std::shared_ptr<const importhost::Importer> importer =
-        importhost::Importer::Load(TEST_PLUGIN, importhost::TestingPlugins::Allowed);
-    return std::make_shared<const ViewedClip>(importer, std::filesystem::path(TEST_SAMPLES) / name);
-}
 
 template <class Value>
 std::vector<Value> Read(DeviceSamples& samples, const DeviceFormat& format, std::size_t frames)

@@ -1,4 +1,5 @@
-#include <kestrel/importhost/Importer.h>
+#include "SampleClip.h"
+
 #include <tessel/scopes/Colorimetry.h>
 #include <tessel/view/model/FrameAhead.h>
 
@@ -13,13 +14,6 @@
 
 namespace tessel::view {
 namespace {
-
-std::shared_ptr<const ViewedClip> Sample(const char* name)
-{
-    static const std::shared_ptr<const importhost::Importer> importer =
-        importhost::Importer::Load(TEST_PLUGIN, importhost::TestingPlugins::Allowed);
-    return std::make_shared<const ViewedClip>(importer, std::filesystem::path(TEST_SAMPLES) / name);
-}
 
 /// Waits for frames, for at most ten seconds.
 class Waiter {
