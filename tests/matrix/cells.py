@@ -2,6 +2,7 @@
 
 import copy
 import json
+import math
 import os
 import re
 import shlex
@@ -119,9 +120,10 @@ class Cell:
     @param inside      id -> ids that must stand among its consequences
     @param options     for `tessel verify`
     @param inputs      what else the movie depends on
+    @param notes       texts, each of which some note holds
     """
 
-    def __init__(self, name, make, expected, inside=None, options=(), in_slice=False, inputs=None):
+    def __init__(self, name, make, expected, inside=None, options=(), in_slice=False, inputs=None, notes=()):
         self.name = name
         self.make = make
         self.expected = expected
@@ -129,11 +131,12 @@ class Cell:
         self.options = list(options)
         self.in_slice = in_slice
         self.inputs = inputs
+        self.notes = list(notes)
 
     def definition(self):
         """A text that changes where the cell does."""
         expected = {check: vars(value) if value else None for check, value in self.expected.items()}
-        return repr((self.name, expected, self.inside, self.options, self.inputs))
+        return repr((self.name, expected, self.inside, self.options, self.inputs, self.notes))
 
     def run(self, tools):
         """@return what to print behind the cell; @raises Refused, Miss"""
@@ -170,6 +173,8 @@ class Cell:
         for check, ids in self.inside.items():
             told = {inner["id"] for inner in findings.get(check, {"consequences": []})["consequences"]}
             wrong += [f"{missing} does not stand inside {check}" for missing in ids if missing not in told]
+        wrong += [f"no note says '{text}'" for text in self.notes
+                  if not any(text in note for note in report["notes"])]
         if wrong:
             raise Miss("; ".join(wrong))
         return ", ".join(findings) or "nothing found"
@@ -188,6 +193,21 @@ class Near:
             return f"found {found!r} instead of {self.value:g}"
         if abs(found - self.value) > uncertainty + self.floor:
             return f"found {found:.6g} ± {uncertainty:.3g} instead of {self.value:g}"
+        return None
+
+
+class Modulo:
+    """A number that is only told but for whole multiples of a period."""
+
+    def __init__(self, value, period):
+        self.value = value
+        self.period = period
+
+    def problem(self, finding):
+        found, uncertainty = finding.get("found"), finding.get("uncertainty") or 0.0
+        off = math.remainder(found - self.value, self.period)
+        if abs(off) > uncertainty + 1e-6:
+            return f"found {found:.6g} ± {uncertainty:.3g} instead of {self.value:g} modulo {self.period:g}"
         return None
 
 

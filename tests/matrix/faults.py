@@ -6,7 +6,7 @@ What stands in a row's `expect` is derived from the fault's own description and 
 
 import math
 
-from cells import Frames, Near, Text
+from cells import Frames, Modulo, Near, Text
 from carriers import PICTURE, SOUND
 from clips import LEVEL, RATE, TIMED_FRAMES
 
@@ -14,12 +14,13 @@ CODES = 219  # 8-bit codes from black to white
 
 
 class Fault:
-    def __init__(self, text, clip, expect, carriers=PICTURE, inside=None, without=(), also=None):
+    def __init__(self, text, clip, expect, carriers=PICTURE, inside=None, without=(), also=None, notes=()):
         """@param text     as `--fault` takes it
         @param expect      id -> Value or None: what stands at the report's root
         @param inside      id -> ids of its consequences
         @param without     carriers in which the fault cannot be: a name, or (name, reason)
         @param also        more `--fault` arguments
+        @param notes       what notes of the report say
         """
         self.text = text
         self.id = text.split("=")[0]
@@ -28,6 +29,7 @@ class Fault:
         self.inside = inside or {}
         self.carriers = [carrier for carrier in carriers if carrier.name not in without]
         self.also = also or []
+        self.notes = notes
 
 
 def decibels(factor):
@@ -58,7 +60,8 @@ FAULTS = [
     one("container.start=10", "stereo", Near(10_000 / RATE, 1)),
     one("container.channels=1", "stereo", Near(1), carriers=SOUND),
     one("container.channels=3", "stereo", Near(3), carriers=SOUND),
-    one("container.layout=stereo", "surround", Text("stereo"), carriers=SOUND, without=("flac", "aac")),
+    # FLAC and AAC have one order for six channels, and say it.
+    one("container.layout=none", "surround", Text("not said"), carriers=SOUND, without=("flac", "aac")),
     one("container.sample-rate=44100", "stereo", Near(44100), carriers=SOUND),
     one("container.depth=pcm16", "stereo", Near(16), carriers=SOUND, without=("flac", "aac")),
     one("container.alpha", "alpha"),
@@ -136,7 +139,9 @@ FAULTS = [
     one("audio.harmonics=1", "tone", Near(decibels(0.01), 0.2), carriers=SOUND),
     one("audio.pitch=4", "tone", Near(1.04), carriers=SOUND),
     one("audio.drift=100", "tone", Near(100), carriers=SOUND),
-    one("audio.lost=480:4", "tone", Near(480), carriers=SOUND),
+    # A tone of 1000 Hz repeats after 48 samples: ten of its periods leave no trace.
+    one("audio.lost=100:4", "tone", Modulo(100, 48), carriers=SOUND),
+    Fault("audio.lost=480:4", "tone", {}, SOUND, notes=["repeats every 48"]),
     one("audio.lost=100:4.2", "stereo", Near(100), carriers=SOUND),
     one("audio.inserted=480:4", "stereo", Near(480), carriers=SOUND),
     # 1000 samples are no whole periods of the tone that sounds then.

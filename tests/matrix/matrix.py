@@ -11,6 +11,7 @@ Results are kept in the output folder: a run that is broken off, or repeated, on
 import argparse
 import collections
 import concurrent.futures
+import glob
 import hashlib
 import json
 import os
@@ -62,7 +63,7 @@ def fault_cells():
                 return clip, movie
 
             in_slice = fault.clip != "chart" and carrier is carrying[row % len(carrying)]
-            yield Cell(name, make, fault.expect, fault.inside, in_slice=in_slice,
+            yield Cell(name, make, fault.expect, fault.inside, in_slice=in_slice, notes=fault.notes,
                        inputs=(documents[fault.clip], carrier.options))
 
 
@@ -105,8 +106,11 @@ def known_misses():
 
 
 def fingerprint(program, plugin_folder):
+    """Of all that a command runs: the program hands movies over to another one beside its libraries."""
+    libraries = sorted(glob.glob(os.path.join(plugin_folder, "*.so")))
+    movies = os.path.join(os.path.dirname(program), "..", "lib", "tessel", "tessel-movies")
     digest = hashlib.sha256()
-    for path in (program, os.path.join(plugin_folder, "ImporterTessel.so")):
+    for path in (program, movies, *libraries):
         with open(path, "rb") as file:
             digest.update(file.read())
     return digest.hexdigest()[:16]

@@ -3,8 +3,11 @@
 #include <tessel/damage/picture/GeometryFaults.h>
 #include <tessel/verify/catalogue/Names.h>
 
+#include <fmt/format.h>
+
 #include <array>
 #include <cmath>
+#include <string_view>
 
 namespace tessel::damage {
 namespace {
@@ -58,6 +61,23 @@ void AnnounceCode(DamagePlan& plan, FaultValue& value, Truth&)
 {
     const auto code = static_cast<int>(value.Whole(1, 22));
     Announce(plan, [code](VideoPlan& video) { video.tags.*Member = code; });
+}
+
+/// Files cannot name a layout that has another number of channels than their sound.
+exporting::SpeakerLayout ReadLayout(const DamagePlan& plan, FaultValue& value)
+{
+    struct Layout {
+        std::string_view name;
+        std::int32_t channels;
+    };
+    constexpr std::array kLayouts{Layout{"none", 0}, Layout{"mono", 1}, Layout{"stereo", 2}, Layout{"5.1", 6}};
+    const std::size_t place = value.OneOf({"none", "mono", "stereo", "5.1"});
+    const auto& [name, channels] = kLayouts[place];
+    if (channels != 0 && channels != plan.described.channelCount) {
+        value.Refuse(fmt::format("{} is a layout of {} {}, and the file has {}", name, channels,
+                                 channels == 1 ? "channel" : "channels", plan.described.channelCount));
+    }
+    return static_cast<exporting::SpeakerLayout>(place);
 }
 
 constexpr std::array kFaults = std::to_array<Fault>({
@@ -116,8 +136,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
      }},
     {id::kContainerLayout, "none|mono|stereo|5.1", "none", "the file says another place of its channels",
      [](DamagePlan& plan, FaultValue& value, Truth&) {
-         const auto layout =
-             static_cast<exporting::SpeakerLayout>(value.OneOf({"none", "mono", "stereo", "5.1"}));
+         const exporting::SpeakerLayout layout = ReadLayout(plan, value);
          plan.announcements.emplace_back([=](OutputPlan& output) {
              if (output.audio) {
                  output.audio->layout = layout;

@@ -36,7 +36,14 @@ void SetLayout(AVCodecContext& context, const AudioPlan& plan)
         break;
     }
     if (plan.codec->needsNamedLayout) {
-        av_channel_layout_default(&layout, count);
+        // FFmpeg's default of three channels is 2.1, whose third channel keeps low frequencies alone, and whose
+        // AAC has a silent second channel where the first two are alike (FFmpeg 5.1).
+        const AVChannelLayout frontThree = AV_CHANNEL_LAYOUT_SURROUND;
+        if (count == 3) {
+            libav::Check(av_channel_layout_copy(&layout, &frontThree), "cannot set the channel layout");
+        } else {
+            av_channel_layout_default(&layout, count);
+        }
         return;
     }
     layout.order = AV_CHANNEL_ORDER_UNSPEC;

@@ -140,6 +140,22 @@ class Damage(ProgramTest):
         self.assertIn("the clip is progressive", answer.err)
         self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
 
+    def test_a_layout_of_another_number_of_channels_is_refused(self):
+        for layout, channels in (("mono", 1), ("5.1", 6)):
+            answer = self.run_program("damage", self.clip(), "-o", self.path("x.mov"), "--fault",
+                                      f"container.layout={layout}")
+            self.assertEqual(answer.code, 2)
+            self.assertIn(f"{layout} is a layout of {channels} channel", answer.err)
+            self.assertIn("the file has 2", answer.err)
+        self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
+
+    def test_a_layout_can_be_left_out(self):
+        file, _ = self.damage(self.clip(), "container.layout=none", output="x.mov")
+        text = subprocess.run(["ffprobe", "-v", "error", "-select_streams", "a", "-show_entries",
+                               "stream=channels,channel_layout", "-of", "default=nk=1:nw=1", file], check=True,
+                              stdout=subprocess.PIPE, text=True).stdout
+        self.assertNotIn("stereo", text)
+
 
 if __name__ == "__main__":
     unittest.main()

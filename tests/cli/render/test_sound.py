@@ -90,6 +90,20 @@ class Sound(RenderTest):
             path = self.render(document(frames=30, **surround(3)), output, "--audio-only", "--audio-codec", codec)
             self.assertEqual(self.probe(path, "audio")["channel_layout"], layout, f"{output} {codec}")
 
+    def test_lossy_codecs_keep_every_channel_of_up_to_five(self):
+        for count in range(1, 6):
+            root = document(size=(16, 16), frames=30, mNumChannels=count, mSteadyToneAmplitude=0.25)
+            for output, codec in (("x.mp4", "aac"), ("x.mkv", "opus")):
+                if codec == "opus" and count == 4:
+                    continue  # its four channels are two pairs, which files without a layout do not promise
+                with self.subTest(channels=count, codec=codec):
+                    data = self.samples(self.render(root, output, "--audio-only", "--audio-codec", codec))
+                    samples = struct.unpack(f"<{len(data) // 4}f", data)
+                    for channel in range(count):
+                        peak = max(map(abs, samples[24000 * count + channel:36000 * count:count]))
+                        self.assertAlmostEqual(20 * math.log10(max(peak, 1e-9)), 20 * math.log10(0.25), delta=0.3,
+                                               msg=f"channel {channel}")
+
     def test_lengths_are_exact_to_the_sample(self):
         for rate, frames, sample_rate in (((30000, 1001), 7, 48000), ((24000, 1001), 5, 44100), ((25, 1), 3, 11025),
                                           ((60, 1), 11, 8000), ((120, 1), 1, 192000)):

@@ -25,6 +25,7 @@ template <class Get>
 Middle MiddleOf(const std::vector<Placement>& placements, const Get& get)
 {
     std::vector<double> values;
+    values.reserve(placements.size());
     for (const Placement& placement : placements) {
         values.push_back(get(placement));
     }

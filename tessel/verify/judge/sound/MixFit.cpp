@@ -157,6 +157,7 @@ private:
         if (!phase) {
             return false;
         }
+        std::optional<double> movieOrigin;
         for (std::size_t channel = 0; channel < mMovie.channels.size(); ++channel) {
             const ToneRun* run = Steady(mMovie, channel, seconds, kMargin / 2);
             if (run == nullptr || run->isOther || IsOutOfBand(channel, mMovie.frequencies[tone])) {
@@ -164,7 +165,13 @@ private:
             }
             moment.isKnown[channel] = true;
             if (const Tone* found = run->ToneOf(tone)) {
-                const double angle = PhaseAt(mMovie, *run, *found, seconds) - *phase;
+                const double heard = PhaseAt(mMovie, *run, *found, seconds);
+                // Stretched sound has the clip's frequencies at other times: its channels are compared with
+                // each other.
+                if (mMap.IsStretched() && !movieOrigin) {
+                    movieOrigin = heard;
+                }
+                const double angle = heard - movieOrigin.value_or(*phase);
                 // What the map does not explain of the phase is a matter of time, not of level.
                 const bool isTurned = std::cos(angle) < 0;
                 moment.movie(static_cast<Eigen::Index>(channel)) = found->amplitude * (isTurned ? -1 : 1);
@@ -179,8 +186,8 @@ private:
         return mLowChannel && static_cast<std::size_t>(*mLowChannel) == channel && frequency > kLfeTop;
     }
 
-    std::vector<Eigen::VectorXd> Solve(const std::vector<Eigen::MatrixXd>& moments,
-                                       const std::vector<Eigen::VectorXd>& products) const
+    [[nodiscard]] std::vector<Eigen::VectorXd> Solve(const std::vector<Eigen::MatrixXd>& moments,
+                                                     const std::vector<Eigen::VectorXd>& products) const
     {
         std::vector<Eigen::VectorXd> rows;
         for (std::size_t m = 0; m < moments.size(); ++m) {

@@ -25,6 +25,12 @@ public:
     void Run()
     {
         mMap.signs.assign(mMovie.channels.size(), 0);
+        if (mMap.IsStretched()) {
+            mMap.sigma = std::max(mEdgeSigma, 1.5 / mMovie.rate);
+            mMap.isAmbiguous = true;
+            AddStepsOfPieces();
+            return;
+        }
         // The piece with most edges tells the channels' signs.
         std::size_t main = 0;
         for (std::size_t p = 0; p < mMap.pieces.size(); ++p) {
@@ -292,6 +298,13 @@ private:
         }
         step.skipped += first.shift - inPlace;
         first.shift = inPlace;
+    }
+
+    void AddStepsOfPieces()
+    {
+        for (std::size_t p = 1; p < mMap.pieces.size(); ++p) {
+            AddStep(mMap.pieces[p].begin, mMap.pieces[p].shift - mMap.pieces[p - 1].shift, p);
+        }
     }
 
     /// Between the last edge that agrees with what was and the first one that does not.

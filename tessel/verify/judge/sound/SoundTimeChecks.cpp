@@ -21,6 +21,7 @@ public:
         JudgeSpeed();
         JudgeStepsOf(id::kAudioLost, "missing", +1);
         JudgeStepsOf(id::kAudioInserted, "added", -1);
+        TellBlindness();
         JudgeGaps();
     }
 
@@ -107,6 +108,16 @@ private:
         }
         if (Finding* finding = mFindings.Judge(check, {0, total, uncertainty}, text)) {
             finding->samples = places;
+        }
+    }
+
+    /// Without a beginning or an end of a tone, phases alone show steps, and those of whole periods not at all.
+    void TellBlindness()
+    {
+        if (!mMap.hasEdges && mMap.period > 0) {
+            mFindings.Note(fmt::format("the tone repeats every {:.6g} samples: whole periods of it that are "
+                                       "missing or added leave no trace [{}, {}]",
+                                       mMap.period * mClip.rate, id::kAudioLost, id::kAudioInserted));
         }
     }
 

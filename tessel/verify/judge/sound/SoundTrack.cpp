@@ -29,6 +29,8 @@ double PhaseAt(const SoundTrack& track, const ToneRun& run, const Tone& tone, do
 std::vector<ToneEdge> EdgesOf(const SoundTrack& track, StreamStart start)
 {
     constexpr double kSameMoment = 0.003;
+    // Codecs fill their last frame with silence: 1024 samples of AAC, 1152 of MP3, 20 ms of Opus.
+    constexpr double kLongestPadding = 0.03;
     std::vector<ToneEdge> edges;
     for (const ChannelTrack& channel : track.channels) {
         const ToneRun* before = nullptr;
@@ -42,7 +44,9 @@ std::vector<ToneEdge> EdgesOf(const SoundTrack& track, StreamStart start)
                     edges.push_back({track.SecondsOf(run.begin), uncertainty, tone.index, true});
                 }
             }
-            if (before != nullptr && !run.isOther) {
+            const bool isPadding =
+                run.isLast && run.IsSilent() && run.end - run.begin < kLongestPadding * track.rate;
+            if (before != nullptr && !run.isOther && !isPadding) {
                 for (const Tone& tone : before->tones) {
                     if (run.ToneOf(tone.index) == nullptr) {
                         edges.push_back({track.SecondsOf(before->end), uncertainty, tone.index, false});

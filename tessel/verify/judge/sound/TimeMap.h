@@ -48,6 +48,9 @@ struct TimeMap {
     bool isAmbiguous = false; ///< half a period later and upside down would do as well
     double sigma = 0;         ///< of shifts, seconds
 
+    /// The sound lasts longer or shorter than its pitch says: phases cannot be compared with the clip's.
+    [[nodiscard]] bool IsStretched() const noexcept { return tempo != pitch; }
+
     /// The clip's time at a movie's time.
     [[nodiscard]] double ClipSeconds(double movieSeconds) const noexcept;
 };

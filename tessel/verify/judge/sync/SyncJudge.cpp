@@ -26,10 +26,13 @@ constexpr std::array kDelays{CodecDelay{"aac", 1024}, CodecDelay{"aac", 2048}, C
                              CodecDelay{"mp3", 576},  CodecDelay{"mp3", 1105}, CodecDelay{"opus", 312}};
 
 /// The codec's delay that a late sound is late by, in samples; 0: none.
-double DelayOf(const read::SoundFacts& sound, double seconds, double tolerance)
+/// @param uncertainty  of `seconds`. A codec's delay is exact to the sample, and times of files are rounded.
+double DelayOf(const read::SoundFacts& sound, double seconds, double uncertainty)
 {
+    constexpr double kRounding = 0.0005; // of files that count milliseconds
     for (const CodecDelay& delay : kDelays) {
-        if (sound.codec == delay.codec && std::abs(seconds - delay.samples / sound.sampleRate) < tolerance) {
+        if (sound.codec == delay.codec &&
+            std::abs(seconds - delay.samples / sound.sampleRate) < uncertainty + kRounding) {
             return delay.samples;
         }
     }
@@ -159,7 +162,8 @@ void JudgeSync(const SyncCase& given, Findings& findings)
             text += ", by the movie's times";
         }
         const double tolerance = findings.Limits().Of(id::kSyncOffset) / 1000;
-        if (const double delay = DelayOf(*given.movie.sound, late, tolerance); delay > 0 && late > tolerance) {
+        if (const double delay = DelayOf(*given.movie.sound, late, uncertainty);
+            delay > 0 && late > tolerance) {
             findings.Note(fmt::format("{}: the delay of {} ({} samples), which nothing takes away [{}]", text,
                                       given.movie.sound->codec, delay, id::kSyncOffset));
             late = 0;

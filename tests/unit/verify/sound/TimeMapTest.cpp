@@ -121,6 +121,83 @@ TEST(TimeMap, AddedSamplesAreNegativeSteps)
     EXPECT_NEAR(map.steps[0].skipped * kRate, -1000, 0.5);
 }
 
+TEST(TimeMap, AStepInTheMiddleIsNoOtherSpeed)
+{
+    // 40 samples are less than edges may be off; a line through all edges has a slope of some 3e-4.
+    for (const std::ptrdiff_t count : {40, 100, 150}) {
+        Channels movie = Identification();
+        for (std::vector<float>& channel : movie) {
+            channel.erase(channel.begin() + 90000, channel.begin() + 90000 + count); // inside 660 Hz
+        }
+        const TimeMap map = Mapped(movie);
+        EXPECT_FALSE(map.IsStretched()) << count;
+        ASSERT_EQ(map.steps.size(), 1U) << count;
+        EXPECT_NEAR(map.steps[0].skipped * kRate, static_cast<double>(count), 0.5) << count;
+    }
+}
+
+TEST(TimeMap, AStepBetweenTwoPausesOfOneToneIsNoOtherSpeed)
+{
+    // Four edges, of which the step parts two from two.
+    Channels clip{test::Tone(1000, 0.125, 300000), test::Tone(1000, 0.125, 300000)};
+    for (const std::ptrdiff_t pause : {132000, 276000}) {
+        std::fill_n(clip[0].begin() + pause, 12000, 0.0F);
+    }
+    Channels movie = clip;
+    for (std::vector<float>& channel : movie) {
+        channel.erase(channel.begin() + 201600, channel.begin() + 201700);
+    }
+    const TimeMap map = MapTime(Tracked(clip), Tracked(movie), 1, 0.5 / kRate);
+    EXPECT_FALSE(map.IsStretched());
+    ASSERT_EQ(map.steps.size(), 1U);
+    EXPECT_NEAR(map.steps[0].skipped * kRate, 100, 0.5);
+    EXPECT_NEAR(map.steps[0].first * kRate, 201600, 2);
+    EXPECT_NEAR(map.ClipSeconds(1), 1, 1e-6);
+}
+
+TEST(TimeMap, SilenceThatFillsACodecsLastFrameIsNoEdge)
+{
+    // A tone that has been mixed down keeps sounding in the pauses, so nothing else could tell where it is.
+    Channels clip{test::Tone(1000, 0.125, 300000)};
+    for (const std::ptrdiff_t pause : {132000, 276000}) {
+        std::fill_n(clip[0].begin() + pause, 12000, 0.0F);
+    }
+    Channels movie{test::Tone(1000, 0.125, 300000)};
+    test::Append(movie[0], test::Silence(700));
+    const TimeMap map = MapTime(Tracked(clip), Tracked(movie), 1, 0.5 / kRate);
+    EXPECT_FALSE(map.hasEdges);
+    EXPECT_NEAR(map.pieces[0].shift, 0, 1e-6);
+}
+
+TEST(TimeMap, SoundStretchedWithItsPitchKeptHasASpeedOfItsOwn)
+{
+    // Every tone lasts 2 % longer and goes on with the phase that it began with.
+    const auto longer = [](std::size_t sample) { return sample + sample / 50; };
+    Channels movie{test::Silence(longer(160000)), test::Silence(longer(160000))};
+    const auto put = [&](std::size_t channel, double hertz, std::size_t first) {
+        const std::vector<float> tone = test::Tone(hertz, 0.125, longer(first + 28800) - longer(first));
+        std::copy(tone.begin(), tone.end(),
+                  movie[channel].begin() + static_cast<std::ptrdiff_t>(longer(first)));
+    };
+    put(0, 880, 0);
+    put(1, 1320, 38400);
+    put(0, 660, 76800);
+    put(0, 1000, 115200);
+    put(1, 1000, 115200);
+    const SoundTrack clip = Tracked(Identification());
+    const SoundTrack track = Tracked(movie);
+    const TimeMap map = MapTime(clip, track, 1, 0.5 / kRate);
+    EXPECT_TRUE(map.IsStretched());
+    EXPECT_NEAR(map.tempo, 1 / 1.02, 3 * map.tempoSigma);
+    EXPECT_TRUE(map.steps.empty());
+    // Phases run apart, and still each channel is its own.
+    const MixFit fit = FitMix(clip, track, map);
+    EXPECT_EQ(fit.rows[0].source, 0);
+    EXPECT_EQ(fit.rows[1].source, 1);
+    EXPECT_NEAR(fit.rows[0].gain, 1, 1e-3);
+    EXPECT_NEAR(fit.rows[1].gain, 1, 1e-3);
+}
+
 TEST(TimeMap, AStepBeforeMostOfTheSoundIsOneStep)
 {
     // Most edges lie behind the step and tell the first shift, with which those before it do not agree.
