@@ -3,8 +3,15 @@
 A row's expectation is what the filter's manual says that it does.
 """
 
+import os
+import shutil
+
 from cells import Frames, Near, Text
 from clips import RATE
+
+# Runs gst-launch-1.0; where that is not installed, its own name says so.
+PIPELINE = (os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support", "run-pipeline")
+            if shutil.which("gst-launch-1.0") else "gst-launch-1.0")
 
 # FFmpeg's filters keep tags or lose them; these rows are about codes, so the tags are said again.
 TAGS = ("-color_primaries", "bt709", "-color_trc", "bt709", "-colorspace", "bt709", "-color_range", "tv")
@@ -16,7 +23,6 @@ class Foreign:
 
     def __init__(self, name, tool, clip, command, expect, inside=None, options=(), extension=".mkv"):
         self.name = name
-        self.tool = tool
         self.clip = clip
         self.command = [tool, *command]
         self.expect = expect
@@ -177,7 +183,7 @@ def gstreamer(name, clip, elements, expect, **more):
     """Elements between decoding and encoding of the picture; the sound is left out."""
     line = (f"filesrc location={{in}} ! matroskademux name=d d.video_0 ! avdec_ffv1 ! {elements} ! avenc_ffv1 ! "
             "matroskamux ! filesink location={out}")
-    return Foreign(name, "gst-launch-1.0", clip, ["-q", *line.split()], expect,
+    return Foreign(name, PIPELINE, clip, ["-q", *line.split()], expect,
                    options=("--accept", "container.channels"), **more)
 
 
@@ -185,7 +191,7 @@ def gstreamer_sound(name, clip, elements, expect, **more):
     line = (f"filesrc location={{in}} ! matroskademux name=d d.audio_0 ! flacparse ! flacdec ! audioconvert ! "
             f"audio/x-raw,format=F32LE ! {elements} ! audioconvert dithering=none ! audio/x-raw,format=S24LE ! "
             "wavenc ! filesink location={out}")
-    return Foreign(name, "gst-launch-1.0", clip, ["-q", *line.split()], expect, extension=".wav", **more)
+    return Foreign(name, PIPELINE, clip, ["-q", *line.split()], expect, extension=".wav", **more)
 
 
 GSTREAMER = [

@@ -227,7 +227,7 @@ class OtherPrograms(InstalledTest):
         plugin = self.require("gstreamer-1.0", "libgsttessel.so")
         folder = self.new_folder()
         self.run_in(folder, "env", f"GST_PLUGIN_PATH={os.path.dirname(plugin)}", f"GST_REGISTRY={folder}/registry",
-                    "gst-launch-1.0", "-q", "tesselsrc", f"location={self.CLIP}", "!", "filesink", "location=out.raw")
+                    os.path.join(ROOT, "tests", "support", "run-pipeline"), "-q", "tesselsrc", f"location={self.CLIP}", "!", "filesink", "location=out.raw")
         self.assertGreater(os.path.getsize(os.path.join(folder, "out.raw")), 160 * 106)
 
     def test_melt_takes_the_module_from_a_folder_with_its_own(self):

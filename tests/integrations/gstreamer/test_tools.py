@@ -22,6 +22,9 @@ LONG = {"mVideoDuration": {"ticks": 4 * TICKS_PER_SECOND}, "mFrameWidth": 160, "
 PAL = {"mVideoDuration": {"ticks": TICKS_PER_SECOND // 25 * FRAMES}}
 
 
+RUN_PIPELINE = os.path.join(ROOT, "tests", "support", "run-pipeline")  # gst-launch-1.0
+
+
 def sample(name):
     return os.path.join(ROOT, "samples", name)
 
@@ -33,7 +36,7 @@ class GStreamerTest(ProgramTest):
 
     def launch(self, line, **options):
         """Runs a pipeline as it is typed, to its end."""
-        return self.run_command([os.environ["GST_LAUNCH"], "-q", *line.split()], **options)
+        return self.run_command([RUN_PIPELINE, "-q", *line.split()], timeout=240, **options)
 
     def assert_plays(self, line):
         answer = self.launch(line)
@@ -229,7 +232,7 @@ class Failures(GStreamerTest):
         """gst-launch of 1.22 sometimes runs on after an error that comes while it starts, whichever element reports it (it
         does with oggdemux and a text file): then it is ended here. That the elements stop is a test of the streams."""
         try:
-            answer = self.launch(line, timeout=8)
+            answer = self.run_command([os.environ["GST_LAUNCH"], "-q", *line.split()], timeout=8)
             self.assertNotEqual(answer.code, 0)
             said = answer.err
         except subprocess.TimeoutExpired as endless:
