@@ -3,6 +3,7 @@
 import json
 import math
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -139,11 +140,15 @@ class RenderTest(unittest.TestCase):
 
     def decode(self, path, pixel_format, frame=0):
         """One picture in a file's own pixel format, so that nothing is converted."""
-        found = self.probe(path)["pix_fmt"]
-        self.assertEqual(found, pixel_format, path)
-        return subprocess.run(["ffmpeg", "-v", "error", "-i", path, "-map", "0:v", "-vf", f"select=eq(n\\,{frame})",
-                               "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", pixel_format, "-"],
-                              capture_output=True, check=True).stdout
+        done = subprocess.run(["ffmpeg", "-v", "info", "-nostats", "-i", path, "-map", "0:v", "-vf",
+                               f"select=eq(n\\,{frame})", "-frames:v", "1", "-f", "rawvideo", "-"],
+                              capture_output=True, check=True)
+        # "Stream #0:0: Video: rawvideo (BGRA / 0x41524742), bgra(pc, ...": without a wish the decoder's format stays.
+        output = done.stderr.decode("utf-8", "replace").partition("\nOutput #0")[2]
+        found = re.search(r"Video: rawvideo(?: \(.*?/ 0x[0-9A-F]+\))?, (\w+)", output)
+        self.assertIsNotNone(found, output)
+        self.assertEqual(found[1], pixel_format, path)
+        return done.stdout
 
     def samples(self, path, codec="pcm_f32le"):
         """All samples of a file, as interleaved bytes of a PCM codec."""

@@ -21,19 +21,20 @@ class Sound(RenderTest):
                 crossings.append(i - samples[i] / (samples[i] - samples[i - 1]))
         return (len(crossings) - 1) * rate / (crossings[-1] - crossings[0])
 
-    def channel(self, path, label, start, length):
-        """A stretch of the speaker called `label`, by FFmpeg's own reading of the layout."""
+    def speakers(self, path, labels, start, length):
+        """A stretch of each of the speakers, by FFmpeg's own reading of the layout."""
+        pan = "|".join(f"c{place}={label}" for place, label in enumerate(labels))
         data = subprocess.run(["ffmpeg", "-v", "error", "-i", path, "-map", "0:a", "-af",
-                               f"pan=mono|c0={label},atrim=start={start}:duration={length}", "-f", "f32le", "-"],
+                               f"pan={len(labels)}c|{pan},atrim=start={start}:duration={length}", "-f", "f32le", "-"],
                               capture_output=True, check=True).stdout
-        return struct.unpack(f"<{len(data) // 4}f", data)
+        samples = struct.unpack(f"<{len(data) // 4}f", data)
+        return {label: samples[place::len(labels)] for place, label in enumerate(labels)}
 
     def test_the_default_tone_is_1000_hz_at_minus_12_04_dbfs_on_both_channels(self):
         for output in ("x.mkv", "x.mov", "x.wav", "x.mp4"):
             path = self.render(document(frames=60), output)
             self.assertEqual(self.probe(path, "audio")["channels"], 2)
-            for label in ("FL", "FR"):
-                samples = self.channel(path, label, 0.5, 1)
+            for label, samples in self.speakers(path, ("FL", "FR"), 0.5, 1).items():
                 self.assertAlmostEqual(self.frequency(samples, 48000), 1000, delta=0.01, msg=f"{output} {label}")
                 peak = 20 * math.log10(max(abs(sample) for sample in samples))
                 self.assertAlmostEqual(peak, 20 * math.log10(0.25), delta=0.2 if output == "x.mp4" else 0.001,
@@ -43,14 +44,13 @@ class Sound(RenderTest):
         """visits: (speaker, from, seconds, Hz): there it sounds at -18.06 dBFS, and no other speaker does."""
         for label, start, length, hertz in visits:
             margin = length / 8
-            samples = self.channel(path, label, start + margin, length - 2 * margin)
-            self.assertAlmostEqual(self.frequency(samples, 48000), hertz, delta=hertz / 500, msg=f"{what} {label}")
-            peak = 20 * math.log10(max(abs(sample) for sample in samples))
+            heard = self.speakers(path, SPEAKERS, start + margin, length - 2 * margin)
+            self.assertAlmostEqual(self.frequency(heard[label], 48000), hertz, delta=hertz / 500, msg=f"{what} {label}")
+            peak = 20 * math.log10(max(map(abs, heard[label])))
             self.assertAlmostEqual(peak, -18.06, delta=0.02, msg=f"{what} {label}")
             for other in SPEAKERS:
                 if other not in (label, *continuous):
-                    self.assertEqual(max(map(abs, self.channel(path, other, start + margin, length - 2 * margin))), 0,
-                                     f"{what}: {other} while {label} sounds")
+                    self.assertEqual(max(map(abs, heard[other])), 0, f"{what}: {other} while {label} sounds")
 
     def test_blits_sounds_on_the_speakers_that_the_labels_say(self):
         for output, arguments in (("x.mkv", ()), ("x.wav", ()), ("x.mov", ()), ("x.wav", ("--audio-codec", "pcmfloat"))):
@@ -62,7 +62,7 @@ class Sound(RenderTest):
         path = self.render(document(frames=360, **surround(2)), "x.mkv", "--audio-only")
         self.expect_visits(path, self.EBU, "EBU", continuous=("LFE",))
         for start in (0, 4, 8.2):
-            samples = self.channel(path, "LFE", start, 0.5)
+            samples = self.speakers(path, ("LFE",), start, 0.5)["LFE"]
             self.assertAlmostEqual(self.frequency(samples, 48000), 80, delta=0.01)
             self.assertAlmostEqual(20 * math.log10(max(map(abs, samples))), -18.06, delta=0.01)
 
