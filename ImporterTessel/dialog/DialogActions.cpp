@@ -114,7 +114,7 @@ void ImporterTesselPrefsDialogImpl::OnColorButton(std::size_t column)
 
 void ImporterTesselPrefsDialogImpl::PickColor(FloatColor& color)
 {
-    qelui::sharedui::ColorPickerDialog picker(GetDrawSupplier(), &GetDialog(), /*flag=*/false);
+    qelui::sharedui::ColorPickerDialog picker(GetDrawSupplier(), &GetDialog(), /*offersAlpha=*/false);
     picker.SetColor({color.mRedPart, color.mGreenPart, color.mBluePart, color.mAlphaPart});
     if (picker.RunModal()) {
         const qelui::sharedui::PickerColor& picked = picker.GetColor();

@@ -128,10 +128,11 @@ off_t SizeOf(int descriptor) noexcept
 int KeepCopy(int old, const std::string& target, std::string& name)
 {
     constexpr std::size_t kLongestStem = 240; // of 255 bytes that a file name may have
-    const std::string stem = target.substr(target.rfind('/') + 1).substr(0, kLongestStem);
+    const std::string ending =
+        '/' + target.substr(target.rfind('/') + 1).substr(0, kLongestStem) + ".old-XXXXXX";
     int error = 0;
     for (const std::string& folder : {FolderOf(target), FolderElsewhere()}) {
-        std::string pattern = folder + '/' + stem + ".old-XXXXXX";
+        std::string pattern = folder + ending;
         const Descriptor copy(mkstemp(pattern.data())); // readable only for the user
         error = copy.IsOpen() ? CopyContent(old, copy.Get()) : errno;
         if (error == 0) {

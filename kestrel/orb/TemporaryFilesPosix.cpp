@@ -242,6 +242,7 @@ void RemoveLeftovers(const std::string& folder) noexcept
         }
         // Collected first, because removing entries while reading a folder may skip others.
         std::vector<std::string> found;
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): unsafe only for threads that read the same stream.
         while (const dirent* const entry = readdir(entries.get())) {
             if (IsTemporaryName(entry->d_name)) {
                 found.push_back(folder + '/' + entry->d_name);

@@ -19,6 +19,7 @@ public:
     explicit StatusLine(UI_Dialog& dialog) : mDialog(dialog) {}
     StatusLine(const StatusLine&) = delete;
     StatusLine& operator=(const StatusLine&) = delete;
+    ~StatusLine() = default;
 
     /// The control has the focus now, or its explanation may have changed.
     void Explain(const UI_ControlView& control);
