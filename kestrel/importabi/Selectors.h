@@ -14,7 +14,7 @@ enum ksSelector {
     /// The last request, after every instance is deleted. param1 and param2 are null. The host may start
     /// the importer again afterwards.
     /// - `ksResultServed`: done. The host unloads the library whatever the answer is.
-    /// [any-thread]
+    /// [serialised], together with selector 0
     ksSelectorShutDown = 1,
 
     /// The host does not need the clip's file for now. param2: the instance, which stays alive and may be

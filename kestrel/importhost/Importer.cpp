@@ -28,6 +28,14 @@ constexpr char kTestingPluginsKey[] = "ML.LoadTestingPluginsAtStartup";
 /// Plug-ins whose enumeration never ends are cut off here.
 constexpr std::intptr_t kMostFileTypes = 256;
 
+/// Held while a plug-in is loaded and started, and while it is shut down and unloaded: both change what it has
+/// for the whole process, and two importers may be the same library.
+std::mutex& LoadingMutex() noexcept
+{
+    static std::mutex sMutex;
+    return sMutex;
+}
+
 /// What the identity callback was told.
 struct Told {
     int calls = 0;
@@ -118,9 +126,11 @@ Importer::Importer(std::unique_ptr<State> state) : mState(std::move(state)) {}
 
 Importer::~Importer()
 {
+    const std::lock_guard lock(LoadingMutex());
     if (mState->isStarted) {
         (void)Request(ksSelectorShutDown, nullptr, nullptr);
     }
+    mState->library.reset();
 }
 
 std::shared_ptr<Importer> Importer::Load(const std::filesystem::path& pluginFile, TestingPlugins testingPlugins)
@@ -128,25 +138,28 @@ std::shared_ptr<Importer> Importer::Load(const std::filesystem::path& pluginFile
     auto state = std::make_unique<State>();
     state->file = pluginFile;
     state->identity = ReadPluginIdentity(pluginFile);
-    // Start-up fills what a plug-in has for the whole process, and two importers may be the same library.
-    static std::mutex loading;
-    const std::lock_guard lock(loading);
-    state->library.emplace(pluginFile);
-    state->entry = state->library->Find<ksImportEntry>(kImportEntryName);
-    const auto tellIdentity = state->library->Find<ksPluginDataEntry>(kPluginDataEntryName);
-    if (state->entry == nullptr || tellIdentity == nullptr) {
-        throw HostError(DisplayName(pluginFile) + ": the plug-in does not export " +
-                        (state->entry == nullptr ? kImportEntryName : kPluginDataEntryName));
-    }
-    Told told;
-    tellIdentity(&told, &CollectIdentity);
-    RequireAgreement(pluginFile, state->identity, told);
-
-    // The constructor is private to callers, hence no make_shared.
+    // The constructor is private to callers, hence no make_shared. The importer is made before the lock is
+    // taken: where loading fails, its destructor takes the lock itself.
     std::shared_ptr<Importer> importer(new Importer(std::move(state)));
+    const std::lock_guard lock(LoadingMutex());
+    importer->LoadLibrary();
     importer->StartUp(testingPlugins);
     importer->AskFileTypes();
     return importer;
+}
+
+void Importer::LoadLibrary()
+{
+    const Library& library = mState->library.emplace(mState->file);
+    mState->entry = library.Find<ksImportEntry>(kImportEntryName);
+    const auto tellIdentity = library.Find<ksPluginDataEntry>(kPluginDataEntryName);
+    if (mState->entry == nullptr || tellIdentity == nullptr) {
+        throw HostError(DisplayName(mState->file) + ": the plug-in does not export " +
+                        (mState->entry == nullptr ? kImportEntryName : kPluginDataEntryName));
+    }
+    Told told;
+    tellIdentity(&told, &CollectIdentity);
+    RequireAgreement(mState->file, mState->identity, told);
 }
 
 void Importer::StartUp(TestingPlugins testingPlugins)

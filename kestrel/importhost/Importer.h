@@ -31,7 +31,8 @@ struct FileType {
 enum class TestingPlugins { Allowed, AsDebugDatabaseSays };
 
 /// One importer library, loaded and started. Unloads when the last owner lets go; clips own it.
-/// Threads: [thread-safe], except that requests which fill process-wide state are serialised inside.
+/// Threads: [thread-safe]. Loading, unloading and the first frame request, which change what a plug-in has for
+/// the whole process, are serialised inside.
 class KESTRELHOST_API Importer {
 public:
     /// Reads the plug-in's resources from its file, loads it, checks that property list and identity
@@ -57,6 +58,7 @@ public:
 private:
     struct State;
     explicit Importer(std::unique_ptr<State> state);
+    void LoadLibrary();
     void StartUp(TestingPlugins testingPlugins);
     void AskFileTypes();
 

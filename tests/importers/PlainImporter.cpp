@@ -26,7 +26,7 @@
 #define WRONG_HANDLE 0 // 1: hands back a handle of its own instead of the host's frame
 #endif
 #ifndef STARTS_ALONE
-#define STARTS_ALONE 0 // 1: fails to start while another thread starts it
+#define STARTS_ALONE 0 // 1: fails to start once two threads have started it or shut it down at the same time
 #endif
 
 namespace {
@@ -67,15 +67,19 @@ std::int32_t Open(ksOpenRec& record)
     return ksResultServed;
 }
 
-std::int32_t StartUp()
+/// A start or a shut-down.
+std::int32_t StartOrShutDown()
 {
-    static std::atomic<int> sStarting = 0;
-    const bool isAlone = ++sStarting == 1;
-    if (STARTS_ALONE != 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // time for another start to come
+    static std::atomic<int> sRunning = 0;
+    static std::atomic<bool> sHaveMet = false;
+    if (++sRunning > 1) {
+        sHaveMet = true;
     }
-    --sStarting;
-    return isAlone || STARTS_ALONE == 0 ? ksResultServed : ksResultFailed;
+    if (STARTS_ALONE != 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // time for another one to come
+    }
+    --sRunning;
+    return sHaveMet && STARTS_ALONE != 0 ? ksResultFailed : ksResultServed;
 }
 
 std::int32_t DescribeType(const void* index, ksFileTypeRec& record)
@@ -163,7 +167,8 @@ EXPORTED std::int32_t xImportEntry(std::int32_t selector, const ksStdParms* para
 {
     switch (selector) {
     case ksSelectorStartUp:
-        return StartUp();
+    case ksSelectorShutDown:
+        return StartOrShutDown();
     case ksSelectorFileType:
         return DescribeType(param1, *static_cast<ksFileTypeRec*>(param2));
     case ksSelectorOpenFile:
