@@ -1,112 +1,26 @@
 /// The C interface in many threads, and what lives how long. Python tests hold its values against the
 /// program's; this program runs under the sanitizers.
 
-#include <tessel/api/tessel.h>
+#include "ApiClips.h"
 
-#include <dlfcn.h>
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <atomic>
-#include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <limits>
-#include <memory>
+#include <map>
 #include <random>
-#include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 namespace {
 
+using namespace apitests;
 namespace fs = std::filesystem;
 
-struct Closer {
-    void operator()(tessel_clip* clip) const { tessel_close(clip); }
-    void operator()(tessel_movie* movie) const { tessel_movie_close(movie); }
-    void operator()(tessel_document* document) const { tessel_document_close(document); }
-};
-using Clip = std::unique_ptr<tessel_clip, Closer>;
-using Movie = std::unique_ptr<tessel_movie, Closer>;
-using Document = std::unique_ptr<tessel_document, Closer>;
-using Bytes = std::vector<std::byte>;
-
 constexpr int kThreads = 8;
-
-/// The text of a small clip of 20 frames with sound, `rows` high.
-std::string TextOf(int rows)
-{
-    const std::string size = "size=64x" + std::to_string(rows);
-    const std::vector<const char*> settings{size.c_str(), "rate=29.97", "duration=20f", "pixel-format=v210"};
-    tessel_document* made = nullptr;
-    EXPECT_EQ(tessel_document_new(nullptr, settings.data(), settings.size(), &made), TESSEL_OK)
-        << tessel_error_text();
-    const Document document(made);
-    return tessel_document_text(made, nullptr);
-}
-
-Clip OpenText(const std::string& text)
-{
-    tessel_clip* clip = nullptr;
-    EXPECT_EQ(tessel_open_text(text.data(), text.size(), nullptr, &clip), TESSEL_OK) << tessel_error_text();
-    return Clip(clip);
-}
-
-Movie OpenMovie(tessel_clip* clip)
-{
-    tessel_movie* movie = nullptr;
-    EXPECT_EQ(tessel_movie_open(clip, nullptr, &movie), TESSEL_OK) << tessel_error_text();
-    return Movie(movie);
-}
-
-/// A frame in planar 10-bit 4:2:2.
-std::vector<Bytes> FrameOf(tessel_clip* clip, std::int64_t number)
-{
-    tessel_picture picture{};
-    picture.size = sizeof picture;
-    EXPECT_EQ(tessel_describe_picture(clip, TESSEL_LAYOUT_YUV422P10, &picture), TESSEL_OK)
-        << tessel_error_text();
-    std::vector<Bytes> planes;
-    std::vector<void*> pointers;
-    std::vector<std::ptrdiff_t> strides;
-    for (int plane = 0; plane < picture.plane_count; ++plane) {
-        planes.emplace_back(picture.row_bytes[plane] * static_cast<std::size_t>(picture.plane_rows[plane]));
-        strides.push_back(static_cast<std::ptrdiff_t>(picture.row_bytes[plane]));
-    }
-    for (Bytes& plane : planes) {
-        pointers.push_back(plane.data());
-    }
-    EXPECT_EQ(tessel_frame(clip, number, TESSEL_LAYOUT_YUV422P10, pointers.data(), strides.data()), TESSEL_OK)
-        << tessel_error_text();
-    return planes;
-}
-
-std::vector<float> SamplesOf(tessel_clip* clip, std::int64_t start, std::size_t count)
-{
-    std::vector<float> left(count);
-    std::vector<float> right(count);
-    const std::vector<float*> channels{left.data(), right.data()};
-    EXPECT_EQ(tessel_samples(clip, start, count, channels.data(), channels.size()), TESSEL_OK)
-        << tessel_error_text();
-    return left;
-}
-
-Bytes Read(tessel_movie* movie, std::int64_t offset, std::size_t count)
-{
-    Bytes bytes(count);
-    std::size_t got = 0;
-    EXPECT_EQ(tessel_movie_read(movie, offset, bytes.data(), count, &got), TESSEL_OK) << tessel_error_text();
-    bytes.resize(got);
-    return bytes;
-}
-
-Bytes Whole(tessel_movie* movie)
-{
-    return Read(movie, 0, static_cast<std::size_t>(tessel_movie_size(movie)));
-}
 
 void InThreads(const std::function<void(int)>& work)
 {
@@ -180,6 +94,39 @@ TEST(ClipLife, ClipsOpenWhileTheLastOneClosesAndTakesThePlugInAlong)
     });
 }
 
+/// Each frame in each layout that the clip can be had in.
+std::map<tessel_layout, std::vector<std::vector<Bytes>>> AllFramesOf(tessel_clip* clip, std::int64_t count)
+{
+    std::map<tessel_layout, std::vector<std::vector<Bytes>>> frames;
+    for (int layout = TESSEL_LAYOUT_OWN; layout <= TESSEL_LAYOUT_YUVA444P10; ++layout) {
+        for (std::int64_t number = 0; number < count; ++number) {
+            const auto wanted = static_cast<tessel_layout>(layout);
+            frames[wanted].push_back(FrameOf(clip, number, wanted));
+        }
+    }
+    return frames;
+}
+
+TEST(ClipLife, AStormOfSeeksInEveryLayoutGivesTheSamePictures)
+{
+    constexpr std::int64_t kFrames = 20;
+    const std::string text = TextOf(16);
+    const auto expected = AllFramesOf(OpenText(text).get(), kFrames);
+    for (const auto& [layout, frames] : expected) {
+        EXPECT_NE(frames.front(), frames.back()) << layout; // else any frame would do
+    }
+    const Clip clip = OpenText(text);
+    InThreads([&](int thread) {
+        std::mt19937 random(static_cast<unsigned>(thread));
+        for (int turn = 0; turn < 100; ++turn) {
+            const std::int64_t number = random() % kFrames;
+            const auto& [layout, frames] = *std::next(expected.begin(), random() % expected.size());
+            ASSERT_EQ(FrameOf(clip.get(), number, layout), frames[static_cast<std::size_t>(number)])
+                << thread << ' ' << turn << " layout " << layout;
+        }
+    });
+}
+
 TEST(ClipLife, NumbersFarBehindTheEndAreServedOrRefusedAndNeverOverflow)
 {
     const Clip clip = OpenText(TextOf(16));
@@ -202,13 +149,26 @@ TEST(ClipLife, ADocumentThatIsRemovedWhileItIsOpenGoesOn)
 {
     const fs::path file = fs::path(::testing::TempDir()) / "removed-while-open.tessel";
     std::ofstream(file) << TextOf(16);
-    tessel_clip* opened = nullptr;
-    ASSERT_EQ(tessel_open_file(file.c_str(), nullptr, &opened), TESSEL_OK) << tessel_error_text();
-    const Clip clip(opened);
+    const Clip clip = OpenFile(file);
+    const Movie movie = OpenMovie(clip.get());
     fs::remove(file);
     const Clip other = OpenText(TextOf(16));
     EXPECT_EQ(FrameOf(clip.get(), 7), FrameOf(other.get(), 7));
     EXPECT_EQ(SamplesOf(clip.get(), 3, 100), SamplesOf(other.get(), 3, 100));
+    const Bytes whole = Whole(OpenMovie(other.get()).get());
+    EXPECT_TRUE(Whole(movie.get()) == whole);
+    EXPECT_TRUE(Whole(OpenMovie(clip.get()).get()) == whole); // opened after the removal
+}
+
+TEST(ClipLife, ADocumentThatIsWrittenAnewWhileItIsOpenShowsWhenItIsOpenedAgain)
+{
+    const fs::path file = fs::path(::testing::TempDir()) / "written-anew-while-open.tessel";
+    std::ofstream(file) << TextOf(16);
+    const Clip before = OpenFile(file);
+    std::ofstream(file) << TextOf(18);
+    const Clip after = OpenFile(file);
+    EXPECT_EQ(FrameOf(before.get(), 7), FrameOf(OpenText(TextOf(16)).get(), 7));
+    EXPECT_EQ(FrameOf(after.get(), 7), FrameOf(OpenText(TextOf(18)).get(), 7));
 }
 
 TEST(MovieLife, AStormOfSeeksFromManyThreadsReadsTheSameBytes)
@@ -265,48 +225,5 @@ TEST(ErrorText, BelongsToItsThread)
         }
     });
 }
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which know one set of libraries
-/// A function of a library that was loaded by hand.
-template <class Function>
-Function* FunctionOf(void* library, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(library, name));
-}
-
-TEST(TwoLibraries, LiveInOneProcessWithAPlugInEach)
-{
-    const std::string text = TextOf(16);
-    const Clip mine = OpenText(text);
-    // In a namespace of its own, with its own copy of each library that it needs.
-    void* library = dlmopen(LM_ID_NEWLM, TEST_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    auto* const open = FunctionOf<decltype(tessel_open_text)>(library, "tessel_open_text");
-    auto* const openMovie = FunctionOf<decltype(tessel_movie_open)>(library, "tessel_movie_open");
-    auto* const read = FunctionOf<decltype(tessel_movie_read)>(library, "tessel_movie_read");
-    auto* const closeMovie = FunctionOf<decltype(tessel_movie_close)>(library, "tessel_movie_close");
-    auto* const close = FunctionOf<decltype(tessel_close)>(library, "tessel_close");
-    auto* const errorText = FunctionOf<decltype(tessel_error_text)>(library, "tessel_error_text");
-    ASSERT_NE(open, &tessel_open_text);
-
-    const std::string before = tessel_error_text();
-    tessel_clip* clip = nullptr;
-    EXPECT_EQ(open("{", 1, nullptr, &clip), TESSEL_NOT_OPENED);
-    EXPECT_STRNE(errorText(), "");
-    EXPECT_EQ(tessel_error_text(), before); // the libraries share no state
-    ASSERT_EQ(open(text.data(), text.size(), nullptr, &clip), TESSEL_OK) << errorText();
-    tessel_movie* movie = nullptr;
-    ASSERT_EQ(openMovie(clip, nullptr, &movie), TESSEL_OK) << errorText();
-    const Bytes whole = Whole(OpenMovie(mine.get()).get());
-    Bytes other(whole.size());
-    std::size_t got = 0;
-    EXPECT_EQ(read(movie, 0, other.data(), other.size(), &got), TESSEL_OK) << errorText();
-    EXPECT_EQ(other, whole);
-    closeMovie(movie);
-    close(clip);
-    EXPECT_EQ(dlclose(library), 0);
-    EXPECT_EQ(FrameOf(mine.get(), 3), FrameOf(OpenText(text).get(), 3));
-}
-#endif
 
 } // namespace
