@@ -116,6 +116,9 @@ std::string WhatIsWrong(const CLI::App& app, const ProgramText& program, const C
         return command == nullptr ? "a command is missing"
                                   : Missing(said.substr(0, said.find(" is required")), *command);
     }
+    if (const std::size_t end = said.find(" was given a disallowed flag override"); end != std::string::npos) {
+        return (end == 1 ? "-" : "--") + said.substr(0, end) + " takes no value";
+    }
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         return name + (said.find("At Most") != std::string::npos ? " takes one value" : " needs a value");
     }
@@ -200,13 +203,13 @@ Option Command::AddNotEmpty(const std::string& names, Value& value, const std::s
 }
 
 template <class Number>
-Option Command::AddWhole(const std::string& names, Number& number, std::int64_t least,
+Option Command::AddWhole(const std::string& names, Number& number, std::int64_t least, std::int64_t most,
                          const std::string& help) const
 {
     OptionText& text = NewText(names, help);
     text.value = "NUMBER";
     // Transformed, because the check writes the number without leading zeros.
-    return {*mApp->add_option(names, number, help)->transform(Checked(WholeFrom(least))), text};
+    return {*mApp->add_option(names, number, help)->transform(Checked(Whole(least, most))), text};
 }
 
 void Command::StartGroup(const std::string& heading) const
@@ -243,21 +246,22 @@ Option Command::AddOption(const std::string& names, std::vector<std::filesystem:
     return AddNotEmpty(names, files, help).ValueName("FILE").TakesFile(FileKind::Any);
 }
 
-Option Command::AddNumber(const std::string& names, int& number, int least, const std::string& help) const
+Option Command::AddNumber(const std::string& names, int& number, int least, int most,
+                          const std::string& help) const
 {
-    return AddWhole(names, number, least, help);
+    return AddWhole(names, number, least, most, help);
 }
 
 Option Command::AddNumber(const std::string& names, std::int64_t& number, std::int64_t least,
                           const std::string& help) const
 {
-    return AddWhole(names, number, least, help);
+    return AddWhole(names, number, least, INT64_MAX, help);
 }
 
 Option Command::AddNumber(const std::string& names, std::optional<std::int64_t>& number, std::int64_t least,
                           const std::string& help) const
 {
-    return AddWhole(names, number, least, help);
+    return AddWhole(names, number, least, INT64_MAX, help);
 }
 
 Option Command::AddSeconds(const std::string& names, double& seconds, double least, double most,
@@ -280,7 +284,7 @@ Option Command::AddChoice(const std::string& names, std::string& word, const std
 Option Command::AddFlag(const std::string& names, bool& flag, const std::string& help) const
 {
     OptionText& text = NewText(names, help);
-    return {*mApp->add_flag(names, flag, help), text};
+    return {*mApp->add_flag(names, flag, help)->disable_flag_override(), text};
 }
 
 void Command::SetDescription(const std::string& text) const
@@ -308,7 +312,7 @@ CommandLine::CommandLine(const std::string& program, const std::string& summary,
     mText->shared.name = program;
     mApp->require_subcommand(1);
     mApp->fallthrough(); // the shared options may also stand after the command
-    mApp->set_version_flag("--version", program + ' ' + version);
+    mApp->set_version_flag("--version", program + ' ' + version)->disable_flag_override();
     mText->shared.groups.push_back({"All commands", {}});
     auto& options = mText->shared.groups.back().options;
     options.push_back({.names = {"-h", "--help"}, .text = "Print this page, or that of a command"});

@@ -78,8 +78,9 @@ public:
     /// Several values; an argument takes all that are left.
     Option AddOption(const std::string& names, std::vector<std::string>& texts, const std::string& help) const;
 
-    /// A decimal whole number of `least` or more; leading zeros do not make it octal. @{
-    Option AddNumber(const std::string& names, int& number, int least, const std::string& help) const;
+    /// A decimal whole number from `least` to `most`; leading zeros do not make it octal. @{
+    Option AddNumber(const std::string& names, int& number, int least, int most, const std::string& help) const;
+    /// As far as 64 bits reach.
     Option AddNumber(const std::string& names, std::int64_t& number, std::int64_t least,
                      const std::string& help) const;
     Option AddNumber(const std::string& names, std::optional<std::int64_t>& number, std::int64_t least,
@@ -110,7 +111,7 @@ private:
     template <class Value>
     Option AddNotEmpty(const std::string& names, Value& value, const std::string& help) const;
     template <class Number>
-    Option AddWhole(const std::string& names, Number& number, std::int64_t least,
+    Option AddWhole(const std::string& names, Number& number, std::int64_t least, std::int64_t most,
                     const std::string& help) const;
     [[nodiscard]] OptionText& NewText(const std::string& names, const std::string& help) const;
 

@@ -207,13 +207,16 @@ void AddEditCommand(CommandLine& commandLine, Context& context)
     command.AddOption("CLIP", options->clip, "The data file to edit; without it a new one is made")
         .TakesFile(FileKind::Clip);
     command.AddOption("-o,--output", options->out, "Write the settings to this file; CLIP stays as it is");
-    const Option size =
-        command.AddOption("--size", options->size, "Frame size of a new clip, WIDTHxHEIGHT").ShowDefault();
+    const Option size = command.AddOption("--size", options->size, "Frame size of a new clip")
+                            .ValueName("WIDTHxHEIGHT")
+                            .ShowDefault();
     const Option rate =
         command.AddOption("--rate", options->rate, "Frame rate of a new clip: 25, 29.97, 30000/1001")
+            .ValueName("RATE")
             .ShowDefault();
     const Option pixelAspect =
         command.AddOption("--par", options->pixelAspect, "Pixel aspect ratio of a new clip: 10/11")
+            .ValueName("RATIO")
             .ShowDefault();
     command.AddOption("--script", options->script, "Work the dialog with this script instead of by hand");
     command.AddChoice("--theme", options->theme, {"dark", "light"}, "How the dialog looks").ShowDefault();

@@ -10,6 +10,7 @@
 #include <tessel/document/settings/Templates.h>
 #include <tessel/typed/NearMisses.h>
 #include <tessel/typed/NewClip.h>
+#include <tessel/typed/SettingError.h>
 #include <tessel/typed/Settings.h>
 
 #include <fmt/format.h>
@@ -76,7 +77,12 @@ typed::Changes ChangesOf(const NewOptions& options)
         changes.settings["number"] = {options.number ? "on" : "off"};
     }
     for (const std::string& assignment : options.assignments) {
-        changes.keys.push_back(typed::SplitAssignment(assignment));
+        try {
+            changes.keys.push_back(typed::SplitAssignment(assignment));
+        } catch (const typed::SettingError&) {
+            throw UsageError(fmt::format(
+                "--set: must be KEY=VALUE such as mSteadyToneFrequency=440, not \"{}\"", assignment));
+        }
     }
     return changes;
 }

@@ -5,6 +5,7 @@
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/plan/Names.h>
+#include <tessel/export/plan/Timecode.h>
 #include <tessel/typed/NearMisses.h>
 
 #include <fmt/format.h>
@@ -64,7 +65,25 @@ std::string DidYouMeanCodec(std::string name, const std::vector<std::string>& co
                                       : DidYouMean(name, codecs);
 }
 
+/// What does not depend on the clip's rate. @throws ExportError
+void RequireTimecodeForm(const std::string& timecode)
+{
+    try {
+        if (!timecode.empty()) {
+            exporting::Timecode::RequireForm(timecode);
+        }
+    } catch (const ExportError& error) {
+        throw ExportError(fmt::format("--timecode: {}", error.what()));
+    }
+}
+
 } // namespace
+
+void AddThreadsOption(const Command& command, int& threads)
+{
+    constexpr int kMost = 1024; // far beyond any gain; each takes a stack and room for pictures
+    command.AddNumber("--threads", threads, 1, kMost, "Threads to use; all cores where not said");
+}
 
 void AddOutputOptions(const Command& command, OutputOptions& options)
 {
@@ -90,7 +109,7 @@ void AddOutputOptions(const Command& command, OutputOptions& options)
     command.AddNumber("--to", options.to, 0, "Last frame, included").ValueName("FRAME");
     command.AddNumber("--frames", options.frames, 1, "Number of frames").ValueName("COUNT");
     command.StartGroup("How it runs");
-    command.AddNumber("--threads", options.threads, 1, "Threads to use; all cores where not said");
+    AddThreadsOption(command, options.threads);
 }
 
 void CheckOutputOptions(const OutputOptions& options)
@@ -176,6 +195,7 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
     request.dither = options.dither ? exporting::Dither::Triangular : exporting::Dither::None;
     try {
         exporting::CheckRequest(request);
+        RequireTimecodeForm(timecode);
     } catch (const ExportError& error) {
         throw UsageError(error.what());
     }

@@ -31,6 +31,9 @@ struct OutputOptions {
 /// Declares them. The struct must live until the command has run.
 void AddOutputOptions(const Command& command, OutputOptions& options);
 
+/// Declares `--threads`; the number stays as it is where the option is not given.
+void AddThreadsOption(const Command& command, int& threads);
+
 /// @throws UsageError  where options exclude each other
 void CheckOutputOptions(const OutputOptions& options);
 
@@ -42,7 +45,7 @@ void CheckOutputOptions(const OutputOptions& options);
 /// The container of that name. @throws UsageError
 [[nodiscard]] const exporting::Container& FormatNamed(const std::string& name);
 
-/// @throws UsageError  for codecs that are none or do not go into the container
+/// @throws UsageError  for codecs that are none or do not go into the container, and for a timecode of no rate
 [[nodiscard]] exporting::OutputRequest RequestFor(const OutputOptions& options,
                                                   const exporting::Container& container,
                                                   const std::string& timecode = {});

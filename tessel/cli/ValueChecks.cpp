@@ -13,13 +13,13 @@
 namespace tessel::cli {
 namespace {
 
-/// All of `text` as a number.
+/// All of `text` as a number: no error, `result_out_of_range`, or `invalid_argument`.
 template <class Number>
-bool Parse(std::string_view text, Number& number) noexcept
+std::errc Parse(std::string_view text, Number& number) noexcept
 {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc{} && stop == end;
+    return stop == end ? error : std::errc::invalid_argument;
 }
 
 } // namespace
@@ -29,11 +29,15 @@ ValueCheck NotEmpty()
     return [](const std::string& text) { return std::string(text.empty() ? "must not be empty" : ""); };
 }
 
-ValueCheck WholeFrom(std::int64_t least)
+ValueCheck Whole(std::int64_t least, std::int64_t most)
 {
-    return [least](std::string& text) {
+    return [least, most](std::string& text) {
         std::int64_t number = 0;
-        if (!Parse(text, number) || number < least) {
+        const std::errc error = Parse(text, number);
+        if (error == std::errc::result_out_of_range || (error == std::errc{} && number > most)) {
+            return fmt::format("must be a whole number from {} to {}, not \"{}\"", least, most, text);
+        }
+        if (error != std::errc{} || number < least) {
             return fmt::format("must be a whole number from {} on, not \"{}\"", least, text);
         }
         text = std::to_string(number);
@@ -56,7 +60,7 @@ ValueCheck Seconds(double least, double most)
     return [least, most](const std::string& text) {
         double number = 0.0;
         // Written so that what is not a number fails.
-        return Parse(text, number) && number >= least && number <= most
+        return Parse(text, number) == std::errc{} && number >= least && number <= most
                    ? std::string{}
                    : fmt::format("must be a number of seconds from {} to {}, not \"{}\"", least, most, text);
     };

@@ -15,8 +15,8 @@ using ValueCheck = std::function<std::string(std::string& text)>;
 /// Refuses "".
 [[nodiscard]] ValueCheck NotEmpty();
 
-/// A whole decimal number of `least` or more. Removes leading zeros, which would make it octal.
-[[nodiscard]] ValueCheck WholeFrom(std::int64_t least);
+/// A whole decimal number from `least` to `most`. Removes leading zeros, which would make it octal.
+[[nodiscard]] ValueCheck Whole(std::int64_t least, std::int64_t most);
 
 /// One of `words`, exactly. The complaint names them all, and the nearest to what was typed.
 [[nodiscard]] ValueCheck OneOf(std::vector<std::string> words);

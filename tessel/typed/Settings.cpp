@@ -188,7 +188,11 @@ std::vector<std::string> ApplyChanges(const Changes& changes, std::string_view p
         }
     }
     for (const auto& [key, value] : changes.keys) {
-        ApplyKey(key, value, document);
+        try {
+            ApplyKey(key, value, document);
+        } catch (const SettingError& error) {
+            throw SettingError(prefix.empty() ? error.what() : fmt::format("{}set: {}", prefix, error.what()));
+        }
     }
     return remarks;
 }

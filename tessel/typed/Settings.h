@@ -50,7 +50,8 @@ struct Changes {
 [[nodiscard]] Changes ReadChanges(std::span<const std::string> assignments);
 
 /// Applies settings in the order of the table, however they were typed, and then the keys.
-/// @param prefix  what stands before a setting's name in messages: "--"
+/// @param prefix  what stands before a setting's name in messages: "--"; with one, keys are those of its option
+/// "set"
 /// @return warnings about the result, a line each
 /// @throws SettingError  for unknown keys, invalid values, and for settings that exclude each other
 [[nodiscard]] std::vector<std::string> ApplyChanges(const Changes& changes, std::string_view prefix,

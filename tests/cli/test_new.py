@@ -215,7 +215,7 @@ class New(DocumentTest):
         self.refuse(["--set", "mFrameWidth=wide"], "\"mFrameWidth\": expected an integer")
         self.refuse(["--set", "mFrameWidth=4294967936"], "\"mFrameWidth\": expected an integer of 32 bits")  # 2^32 + 640
         self.refuse(["--set", "mFieldType=uper"], "or one of progressive, upper, lower", "did you mean 'upper'?")
-        self.refuse(["--set", "nothing"], "expected KEY=VALUE")
+        self.refuse(["--set", "nothing"], "--set: must be KEY=VALUE")
         self.refuse(["--number", "--no-number"], "exclude each other")
         self.refuse(["--rate", "25", "--rate", "50"], "--rate takes one value")
 

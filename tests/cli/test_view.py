@@ -140,8 +140,8 @@ class View(ProgramTest):
         for arguments, code, words in (
                 (["missing.tessel", "--screenshot", "a.png"], 1, "missing.tessel"),
                 (["clip.tessel", "--screenshot", "nowhere/a.png"], 1, "nowhere/a.png"),
-                (["clip.tessel", "--frame", "x", "--screenshot", "a.png"], 1, "'x' is no frame"),
-                (["clip.tessel", "--press", "Nonsense", "--screenshot", "a.png"], 1, "--press Nonsense"),
+                (["clip.tessel", "--frame", "x", "--screenshot", "a.png"], 2, "'x' is no frame"),
+                (["clip.tessel", "--press", "Nonsense", "--screenshot", "a.png"], 2, "--press Nonsense"),
                 (["clip.tessel", "--size", "10x10"], 2, "--size 10x10"),
                 (["clip.tessel", "--against", "missing.mov", "--screenshot", "a.png"], 1, "missing.mov"),
                 (["--screenshot", "a.png"], 2, "CLIP")):

@@ -5,6 +5,7 @@
 #include <tessel/cli/CommandLine.h>
 #include <tessel/cli/Commands.h>
 
+#include <climits>
 #include <memory>
 
 namespace tessel::cli {
@@ -16,7 +17,7 @@ void AddThumbnailCommand(CommandLine& commandLine, Context& context)
         commandLine.AddHiddenCommand("thumbnail", "Make a small picture of a clip, for file managers");
     command.AddOption("clip", options->clip, "The clip").Required().ValueName("CLIP");
     command.AddOption("output", options->output, "The PNG file to write").Required().ValueName("OUT");
-    command.AddNumber("size", options->size, 16, "Pixels of its longer side, at most 2048")
+    command.AddNumber("size", options->size, 16, INT_MAX, "Pixels of its longer side, at most 2048")
         .ShowDefault()
         .ValueName("SIZE");
     command.OnRun([options, &context] { RunThumbnail(*options, context); });

@@ -4,6 +4,7 @@
 
 #include <tessel/cli/CommandLine.h>
 #include <tessel/cli/Commands.h>
+#include <tessel/cli/OutputOptions.h>
 
 #include <memory>
 
@@ -54,7 +55,7 @@ void AddVerifyCommand(CommandLine& commandLine, Context& context)
     command.AddFlag("--allow-default", options->allowDefault,
                     "Compare with the default clip where the document cannot be read");
     command.AddFlag("--no-progress", options->noProgress, "No progress bar");
-    command.AddNumber("--threads", options->threads, 1, "Threads to use; all cores where not said");
+    AddThreadsOption(command, options->threads);
     command.SetDescription(
         "Exit code: 0 as expected, 3 not as expected, 4 undecided or nothing could be compared, 1 the "
         "work failed, 2 the command line is wrong.");

@@ -3,6 +3,8 @@
 #include "ViewCommand.h"
 
 #include <tessel/cli/Commands.h>
+#include <tessel/export/ExportError.h>
+#include <tessel/view/model/FrameNames.h>
 #include <tessel/view/window/WindowRequest.h>
 
 #include <charconv>
@@ -30,6 +32,18 @@ void ReadSize(const std::string& text, view::WindowRequest& request)
     }
 }
 
+/// What does not depend on the clip. @throws UsageError
+void RequireFrame(const std::string& text)
+{
+    try {
+        if (!text.empty()) {
+            view::RequireFrameForm(text);
+        }
+    } catch (const exporting::ExportError& error) {
+        throw UsageError(std::string("--frame: ") + error.what());
+    }
+}
+
 } // namespace
 
 void RunView(const ViewOptions& options, Context& context)
@@ -42,6 +56,7 @@ void RunView(const ViewOptions& options, Context& context)
     if (!options.size.empty()) {
         ReadSize(options.size, request);
     }
+    RequireFrame(options.frame);
     request.importer = context.LoadImporter();
     request.plugin = context.plugin;
     request.clips = options.clips;
@@ -52,7 +67,11 @@ void RunView(const ViewOptions& options, Context& context)
     request.screenshot = options.screenshot;
     request.playSeconds = options.playSeconds;
     request.tell = [](std::string_view line) { WriteOut(std::string(line) + '\n'); };
-    view::RunWindow(request);
+    try {
+        view::RunWindow(request);
+    } catch (const view::UnknownKey& error) {
+        throw UsageError(error.what());
+    }
 }
 
 } // namespace tessel::cli

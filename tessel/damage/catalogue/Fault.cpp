@@ -26,7 +26,7 @@ void AddFault(DamagePlan& plan, const std::string& text)
     const auto fault =
         std::find_if(faults.begin(), faults.end(), [&](const Fault& row) { return row.name == name; });
     if (fault == faults.end()) {
-        throw FaultError(fmt::format("--fault {}: no such fault; tessel damage --list shows them{}", name,
+        throw FaultError(fmt::format("--fault {}: no such fault; tessel damage --list shows them{}", text,
                                      typed::DidYouMean(name, typed::NamesOfRows(faults))));
     }
     const std::string given(equals < text.size() ? std::string_view(text).substr(equals + 1) : fault->usual);

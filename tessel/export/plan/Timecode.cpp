@@ -25,6 +25,27 @@ int Digits(std::string_view text) noexcept
     return isDigit(text[0]) && isDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
 }
 
+/// Hours, minutes, seconds and frames. @throws ExportError  for what is a timecode at no rate
+std::array<int, 4> PartsOf(std::string_view text)
+{
+    const bool hasShape =
+        text.size() == 11 && text[2] == ':' && text[5] == ':' && (text[8] == ':' || text[8] == ';');
+    const std::array<int, 4> parts = hasShape ? std::array{Digits(text.substr(0)), Digits(text.substr(3)),
+                                                           Digits(text.substr(6)), Digits(text.substr(9))}
+                                              : std::array{-1, -1, -1, -1};
+    if (std::find(parts.begin(), parts.end(), -1) != parts.end()) {
+        throw ExportError(fmt::format("'{}' is no timecode: it is hours, minutes, seconds and frames, as in "
+                                      "10:00:00:00, or 10:00:00;00 for "
+                                      "drop frame",
+                                      text));
+    }
+    if (parts[0] > 23 || parts[1] > 59 || parts[2] > 59) {
+        throw ExportError(
+            fmt::format("there is no timecode {}: hours go up to 23, minutes and seconds up to 59", text));
+    }
+    return parts;
+}
+
 void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
 {
     if (!Timecode::Counts(numerator, denominator)) {
@@ -63,19 +84,14 @@ bool Timecode::HasDropFrames(std::int32_t rateNumerator, std::int32_t rateDenomi
            std::int64_t{rateNumerator} * 1001 == nominal * 1000 * rateDenominator;
 }
 
+void Timecode::RequireForm(std::string_view text)
+{
+    static_cast<void>(PartsOf(text));
+}
+
 Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std::int32_t rateDenominator)
 {
-    const bool hasShape =
-        text.size() == 11 && text[2] == ':' && text[5] == ':' && (text[8] == ':' || text[8] == ';');
-    const std::array<int, 4> parts = hasShape ? std::array{Digits(text.substr(0)), Digits(text.substr(3)),
-                                                           Digits(text.substr(6)), Digits(text.substr(9))}
-                                              : std::array{-1, -1, -1, -1};
-    if (std::find(parts.begin(), parts.end(), -1) != parts.end()) {
-        throw ExportError(fmt::format("'{}' is no timecode: it is hours, minutes, seconds and frames, as in "
-                                      "10:00:00:00, or 10:00:00;00 for "
-                                      "drop frame",
-                                      text));
-    }
+    const auto [hours, minutes, seconds, frames] = PartsOf(text);
     RequireCountableRate(rateNumerator, rateDenominator);
     const bool drop = text[8] == ';';
     if (drop && !HasDropFrames(rateNumerator, rateDenominator)) {
@@ -83,8 +99,7 @@ Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std:
                                       rateNumerator, rateDenominator, text.substr(0, 8), text.substr(9)));
     }
     Timecode timecode(rateNumerator, rateDenominator, drop);
-    const auto [hours, minutes, seconds, frames] = parts;
-    if (hours > 23 || minutes > 59 || seconds > 59 || frames >= timecode.mNominalRate) {
+    if (frames >= timecode.mNominalRate) {
         throw ExportError(fmt::format("there is no timecode {}: the last of a day is 23:59:59:{:02}", text,
                                       timecode.mNominalRate - 1));
     }

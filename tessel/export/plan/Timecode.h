@@ -18,6 +18,9 @@ public:
     [[nodiscard]] static Timecode Parse(std::string_view text, std::int32_t rateNumerator,
                                         std::int32_t rateDenominator);
 
+    /// @throws ExportError  for a text that is a timecode at no rate; says what would be right
+    static void RequireForm(std::string_view text);
+
     /// The timecode of a frame that comes `frames` after this one; behind 23:59:59 it begins again.
     [[nodiscard]] std::string After(std::int64_t frames) const;
 

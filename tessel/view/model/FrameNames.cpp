@@ -20,6 +20,16 @@ bool HasTimecodes(const FrameScale& scale) noexcept
     return Timecode::Counts(scale.rateNumerator, scale.rateDenominator);
 }
 
+bool LooksLikeTimecode(std::string_view text) noexcept
+{
+    return text.find_first_of(":;") != std::string_view::npos;
+}
+
+bool IsStep(std::string_view text) noexcept
+{
+    return text.starts_with('+') || text.starts_with('-');
+}
+
 std::int64_t Number(std::string_view digits, std::string_view whole)
 {
     std::int64_t number = 0;
@@ -51,7 +61,7 @@ std::string TimecodeOf(const FrameScale& scale, std::int64_t frame)
 std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current)
 {
     const std::int64_t last = std::max<std::int64_t>(scale.count - 1, 0);
-    if (text.find(':') != std::string_view::npos || text.find(';') != std::string_view::npos) {
+    if (LooksLikeTimecode(text)) {
         if (!HasTimecodes(scale)) {
             throw ExportError(
                 fmt::format("'{}': the clip's rate has no timecodes; write a frame number", text));
@@ -59,11 +69,20 @@ std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int
         const Timecode named = Timecode::Parse(text, scale.rateNumerator, scale.rateDenominator);
         return std::min(named.FrameNumber(), last);
     }
-    if (text.starts_with('+') || text.starts_with('-')) {
+    if (IsStep(text)) {
         const std::int64_t step = Number(text.substr(1), text);
         return std::clamp<std::int64_t>(current + (text.front() == '+' ? step : -step), 0, last);
     }
     return std::min(Number(text, text), last);
+}
+
+void RequireFrameForm(std::string_view text)
+{
+    if (LooksLikeTimecode(text)) {
+        Timecode::RequireForm(text);
+    } else {
+        static_cast<void>(Number(IsStep(text) ? text.substr(1) : text, text));
+    }
 }
 
 } // namespace tessel::view

@@ -28,4 +28,7 @@ struct FrameScale {
 /// @throws exporting::ExportError  for any other text; says what would be right
 [[nodiscard]] std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current);
 
+/// @throws exporting::ExportError  for a text that names a frame of no clip; says what would be right
+void RequireFrameForm(std::string_view text);
+
 } // namespace tessel::view

@@ -67,6 +67,16 @@ void UseNeutralColors(QApplication& application, bool isLight)
     application.setPalette(palette);
 }
 
+/// @throws UnknownKey
+QKeySequence KeysNamed(const std::string& name)
+{
+    QKeySequence keys(QString::fromStdString(name));
+    if (keys.isEmpty() || keys[0].key() == Qt::Key_unknown) {
+        throw UnknownKey("--press " + name + ": there is no such key; write Right, Shift+Right, F or 7");
+    }
+    return keys;
+}
+
 /// Presses keys when the window has come to rest, then takes the picture of it.
 class Unattended {
 public:
@@ -112,11 +122,7 @@ private:
 
     void Press(const std::string& name)
     {
-        const QKeySequence keys(QString::fromStdString(name));
-        if (keys.isEmpty() || keys[0].key() == Qt::Key_unknown) {
-            throw importhost::HostError("--press " + name +
-                                        ": there is no such key; write Right, Shift+Right, F or 7");
-        }
+        const QKeySequence keys = KeysNamed(name);
         const QKeyCombination key = keys[0];
         QWidget* const focused = QApplication::focusWidget();
         QWidget* const target = focused != nullptr ? focused : &mWindow;
@@ -179,6 +185,9 @@ private:
 
 void RunWindow(const WindowRequest& request)
 {
+    for (const std::string& name : request.keys) {
+        static_cast<void>(KeysNamed(name));
+    }
     const bool isUnattended = !request.screenshot.empty() || request.playSeconds > 0;
     if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
         if (!isUnattended) {

@@ -1,6 +1,7 @@
 /// What a player window is asked to show.
 #pragma once
 
+#include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/Importer.h>
 
 #include <filesystem>
@@ -29,10 +30,17 @@ struct WindowRequest {
     std::function<void(std::string_view)> tell;
 };
 
+/// A name in `WindowRequest::keys` that is no key's.
+class UnknownKey : public importhost::HostError {
+public:
+    using HostError::HostError;
+};
+
 /// Opens the window and returns when it has closed. Where there is no display, a request with a screenshot or a
 /// time to play runs without one. [ui-thread]
+/// @throws UnknownKey  before a window opens
 /// @throws importhost::HostError, exporting::ExportError  where the clips cannot be shown, the
-///         screenshot cannot be written, a key has no such name, or there is no display
+///         screenshot cannot be written, or there is no display
 void RunWindow(const WindowRequest& request);
 
 } // namespace tessel::view

@@ -88,7 +88,7 @@ class Timecode(RenderTest):
         drop = self.save(document(rate=(30000, 1001)))
         self.refuse("render", drop, "-o", "x.mov", "--timecode", "00:01:00;00", says=("00:01:00;02",))
         self.refuse("render", drop, "-o", "x.mov", "--timecode", "10:00:00:30", says=("23:59:59:29",))
-        self.refuse("render", drop, "-o", "x.mov", "--timecode", "ten", says=("10:00:00:00",))
+        self.refuse("render", drop, "-o", "x.mov", "--timecode", "ten", code=2, says=("10:00:00:00",))
         whole = self.save(document(rate=(25, 1)))
         self.refuse("render", whole, "-o", "x.mov", "--timecode", "10:00:00;00", says=("10:00:00:00",))
         self.left_over("clip.tessel")
