@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 
+#include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/export/plan/Names.h>
@@ -11,10 +12,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
+#include <span>
 #include <string_view>
-#include <vector>
 
 namespace tessel::cli {
 
@@ -25,44 +25,17 @@ using typed::NamesOfRows;
 
 namespace {
 
-/// What other programs call a codec.
-struct OtherNames {
-    std::string_view codec;
-    std::string_view names; ///< between blanks
-};
-
-constexpr std::array kOtherNames{
-    OtherNames{"raw", "rawvideo uncompressed"},
-    OtherNames{"prores", "prores_ks prores_aw"},
-    OtherNames{"dnxhr", "dnxhd"},
-    OtherNames{"mjpeg", "jpeg jpg"},
-    OtherNames{"tiff", "tif"},
-    OtherNames{"exr", "openexr"},
-    OtherNames{"h264", "avc x264 libx264"},
-    OtherNames{"hevc", "h265 h.265 x265 libx265"},
-    OtherNames{"av1", "libaom svtav1 libsvtav1"},
-    OtherNames{"vp9", "libvpx libvpx-vp9"},
-    OtherNames{"mpeg2", "mpeg2video m2v"},
-    OtherNames{"dv", "dvvideo"},
-    OtherNames{"pcm16", "s16 s16le pcm_s16le pcm_s16be"},
-    OtherNames{"pcm24", "s24 s24le pcm_s24le pcm_s24be"},
-    OtherNames{"pcm32", "s32 s32le pcm_s32le pcm_s32be"},
-    OtherNames{"pcmfloat", "float f32 f32le pcm_f32le pcm_f32be"},
-    OtherNames{"opus", "libopus"},
-};
-
 /// "; did you mean 'hevc'?" for h265, which is more like h264: other programs' names count before likeness.
-std::string DidYouMeanCodec(std::string name, const std::vector<std::string>& codecs)
+template <class Codec>
+std::string DidYouMeanCodec(std::string_view name, std::span<const Codec> codecs)
 {
-    std::transform(name.begin(), name.end(), name.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    const auto* const known = std::find_if(kOtherNames.begin(), kOtherNames.end(), [&](const OtherNames& row) {
-        return exporting::HasWord(row.names, name) &&
-               std::find(codecs.begin(), codecs.end(), row.codec) != codecs.end();
-    });
-    return known != kOtherNames.end() ? fmt::format("; did you mean '{}'?", known->codec)
-                                      : DidYouMean(name, codecs);
+    const auto isCalled = [name](const Codec& codec) {
+        return exporting::IsSameName(codec.encoder, name) ||
+               exporting::HasWord(codec.otherNames, qelcore::text::LowerCase(name));
+    };
+    const auto known = std::find_if(codecs.begin(), codecs.end(), isCalled);
+    return known != codecs.end() ? fmt::format("; did you mean '{}'?", known->name)
+                                 : DidYouMean(name, NamesOfRows(codecs));
 }
 
 /// What does not depend on the clip's rate. @throws ExportError
@@ -173,19 +146,17 @@ exporting::OutputRequest RequestFor(const OutputOptions& options, const Containe
     if (!options.videoCodec.empty()) {
         request.videoCodec = exporting::VideoCodecNamed(options.videoCodec);
         if (request.videoCodec == nullptr) {
-            throw UsageError(
-                fmt::format("--video-codec {} is not known; there are {}{}", options.videoCodec,
-                            exporting::VideoCodecNames(),
-                            DidYouMeanCodec(options.videoCodec, NamesOfRows(exporting::AllVideoCodecs()))));
+            throw UsageError(fmt::format("--video-codec {} is not known; there are {}{}", options.videoCodec,
+                                         exporting::VideoCodecNames(),
+                                         DidYouMeanCodec(options.videoCodec, exporting::AllVideoCodecs())));
         }
     }
     if (!options.audioCodec.empty()) {
         request.audioCodec = exporting::AudioCodecNamed(options.audioCodec);
         if (request.audioCodec == nullptr) {
-            throw UsageError(
-                fmt::format("--audio-codec {} is not known; there are {}{}", options.audioCodec,
-                            exporting::AudioCodecNames(),
-                            DidYouMeanCodec(options.audioCodec, NamesOfRows(exporting::AllAudioCodecs()))));
+            throw UsageError(fmt::format("--audio-codec {} is not known; there are {}{}", options.audioCodec,
+                                         exporting::AudioCodecNames(),
+                                         DidYouMeanCodec(options.audioCodec, exporting::AllAudioCodecs())));
         }
     }
     if (options.quality) {

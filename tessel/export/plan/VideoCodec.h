@@ -49,6 +49,8 @@ struct VideoCodec {
     std::string_view title;      ///< as people write it
     std::string_view encoder;    ///< FFmpeg's name; empty: the picture's memory is the packet
     std::string_view containers; ///< names of those that carry it, between blanks
+    /// What other programs call it, beside `encoder`: in small letters, between blanks.
+    std::string_view otherNames{};
     LayoutRule rule = LayoutRule::KeepSamples;
     std::span<const PictureLayout> layouts{}; ///< that encoder and readers know, the preferred first
     Keeps keeps = Keeps::Nothing;             ///< what the codec's own stream says
