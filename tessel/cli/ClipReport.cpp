@@ -31,11 +31,6 @@ Value Integer(std::int64_t number)
     return Value(number);
 }
 
-Value Text(std::string_view text)
-{
-    return Value(std::string(text));
-}
-
 /// What is known of the clip, with a pixel format also where no document names one: frame 0 is asked for it.
 ClipFacts FactsOf(const OpenedClip& opened)
 {
@@ -177,12 +172,13 @@ Value ReportAsDocument(const OpenedClip& opened)
     Object aspect;
     AddToObject(aspect, "numerator", Integer(description.pixelAspect.GetNumerator()));
     AddToObject(aspect, "denominator", Integer(description.pixelAspect.GetDenominator()));
-    AddToObject(aspect, "name", Text(PixelAspectName(description.pixelAspect)));
+    AddToObject(aspect, "name", Value(PixelAspectName(description.pixelAspect)));
 
     Object format;
     AddToObject(format, "code", Integer(description.pixelFormatCode));
-    AddToObject(format, "fourCharacterCode", Text(qelcore::text::TextOfFourBytes(description.pixelFormatCode)));
-    AddToObject(format, "name", Text(PixelFormatName(description.pixelFormat)));
+    AddToObject(format, "fourCharacterCode",
+                Value(qelcore::text::TextOfFourBytes(description.pixelFormatCode)));
+    AddToObject(format, "name", Value(PixelFormatName(description.pixelFormat)));
     AddToObject(format, "bottomRowFirst", Value(IsStoredBottomRowFirst(description)));
 
     Object rate;
@@ -196,10 +192,10 @@ Value ReportAsDocument(const OpenedClip& opened)
     AddToObject(duration, "frames", Integer(description.frameCount));
     AddToObject(duration, "seconds", Value(Seconds(description)));
     AddToObject(duration, "timecode",
-                Text(TimecodeText(description.frameCount, description.timeScale, description.sampleSize)));
+                Value(TimecodeText(description.frameCount, description.timeScale, description.sampleSize)));
 
     Object color;
-    AddToObject(color, "name", Text(description.colorSpaceName));
+    AddToObject(color, "name", Value(description.colorSpaceName));
     AddToObject(color, "primaries", Integer(description.colorCodes.primaries));
     AddToObject(color, "transfer", Integer(description.colorCodes.transfer));
     AddToObject(color, "matrix", Integer(description.colorCodes.matrix));
@@ -211,7 +207,7 @@ Value ReportAsDocument(const OpenedClip& opened)
     AddToObject(video, "height", Integer(description.height));
     AddToObject(video, "pixelAspectRatio", Value(std::move(aspect)));
     AddToObject(video, "pixelFormat", Value(std::move(format)));
-    AddToObject(video, "fieldOrder", Text(FieldOrderName(description.Order())));
+    AddToObject(video, "fieldOrder", Value(FieldOrderName(description.Order())));
     AddToObject(video, "fieldType", Integer(description.fieldType));
     AddToObject(video, "frameRate", Value(std::move(rate)));
     AddToObject(video, "duration", Value(std::move(duration)));
@@ -221,13 +217,13 @@ Value ReportAsDocument(const OpenedClip& opened)
     AddToObject(audio, "sampleRate", Value(static_cast<double>(description.sampleRate)));
     AddToObject(audio, "channelCount", Integer(description.channelCount));
     AddToObject(audio, "channelType", Integer(description.channelType));
-    AddToObject(audio, "layout", Text(ChannelTypeName(description.channelType)));
+    AddToObject(audio, "layout", Value(ChannelTypeName(description.channelType)));
 
     Object report;
-    AddToObject(report, "file", Text(qelcore::text::UTF8Text(opened.clip.File())));
+    AddToObject(report, "file", Value(qelcore::text::UTF8Text(opened.clip.File())));
     AddToObject(report, "video", Value(std::move(video)));
     AddToObject(report, "audio", Value(std::move(audio)));
-    AddToObject(report, "warning", Text(opened.warning));
+    AddToObject(report, "warning", Value(opened.warning));
     return Value(std::move(report));
 }
 

@@ -105,11 +105,6 @@ private:
     std::vector<std::vector<Value>> mRows;
 };
 
-Value Text(std::string_view text)
-{
-    return Value(std::string(text));
-}
-
 Value Integer(std::int64_t number)
 {
     return Value(number);
@@ -122,7 +117,7 @@ Value Names(const Rows& rows, const Which& which)
     Array names;
     for (const auto& row : rows) {
         if (which(row)) {
-            names.push_back(Text(row.name));
+            names.push_back(Value(row.name));
         }
     }
     return Value(std::move(names));
@@ -150,9 +145,9 @@ Listing PixelFormats()
             std::find_if(layouts.begin(), layouts.end(), [&info](const document::PixelLayout& row) {
                 return std::find(row.formats.begin(), row.formats.end(), info.constant) != row.formats.end();
             });
-        listing.Add({Text(layout->name), Text(MatrixName(document::MatrixOf(info.format))),
-                     Text(qelcore::text::TextOfFourBytes(info.sdkCode)), Integer(info.sdkCode),
-                     Text(info.constant)});
+        listing.Add({Value(layout->name), Value(MatrixName(document::MatrixOf(info.format))),
+                     Value(qelcore::text::TextOfFourBytes(info.sdkCode)), Integer(info.sdkCode),
+                     Value(info.constant)});
     }
     return listing;
 }
@@ -161,7 +156,7 @@ Listing FrameRates()
 {
     Listing listing({"name", "numerator", "denominator", "ticksPerFrame"});
     for (const document::NamedFrameRate& rate : document::NamedFrameRates()) {
-        listing.Add({Text(rate.name), Integer(rate.numerator), Integer(rate.denominator),
+        listing.Add({Value(rate.name), Integer(rate.numerator), Integer(rate.denominator),
                      Integer(document::TicksPerFrame(rate.numerator, rate.denominator))});
     }
     return listing;
@@ -171,7 +166,7 @@ Listing PixelAspects()
 {
     Listing listing({"name", "numerator", "denominator"});
     for (const auto& named : qelmediatypes::kNamedPixelAspectRatios) {
-        listing.Add({Text(typed::PixelAspectName(named.ratio)), Integer(named.ratio.GetNumerator()),
+        listing.Add({Value(typed::PixelAspectName(named.ratio)), Integer(named.ratio.GetNumerator()),
                      Integer(named.ratio.GetDenominator())});
     }
     return listing;
@@ -181,7 +176,7 @@ Listing ColorSpaces()
 {
     Listing listing({"name", "title", "primaries", "transfer", "matrix", "fullRange"});
     for (const document::NamedColorSpace& space : document::AllColorSpaces()) {
-        listing.Add({Text(space.name), Text(space.title), Integer(space.primaries), Integer(space.transfer),
+        listing.Add({Value(space.name), Value(space.title), Integer(space.primaries), Integer(space.transfer),
                      Integer(space.matrix), Value(space.isFullRange)});
     }
     return listing;
@@ -191,7 +186,8 @@ Listing Idents()
 {
     Listing listing({"name", "title", "channels", "mIdentifierFormat"});
     for (const document::Ident& ident : document::AllIdents()) {
-        listing.Add({Text(ident.name), Text(ident.title), Integer(ident.channelCount), Integer(ident.format)});
+        listing.Add(
+            {Value(ident.name), Value(ident.title), Integer(ident.channelCount), Integer(ident.format)});
     }
     return listing;
 }
@@ -200,7 +196,7 @@ Listing Templates()
 {
     Listing listing({"name", "summary", "settings"});
     for (const document::Template& row : document::AllTemplates()) {
-        listing.Add({Text(row.name), Text(row.summary), Text(row.settings)});
+        listing.Add({Value(row.name), Value(row.summary), Value(row.settings)});
     }
     return listing;
 }
@@ -224,8 +220,8 @@ Listing Containers()
 {
     Listing listing({"name", "kind", "videoCodecs", "audioCodecs"});
     for (const exporting::Container& container : exporting::AllContainers()) {
-        listing.Add({Text(container.name),
-                     Text(container.takesEveryCodec ? "nothing" : KindName(container.kind)),
+        listing.Add({Value(container.name),
+                     Value(container.takesEveryCodec ? "nothing" : KindName(container.kind)),
                      Names(exporting::AllVideoCodecs(),
                            [&container](const exporting::VideoCodec& codec) {
                                return container.TakesVideo() && codec.GoesInto(container);
@@ -250,13 +246,13 @@ Listing Codecs()
     Listing listing({"name", "kind", "title", "containers", "quality"});
     for (const exporting::VideoCodec& codec : exporting::AllVideoCodecs()) {
         const auto& quality = codec.quality;
-        listing.Add({Text(codec.name), Text("picture"), Text(codec.title), ContainersOf(codec),
-                     Text(quality.name.empty() ? std::string("-")
-                                               : fmt::format("{} {} to {}, usually {}", quality.name,
-                                                             quality.best, quality.worst, quality.usual))});
+        listing.Add({Value(codec.name), Value("picture"), Value(codec.title), ContainersOf(codec),
+                     Value(quality.name.empty() ? std::string("-")
+                                                : fmt::format("{} {} to {}, usually {}", quality.name,
+                                                              quality.best, quality.worst, quality.usual))});
     }
     for (const exporting::AudioCodec& codec : exporting::AllAudioCodecs()) {
-        listing.Add({Text(codec.name), Text("sound"), Text(codec.encoder), ContainersOf(codec), Text("-")});
+        listing.Add({Value(codec.name), Value("sound"), Value(codec.encoder), ContainersOf(codec), Value("-")});
     }
     return listing;
 }

@@ -41,7 +41,7 @@ Value ReadDatabase()
         return {};
     }
     std::string reason;
-    const Value database = serialization::JSONParse(text, &reason);
+    Value database = serialization::JSONParse(text, &reason);
     if (database.IsNothing()) {
         logging::Log(kLogContext, text::UTF8Text(file) + ": " + reason + "; it counts as empty");
     } else if (!database.IsObject()) {

@@ -19,7 +19,7 @@ namespace qelcore::serialization {
 [[nodiscard]] KESTREL_API double ShortestDoubleOf(float value);
 
 /// The shortest text that reads back as the same double, always with a point or an exponent, so that it
-/// stays a number that is no integer. Infinities are ±1e39, NaN is 0.
+/// does not become an integer. Infinities are ±1e39, NaN is 0.
 [[nodiscard]] KESTREL_API std::string JSONNumberFromDouble(double value);
 
 } // namespace qelcore::serialization

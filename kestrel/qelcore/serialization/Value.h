@@ -64,6 +64,7 @@ public:
     explicit Value(std::uint64_t integer) noexcept;
     explicit Value(double number) noexcept;
     explicit Value(std::string text);
+    explicit Value(std::string_view text) : Value(std::string(text)) {}
     explicit Value(const char* text) : Value(std::string(text)) {}
     explicit Value(Array elements);
     explicit Value(Object members);
@@ -187,6 +188,17 @@ std::optional<std::string_view> FindText(const Value&& value) = delete;
 
 /// The members of an object to build another one from; none of any other value.
 [[nodiscard]] KESTREL_API Object CopyMembers(const Value& object);
+
+/// An array of the values that `convert` makes of `items`, in their order.
+template <class Items, class Convert>
+[[nodiscard]] Value ArrayOf(const Items& items, const Convert& convert)
+{
+    Array elements;
+    for (const auto& item : items) {
+        elements.push_back(convert(item));
+    }
+    return Value(std::move(elements));
+}
 
 /// Adds `value` under `key`, in the place of one that is there.
 KESTREL_API void AddToObject(Object& object, std::string key, Value value);

@@ -19,17 +19,12 @@ using qelcore::serialization::Array;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 
-Value Text(std::string_view text)
-{
-    return Value(std::string(text));
-}
-
 Value Items(const std::vector<SeenItem>& seenItems)
 {
     Array items;
     for (const SeenItem& seen : seenItems) {
         Object item;
-        AddToObject(item, "text", Text(seen.text));
+        AddToObject(item, "text", Value(seen.text));
         AddToObject(item, "enabled", Value(seen.enabled));
         items.push_back(Value(std::move(item)));
     }
@@ -51,15 +46,15 @@ void AddNumber(Object& object, const UI_NumberView& number)
 Object Describe(UI_ControlView& control, ControlDriver& driver)
 {
     Object object;
-    AddToObject(object, "id", Text(control.Identifier()));
-    AddToObject(object, "kind", Text(NameOf(control.Kind())));
-    AddToObject(object, "label", Text(control.Label()));
+    AddToObject(object, "id", Value(control.Identifier()));
+    AddToObject(object, "kind", Value(NameOf(control.Kind())));
+    AddToObject(object, "label", Value(control.Label()));
     if (dynamic_cast<const UI_Group*>(&control) != nullptr) {
         AddToObject(object, "enabled", Value(control.IsEnabled()));
         return object;
     }
     const SeenState seen = driver.See(control);
-    AddToObject(object, "text", Text(seen.text));
+    AddToObject(object, "text", Value(seen.text));
     AddToObject(object, "enabled", Value(seen.enabled));
     if (const auto* const number = dynamic_cast<const UI_NumberView*>(&control)) {
         AddNumber(object, *number);

@@ -8,23 +8,13 @@ namespace tessel::cli {
 namespace {
 
 using qelcore::serialization::AddToObject;
-using qelcore::serialization::Array;
+using qelcore::serialization::ArrayOf;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 
-template <class List, class Convert>
-Value Listed(const List& list, Convert convert)
-{
-    Array array;
-    for (const auto& element : list) {
-        array.push_back(convert(element));
-    }
-    return Value(std::move(array));
-}
-
 Value Texts(const std::vector<std::string>& texts)
 {
-    return Listed(texts, [](const std::string& text) { return Value(text); });
+    return ArrayOf(texts, [](const std::string& text) { return Value(text); });
 }
 
 const char* NameOf(FileKind kind)
@@ -48,7 +38,7 @@ Value OptionAsJson(const OptionText& option)
     AddToObject(object, "text", Value(option.text));
     AddToObject(object, "choices", Texts(option.choices));
     AddToObject(object, "default", Value(option.usual));
-    AddToObject(object, "file", Value(std::string(NameOf(option.file))));
+    AddToObject(object, "file", Value(NameOf(option.file)));
     AddToObject(object, "required", Value(option.isRequired));
     AddToObject(object, "several", Value(option.takesSeveral));
     return Value(std::move(object));
@@ -58,7 +48,7 @@ Value GroupAsJson(const OptionGroup& group)
 {
     Object object;
     AddToObject(object, "name", Value(group.name));
-    AddToObject(object, "options", Listed(group.options, OptionAsJson));
+    AddToObject(object, "options", ArrayOf(group.options, OptionAsJson));
     return Value(std::move(object));
 }
 
@@ -86,9 +76,9 @@ Value CommandAsJson(const ProgramText& program, const CommandText& command)
     AddToObject(object, "summary", Value(command.summary));
     AddToObject(object, "description", Value(command.description));
     AddToObject(object, "usage", Value(UsageOf(program, command)));
-    AddToObject(object, "groups", Listed(command.groups, GroupAsJson));
-    AddToObject(object, "positionals", Listed(command.positionals, OptionAsJson));
-    AddToObject(object, "examples", Listed(command.examples, ExampleAsJson));
+    AddToObject(object, "groups", ArrayOf(command.groups, GroupAsJson));
+    AddToObject(object, "positionals", ArrayOf(command.positionals, OptionAsJson));
+    AddToObject(object, "examples", ArrayOf(command.examples, ExampleAsJson));
     return Value(std::move(object));
 }
 
@@ -100,10 +90,10 @@ std::string HelpAsJson(const ProgramText& program)
     AddToObject(object, "name", Value(program.name));
     AddToObject(object, "summary", Value(program.summary));
     AddToObject(object, "version", Value(program.version));
-    AddToObject(object, "groups", Listed(program.shared.groups, GroupAsJson));
-    AddToObject(object, "examples", Listed(program.shared.examples, ExampleAsJson));
-    AddToObject(object, "topics", Listed(program.topics, TopicAsJson));
-    AddToObject(object, "commands", Listed(program.commands, [&program](const CommandText& command) {
+    AddToObject(object, "groups", ArrayOf(program.shared.groups, GroupAsJson));
+    AddToObject(object, "examples", ArrayOf(program.shared.examples, ExampleAsJson));
+    AddToObject(object, "topics", ArrayOf(program.topics, TopicAsJson));
+    AddToObject(object, "commands", ArrayOf(program.commands, [&program](const CommandText& command) {
                     return CommandAsJson(program, command);
                 }));
     return qelcore::serialization::GetJSONUTF8String(Value(std::move(object)), /*formatted=*/true) + "\n";

@@ -278,8 +278,7 @@ void DocumentEditor::Set(std::string_view path, const Value& value)
         const FoundObject object = LookInto(text, brace, key);
         if (!object.member) {
             const auto indentation = object.first ? Indentation(text, *object.first) : std::nullopt;
-            const std::string name =
-                qelcore::serialization::GetJSONUTF8String(Value(std::string(key)), /*formatted=*/false);
+            const std::string name = qelcore::serialization::GetJSONUTF8String(Value(key), /*formatted=*/false);
             mText.insert(object.end, SignsBefore(object, indentation, lineEnd) + name +
                                          SignLike(object.colon, ": ") +
                                          Printed(Nested(below, value), indentation, unit, lineEnd));

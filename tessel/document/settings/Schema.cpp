@@ -53,7 +53,7 @@ Value WithKnownValues(const KeyInfo& key)
     for (const KeyValue& known : key.values) {
         Object choice;
         AddToObject(choice, "const", Value(known.value));
-        AddToObject(choice, "title", Value(std::string(known.meaning)));
+        AddToObject(choice, "title", Value(known.meaning));
         choices.emplace_back(std::move(choice));
     }
     choices.push_back(JSONParse(TypeSchema(key.type)));
@@ -75,7 +75,7 @@ Value SchemaOf(const KeyInfo& key)
     Object schema = qelcore::serialization::CopyMembers(key.values.empty() ? JSONParse(TypeSchema(key.type))
                                                                            : WithKnownValues(key));
     if (!key.meaning.empty()) {
-        AddToObject(schema, "description", Value(std::string(key.meaning)));
+        AddToObject(schema, "description", Value(key.meaning));
     }
     if (!key.standard.empty()) {
         AddToObject(schema, "default", JSONParse(key.standard));

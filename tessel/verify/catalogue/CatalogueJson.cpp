@@ -12,11 +12,6 @@ using qelcore::serialization::Array;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 
-Value Text(std::string_view text)
-{
-    return Value(std::string(text));
-}
-
 /// Null where the check is exact.
 Value ToleranceOf(const CheckInfo& check)
 {
@@ -38,15 +33,15 @@ std::string CatalogueAsJson()
     for (const CheckInfo& check : Catalogue()) {
         Array consequences;
         for (const std::string_view consequence : ConsequencesOf(check.id)) {
-            consequences.push_back(Text(consequence));
+            consequences.push_back(Value(consequence));
         }
         Object object;
-        AddToObject(object, "id", Text(check.id));
-        AddToObject(object, "severity", Text(NameOf(check.severity)));
-        AddToObject(object, "sentence", Text(check.sentence));
-        AddToObject(object, "seenWith", Text(check.visibleBy));
-        AddToObject(object, "use", Text(check.use));
-        AddToObject(object, "unit", Text(check.unit));
+        AddToObject(object, "id", Value(check.id));
+        AddToObject(object, "severity", Value(NameOf(check.severity)));
+        AddToObject(object, "sentence", Value(check.sentence));
+        AddToObject(object, "seenWith", Value(check.visibleBy));
+        AddToObject(object, "use", Value(check.use));
+        AddToObject(object, "unit", Value(check.unit));
         AddToObject(object, "tolerance", ToleranceOf(check));
         AddToObject(object, "consequences", Value(std::move(consequences)));
         checks.push_back(Value(std::move(object)));

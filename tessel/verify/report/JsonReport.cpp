@@ -9,24 +9,9 @@ namespace tessel::verify {
 namespace {
 
 using qelcore::serialization::AddToObject;
-using qelcore::serialization::Array;
+using qelcore::serialization::ArrayOf;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
-
-Value Text(std::string_view text)
-{
-    return Value(std::string(text));
-}
-
-template <class Items, class Convert>
-Value List(const Items& items, const Convert& convert)
-{
-    Array array;
-    for (const auto& item : items) {
-        array.push_back(convert(item));
-    }
-    return Value(std::move(array));
-}
 
 Value ValueOf(const Quantity& quantity)
 {
@@ -34,14 +19,14 @@ Value ValueOf(const Quantity& quantity)
         return Value(*number);
     }
     if (const std::string* text = std::get_if<std::string>(&quantity)) {
-        return Text(*text);
+        return Value(*text);
     }
     return Value();
 }
 
 Value SpansAsValue(const std::vector<Span>& spans)
 {
-    return List(spans, [](const Span& span) {
+    return ArrayOf(spans, [](const Span& span) {
         Object object;
         AddToObject(object, "first", Value(span.first));
         AddToObject(object, "last", Value(span.last));
@@ -52,14 +37,14 @@ Value SpansAsValue(const std::vector<Span>& spans)
 Value ValueOf(const Finding& finding)
 {
     Object object;
-    AddToObject(object, "id", Text(finding.id));
-    AddToObject(object, "verdict", Text(NameOf(finding.verdict)));
-    AddToObject(object, "severity", Text(NameOf(finding.severity)));
-    AddToObject(object, "message", Text(finding.message));
+    AddToObject(object, "id", Value(finding.id));
+    AddToObject(object, "verdict", Value(NameOf(finding.verdict)));
+    AddToObject(object, "severity", Value(NameOf(finding.severity)));
+    AddToObject(object, "message", Value(finding.message));
     AddToObject(object, "expected", ValueOf(finding.expected));
     AddToObject(object, "found", ValueOf(finding.found));
     AddToObject(object, "uncertainty", finding.uncertainty ? Value(*finding.uncertainty) : Value());
-    AddToObject(object, "unit", Text(finding.unit));
+    AddToObject(object, "unit", Value(finding.unit));
     if (!finding.frames.empty()) {
         AddToObject(object, "frames", SpansAsValue(finding.frames));
     }
@@ -67,21 +52,21 @@ Value ValueOf(const Finding& finding)
         AddToObject(object, "samples", SpansAsValue(finding.samples));
     }
     AddToObject(object, "consequences",
-                List(finding.consequences, [](const Finding& inner) { return ValueOf(inner); }));
+                ArrayOf(finding.consequences, [](const Finding& inner) { return ValueOf(inner); }));
     return Value(std::move(object));
 }
 
 Value ValueOf(const AlignmentReport& alignment)
 {
     Object object;
-    AddToObject(object, "method", Text(NameOf(alignment.method)));
+    AddToObject(object, "method", Value(NameOf(alignment.method)));
     AddToObject(object, "pictures", Value(alignment.pictures));
     AddToObject(object, "frames", Value(alignment.frames));
     AddToObject(object, "matched", Value(alignment.matched));
     AddToObject(object, "confidence", Value(alignment.confidence));
-    AddToObject(object, "steps", List(alignment.steps, [](const EditStep& step) {
+    AddToObject(object, "steps", ArrayOf(alignment.steps, [](const EditStep& step) {
                     Object row;
-                    AddToObject(row, "kind", Text(step.kind));
+                    AddToObject(row, "kind", Value(step.kind));
                     AddToObject(row, "picture", Value(step.picture));
                     AddToObject(row, "pictures", Value(step.pictures));
                     AddToObject(row, "frame", Value(step.frame));
@@ -183,24 +168,24 @@ constexpr std::string_view kSchema = R"json({
 
 std::string ReportAsJson(const Report& report)
 {
-    const auto text = [](const std::string& line) { return Text(line); };
+    const auto text = [](const std::string& line) { return Value(line); };
     Object root;
     AddToObject(root, "version", Value(std::int64_t{Report::kVersion}));
-    AddToObject(root, "clip", Text(report.clip));
-    AddToObject(root, "movie", Text(report.movie));
-    AddToObject(root, "verdict", Text(NameOf(report.verdict)));
+    AddToObject(root, "clip", Value(report.clip));
+    AddToObject(root, "movie", Value(report.movie));
+    AddToObject(root, "verdict", Value(NameOf(report.verdict)));
     AddToObject(root, "alignment", ValueOf(report.alignment));
     AddToObject(root, "findings",
-                List(report.findings, [](const Finding& finding) { return ValueOf(finding); }));
-    AddToObject(root, "asExpected", List(report.asExpected, text));
-    AddToObject(root, "notVisible", List(report.notVisible, [](const NotVisible& check) {
+                ArrayOf(report.findings, [](const Finding& finding) { return ValueOf(finding); }));
+    AddToObject(root, "asExpected", ArrayOf(report.asExpected, text));
+    AddToObject(root, "notVisible", ArrayOf(report.notVisible, [](const NotVisible& check) {
                     Object row;
-                    AddToObject(row, "id", Text(check.id));
-                    AddToObject(row, "use", Text(check.use));
+                    AddToObject(row, "id", Value(check.id));
+                    AddToObject(row, "use", Value(check.use));
                     return Value(std::move(row));
                 }));
-    AddToObject(root, "notChecked", List(report.notChecked, text));
-    AddToObject(root, "notes", List(report.notes, text));
+    AddToObject(root, "notChecked", ArrayOf(report.notChecked, text));
+    AddToObject(root, "notes", ArrayOf(report.notes, text));
     return qelcore::serialization::GetJSONUTF8String(Value(std::move(root)), /*formatted=*/true) + "\n";
 }
 

@@ -6,8 +6,10 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -31,6 +33,15 @@ std::string ErrorOf(Read read)
         return exception.what();
     }
     return "no error";
+}
+
+TEST(Value, AnArrayIsMadeOfItemsInTheirOrder)
+{
+    const std::string_view letters = "one|two";
+    const Value array = ArrayOf(std::vector{letters.substr(4), letters.substr(0, 3)},
+                                [](std::string_view part) { return Value(part); });
+    EXPECT_EQ(GetJSONUTF8String(array, /*formatted=*/false), R"(["two","one"])");
+    EXPECT_EQ(GetJSONUTF8String(ArrayOf(std::vector<int>{}, [](int) { return Value(); }), /*formatted=*/false), "[]");
 }
 
 TEST(Value, ReadersNameTheKeyAndTheTypeTheyNeed)
