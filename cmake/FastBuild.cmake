@@ -15,8 +15,8 @@ endfunction()
 
 # tessel_share_headers(NAME HIDDEN LIBRARIES library... HEADERS header... TARGETS target...)
 # The same once for several targets, whose compiler flags must be those of NAME: it links LIBRARIES, and HIDDEN says
-# whether symbols are hidden. NAME has no definitions of its own: g++ takes no precompiled header that has some which
-# its user has not.
+# whether symbols are hidden. NAME defines nothing: g++ rejects a precompiled header with definitions that its user
+# lacks.
 function(tessel_share_headers name)
     cmake_parse_arguments(arg "HIDDEN" "" "LIBRARIES;HEADERS;TARGETS" ${ARGN})
     if(NOT TESSEL_FAST_BUILD)

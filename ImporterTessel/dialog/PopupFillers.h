@@ -16,8 +16,8 @@ using IdentifierFormatMap = std::map<std::int64_t, std::int32_t>;
 
 /// Item 0, or the field type's own item for 1 and 2.
 void FillFieldTypePopup(qelui::UI_Popup& popup, std::int32_t fieldType);
-/// The last item of that rate, pixel format or ratio, item 0 where there is none; the settings stay then what
-/// they are until a person picks an item. @{
+/// The last item of that rate, pixel format or ratio, item 0 where there is none, with the settings
+/// unchanged until a person picks an item. @{
 void FillFrameRatePopup(qelui::UI_Popup& popup, qelmediatypes::FrameRate rate);
 void FillPixelFormatPopup(qelui::UI_Popup& popup, std::uint32_t pixelFormat);
 void FillPixelAspectPopup(qelui::UI_Popup& popup, const qelmediatypes::PixelAspectRatio& ratio);

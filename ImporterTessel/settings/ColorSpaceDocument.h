@@ -11,7 +11,7 @@ namespace ImporterTessel {
 /// Reads a colour space. Every key is optional: what is absent stays as the host's default-constructed space
 /// (not Rec. 709) has it.
 /// @throws qelcore::serialization::type_exception for a present key of the wrong type, parse_exception for
-///         profile data that is no encoding of bytes; each names the key.
+///         profile data that is not Base64; each names the key.
 [[nodiscard]] qelmediatypes::color::ColorSpace ColorSpaceFromValue(const qelcore::serialization::Value& value,
                                                                    std::string_view key);
 

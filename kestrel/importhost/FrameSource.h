@@ -15,7 +15,7 @@ struct RenderedFrame {
     std::int32_t result = 0; ///< the plug-in's answer
     FrameRefusal refusal = FrameRefusal::None;
     std::shared_ptr<const FrameBuffer> frame; ///< null where none was made
-    bool isForeign = false;                   ///< the plug-in gave a handle that is no frame of the request
+    bool isForeign = false; ///< the plug-in gave a handle that the host did not make for the request
 };
 
 /// Has frames painted. A new frame is zero before the plug-in paints it, so that a picture is a pure function

@@ -59,7 +59,7 @@ void FlushOut();
 /// Writes "tessel: `line`" to standard error, control characters made visible so that it stays one line.
 void WriteError(std::string_view line) noexcept;
 
-/// Writes a line to standard error that is no complaint, control characters made visible.
+/// Writes a line that is not an error to standard error, control characters made visible.
 void WriteNote(std::string_view line) noexcept;
 
 /// Lets writes to a closed pipe, or beyond the largest size of files, fail instead of ending the program.

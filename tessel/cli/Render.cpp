@@ -27,7 +27,7 @@ using Options = RenderOptions;
 
 using exporting::Container;
 
-/// @throws UsageError  where the part is none, or does not go with the other options
+/// @throws UsageError  where the part is not K/N, or does not go with the other options
 std::optional<exporting::PartNumber> PartOf(const Options& options, const TargetOptions& where,
                                             const Container& container)
 {

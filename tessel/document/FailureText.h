@@ -18,7 +18,7 @@ namespace tessel::document {
                                                      const importhost::ClipDescription& description,
                                                      const DocumentFacts& facts);
 
-/// Whether a message of the plug-in's is its report of a request that failed; any other is a warning.
+/// Whether a message of the plug-in reports a request that failed; any other is a warning.
 [[nodiscard]] bool IsFailureReport(const qelcore::logging::Message& message) noexcept;
 
 /// The failure with the reason alone that the plug-in's report of it gives, where it gives one.

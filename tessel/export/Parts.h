@@ -22,7 +22,7 @@ struct PartNumber {
 
     /// "2/5"
     [[nodiscard]] std::string Text() const;
-    /// @return nothing for a text that is no part: K/N with 1 <= K <= N <= `kMost`
+    /// @return nothing for a text other than K/N with 1 <= K <= N <= `kMost`
     [[nodiscard]] static std::optional<PartNumber> Parse(std::string_view text);
 
     friend constexpr bool operator==(const PartNumber&, const PartNumber&) = default;

@@ -24,7 +24,7 @@ struct RenderRecord {
     std::function<void(std::int64_t index, const PictureDigests& digests)> picture{};
     /// @param start  of the samples, from the file's beginning
     std::function<void(std::int64_t start, std::int64_t count, const Digest& digest)> sound{};
-    std::function<void()> beforeCommit{}; ///< everything is encoded; the file has not got its name yet
+    std::function<void()> beforeCommit{}; ///< everything is encoded; the file does not have its name yet
 };
 
 } // namespace tessel::exporting

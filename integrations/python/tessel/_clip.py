@@ -261,7 +261,7 @@ class Clip:
         A layout of one plane gives an array of rows, columns and samples. 4:2:2 pairs as in UYVY have a column for two
         pixels; v210 gives the 32-bit words of its rows. Layouts of several planes give a tuple of arrays.
 
-        Raises IndexError for a frame that the clip has not, ValueError for an unknown layout or an array that does not
+        Raises IndexError for a frame beyond the clip, ValueError for an unknown layout or an array that does not
         fit, ClipError where the frame cannot be made.
         """
         index = operator.index(number)
@@ -273,7 +273,7 @@ class Clip:
     def samples(self, start: int, count: int) -> npt.NDArray[np.float32]:
         """Sound: one row of floats for each channel, full scale is 1. Channels come as L R C LFE Ls Rs.
 
-        Raises IndexError for samples that the clip has not, ClipError for a clip without sound.
+        Raises IndexError for samples beyond the clip, ClipError for a clip without sound.
         """
         first, length = operator.index(start), operator.index(count)
         facts = self._description

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::array<const char*, 3> kChannelLabels = {"Red:", "Green:", "Blue:"};
 
-/// The channels of a colour's column; nothing where the group is none.
+/// The channels of a colour's column; nothing where the group is not one.
 std::vector<const qelui::UI_NumberView*> ChannelsOf(const qelui::UI_Group& group)
 {
     const auto& children = group.Children();

@@ -13,8 +13,8 @@ namespace tessel::exporting {
 class Timecode {
 public:
     /// @param text  "10:00:00:00", or with ';' before the frames for drop-frame counting
-    /// @throws ExportError  for a text that is no timecode, one that the rate does not have, and a rate without
-    ///                      timecodes; says what would be right
+    /// @throws ExportError  for other texts, for a timecode that the rate does not have, and for a rate
+    ///                      without timecodes; says what would be right
     [[nodiscard]] static Timecode Parse(std::string_view text, std::int32_t rateNumerator,
                                         std::int32_t rateDenominator);
 

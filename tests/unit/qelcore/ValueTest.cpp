@@ -41,7 +41,8 @@ TEST(Value, AnArrayIsMadeOfItemsInTheirOrder)
     const Value array = ArrayOf(std::vector{letters.substr(4), letters.substr(0, 3)},
                                 [](std::string_view part) { return Value(part); });
     EXPECT_EQ(GetJSONUTF8String(array, /*formatted=*/false), R"(["two","one"])");
-    EXPECT_EQ(GetJSONUTF8String(ArrayOf(std::vector<int>{}, [](int) { return Value(); }), /*formatted=*/false), "[]");
+    EXPECT_EQ(GetJSONUTF8String(ArrayOf(std::vector<int>{}, [](int) { return Value(); }), /*formatted=*/false),
+              "[]");
 }
 
 TEST(Value, ReadersNameTheKeyAndTheTypeTheyNeed)
