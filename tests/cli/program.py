@@ -5,25 +5,18 @@ import json
 import os
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+
+from document_values import TICKS_PER_SECOND, code, color  # noqa: E402
 
 PROGRAM = os.environ["TESSEL"]
 PLUGIN = os.environ["TESSEL_PLUGIN"]
 # It needs Qt, and is not built without.
 HAS_PLAYER = os.path.exists(os.path.join(os.path.dirname(os.path.dirname(PROGRAM)), "lib", "tessel", "tessel-view"))
-
-TICKS_PER_SECOND = 254_016_000_000
-
-
-def code(text):
-    """A four-character code as documents hold it: four bytes, read little-endian."""
-    return int.from_bytes(text.encode("ascii"), "little")
-
-
-def color(red, green, blue, alpha=1.0):
-    return {"mAlphaPart": alpha, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
-
 
 DOCUMENT = {
     "mPixelFormat": code("bgra"),

@@ -6,7 +6,7 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "cli", "render"))
 
-from render_support import document, surround  # noqa: E402
+from render_support import TICKS_PER_SECOND, document, surround  # noqa: E402
 
 SAMPLES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "samples")
 V210 = "v211"  # 10-bit 4:2:2 by BT.709, which v210 and ProRes take as it is
@@ -54,7 +54,7 @@ def chart(frames=3):
     float alone."""
     with open(os.path.join(SAMPLES, "swatch-chart.tessel"), encoding="utf-8") as file:
         root = json.load(file)
-    ticks = 254_016_000_000 // RATE
+    ticks = TICKS_PER_SECOND // RATE
     root["mVideoFrameRate"] = {"ticksperframe": ticks}
     root["mVideoDuration"] = {"ticks": ticks * frames}
     return root

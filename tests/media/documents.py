@@ -1,9 +1,13 @@
 """Documents that cover pairs of properties, and what files made from them have to say."""
 
+import os
 import random
+import sys
 from fractions import Fraction
 
-TICKS_PER_SECOND = 254_016_000_000
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+
+from document_values import TICKS_PER_SECOND, code, color  # noqa: E402
 
 # Name: primaries, transfer, matrix (ITU-T H.273), full range.
 SPACES = {
@@ -49,17 +53,13 @@ def covering(seed):
     return rows
 
 
-def color(red, green, blue, alpha=1.0):
-    return {"mAlphaPart": alpha, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
-
-
 def document(row, frames):
     numerator, denominator = row["rate"]
     ticks = TICKS_PER_SECOND * denominator // numerator
     assert ticks * numerator == TICKS_PER_SECOND * denominator
     is_surround = row["channels"] == 6
     return {
-        "mPixelFormat": int.from_bytes(row["format"].encode(), "little"),
+        "mPixelFormat": code(row["format"]),
         "mFrameWidth": row["size"][0], "mFrameHeight": row["size"][1],
         "mFramePAR": {"numerator": row["aspect"][0], "denominator": row["aspect"][1]},
         "mFieldType": row["order"], "mRenderFormat": 1,

@@ -5,7 +5,7 @@ import os
 import subprocess
 import unittest
 
-from program import ProgramTest, document
+from program import ProgramTest, code, document
 
 FRAMES = 12
 WIDTH = 64
@@ -114,7 +114,7 @@ class Damage(ProgramTest):
         self.assertEqual(late[480:], left[:-480])
 
     def test_faults_of_announcements_leave_codes_alone(self):
-        clip = self.clip(mPixelFormat=int.from_bytes(b"v210", "little"), mFrameWidth=WIDTH)
+        clip = self.clip(mPixelFormat=code("v210"), mFrameWidth=WIDTH)
         clean_file = self.clean(clip)
         for fault, entry, value in (("container.aspect=4:3", "sample_aspect_ratio", "4:3"),
                                     ("container.matrix=9", "color_space", "bt2020nc"),

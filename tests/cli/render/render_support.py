@@ -10,7 +10,9 @@ import tempfile
 import unittest
 from fractions import Fraction
 
-TICKS_PER_SECOND = 254016000000
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "support"))
+
+from document_values import TICKS_PER_SECOND, code as four_bytes, color  # noqa: E402
 
 # Host code, family, storage, matrix, alpha. Written from the host's list, apart from the program's own table.
 FORMATS = {}
@@ -53,17 +55,13 @@ for _code, _matrix in (("dvn2", 601), ("dvp2", 601), ("dvn5", 601), ("dvp5", 601
 assert len(FORMATS) == 48
 
 
-def color(red, green, blue, alpha=1.0):
-    return {"mAlphaPart": alpha, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
-
-
 def document(code="bgra", size=(96, 64), rate=(30, 1), frames=5, order=0, pattern="fields", upper=(1.0, 0.5, 0.25, 1.0),
              lower=(0.0, 1.0, 0.0, 1.0), number=False, aspect=(1, 1), space=None, **audio):
     """A data file. Without a version, so that the colour space can be given by name."""
     ticks_per_frame = TICKS_PER_SECOND * rate[1] // rate[0]
     assert ticks_per_frame * rate[0] == TICKS_PER_SECOND * rate[1], "a rate that ticks divide"
     root = {
-        "mPixelFormat": int.from_bytes(code.encode(), "little"),
+        "mPixelFormat": four_bytes(code),
         "mFrameWidth": size[0], "mFrameHeight": size[1],
         "mFramePAR": {"numerator": aspect[0], "denominator": aspect[1]},
         "mFieldType": order,
