@@ -82,6 +82,19 @@ class CallFailed(Exception):
         super().__init__(LIBRARY.tessel_error_text().decode("utf-8"))
 
 
+class RefusedCalls:
+    """For test cases: calls that must fail."""
+
+    def assert_call_fails(self, result, says, call):
+        """Gives the line that the call left; it holds `says`."""
+        with self.assertRaises(CallFailed) as caught:
+            call()
+        self.assertEqual(caught.exception.result, result, caught.exception)
+        self.assertIn(says, str(caught.exception))
+        self.assertNotIn("\n", str(caught.exception))
+        return str(caught.exception)
+
+
 def check(result):
     if result != OK:
         raise CallFailed(result)

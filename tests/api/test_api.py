@@ -16,7 +16,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 sys.path.insert(0, os.path.join(ROOT, "tests", "cli"))
 
 import clips  # noqa: E402
-from clips import (BAD_ARGUMENT, FAILED, LIBRARY, NOT_OPENED, NOT_POSSIBLE, OK, CallFailed, Clip)  # noqa: E402
+from clips import (BAD_ARGUMENT, FAILED, LIBRARY, NOT_OPENED, NOT_POSSIBLE, OK, Clip)  # noqa: E402
 from program import TICKS_PER_SECOND, ProgramTest, code, color, document  # noqa: E402
 
 FRAMES_TO_COMPARE = 3
@@ -30,18 +30,11 @@ def text_of(**changes):
     return json.dumps(document(**changes)).encode()
 
 
-class ApiTest(ProgramTest):
+class ApiTest(ProgramTest, clips.RefusedCalls):
     def open(self, **changes):
         clip = Clip(text=text_of(**changes))
         self.addCleanup(clip.close)
         return clip
-
-    def assert_call_fails(self, result, says, call):
-        with self.assertRaises(CallFailed) as caught:
-            call()
-        self.assertEqual(caught.exception.result, result, caught.exception)
-        self.assertIn(says, str(caught.exception))
-        self.assertNotIn("\n", str(caught.exception))
 
 
 class Description(ApiTest):

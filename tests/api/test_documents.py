@@ -13,13 +13,13 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 sys.path.insert(0, os.path.join(ROOT, "tests", "cli"))
 
 import clips  # noqa: E402
-from clips import BAD_ARGUMENT, LIBRARY, NOT_OPENED, REFUSED, CallFailed, Clip, Document  # noqa: E402
+from clips import BAD_ARGUMENT, LIBRARY, NOT_OPENED, REFUSED, Clip, Document  # noqa: E402
 from program import ProgramTest  # noqa: E402
 
 SWATCHES = [os.path.join(ROOT, "samples", name) for name in ("swatch-coordinates.json", "swatch-colors.json")]
 
 
-class DocumentTest(ProgramTest):
+class DocumentTest(ProgramTest, clips.RefusedCalls):
     def printed(self, *options):
         """What the program prints for the same settings: 'size=4x2' stands for '--size 4x2'."""
         answer = self.run_program("new", "-", *options)
@@ -32,11 +32,7 @@ class DocumentTest(ProgramTest):
             yield from ("--set", setting) if name.startswith("m") else (f"--{name}", value)
 
     def assert_refused(self, result, call):
-        with self.assertRaises(CallFailed) as caught:
-            call()
-        self.assertEqual(caught.exception.result, result, caught.exception)
-        self.assertNotIn("\n", str(caught.exception))
-        return str(caught.exception)
+        return self.assert_call_fails(result, "", call)
 
 
 class New(DocumentTest):

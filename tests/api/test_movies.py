@@ -16,14 +16,14 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 sys.path.insert(0, os.path.join(ROOT, "tests", "cli"))
 
 import clips  # noqa: E402
-from clips import BAD_ARGUMENT, LIBRARY, NOT_POSSIBLE, OK, CallFailed, Clip, Document, Movie  # noqa: E402
+from clips import BAD_ARGUMENT, LIBRARY, NOT_POSSIBLE, OK, Clip, Document, Movie  # noqa: E402
 from program import ProgramTest  # noqa: E402
 
 SWATCHES = [os.path.join(ROOT, "samples", name) for name in ("swatch-coordinates.json", "swatch-colors.json")]
 SMALL = ("size=64x36", "rate=25", "duration=12f")
 
 
-class MovieTest(ProgramTest):
+class MovieTest(ProgramTest, clips.RefusedCalls):
     def clip(self, *settings, **keys):
         """An opened clip, and the name of its document. Keys are set whatever comes of it."""
         with Document(*settings) as made:
@@ -191,26 +191,19 @@ class Bytes(MovieTest):
 
 
 class Refusals(MovieTest):
-    def assert_refused(self, result, says, call):
-        with self.assertRaises(CallFailed) as caught:
-            call()
-        self.assertEqual(caught.exception.result, result, caught.exception)
-        self.assertIn(says, str(caught.exception))
-        self.assertNotIn("\n", str(caught.exception))
-
     def test_what_cannot_be_a_movie_is_said(self):
         clip, _ = self.clip(*SMALL)
         for options, result, says in (({"video_codec": "h264"}, NOT_POSSIBLE, "raw, v210 or v408"),
                                       ({"audio_codec": "aac"}, NOT_POSSIBLE, "pcm16"),
                                       ({"video_codec": "nonsense"}, BAD_ARGUMENT, "nonsense"),
                                       ({"video_codec": "none", "audio_codec": "none"}, BAD_ARGUMENT, "or sound")):
-            self.assert_refused(result, says, lambda: Movie(clip, **options))  # pylint: disable=W0640
+            self.assert_call_fails(result, says, lambda: Movie(clip, **options))  # pylint: disable=W0640
         silent, _ = self.clip(*SMALL, mNumChannels=0)
         blind, _ = self.clip(*SMALL, mFrameWidth=0)
-        self.assert_refused(NOT_POSSIBLE, "sound alone", lambda: Movie(blind))
+        self.assert_call_fails(NOT_POSSIBLE, "sound alone", lambda: Movie(blind))
         odd, _ = self.clip(*SMALL, mSampleRate=11025.5)
-        self.assert_refused(NOT_POSSIBLE, "picture alone", lambda: Movie(odd))
-        self.assert_refused(NOT_POSSIBLE, "no sound", lambda: Movie(silent, video_codec="none"))
+        self.assert_call_fails(NOT_POSSIBLE, "picture alone", lambda: Movie(odd))
+        self.assert_call_fails(NOT_POSSIBLE, "no sound", lambda: Movie(silent, video_codec="none"))
 
     def test_null_pointers_are_refused(self):
         handle, got = ctypes.c_void_p(), ctypes.c_size_t()
