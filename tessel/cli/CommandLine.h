@@ -26,6 +26,7 @@ class Option {
 public:
     Option(CLI::Option& option, OptionText& text) noexcept : mOption(&option), mText(&text) {}
 
+    // NOLINTBEGIN(modernize-use-nodiscard): results are for further calls; the last one is not used.
     /// A command line without it is wrong.
     Option Required() const;
 
@@ -46,6 +47,7 @@ public:
 
     /// Its value is a file of this kind, for completions.
     Option TakesFile(FileKind kind) const;
+    // NOLINTEND(modernize-use-nodiscard)
 
     /// Whether the parsed command line names it.
     [[nodiscard]] bool WasGiven() const;
