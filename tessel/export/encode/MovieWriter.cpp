@@ -101,6 +101,21 @@ std::int64_t DelayToAdd(const Container& container, const AVCodecParameters& sou
     return container.muxer == "matroska" && sound.codec_id == AV_CODEC_ID_OPUS ? sound.initial_padding : 0;
 }
 
+/// How closely the muxer keeps to what it takes for standard.
+int ComplianceFor(const OutputPlan& plan) noexcept
+{
+    // QuickTime has a code for each kind of DV, which FFmpeg's muxer looks up by its rules of strict compliance
+    // only.
+    if (plan.video && plan.video->codec->rule == LayoutRule::DvProfile) {
+        return FF_COMPLIANCE_NORMAL;
+    }
+    // FLAC in MP4 has a specification; the muxer still calls it an experiment.
+    if (plan.audio && plan.audio->codec->encoder == "flac") {
+        return FF_COMPLIANCE_EXPERIMENTAL;
+    }
+    return FF_COMPLIANCE_UNOFFICIAL;
+}
+
 } // namespace
 
 OutputFile OpenTarget(const std::filesystem::path& target, const Container& container)
@@ -127,10 +142,7 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
     state.format.reset(format);
     format->pb = state.io.Context();
     format->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
-    // QuickTime has a code for each kind of DV, which FFmpeg's muxer looks up by its rules of strict compliance
-    // only.
-    const bool isDv = plan.video && plan.video->codec->rule == LayoutRule::DvProfile;
-    format->strict_std_compliance = isDv ? FF_COMPLIANCE_NORMAL : FF_COMPLIANCE_UNOFFICIAL;
+    format->strict_std_compliance = ComplianceFor(plan);
 
     if (plan.video) {
         state.video = VideoEncoder::Make(*plan.video, threadCount);

@@ -1,5 +1,6 @@
 #include "VideoEncoder.h"
 
+#include "DnxhrHeader.h"
 #include "DpxHeader.h"
 #include "StreamTags.h"
 #include "UncodedWriters.h"
@@ -162,14 +163,29 @@ private:
             }
             libav::Check(result, Doing());
             packet->duration = 1;
-            if (mPlan.codec->repair == PacketRepair::DpxColors) {
-                libav::Check(av_packet_make_writable(packet.get()), Doing());
-                PatchDpxColors(
-                    std::as_writable_bytes(std::span(packet->data, static_cast<std::size_t>(packet->size))),
-                    mPlan.tags);
-            }
+            Repair(*packet);
             sink(*packet);
             av_packet_unref(packet.get());
+        }
+    }
+
+    void Repair(AVPacket& packet) const
+    {
+        if (mPlan.codec->repair == PacketRepair::None) {
+            return;
+        }
+        libav::Check(av_packet_make_writable(&packet), Doing());
+        const std::span bytes =
+            std::as_writable_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
+        switch (mPlan.codec->repair) {
+        case PacketRepair::None:
+            break;
+        case PacketRepair::DpxColors:
+            PatchDpxColors(bytes, mPlan.tags);
+            break;
+        case PacketRepair::DnxhrColorVolume:
+            PatchDnxhrColorVolume(bytes, mPlan.tags);
+            break;
         }
     }
 

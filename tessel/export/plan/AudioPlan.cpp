@@ -57,6 +57,12 @@ AudioPlan PlanAudio(const ClipFacts& clip, const Container& container, const Aud
                         "--video-only for the picture alone",
                         clip.channelCount, kMostChannels));
     }
+    if (container.onlySampleRate != 0 && plan.sampleRate != container.onlySampleRate) {
+        throw ExportError(
+            fmt::format("{} files carry sound of {} samples a second only, the clip has {}: write "
+                        "mov or mkv, or use --video-only for the picture alone",
+                        container.name, container.onlySampleRate, plan.sampleRate));
+    }
     plan.codec = &CodecFor(clip, container, chosen, plan.sampleRate);
     plan.hostChannels = std::move(shape.hostChannels);
     plan.layout = shape.layout;

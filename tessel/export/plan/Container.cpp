@@ -115,6 +115,8 @@ constexpr std::array<Container, 13> kContainers{{
      .videoCodecs = AlwaysBut("mpeg2", /*dv=*/"dv"),
      .commentKey = "comment_part", // the muxer writes those that begin so
      .audioCodec = "pcm24",
+     .announcedWidthStep = 16, // macroblocks
+     .onlySampleRate = 48'000,
      .keeps = Keeps::Colors | Keeps::Range | Keeps::Timecode},
     {.name = "avi",
      .kind = ContainerKind::Movie,

@@ -60,7 +60,9 @@ struct Container {
     std::span<const PictureLayout> rawLayouts{}; ///< that its readers know unpacked, the preferred first
     std::span<const RawTag> rawTags{};
     RawWriter rawWriter = RawWriter::Libav;
-    Keeps keeps = Keeps::Nothing; ///< whatever the codec is
+    int announcedWidthStep = 1;      ///< it announces widths in whole steps; the stream's own is exact
+    std::int32_t onlySampleRate = 0; ///< of sound; 0: any
+    Keeps keeps = Keeps::Nothing;    ///< whatever the codec is
 
     [[nodiscard]] constexpr bool TakesVideo() const noexcept { return kind != ContainerKind::SoundOnly; }
     [[nodiscard]] constexpr bool TakesAudio() const noexcept { return !audioCodec.empty(); }

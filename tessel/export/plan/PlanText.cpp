@@ -62,8 +62,26 @@ bool HasCommonShape(const PictureGeometry& geometry) noexcept
     return false;
 }
 
+/// The frame size that a container announces beside the stream's own. DV's is a standard's, whatever is stored.
+void AddSizeLoss(const VideoPlan& video, const Container& container, std::vector<std::string>& losses)
+{
+    const int step = container.announcedWidthStep;
+    if (step == 1 || video.codec->rule == LayoutRule::DvProfile) {
+        return;
+    }
+    const PictureGeometry& geometry = video.geometry;
+    const int width = (geometry.width + step - 1) / step * step;
+    const bool hasFields = geometry.order != FieldOrder::Progressive && video.codec->codesFields;
+    const int height = hasFields ? geometry.height / 2 * 2 : geometry.height;
+    if (width != geometry.width || height != geometry.height) {
+        losses.push_back(fmt::format("frame size ({}x{} in the stream; {} says {}x{})", geometry.width,
+                                     geometry.height, container.name, width, height));
+    }
+}
+
 void AddLosses(const VideoPlan& video, const Container& container, std::vector<std::string>& losses)
 {
+    AddSizeLoss(video, container, losses);
     const Keeps kept = KeptOf(*video.codec, container);
     const PictureGeometry& geometry = video.geometry;
     const bool isSquare = geometry.aspectNumerator == geometry.aspectDenominator;

@@ -32,7 +32,7 @@ enum class LayoutRule : std::uint8_t {
 };
 
 /// What an encoder leaves wrong in its packets, to be put right afterwards.
-enum class PacketRepair : std::uint8_t { None, DpxColors };
+enum class PacketRepair : std::uint8_t { None, DpxColors, DnxhrColorVolume };
 
 /// A codec's own measure of quality, as `--quality` takes it: whole numbers, of which one end is the best.
 struct QualityScale {

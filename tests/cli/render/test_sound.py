@@ -1,5 +1,6 @@
 """Sound files, measured by FFmpeg's decoders and filters: levels, frequencies, speakers, lengths, rounding."""
 
+import json
 import math
 import os
 import struct
@@ -165,6 +166,25 @@ class Sound(RenderTest):
         share = difference.count(0) / len(difference)
         self.assertAlmostEqual(share, 2 / 3, delta=0.02)
         self.assertNotEqual(difference[0::2], difference[1::2])
+
+    def test_every_listed_container_takes_the_sound_codec(self):
+        done = self.run_tessel("list", "codecs", "--json")
+        rows = [row for row in json.loads(done.stdout) if row["kind"] == "sound"]
+        self.assertGreater(len(rows), 0)
+        coded = {"pcm16": "pcm_s16", "pcm24": "pcm_s24", "pcm32": "pcm_s32", "pcmfloat": "pcm_f32"}
+        for row in rows:
+            for container in row["containers"]:
+                with self.subTest(codec=row["name"], container=container):
+                    path = self.render(document(size=(64, 48), rate=(25, 1), frames=3), "x." + container, "--audio-codec",
+                                       row["name"])
+                    name = self.probe(path, "audio")["codec_name"]
+                    self.assertTrue(name.startswith(coded.get(row["name"], row["name"])), name)
+
+    def test_mxf_says_which_sample_rate_it_has(self):
+        root = document(size=(64, 48), rate=(25, 1), frames=3, mSampleRate=44100)
+        self.refuse("render", self.save(root), "-o", self.path("x.mxf"),
+                    says=("mxf", "48000", "44100", "mov or mkv", "--video-only"))
+        self.render(root, "x.mxf", "--video-only")
 
     def test_more_channels_than_flac_has_become_pcm(self):
         path = self.render(document(size=(16, 16), frames=3, mNumChannels=64), "x.mkv")

@@ -27,6 +27,10 @@ RATES = ((24000, 1001), (24, 1), (25, 1), (30000, 1001), (30, 1), (48, 1), (50, 
 
 
 class Tags(RenderTest):
+    @staticmethod
+    def output_of(*command):
+        return subprocess.run(command, capture_output=True, check=True).stdout
+
     def expect_colors(self, path, codes, full, what):
         stream = self.probe(path)
         got = [stream.get(key) for key in ("color_primaries", "color_transfer", "color_space", "color_range")]
@@ -52,6 +56,37 @@ class Tags(RenderTest):
                                         "--video-only"))
         for key in ("color_primaries", "color_transfer", "color_space"):
             self.assertIn(stream.get(key), (None, "unknown"), key)
+
+    def test_dnxhr_pictures_do_not_contradict_the_matrix_of_the_file(self):
+        # The colour volume of SMPTE ST 2019-1: 0 is BT.709, 1 BT.2020 with non-constant luminance, 3 "out of band", where
+        # the container's matrix counts.
+        for space, volume, matrix in (("Rec. 709", 0, "bt709"), ("Rec. 2020 (10-bit)", 1, "bt2020nc"),
+                                      ("Rec. 601 (PAL)", 3, "bt470bg"), ("SMPTE 240M", 3, "smpte240m"),
+                                      ("Unspecified", 3, "bt709")):  # which FFmpeg's decoder then takes
+            for output in ("x.mov", "x.mkv", "x.mxf"):
+                with self.subTest(space=space, output=output):
+                    path = self.render(document("vUYa", (256, 144), (25, 1), frames=2, space=space), output, "--video-only",
+                                       "--video-codec", "dnxhr")
+                    coded = self.output_of("ffmpeg", "-v", "error", "-i", path, "-map", "0:v", "-c", "copy", "-frames:v", "1",
+                                           "-f", "data", "-")
+                    self.assertEqual(coded[0x2C] >> 1 & 3, volume)
+                    frame = self.output_of("ffprobe", "-v", "error", "-read_intervals", "%+#1", "-show_entries",
+                                           "frame=color_space", "-of", "default=nk=1:nw=1", path)
+                    self.assertEqual(frame.decode().split(), [matrix])
+
+    def test_mxf_announces_widths_of_whole_macroblocks_and_render_says_so(self):
+        for width, announced in ((320, 320), (322, 336)):  # 336 = 21 x 16
+            for codec in ("mpeg2", "h264", "dnxhr"):
+                with self.subTest(width=width, codec=codec):
+                    clip = self.save(document("uyv7", (width, 180), (25, 1), frames=2))
+                    done = self.run_tessel("render", clip, "-o", "x.mxf", "--video-only", "--video-codec", codec)
+                    self.assertEqual(done.returncode, 0, done.stderr)
+                    note = f"frame size ({width}x180 in the stream; mxf says {announced}x180)"
+                    self.assertEqual(note in done.stderr.decode(), width != announced, done.stderr)
+                    self.assertEqual(self.probe(self.path("x.mxf"))["width"], width)
+                    with open(self.path("x.mxf"), "rb") as file:
+                        found = file.read().split(bytes.fromhex("32090004"))  # the local tag of the display width, its length
+                    self.assertEqual(int.from_bytes(found[1][:4], "big"), announced)
 
     def test_containers_keep_colors(self):
         for code, output in (("bgra", "x.mov"), ("BGra", "x.mov"), ("vUYa", "x.mov"), ("VUYA", "x.mp4"), ("VUYA", "x.mxf")):
