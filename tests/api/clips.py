@@ -43,9 +43,6 @@ class Picture(ctypes.Structure):
 
 
 LIBRARY = ctypes.CDLL(os.environ["TESSEL_LIBRARY"])
-# A sanitizer that had to be loaded first has done its work here. Programs that tests start do without it: mediainfo
-# hangs with the address sanitizer before it.
-os.environ.pop("LD_PRELOAD", None)
 LIBRARY.tessel_error_text.restype = ctypes.c_char_p
 LIBRARY.tessel_version.restype = ctypes.c_char_p
 LIBRARY.tessel_warning.restype = ctypes.c_char_p
