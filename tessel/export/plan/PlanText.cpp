@@ -91,9 +91,17 @@ void AddLosses(const VideoPlan& video, const Container& container, std::vector<s
     }
     if (geometry.order != FieldOrder::Progressive && !Holds(kept, Keeps::FieldOrder)) {
         losses.push_back(fmt::format("field order ({})", OrderText(geometry.order)));
+    } else if (container.leavesOutOrderOfH264 && geometry.order == FieldOrder::LowerFirst &&
+               video.codec->name == "h264") {
+        losses.push_back(fmt::format("field order ({} in the stream; {} does not name it)",
+                                     OrderText(geometry.order), container.name));
     }
     const ColorTags& tags = video.tags;
-    const bool saysColors = tags.primaries != h273::kUnspecified || tags.transfer != h273::kUnspecified;
+    const bool isRgb = InfoOf(video.conversion.target).family == ColorFamily::Rgb;
+    // The matrix of R'G'B' pixels needs no telling; of others it may be the only code, where the space has
+    // none.
+    const bool saysColors = tags.primaries != h273::kUnspecified || tags.transfer != h273::kUnspecified ||
+                            (!isRgb && tags.matrix != h273::kUnspecified);
     if (saysColors && !Holds(kept, Keeps::Colors)) {
         losses.push_back(fmt::format("colours ({})", ColorText(tags)));
     }
@@ -103,7 +111,6 @@ void AddLosses(const VideoPlan& video, const Container& container, std::vector<s
         losses.push_back(fmt::format("matrix {} (readers take JPEG for BT.601)", tags.matrix));
     }
     // Readers take Y'CbCr for limited range, and R'G'B' for full range, unless they are told.
-    const bool isRgb = InfoOf(video.conversion.target).family == ColorFamily::Rgb;
     if (!isRgb && tags.fullRange && !Holds(kept, Keeps::Range)) {
         losses.emplace_back("full range");
     }

@@ -88,6 +88,28 @@ class Tags(RenderTest):
                         found = file.read().split(bytes.fromhex("32090004"))  # the local tag of the display width, its length
                     self.assertEqual(int.from_bytes(found[1][:4], "big"), announced)
 
+    def test_mxf_does_not_name_the_field_order_of_h264_and_render_says_so(self):
+        for codec, order, is_denied in (("h264", 2, True), ("h264", 1, False), ("h264", 0, False), ("mpeg2", 2, False)):
+            with self.subTest(codec=codec, order=order):
+                clip = self.save(document("uyv7", (320, 192), (25, 1), frames=2, order=order))
+                done = self.run_tessel("render", clip, "-o", "x.mxf", "--video-only", "--video-codec", codec)
+                self.assertEqual(done.returncode, 0, done.stderr)
+                note = "field order (lower field first in the stream; mxf does not name it)"
+                self.assertEqual(note in done.stderr.decode(), is_denied, done.stderr)
+                with open(self.path("x.mxf"), "rb") as file:
+                    named = bytes.fromhex("32120001") in file.read()  # SMPTE ST 377-1: the field dominance, one byte
+                self.assertEqual(named, codec == "mpeg2")
+
+    def test_render_says_that_a_matrix_of_its_own_choice_is_lost(self):
+        # R'G'B' without a matrix becomes BT.709, which NUT and Y4M have no place for.
+        for code, output, codec, is_lost in (("bgra", "x.nut", "v210", True), ("bgra", "x.y4m", "raw", True),
+                                             ("bgra", "x.mkv", "v210", False), ("v211", "x.nut", "v210", False)):
+            with self.subTest(code=code, output=output):
+                clip = self.save(document(code, (96, 64), (25, 1), frames=2, space="Unspecified"))
+                done = self.run_tessel("render", clip, "-o", output, "--video-codec", codec, "--video-only")
+                self.assertEqual(done.returncode, 0, done.stderr)
+                self.assertEqual("colours (primaries 2, transfer 2, matrix 1)" in done.stderr.decode(), is_lost, done.stderr)
+
     def test_containers_keep_colors(self):
         for code, output in (("bgra", "x.mov"), ("BGra", "x.mov"), ("vUYa", "x.mov"), ("VUYA", "x.mp4"), ("VUYA", "x.mxf")):
             path = self.render(document(code, (128, 96), (25, 1), frames=3), output, "--video-only")
