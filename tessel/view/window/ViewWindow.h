@@ -26,8 +26,10 @@
 #include <vector>
 
 class QDockWidget;
+class QHBoxLayout;
 class QLineEdit;
 class QListWidget;
+class QMenu;
 class QSplitter;
 class QToolButton;
 
@@ -69,7 +71,13 @@ private:
     };
 
     void BuildMenus();
+    void FillFileMenu(QMenu& menu);
+    void FillPlayMenu(QMenu& menu);
+    void FillViewMenu(QMenu& menu);
+    void AddFieldViews(QMenu& menu);
     void BuildPanels();
+    [[nodiscard]] QHBoxLayout* ControlLine(QWidget* parent);
+    void BuildDocks();
     /// Shows clips, and compares a movie with the first one; what cannot be opened is said.
     void OpenFiles(const std::vector<std::filesystem::path>& files);
     void OpenClips(const std::vector<std::filesystem::path>& files);
