@@ -106,7 +106,7 @@ std::string Missing(const std::string& argument, const CommandText& command)
 std::string WhatIsWrong(const CLI::App& app, const ProgramText& program, const CLI::ParseError& error)
 {
     const CommandText* command = NamedCommand(app, program);
-    const std::string said = error.what();
+    std::string said = error.what();
     const std::string name = said.substr(0, said.find(": "));
     const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
     if (!unknown.empty() && (command == nullptr || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)) {

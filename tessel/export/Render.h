@@ -52,7 +52,7 @@ public:
     void MarkAsPart(const PartLabel& label, std::int64_t indexInWhole);
 
     /// As `Render`.
-    std::int64_t Run() const;
+    [[nodiscard]] std::int64_t Run() const;
 
 private:
     const SignalSource* mSource; ///< the caller's, or `mAsked`

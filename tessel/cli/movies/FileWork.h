@@ -27,6 +27,7 @@ public:
              Context& context);
     FileWork(const FileWork&) = delete;
     FileWork& operator=(const FileWork&) = delete;
+    ~FileWork() = default;
 
     [[nodiscard]] const document::OpenedClip& Clip() const noexcept { return mClip; }
     [[nodiscard]] const exporting::ClipSource& Source() const noexcept { return mSource; }
