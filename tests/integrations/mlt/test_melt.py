@@ -20,6 +20,7 @@ MELT = os.environ["MELT"]
 # progressive pictures alone; the one of "avformat" converts every picture.
 WANTED = ("avformat", "core", "plus", "resample", "xine", "xml")
 FRAMES = 3
+TRIES = (10, 10, 20, 20, 40, 40, 60)  # seconds for each run of melt; see MeltTest.melt
 INTERLACED = {"mFieldType": 1, "mRenderFormat": 0, "mDrawFrameFieldNumber": True}
 NTSC = {"mVideoFrameRate": {"ticksperframe": TICKS_PER_SECOND * 1001 // 30000},
         "mVideoDuration": {"ticks": 60 * TICKS_PER_SECOND * 1001 // 30000}}
@@ -49,15 +50,17 @@ class MeltTest(ProgramTest):
         """Runs melt. On a busy machine melt 7.12 sometimes ends without having written a picture, or never ends, whatever
         it plays (`color:` too): then it is run again."""
         outputs = [self.path(text.removeprefix("avformat:")) for text in arguments if text.startswith("avformat:")]
-        for _ in range(5):
+        for seconds in TRIES:
+            for file in filter(os.path.exists, outputs):
+                os.remove(file)
             try:
-                answer = self.run_command([MELT, "-silent", *arguments], self.environment, timeout=40)
+                answer = self.run_command([MELT, "-silent", *arguments], self.environment, timeout=seconds)
             except subprocess.TimeoutExpired:
                 continue
             if fails or answer.code != 0 or all(os.path.exists(file) and os.path.getsize(file) > 0 for file in outputs):
                 self.assertEqual(answer.code != 0, fails, answer.err)
                 return answer
-        self.fail(f"melt wrote nothing five times: {arguments}")
+        self.fail(f"melt wrote nothing in {len(TRIES)} runs: {arguments}")
 
     def clip(self, **changes):
         return self.write("clip.tessel", document(**changes))
