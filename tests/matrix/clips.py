@@ -51,9 +51,11 @@ def interlaced(order=1):
 
 def chart(frames=3):
     """The sample chart: edges between strong colours, and levels beyond black and white. It is painted in BGRA
-    float alone."""
+    float alone. It is a row lower than the sample: between pairs of rows, edges do not show rows that are halved."""
     with open(os.path.join(SAMPLES, "swatch-chart.tessel"), encoding="utf-8") as file:
         root = json.load(file)
+    for patches in root["mSwatchCoordinates"].values():
+        patches["yCoordinates"] = [row + 1 for row in patches["yCoordinates"]]
     ticks = TICKS_PER_SECOND // RATE
     root["mVideoFrameRate"] = {"ticksperframe": ticks}
     root["mVideoDuration"] = {"ticks": ticks * frames}

@@ -1,7 +1,11 @@
 """Colour faults that FFmpeg's own filters make, named."""
 
+import json
+import os
+
 from verify_support import FRAMES, VerifyTest, document, gradient, main
 
+SAMPLE_CHART = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "samples", "swatch-chart.tessel")
 TAGS = ("-color_primaries", "1", "-color_trc", "1", "-colorspace", "1", "-color_range", "tv")
 
 
@@ -23,6 +27,18 @@ class Color(VerifyTest):
         self.run_tessel("damage", self.save(root), "--fault", "color.matrix=2020", "-o", movie, "--video-codec", "h264",
                         "--quality", "23")
         self.assertEqual(self.expect(self.verify(root, movie), "color.matrix")["found"], "BT.2020")
+
+    def test_a_matrix_that_moves_codes_by_less_than_the_tolerance_is_named_by_its_direction(self):
+        # SMPTE 240M moves these colours by 0.8 codes, and H.264 is allowed 2.5.
+        root = gradient("v211", (384, 216))
+        movie = self.path("of240.mp4")
+        self.run_tessel("damage", self.save(root), "--fault", "color.matrix=240", "-o", movie, "--video-codec", "h264",
+                        "--quality", "23")
+        finding = self.expect(self.verify(root, movie), "color.matrix")
+        self.assertEqual(finding["found"], "SMPTE 240M")
+        self.assertNotIn("one of", finding["message"])
+        self.expect_clean(self.verify(root, movie, "--tolerance", "color.matrix=2.5"), "with a tolerance that was asked for")
+        self.expect_clean(self.verify(root, self.render(root, "clean.mp4", "--video-codec", "h264", "--quality", "23")), "clean")
 
     def test_matrix_tag_alone(self):
         root = gradient("v211", (480, 270))
@@ -79,6 +95,39 @@ class Color(VerifyTest):
         finding = self.fault("bgrx", "format=yuv444p,format=yuv422p,format=yuv444p,format=gbrp", "color.subsampling",
                              arguments=())
         self.assertIn("4:2:2", finding["found"])
+
+    def chart(self, row):
+        """The sample chart, two frames of it, moved down; unmoved, its edges lie on even rows."""
+        with open(SAMPLE_CHART, encoding="utf-8") as file:
+            root = json.load(file)
+        root["mSwatchCoordinates"] = {name: {**patches, "yCoordinates": [y + row for y in patches["yCoordinates"]]}
+                                      for name, patches in root["mSwatchCoordinates"].items()}
+        root["mVideoDuration"] = {"ticks": root["mVideoFrameRate"]["ticksperframe"] * 2}
+        return root
+
+    def test_halved_rows_of_chroma_show_at_edges_inside_pairs_of_rows(self):
+        notes = []
+        for row in (0, 1):
+            root = self.chart(row)
+            whole = self.render(root, "whole.mov", "--video-codec", "v210")
+            report = self.verify(root, whole)
+            self.expect_clean(report, f"row {row}")
+            notes.append([note for note in report["notes"] if "rows of chroma could be lost unseen" in note])
+            movie = self.path("halved.mov")
+            self.run_tessel("damage", self.save(root), "--fault", "color.subsampling=420", "-o", movie, "--video-codec",
+                            "v210")
+            if row:
+                self.assertIn("4:2:0", self.expect(self.verify(root, movie), "color.subsampling")["found"])
+            else:
+                self.expect_clean(self.verify(root, movie), "the same codes")
+        self.assertEqual([len(told) for told in notes], [1, 0])
+
+    def test_a_quarter_of_the_columns_is_told_from_a_shift_behind_a_lossy_codec(self):
+        root = self.chart(0)
+        movie = self.path("few.mxf")
+        self.run_tessel("damage", self.save(root), "--fault", "color.subsampling=411", "-o", movie, "--video-codec",
+                        "mpeg2", "--quality", "2")
+        self.assertIn("4:1:1", self.expect(self.verify(root, movie), "color.subsampling")["found"])
 
     def test_grey_is_no_chroma_at_all(self):
         self.fault("v211", "hue=s=0", "color.subsampling")

@@ -1,7 +1,8 @@
 #include "ColorJudge.h"
 
 #include "AlphaJudge.h"
-#include "RightCodings.h"
+#include "ColorEvidence.h"
+#include "LevelReport.h"
 #include "hypotheses/Clipping.h"
 #include "hypotheses/Levels.h"
 
@@ -21,33 +22,6 @@ constexpr std::array kListed{id::kColorMatrix, id::kColorRange, id::kColorChanne
                              id::kColorTransfer};
 constexpr std::array kFitted{id::kColorGain, id::kColorOffset, id::kColorSaturation, id::kColorHue};
 
-/// How far codes are off where nothing is wrong: rounding, and what codecs do to flat colours.
-double NoiseOf(CodecClass codec) noexcept
-{
-    return codec == CodecClass::Lossless ? 0.25 : codec == CodecClass::Mezzanine ? 0.4 : 0.8;
-}
-
-/// In resampled pictures a spot's place is known to so many pixels.
-constexpr double kPlaceUncertainty = 0.35;
-
-/// How far codes may differ at spots where colours change from row to row.
-double PlaceNoise(const ColorCase& given)
-{
-    const ColorSampler& sampler = given.sampler;
-    const double pixels = given.chromaOff + (sampler.IsResampled() ? kPlaceUncertainty : 0);
-    if (pixels == 0 || sampler.Spots().empty()) {
-        return 0;
-    }
-    double squares = 0;
-    for (const ColorSampler::Spot& spot : sampler.Spots()) {
-        squares += spot.slope * spot.slope;
-    }
-    return 255 * pixels * std::sqrt(squares / static_cast<double>(sampler.Spots().size()));
-}
-
-/// A picture whose chroma is multiplied by less than this counts as grey.
-constexpr double kNoChroma = 0.02;
-
 /// An explanation that leaves so much less than none is right, though the codes are off by no more than about
 /// the tolerance.
 constexpr double kPlainlyBetter = 3;
@@ -56,92 +30,35 @@ constexpr double kPlainlyBetter = 3;
 class Judging {
 public:
     Judging(const ColorCase& given, Findings& findings)
-        : mGiven(given), mFindings(findings), mNoise(NoiseOf(findings.Limits().picture) + PlaceNoise(given)),
-          mTolerance(findings.Limits().Of(id::kColorMatrix) + given.lostStep / 2 + 2 * PlaceNoise(given))
+        : mGiven(given), mFindings(findings), mColors(given, findings.Limits())
     {
     }
 
     void Run()
     {
-        ChooseCoding();
         if (!mGiven.clip.fileKind.HasAlpha() || !mGiven.movie.format.hasAlpha) {
             mFindings.NotVisible(id::kColorAlpha);
         } else {
-            JudgeAlpha(mPairs, NoiseOf(mFindings.Limits().picture), mFindings);
+            JudgeAlpha(mColors.pairs, NoiseOf(mFindings.Limits().picture), mFindings);
         }
-        const double off = mResiduals.front();
-        if (off <= mTolerance - mNoise) {
+        if (mColors.Off() > mColors.tolerance - mColors.noise) {
+            Explain();
+            return;
+        }
+        // A tolerance that was asked for says what is fine; a wrong tag explains other codes by itself.
+        const bool isSettled = mFindings.Limits().chosen.count(std::string(id::kColorMatrix)) != 0 ||
+                               mFindings.HasFault(id::kContainerMatrix) ||
+                               mFindings.HasFault(id::kContainerRange);
+        const std::optional<std::size_t> faint = isSettled ? std::nullopt : mColors.FaintMatrix();
+        if (faint) {
+            TellWinner(*faint, nullptr, 0);
+        } else {
             TellFine();
             TellContradictedTags();
-        } else {
-            Explain(off);
         }
     }
 
 private:
-    /// Takes the right coding that fits best, and all explanations of it.
-    void ChooseCoding()
-    {
-        double best = 1e300;
-        for (const Coding& coding : RightCodings(mGiven.clip, mGiven.movie)) {
-            std::vector<ColorPair> pairs = PairsOf(mGiven.sampler.Spots(), coding);
-            if (KeepsChromaOfFrames()) {
-                MixChromaOfFields(pairs, coding);
-            }
-            std::vector<Hypothesis> list = Hypotheses(coding);
-            const double residual = ResidualOf(list.front(), pairs);
-            if (residual < best - 0.2) {
-                best = residual;
-                mCoding = coding;
-                mPairs = std::move(pairs);
-                mList = std::move(list);
-            }
-        }
-        mClipping = FitClipping(mCoding, mPairs, mTolerance + mNoise);
-        if (mClipping) {
-            mList.push_back(mClipping->hypothesis);
-        }
-        for (const Hypothesis& hypothesis : mList) {
-            mResiduals.push_back(ResidualOf(hypothesis, mPairs));
-        }
-    }
-
-    /// A planar frame picture has one chroma for both fields, by its format.
-    [[nodiscard]] bool KeepsChromaOfFrames() const
-    {
-        const exporting::PixelKind& kind = mGiven.clip.fileKind;
-        return kind.storage == exporting::Storage::Planar420 && !kind.fieldPicture &&
-               mGiven.movie.format.chromaShiftY > 0;
-    }
-
-    static void MixChromaOfFields(std::vector<ColorPair>& pairs, const Coding& coding)
-    {
-        for (ColorPair& pair : pairs) {
-            Triple own = Encode(coding, pair.rgb);
-            Triple other = Encode(coding, pair.otherField);
-            for (const std::size_t part : {1U, 2U}) {
-                own[part] = other[part] = (own[part] + other[part]) / 2;
-            }
-            pair.rgb = Decode(coding, own);
-            pair.otherField = Decode(coding, other);
-        }
-    }
-
-    /// Many spots average rounding away; what codecs do to flat colours less so.
-    [[nodiscard]] double FitNoise() const noexcept { return mNoise / 4; }
-
-    [[nodiscard]] bool IsVisible(const Hypothesis& hypothesis) const
-    {
-        return DistanceOf(mList.front(), hypothesis, mPairs) > mTolerance + mNoise;
-    }
-
-    /// Not where a colour without alpha is multiplied by it.
-    [[nodiscard]] bool ChangesColors(const Hypothesis& hypothesis) const
-    {
-        constexpr double kNothing = 0.1; // codes
-        return DistanceOf(mList.front(), hypothesis, mPairs) > kNothing;
-    }
-
     void Tell(std::string_view check, bool isVisible)
     {
         if (isVisible) {
@@ -156,7 +73,7 @@ private:
     {
         TellListedFine();
         TellClipping();
-        const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
+        const LevelFit fit = FitLevels(mColors.pairs, mColors.coding, mColors.FitNoise());
         Tell(id::kColorGain, fit.hasLuma);
         Tell(id::kColorOffset, true);
         Tell(id::kColorSaturation, fit.hasChroma);
@@ -167,53 +84,45 @@ private:
     void TellListedFine()
     {
         for (const std::string_view check : kListed) {
-            Tell(check, std::any_of(mList.begin() + 1, mList.end(), [&](const Hypothesis& hypothesis) {
-                     return hypothesis.ids.size() == 1 && hypothesis.ids.front() == check &&
-                            IsVisible(hypothesis);
-                 }));
+            Tell(check, mColors.ShowsFaultOf(check));
         }
-    }
-
-    /// Whether codes beyond two levels came back at those levels.
-    [[nodiscard]] bool IsCutOff() const
-    {
-        return mClipping && mClipping->plainDistance > mTolerance + mNoise &&
-               mClipping->residual < mClipping->plainDistance / 2;
     }
 
     /// Few codes lie outside the nominal range: what became of them does not show in the residual of all.
     void TellClipping()
     {
-        if (IsCutOff()) {
-            const Hypothesis& hypothesis = mClipping->hypothesis;
+        if (mColors.IsCutOff()) {
+            const Hypothesis& hypothesis = mColors.clipping->hypothesis;
             Finding& finding =
                 mFindings.Fault(id::kColorClipped, fmt::format("{} (residual {:.1f} codes)", hypothesis.message,
-                                                               mClipping->residual));
+                                                               mColors.clipping->residual));
             finding.expected = hypothesis.expected.front();
             finding.found = hypothesis.found.front();
             return;
         }
-        Tell(id::kColorClipped, ShowsClipping(mCoding, mPairs, mTolerance + mNoise));
+        Tell(id::kColorClipped,
+             ShowsClipping(mColors.coding, mColors.pairs, mColors.tolerance + mColors.noise));
     }
 
     /// Where codes are the clip's but the movie announces another coding, that is a part of the wrong tag.
     void TellContradictedTags()
     {
         const read::PictureFacts& movie = mGiven.movie;
-        if (mCoding.isRgb) {
+        if (mColors.coding.isRgb) {
             return;
         }
         if (mFindings.HasFault(id::kContainerMatrix) && movie.matrix != 2 &&
-            !IsSameMatrix(movie.matrix, mCoding.matrix)) {
+            !IsSameMatrix(movie.matrix, mColors.coding.matrix)) {
             Finding& finding = mFindings.Fault(
-                id::kColorMatrix, fmt::format("codes are {} where the file says {}", MatrixName(mCoding.matrix),
-                                              MatrixName(movie.matrix)));
+                id::kColorMatrix, fmt::format("codes are {} where the file says {}",
+                                              MatrixName(mColors.coding.matrix), MatrixName(movie.matrix)));
             finding.expected = MatrixName(movie.matrix);
-            finding.found = MatrixName(mCoding.matrix);
+            finding.found = MatrixName(mColors.coding.matrix);
         }
-        if (mFindings.HasFault(id::kContainerRange) && movie.fullRange && *movie.fullRange != mCoding.isFull) {
-            const std::string_view is = mCoding.isFull ? "full" : "limited";
-            const std::string_view said = mCoding.isFull ? "limited" : "full";
+        if (mFindings.HasFault(id::kContainerRange) && movie.fullRange &&
+            *movie.fullRange != mColors.coding.isFull) {
+            const std::string_view is = mColors.coding.isFull ? "full" : "limited";
+            const std::string_view said = mColors.coding.isFull ? "limited" : "full";
             Finding& finding = mFindings.Fault(
                 id::kColorRange, fmt::format("codes are {} range where the file says {} range", is, said));
             finding.expected = std::string(said);
@@ -221,56 +130,65 @@ private:
         }
     }
 
-    void Explain(double off)
+    void Explain()
     {
+        const double off = mColors.Off();
         std::size_t best = 1;
-        for (std::size_t i = 1; i < mList.size(); ++i) {
+        for (std::size_t i = 1; i < mColors.list.size(); ++i) {
             // Two faults at once explain more than one does anyway: they must earn it.
-            const double handicap = mList[i].ids.size() > 1 && mList[best].ids.size() == 1 ? 0.4 : 0;
-            if (mResiduals[i] + handicap < mResiduals[best]) {
+            const double handicap =
+                mColors.list[i].ids.size() > 1 && mColors.list[best].ids.size() == 1 ? 0.4 : 0;
+            if (mColors.residuals[i] + handicap < mColors.residuals[best]) {
                 best = i;
             }
         }
-        const LevelFit fit = FitLevels(mPairs, mCoding, FitNoise());
-        const bool isListed = mResiduals[best] <= mTolerance + mNoise;
-        const bool isFitted = fit.residual <= mTolerance + mNoise && IsBeyond(fit);
+        const LevelFit fit = FitLevels(mColors.pairs, mColors.coding, mColors.FitNoise());
+        const bool isListed = mColors.residuals[best] <= mColors.tolerance + mColors.noise;
+        const bool isFitted =
+            fit.residual <= mColors.tolerance + mColors.noise && IsBeyond(fit, mFindings.Limits());
         // Levels of one component alone move the mean of three less than their own tolerance.
         const bool isPlainLevel = isFitted && fit.residual < off / kPlainlyBetter;
-        if (off <= mTolerance + mNoise) {
+        if (off <= mColors.tolerance + mColors.noise) {
             if (isPlainLevel) {
-                TellLevels(fit);
-            } else if (IsCutOff() && best + 1 == mList.size()) {
+                TellFitted(fit);
+            } else if (mColors.IsCutOff() && best + 1 == mColors.list.size()) {
                 TellFine(); // but for what lies outside the levels
-            } else if (mResiduals[best] < off / kPlainlyBetter) {
-                TellWinner(best, nullptr);
+            } else if (mColors.residuals[best] < off / kPlainlyBetter) {
+                TellWinner(best, nullptr, Alike());
             } else {
                 TellUndecided(best, off);
             }
-        } else if (isListed && (!isFitted || mResiduals[best] <= fit.residual + 0.5)) {
-            TellWinner(best, isFitted && fit.residual <= mResiduals[best] + 0.3 ? &fit : nullptr);
+        } else if (isListed && (!isFitted || mColors.residuals[best] <= fit.residual + 0.5)) {
+            TellWinner(best, isFitted && fit.residual <= mColors.residuals[best] + 0.3 ? &fit : nullptr,
+                       Alike());
         } else if (isFitted) {
-            TellLevels(fit);
+            TellFitted(fit);
         } else {
             TellUndecided(best, off);
         }
     }
 
+    /// Codes by which an explanation may be off and still count as one of those that fit.
+    [[nodiscard]] double Alike() const noexcept { return mColors.tolerance - mColors.noise; }
+
     /// @param levels  where they explain the codes as well
-    void TellWinner(std::size_t best, const LevelFit* levels)
+    /// @param alike   codes; a rival that is off by less fits as well
+    void TellWinner(std::size_t best, const LevelFit* levels, double alike)
     {
-        const Hypothesis& winner = mList[best];
+        const Hypothesis& winner = mColors.list[best];
         std::string rivals;
         std::size_t runnerUp = 0;
-        for (std::size_t i = 1; i < mList.size(); ++i) {
-            const bool isSimpler = mList[i].ids.size() == 1;
+        for (std::size_t i = 1; i < mColors.list.size(); ++i) {
+            const bool isSimpler = mColors.list[i].ids.size() == 1;
             if (i == best || !isSimpler) {
                 continue;
             }
-            const bool isAlike = mResiduals[i] <= std::max(mTolerance - mNoise, mResiduals[best] + 0.3) &&
-                                 DistanceOf(mList[i], winner, mPairs) < mTolerance;
+            const bool isAlike = mColors.residuals[i] <= std::max(alike, mColors.residuals[best] + 0.3) &&
+                                 DistanceOf(mColors.list[i], winner, mColors.pairs) < mColors.tolerance;
             if (isAlike) {
-                rivals += ", or " + mList[i].message;
-            } else if (ChangesColors(mList[i]) && (runnerUp == 0 || mResiduals[i] < mResiduals[runnerUp])) {
+                rivals += ", or " + mColors.list[i].message;
+            } else if (mColors.ChangesColors(mColors.list[i]) &&
+                       (runnerUp == 0 || mColors.residuals[i] < mColors.residuals[runnerUp])) {
                 runnerUp = i;
             }
         }
@@ -284,9 +202,10 @@ private:
             if (part == 0 && !rivals.empty()) {
                 message = fmt::format("one of: {}{}", message, rivals);
             }
-            message += fmt::format(" (residual {:.1f} codes", mResiduals[best]);
+            message += fmt::format(" (residual {:.1f} codes", mColors.residuals[best]);
             if (runnerUp != 0) {
-                message += fmt::format("; next best {:.1f}: {}", mResiduals[runnerUp], mList[runnerUp].message);
+                message += fmt::format("; next best {:.1f}: {}", mColors.residuals[runnerUp],
+                                       mColors.list[runnerUp].message);
             }
             Finding& finding = mFindings.Fault(winner.ids[part], message + ")");
             finding.expected = winner.expected[part];
@@ -299,16 +218,9 @@ private:
     void TellOthersFine(std::size_t best)
     {
         for (const std::string_view check : kListed) {
-            if (mFindings.HasFault(check)) {
-                continue;
+            if (!mFindings.HasFault(check)) {
+                Tell(check, mColors.ShowsFaultBeside(check, best));
             }
-            const bool isVisible =
-                std::any_of(mList.begin() + 1, mList.end(), [&](const Hypothesis& hypothesis) {
-                    return hypothesis.ids.size() == 1 && hypothesis.ids.front() == check &&
-                           IsVisible(hypothesis) &&
-                           DistanceOf(mList[best], hypothesis, mPairs) > mTolerance + mNoise;
-                });
-            Tell(check, isVisible);
         }
         if (!mFindings.HasFault(id::kColorClipped)) {
             mFindings.NotVisible(id::kColorClipped, "a movie without other faults of colour");
@@ -318,109 +230,30 @@ private:
         }
     }
 
-    [[nodiscard]] bool IsBeyond(const LevelFit& fit) const
+    void TellFitted(const LevelFit& fit)
     {
-        const Tolerances& limits = mFindings.Limits();
-        return std::abs(fit.gain - 1) > limits.Of(id::kColorGain) ||
-               std::abs(fit.offset) > limits.Of(id::kColorOffset) ||
-               std::abs(fit.saturation - 1) > limits.Of(id::kColorSaturation) ||
-               std::abs(fit.hueDegrees) > limits.Of(id::kColorHue);
-    }
-
-    /// R'G'B' × gain scales chroma alike.
-    [[nodiscard]] static double OwnSaturation(const LevelFit& fit) noexcept
-    {
-        return fit.chromaIsLikeLuma ? 1 : fit.saturation;
-    }
-
-    [[nodiscard]] static int ChangesOf(const LevelFit& fit) noexcept
-    {
-        return (fit.gain != 1 ? 1 : 0) + (fit.offset != 0 ? 1 : 0) + (OwnSaturation(fit) != 1 ? 1 : 0) +
-               (fit.hueDegrees != 0 ? 1 : 0);
-    }
-
-    /// What changed, one sentence each, in the order of `kFitted`.
-    [[nodiscard]] std::vector<std::string> LevelMessages(const LevelFit& fit) const
-    {
-        std::vector<std::string> messages;
-        if (fit.gain != 1) {
-            messages.push_back(fmt::format("levels are multiplied by {:.3f}", fit.gain));
-        }
-        if (fit.offset != 0) {
-            messages.push_back(fmt::format("{:+.1f} codes are added to the levels", fit.offset));
-        }
-        if (OwnSaturation(fit) != 1) {
-            messages.push_back(fmt::format("chroma is multiplied by {:.3f}", fit.saturation));
-        }
-        if (fit.hueDegrees != 0) {
-            messages.push_back(fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
-        }
-        return messages;
-    }
-
-    /// A change that the codes are explained without is not reported, whatever its uncertainty.
-    void TellLevel(std::string_view check, bool isVisible, const Measured& value, std::string message)
-    {
-        if (!isVisible) {
-            mFindings.NotVisible(check);
-        } else if (value.found == value.expected) {
-            mFindings.AsExpected(check);
-        } else {
-            static_cast<void>(mFindings.Judge(check, value, std::move(message)));
-        }
-    }
-
-    void TellLevels(const LevelFit& fit)
-    {
-        const double saturation = OwnSaturation(fit);
-        if (fit.hasChroma && std::abs(saturation) < kNoChroma) {
-            Finding& finding =
-                mFindings.Fault(id::kColorSubsampling,
-                                "no chroma is left, one of: it was not kept (4:0:0), or saturation is 0");
-            finding.expected = std::string("chroma");
-            finding.found = std::string("4:0:0");
-        }
-        std::string offsetMessage = fmt::format("{:+.1f} codes are added to the levels", fit.offset);
-        if (!fit.hasLuma || fit.isGainOrOffset) {
-            offsetMessage = fmt::format("one of: {}, or levels are multiplied", offsetMessage);
-        }
-        std::string gainMessage = fmt::format("levels are multiplied by {:.3f}", fit.gain);
-        if (fit.isGainOrOffset) {
-            gainMessage = fmt::format("one of: {}, or something is added to them", gainMessage);
-        }
-        TellLevel(id::kColorGain, fit.hasLuma, {1, fit.gain, fit.gainUncertainty}, std::move(gainMessage));
-        TellLevel(id::kColorOffset, true, {0, fit.offset, fit.offsetUncertainty}, offsetMessage);
-        TellLevel(id::kColorSaturation, fit.hasChroma, {1, saturation, fit.saturationUncertainty},
-                  fmt::format("chroma is multiplied by {:.3f}", saturation));
-        TellLevel(id::kColorHue, fit.hasChroma, {0, fit.hueDegrees, fit.hueUncertainty},
-                  fmt::format("hues are turned by {:.1f} degrees", fit.hueDegrees));
+        TellLevels(fit, mFindings);
         TellListedFine();
         mFindings.NotVisible(id::kColorClipped, "a movie without other faults of colour");
     }
 
     void TellUndecided(std::size_t best, double off)
     {
-        const std::string_view check = mList[best].ids.front();
+        const std::string_view check = mColors.list[best].ids.front();
         Finding& finding = mFindings.Undecided(
             check,
             fmt::format("codes are off by {:.1f} and nothing on the list explains it; nearest is that {} "
                         "(residual {:.1f} codes)",
-                        off, mList[best].message, mResiduals[best]));
+                        off, mColors.list[best].message, mColors.residuals[best]));
         finding.expected = 0.0;
         finding.found = off;
-        finding.uncertainty = mNoise;
+        finding.uncertainty = mColors.noise;
         finding.unit = "codes";
     }
 
     const ColorCase& mGiven;
     Findings& mFindings;
-    double mNoise;
-    double mTolerance;
-    Coding mCoding;
-    std::vector<ColorPair> mPairs;
-    std::vector<Hypothesis> mList;
-    std::optional<ClippingFit> mClipping;
-    std::vector<double> mResiduals;
+    const ColorEvidence mColors;
 };
 
 } // namespace

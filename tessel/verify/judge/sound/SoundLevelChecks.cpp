@@ -78,7 +78,9 @@ private:
             }
         }
         const double level = Decibels(std::abs(worst));
-        const double uncertainty = worst == 0 ? 0 : std::min(6.0, 8.69 * 3 * sigma / std::abs(worst));
+        // Lossy codecs change levels by some hundredths of a decibel.
+        const double least = IsLossless() ? 0.0 : 0.05;
+        const double uncertainty = worst == 0 ? 0 : std::clamp(8.69 * 3 * sigma / std::abs(worst), least, 6.0);
         JudgeLevel(id::kAudioDc, level, uncertainty,
                    fmt::format("{} has a constant part of {:+.5f} ({:.1f} dBFS)", NameOf(place), worst, level));
     }

@@ -136,8 +136,15 @@ bool IsThinned(const ChromaFit& fit, CodecClass codec) noexcept
 {
     constexpr double kMuchBetter = 0.6;
     constexpr double kMost = 0.25; // of an edge: what is further off is something else
-    return fit.edges > 0 && fit.shiftedResidual > EdgeNoise(codec) && fit.thinnedResidual < kMost &&
-           fit.thinnedResidual < kMuchBetter * fit.shiftedResidual;
+    // A codec's losses do not happen to be those of fewer samples: where these explain nearly all, they are
+    // few.
+    constexpr double kPlainlyBetter = 0.2;
+    constexpr double kPlain = 0.08; // of an edge
+    const bool isPlain =
+        fit.shiftedResidual > kPlain && fit.thinnedResidual < kPlainlyBetter * fit.shiftedResidual;
+    return fit.edges > 0 &&
+           (isPlain || (fit.shiftedResidual > EdgeNoise(codec) && fit.thinnedResidual < kMost &&
+                        fit.thinnedResidual < kMuchBetter * fit.shiftedResidual));
 }
 
 /// Whether fewer samples would have shown: edges that all begin a group of samples look the same.
@@ -155,11 +162,20 @@ bool IsEitherWay(const ChromaFit& fit, CodecClass codec) noexcept
            fit.thinnedResidual <= noise;
 }
 
+/// Part of an edge's height by which a model differs that is no other one's twin.
+constexpr double kVisibleChange = 0.02;
+
+/// Whether the clip's rows differ enough for pairs of them to show.
+bool ShowsPairsOfRows(const RowSteps& steps) noexcept
+{
+    constexpr double kEnough = 20; // codes
+    return steps.was > kEnough;
+}
+
 /// Whether rows come in pairs that are alike, where the clip's are not.
 bool HasPairsOfRows(const RowSteps& steps) noexcept
 {
-    constexpr double kEnough = 20; // codes
-    return steps.was > kEnough && steps.is < 0.3 * steps.was && steps.isNext > 1.4 * steps.wasNext;
+    return ShowsPairsOfRows(steps) && steps.is < 0.3 * steps.was && steps.isNext > 1.4 * steps.wasNext;
 }
 
 std::string SubsamplingName(int across, int down, bool knowsDown)
@@ -202,11 +218,17 @@ private:
     bool JudgeSubsampling()
     {
         // Where a shift explains all as well, fewer samples are likelier unless samples are few already.
-        const bool isEither = mPerX == 1 && IsEitherWay(mAcross, mCodec) && !IsThinned(mDown, mCodec);
+        const bool isEither = mPerX == 1 && IsEitherWay(mAcross, mCodec);
         const bool thinsAcross = isEither || IsThinned(mAcross, mCodec);
         const bool thinsDown = mHasPairsOfRows || IsThinned(mDown, mCodec);
         if (!thinsAcross && !thinsDown) {
             mFindings.AsExpected(id::kColorSubsampling);
+            if (mPerY == 1 && mDown.edges > 0 && !TellsPairsOfRows()) {
+                mFindings.Note(
+                    fmt::format("half of the rows of chroma could be lost unseen: all edges down lie "
+                                "between pairs of rows [{}]",
+                                id::kColorSubsampling));
+            }
             return false;
         }
         const int across = thinsAcross ? mAcross.thinned : mPerX;
@@ -217,13 +239,20 @@ private:
             fmt::format("chroma was subsampled to {} on its way, where samples are {}", is, was);
         Finding& finding = mFindings.Fault(
             id::kColorSubsampling,
-            isEither && !mHasPairsOfRows
+            isEither && !thinsDown
                 ? fmt::format("one of: {}, or it lies {:.2f} luma pixels to the {} ({})", what,
                               std::abs(mAcross.shift), mAcross.shift < 0 ? "left" : "right", Residuals())
                 : fmt::format("{} ({})", what, Residuals()));
         finding.expected = was;
         finding.found = is;
         return true;
+    }
+
+    /// Whether rows that were halved would have shown, at edges or in a gradient.
+    [[nodiscard]] bool TellsPairsOfRows() const
+    {
+        return mDown.thinnedResidual > mDown.plainResidual + kVisibleChange ||
+               ShowsPairsOfRows(mSampler.Steps());
     }
 
     /// What the edges, or the rows, tell; residuals are parts of an edge's height.
