@@ -167,6 +167,16 @@ class ForeignFaults(Sound):
         self.filtered_sound(root, "pan=stereo|FL=FL+0.707*FC+0.707*BL|FR=FR+0.707*FC+0.707*BR", "audio.downmix")
         self.filtered_sound(root, "aresample=44100", "container.sample-rate")
 
+    def test_sound_that_was_stretched_with_its_pitch_kept(self):
+        # FFmpeg's atempo lays pieces over each other, up to 21 ms from where the speed puts them.
+        for name, root in (("stereo", clip(EBU_STEREO, 10)), ("surround", clip(EBU_SURROUND, 13)), ("blits", clip(BLITS))):
+            self.render(root, "whole.wav")
+            for tempo in (1.01, 0.97, 1.1):
+                with self.subTest(clip=name, tempo=tempo):
+                    finding = self.filtered_sound(root, f"atempo={tempo}", "sync.drift")
+                    self.assertAlmostEqual(finding["found"], (1 - tempo) * 1e6, delta=finding["uncertainty"])
+                    self.assertIn("its pitch kept", finding["message"])
+
     def test_filters_on_ebu_stereo(self):
         root = clip(EBU_STEREO, 10)
         self.filtered_sound(root, "pan=stereo|c0=c1|c1=c0", "audio.order")

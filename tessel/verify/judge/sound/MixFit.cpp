@@ -12,6 +12,8 @@ namespace {
 /// Moments at which levels are compared, and how long before and behind nothing may change.
 constexpr double kStep = 0.04;
 constexpr double kMargin = 0.03;
+/// The same in stretched sound, whose tones begin and end some hundredths of a second off their places.
+constexpr double kStretchedMargin = 0.06;
 
 /// What sounds at one moment: amplitude and sign of one tone in each channel.
 struct Moment {
@@ -40,7 +42,8 @@ public:
     Fitting(const SoundTrack& clip, const SoundTrack& movie, const TimeMap& map, std::optional<int> lowChannel)
         : mClip(clip), mMovie(movie), mMap(map), mLowChannel(lowChannel),
           mSources(static_cast<Eigen::Index>(clip.channels.size())),
-          mChannels(static_cast<Eigen::Index>(movie.channels.size()))
+          mChannels(static_cast<Eigen::Index>(movie.channels.size())),
+          mMargin(map.IsStretched() ? kStretchedMargin : kMargin)
     {
     }
 
@@ -98,7 +101,7 @@ private:
             }
         }
         Moment moment;
-        for (double seconds = mMovie.start + kMargin; seconds < end; seconds += kStep) {
+        for (double seconds = mMovie.start + mMargin; seconds < end; seconds += kStep) {
             const double clipSeconds = mMap.ClipSeconds(seconds);
             const bool isStray =
                 std::any_of(mMap.strays.begin(), mMap.strays.end(), [&](const StrayTone& stray) {
@@ -144,7 +147,7 @@ private:
         moment.isKnown.assign(mMovie.channels.size(), false);
         std::optional<double> phase;
         for (std::size_t source = 0; source < mClip.channels.size(); ++source) {
-            const ToneRun* run = Steady(mClip, source, clipSeconds, kMargin);
+            const ToneRun* run = Steady(mClip, source, clipSeconds, mMargin);
             if (run == nullptr) {
                 return false;
             }
@@ -310,6 +313,7 @@ private:
     std::optional<int> mLowChannel;
     Eigen::Index mSources;
     Eigen::Index mChannels;
+    double mMargin; ///< seconds
 };
 
 // -3 dB, and the two weights of a matrix surround encoder: sqrt(2/3) and sqrt(1/3).

@@ -65,6 +65,11 @@ private:
         } else {
             mFindings.AsExpected(id::kAudioPitch);
         }
+        if (mMap.IsStretched()) {
+            // Where pieces were laid over each other, phases slip, which looks like another clock.
+            mFindings.NotVisible(id::kAudioDrift, "sound that was not stretched");
+            return;
+        }
         // A measure is to be four times as fine as the tolerance. Else the sound is too short, or too much
         // changed, to show a good clock; a bad one may show all the same, but not where nothing is known well.
         constexpr double kRough = 3e-5;

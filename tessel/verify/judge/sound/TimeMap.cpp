@@ -64,8 +64,11 @@ TimeMap MapTime(const SoundTrack& clip, const SoundTrack& movie, double pitch, d
     TimeMapDraft draft(clip, movie, pitch, leastSeconds);
     MeasurePitch(draft);
     MapByEdges(draft);
+    MapStretch(draft);
     RefineByPhases(draft);
-    FindStrays(draft);
+    if (!draft.map.IsStretched()) {
+        FindStrays(draft);
+    }
     return std::move(draft.map);
 }
 

@@ -68,6 +68,23 @@ std::optional<double> TimeMapStage::AngleOf(const ToneRun& run, const Tone& tone
     return std::nullopt;
 }
 
+bool TimeMapStage::StaysInSteps(const std::vector<EdgeMatch>& matches, double slope) const
+{
+    std::vector<double> stepped;
+    std::vector<double> sloped;
+    for (std::size_t i = 1; i < matches.size(); ++i) {
+        const double movie = matches[i].movie - matches[i - 1].movie;
+        const double clip = matches[i].clip - matches[i - 1].clip;
+        stepped.push_back(clip - mMap.pitch * movie);
+        sloped.push_back(clip - slope * movie);
+    }
+    const double usual = std::max(1.5 / mMovie.rate, 3 * std::min(Scatter(stepped), Scatter(sloped)));
+    const auto explained = [&](const std::vector<double>& offs) {
+        return std::count_if(offs.begin(), offs.end(), [&](double off) { return std::abs(off) <= usual; });
+    };
+    return explained(stepped) > explained(sloped);
+}
+
 std::optional<std::pair<double, double>> TimeMapStage::SpliceBetween(double first, double last) const
 {
     std::optional<std::pair<double, double>> place;

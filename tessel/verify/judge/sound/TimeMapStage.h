@@ -63,6 +63,11 @@ protected:
     /// By how much a tone is ahead of the clip's under a shift, radians; nothing where the clip has none there.
     [[nodiscard]] std::optional<double> AngleOf(const ToneRun& run, const Tone& tone, double shift) const;
 
+    /// Whether edges keep their distances at the speed of the pitch and jump now and then, rather than drift
+    /// away at another speed. Lost samples alone bend a line through all edges.
+    /// @param slope  the other speed
+    [[nodiscard]] bool StaysInSteps(const std::vector<EdgeMatch>& matches, double slope) const;
+
     /// Where a tone jumps on its way, or is interrupted, between two times of the movie.
     [[nodiscard]] std::optional<std::pair<double, double>> SpliceBetween(double first, double last) const;
 
@@ -81,6 +86,8 @@ protected:
 /// The stages, in this order. @{
 /// Speed and pieces by beginnings and ends of tones.
 void MapByEdges(TimeMapDraft& draft);
+/// Sound that was made longer or shorter with its pitch kept, where edges tell it better than steps do.
+void MapStretch(TimeMapDraft& draft);
 /// Shifts to parts of a sample, steps inside tones and the channels' signs, by the phases of tones.
 void RefineByPhases(TimeMapDraft& draft);
 /// Tones and pauses that stand elsewhere in the clip.

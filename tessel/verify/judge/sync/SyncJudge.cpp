@@ -177,15 +177,27 @@ void JudgeSync(const SyncCase& given, Findings& findings)
     const double drift = (1 - map.tempo) - pictures.drift;
     const double sigma = std::hypot(map.tempoSigma, pictures.driftSigma);
     const double seconds = given.sound.mix.seconds;
-    if (map.tempoSigma <= 0 || !pictures.isByNumber || seconds < kLeastSeconds ||
-        3 * sigma * 1e6 > findings.Limits().Of(id::kSyncDrift)) {
+    // A coarse measure shows no good clock, but a bad one all the same.
+    const double limit = findings.Limits().Of(id::kSyncDrift) * 1e-6;
+    const bool isCoarse = 3 * sigma > limit && std::abs(drift) <= limit + 3 * sigma;
+    // Stretched sound is at another speed than its own pitch says, whatever the pictures are.
+    if (map.tempoSigma <= 0 || (!pictures.isByNumber && !map.IsStretched()) || seconds < kLeastSeconds ||
+        isCoarse) {
         findings.NotVisible(id::kSyncDrift);
         return;
     }
     static_cast<void>(
         findings.Judge(id::kSyncDrift, {0, drift * 1e6, 3 * sigma * 1e6},
-                       fmt::format("the sound {} the picture by {:.2f} ms a second",
-                                   drift > 0 ? "falls behind" : "runs ahead of", std::abs(drift) * 1000)));
+                       fmt::format("the sound {} the picture by {:.2f} ms a second{}",
+                                   drift > 0 ? "falls behind" : "runs ahead of", std::abs(drift) * 1000,
+                                   map.IsStretched() ? ": it was stretched, and its pitch kept" : "")));
+    if (map.IsStretched()) {
+        // Pieces that are laid over each other sound like noise and clicks where they meet.
+        for (const std::string_view seam :
+             {id::kAudioNoise, id::kAudioHarmonics, id::kAudioDropout, id::kAudioGain, id::kAudioDc}) {
+            findings.Because(id::kSyncDrift, seam);
+        }
+    }
 }
 
 } // namespace tessel::verify::judge
