@@ -201,7 +201,7 @@ std::string SignsBefore(const FoundObject& object, const std::optional<std::stri
                         std::string_view lineEnd)
 {
     if (indentation) {
-        return "," + std::string(lineEnd) + *indentation;
+        return std::string(",").append(lineEnd) + *indentation;
     }
     return object.first ? SignLike(object.comma, object.colon == ":" ? "," : ", ") : std::string();
 }
