@@ -65,8 +65,9 @@ void RunSet(const SetOptions& options)
     for (std::string& warning : document::DocumentWarnings(*document)) {
         warnings.push_back(std::move(warning));
     }
+    const std::string begin = "warning: " + name + ": ";
     for (const std::string& warning : warnings) {
-        WriteError("warning: " + name + ": " + warning);
+        WriteError(begin + warning);
     }
     if (document->Text() == before) {
         return;

@@ -139,7 +139,7 @@ int ExitCodeOf(verify::Verdict verdict)
 verify::TextColors WantedColors()
 {
     const auto valueOf = [](const char* name) {
-        const char* value = std::getenv(name);
+        const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): only read
         return value == nullptr ? std::string_view() : std::string_view(value);
     };
     const bool isPlain = !valueOf("NO_COLOR").empty() || valueOf("TERM") == "dumb";

@@ -17,7 +17,7 @@ constexpr std::size_t kTextColumn = 26; // where the texts of options begin
 
 std::optional<std::size_t> ColumnsVariable()
 {
-    const char* text = std::getenv("COLUMNS");
+    const char* text = std::getenv("COLUMNS"); // NOLINT(concurrency-mt-unsafe): only read
     const std::string_view digits = text != nullptr ? text : "";
     std::size_t columns = 0;
     const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), columns);
