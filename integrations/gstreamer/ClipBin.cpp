@@ -8,6 +8,7 @@
 #include <gst/base/gstflowcombiner.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -21,7 +22,8 @@ struct Stream {
     GstElement* source = nullptr; ///< owned by the bin
     GstPad* pad = nullptr;        ///< the bin's; owned by the bin
     GstStream* description = nullptr;
-    GstEvent* start = nullptr; ///< its stream-start
+    GstEvent* start = nullptr;            ///< its stream-start
+    std::atomic<bool> hasBuffers = false; ///< one has left the bin
 
     Stream() = default;
     Stream(const Stream&) = delete;
@@ -95,8 +97,9 @@ GstPadProbeReturn CompleteEvent(GstPad* /*pad*/, GstPadProbeInfo* info, gpointer
 /// A stream that is not linked is an error only where no other one is linked.
 GstFlowReturn PassBuffer(GstPad* pad, GstObject* parent, GstBuffer* buffer)
 {
-    const Stream& stream = *static_cast<const Stream*>(gst_pad_get_element_private(pad));
+    Stream& stream = *static_cast<Stream*>(gst_pad_get_element_private(pad));
     ClipBinState& state = *stream.bin->state;
+    stream.hasBuffers = true;
     NoteBuffer(stream.Source());
     const GstFlowReturn flow = gst_proxy_pad_chain_default(pad, parent, buffer);
     GstFlowReturn combined = flow;
@@ -106,6 +109,18 @@ GstFlowReturn PassBuffer(GstPad* pad, GstObject* parent, GstBuffer* buffer)
     }
     NoteFlow(stream.Source(), flow);
     return combined;
+}
+
+/// A stream asks for memory only before its first buffer; afterwards it allocates by itself. decodebin3 changes
+/// links while buffers flow, after which the source asks again. A multiqueue of GStreamer 1.22 that finds the
+/// stream unlinked at that moment keeps a pointer to the query after it is freed.
+gboolean PassQuery(GstPad* pad, GstObject* parent, GstQuery* query)
+{
+    const Stream& stream = *static_cast<const Stream*>(gst_pad_get_element_private(pad));
+    if (GST_QUERY_TYPE(query) == GST_QUERY_ALLOCATION && stream.hasBuffers) {
+        return FALSE;
+    }
+    return gst_pad_query_default(pad, parent, query);
 }
 
 // ---- Seeks ----
@@ -253,6 +268,7 @@ void AddStream(TesselClipBin* bin, GstElement* source, const std::shared_ptr<Pac
     GstProxyPad* const entrance = gst_proxy_pad_get_internal(GST_PROXY_PAD(stream->pad));
     gst_pad_set_element_private(GST_PAD(entrance), stream.get());
     gst_pad_set_chain_function(GST_PAD(entrance), &PassBuffer);
+    gst_pad_set_query_function(GST_PAD(entrance), &PassQuery);
     gst_object_unref(entrance);
 
     gchar* const id = gst_pad_create_stream_id(stream->pad, GST_ELEMENT(bin), kind.name);

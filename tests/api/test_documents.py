@@ -84,8 +84,8 @@ class New(DocumentTest):
                 line = self.assert_refused(REFUSED, lambda: Document(*settings))  # pylint: disable=W0640
                 answer = self.run_program("new", "-", *self.options(settings))
                 self.assertEqual(answer.code, 2)
-                # The program calls settings by its options' names.
-                self.assertEqual(answer.err.replace("--", ""), f"tessel: {line}\n")
+                # The program calls settings by its options' names; keys are values of --set.
+                self.assertEqual(answer.err.replace("--set: ", "").replace("--", ""), f"tessel: {line}\n")
 
     def test_what_is_no_setting_is_named_with_its_neighbour(self):
         self.assertIn("did you mean 'rate'", self.assert_refused(REFUSED, lambda: Document("rat=25")))

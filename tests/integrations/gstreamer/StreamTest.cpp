@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <support/ClipFolder.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -429,6 +430,28 @@ TEST_F(StreamTest, PicturesArePaintedIntoThePoolOfDownstreamByItsStrides)
     const Pixels inPool = shown(true);
     EXPECT_GE(inPool.stride, usual.stride + 32 + 48);
     EXPECT_TRUE(inPool.bytes == usual.bytes);
+}
+
+GstPadProbeReturn CountAllocations(GstPad* /*pad*/, GstPadProbeInfo* probe, gpointer count)
+{
+    if (GST_QUERY_TYPE(GST_PAD_PROBE_INFO_QUERY(probe)) == GST_QUERY_ALLOCATION) {
+        ++*static_cast<std::atomic<int>*>(count);
+    }
+    return GST_PAD_PROBE_OK;
+}
+
+TEST_F(StreamTest, AStreamThatIsNegotiatedAgainWhileItFlowsAsksForNoMemory)
+{
+    Open(Clip());
+    std::atomic<int> asked = 0;
+    GstPad* const pad = gst_element_get_static_pad(mVideo, "sink");
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM, &CountAllocations, &asked, nullptr);
+    gst_pad_push_event(pad, gst_event_new_reconfigure());
+    gst_object_unref(pad);
+    Play();
+    EXPECT_EQ(Rest(mVideo).size(), kFrames);
+    Close();
+    EXPECT_EQ(asked, 0);
 }
 
 TEST_F(StreamTest, AFormatThatTheClipCannotHaveIsAnError)
