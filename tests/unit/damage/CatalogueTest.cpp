@@ -59,9 +59,8 @@ TEST(FaultCatalogue, EveryFaultCanBeHadWithoutAValue)
 TEST(FaultCatalogue, WrongValuesAreRefusedInOneLineThatSaysWhatWouldBeRight)
 {
     EXPECT_EQ(Refusal("bogus"), "--fault bogus: no such fault; tessel damage --list shows them");
-    EXPECT_EQ(
-        Refusal("order.mising=3"),
-        "--fault order.mising=3: no such fault; tessel damage --list shows them; did you mean 'order.missing'?");
+    EXPECT_EQ(Refusal("order.mising=3"), "--fault order.mising=3: no such fault; tessel damage --list shows "
+                                         "them; did you mean 'order.missing'?");
     EXPECT_EQ(Refusal("color.gain=much"), "--fault color.gain=much: 'much' is no number; the value is FACTOR");
     EXPECT_EQ(Refusal("color.gain=0.5:2"), "--fault color.gain=0.5:2: '2' is too much; the value is FACTOR");
     EXPECT_EQ(Refusal("order.missing=100"),
