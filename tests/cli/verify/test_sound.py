@@ -151,6 +151,14 @@ class OwnFaults(Sound):
         name = self.damaged(root, "container.duration=1", output="long.mkv")
         self.expect(self.verify(root, self.path(name)), "container.duration")
 
+    def test_a_few_lost_samples_are_no_other_speed(self):
+        root = clip(EBU_STEREO, 7)
+        for count in (1, 3, 10):
+            with self.subTest(count=count):
+                name = self.damaged(root, f"audio.lost={count}:4", output="lost.mkv")
+                finding = self.expect(self.verify(root, self.path(name)), "audio.lost")
+                self.assertAlmostEqual(finding["found"], count, delta=finding["uncertainty"])
+
 
 class ForeignFaults(Sound):
     def test_filters_on_blits(self):

@@ -230,7 +230,7 @@ private:
         if (std::abs(slope - mMap.pitch) < 4 * mMap.tempoSigma + 3e-6) {
             mMap.tempo = mMap.pitch;
             mMap.tempoSigma = std::min(mMap.tempoSigma, mMap.pitchSigma);
-        } else if (StaysInSteps(*longest, slope)) {
+        } else if (std::abs(slope / mMap.pitch - 1) <= kLeastStretch || StaysInSteps(*longest, slope)) {
             mMap.tempo = mMap.pitch;
             mMap.tempoSigma = mMap.pitchSigma;
         } else if (std::abs(slope - mMap.tempo) > 4 * mMap.tempoSigma) {

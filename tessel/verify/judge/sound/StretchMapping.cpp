@@ -9,8 +9,6 @@ namespace {
 /// Time stretching lays pieces of sound over each other where they fit best: an edge may be that far from where
 /// the speed puts it. FFmpeg's atempo moves its pieces by up to 21 ms, SoX's tempo by up to 15 ms.
 constexpr double kSplice = 0.03;
-/// A smaller change of speed moves too few edges by more than that.
-constexpr double kLeastStretch = 0.002;
 constexpr std::size_t kLeastEdges = 4;
 /// So few edges lie about some line by chance: they have to lie on it.
 constexpr std::size_t kManyEdges = 6;

@@ -3,6 +3,7 @@
 
 #include "SoundTrack.h"
 
+#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -34,6 +35,9 @@ struct StrayTone {
     bool isPause = false;
 };
 
+/// The least change of speed that counts as stretched, a ratio less 1.
+constexpr double kLeastStretch = 0.002;
+
 struct TimeMap {
     double pitch = 1;              ///< frequencies in relation to the clip's
     double pitchSigma = 0;         ///< of that
@@ -48,8 +52,9 @@ struct TimeMap {
     bool isAmbiguous = false; ///< half a period later and upside down would do as well
     double sigma = 0;         ///< of shifts, seconds
 
-    /// The sound lasts longer or shorter than its pitch says: phases cannot be compared with the clip's.
-    [[nodiscard]] bool IsStretched() const noexcept { return tempo != pitch; }
+    /// The sound lasts longer or shorter than its pitch says: phases cannot be compared with the clip's. Phases
+    /// tell a smaller difference from lost samples, which bend a line through all edges as well.
+    [[nodiscard]] bool IsStretched() const noexcept { return std::abs(tempo / pitch - 1) > kLeastStretch; }
 
     /// The clip's time at a movie's time.
     [[nodiscard]] double ClipSeconds(double movieSeconds) const noexcept;
