@@ -16,13 +16,13 @@ using IdentifierFormatMap = std::map<std::int64_t, std::int32_t>;
 
 /// Item 0, or the field type's own item for 1 and 2.
 void FillFieldTypePopup(qelui::UI_Popup& popup, std::int32_t fieldType);
-/// The last item of that rate, pixel format or ratio, item 0 where there is none, with the settings
-/// unchanged until a person picks an item. @{
+/// The last item with that rate, pixel format or ratio. If no item has it, item 0; the settings keep their
+/// value until a person picks an item. @{
 void FillFrameRatePopup(qelui::UI_Popup& popup, qelmediatypes::FrameRate rate);
 void FillPixelFormatPopup(qelui::UI_Popup& popup, std::uint32_t pixelFormat);
 void FillPixelAspectPopup(qelui::UI_Popup& popup, const qelmediatypes::PixelAspectRatio& ratio);
 /// @}
-/// The first item that matches, none where none does.
+/// The first item that matches. Without a match no item is chosen.
 void FillColorSpacePopup(qelui::UI_Popup& popup, const qelmediatypes::color::ColorSpace& space);
 /// Items only, without a choice. @{
 void FillRenderTypePopup(qelui::UI_Popup& popup);

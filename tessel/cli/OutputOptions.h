@@ -45,7 +45,7 @@ void CheckOutputOptions(const OutputOptions& options);
 /// The container of that name. @throws UsageError
 [[nodiscard]] const exporting::Container& FormatNamed(const std::string& name);
 
-/// @throws UsageError  for an unknown codec, one that the container does not carry, and a timecode of no rate
+/// @throws UsageError  for an unknown codec, one that the container does not carry, or a malformed timecode
 [[nodiscard]] exporting::OutputRequest RequestFor(const OutputOptions& options,
                                                   const exporting::Container& container,
                                                   const std::string& timecode = {});

@@ -20,9 +20,8 @@ namespace py = pybind11;
 [[nodiscard]] tessel_layout LayoutNamed(std::string_view name);
 
 /// The arrays that a frame is written into: those given, or new ones.
-/// @param out  None, an array, or a tuple or list of as many arrays as the picture has planes; ValueError,
-/// which
-///             says what would be right, where they do not fit the picture
+/// @param out  None, an array, or a tuple or list of as many arrays as the picture has planes. Raises
+///             ValueError where they do not fit the picture, and says what would be right.
 [[nodiscard]] std::vector<py::array> Planes(const tessel_picture& picture, const py::object& out);
 
 } // namespace tessel::python

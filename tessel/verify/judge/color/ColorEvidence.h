@@ -37,7 +37,8 @@ struct ColorEvidence {
 
     [[nodiscard]] bool IsVisible(const Hypothesis& hypothesis) const;
 
-    /// Not where a colour without alpha is multiplied by it.
+    /// Whether the explanation moves these colours at all. Multiplying by alpha, for instance, leaves opaque
+    /// colours as they are.
     [[nodiscard]] bool ChangesColors(const Hypothesis& hypothesis) const;
 
     /// Whether a fault of a check of the list would have moved these colours.
