@@ -8,13 +8,13 @@
 
 #include <gtest/gtest.h>
 #include <support/ForeignHost.h>
+#include <support/ScopedVariable.h>
 #include <support/TemporaryFolder.h>
 
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <new>
@@ -223,12 +223,11 @@ TEST_F(AllocationFailure, OfTheSettingsExchangeIs4OrTheDefaultClip)
 
 TEST_F(AllocationFailure, OfTheGateIs4)
 {
-    const std::filesystem::path database = mFolder.Path() / "debug-database.json";
-    std::ofstream(database) << R"({"ML.LoadTestingPluginsAtStartup": "true"})";
-    setenv("KESTREL_DEBUG_DATABASE", database.c_str(), 1);
+    const std::filesystem::path database =
+        mFolder.Write("debug-database.json", R"({"ML.LoadTestingPluginsAtStartup": "true"})");
+    const test::ScopedVariable named("KESTREL_DEBUG_DATABASE", database.c_str());
     ksStartUpRec record{};
     FailEachAllocation([&record] { return Module::ImportEntry(0, nullptr, &record, nullptr); }, Is4);
-    unsetenv("KESTREL_DEBUG_DATABASE");
 }
 
 TEST_F(AllocationFailure, CannotBefallTheGateUnderAnOverride)

@@ -297,26 +297,3 @@ TEST_F(Dispatch, NotedPointersAreThoseAtTheSelectorsOwnPlaces)
         EXPECT_EQ(request.currentImporter, nullptr) << selector;
     }
 }
-
-TEST(Rows, NoteThePointerThatTheyLookAt)
-{
-    Bytes record = Untouched();
-    int importer = 0;
-    SetPointer(record, 92, &importer);
-    ImportRequest request{5, nullptr, nullptr, record.data()};
-    EXPECT_EQ((NotePointer<&ImportRequest::param2, 92>(request)), 3);
-    EXPECT_EQ(request.currentImporter, &importer);
-
-    request = {8, nullptr, nullptr, &importer};
-    EXPECT_EQ((NoteRecord<&ImportRequest::param2, 0>(request)), 0);
-    EXPECT_EQ(request.currentImporter, &importer);
-
-    SetPointer(record, 64, &importer);
-    request = {65, nullptr, nullptr, record.data()};
-    EXPECT_EQ((NeedPointer<&ImportRequest::param2, 64>(request)), 3);
-    EXPECT_EQ(request.currentImporter, &importer);
-
-    request = {46, nullptr, nullptr, record.data()};
-    EXPECT_EQ((NeedPointer<&ImportRequest::param1, 0>(request)), 5);
-    EXPECT_EQ(request.currentImporter, nullptr);
-}

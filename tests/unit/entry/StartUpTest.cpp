@@ -5,9 +5,9 @@
 #include <kestrel/qelcore/debug/DebugDatabase.h>
 
 #include <gtest/gtest.h>
+#include <support/ScopedVariable.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -17,12 +17,6 @@ constexpr const char* kGateKey = "ML.LoadTestingPluginsAtStartup";
 
 class StartUpGate : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        // The database file of the user who runs the test must have no effect.
-        setenv("KESTREL_DEBUG_DATABASE", "/dev/null/absent", 1);
-    }
-
     void SetGate(const std::string& text)
     {
         mGate.reset(); // overrides end in the opposite order of their beginning
@@ -30,6 +24,8 @@ protected:
     }
 
 private:
+    // The database file of the user who runs the test must have no effect.
+    test::ScopedVariable mDatabase{"KESTREL_DEBUG_DATABASE", "/dev/null/absent"};
     std::optional<qelcore::debug::ScopedOverride> mGate;
 };
 

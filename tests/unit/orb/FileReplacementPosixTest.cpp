@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sched.h>
+#include <support/ScopedVariable.h>
 #include <support/TemporaryFolder.h>
 #include <sys/file.h>
 #include <sys/mount.h>
@@ -80,14 +81,9 @@ protected:
     {
         fs::permissions(mFolder.Path(), static_cast<fs::perms>(0755));
         fs::permissions(mElsewhere.Path(), static_cast<fs::perms>(0777));
-        setenv("TMPDIR", mElsewhere.Path().c_str(), 1);
         WriteFile(mOut, "old");
     }
-    void TearDown() override
-    {
-        unsetenv("TMPDIR");
-        EXPECT_EQ(mElsewhere.Count(), 0U) << "a copy or a temporary file is left over";
-    }
+    void TearDown() override { EXPECT_EQ(mElsewhere.Count(), 0U) << "a copy or a temporary file is left over"; }
 
     void ExpectSavedInPlace(ino_t before)
     {
@@ -98,6 +94,7 @@ protected:
     // In this order: temporary folders are made where TMPDIR says.
     TemporaryFolder mFolder;
     TemporaryFolder mElsewhere;
+    const test::ScopedVariable mElsewhereNamed{"TMPDIR", mElsewhere.Path().c_str()};
     fs::path mOut = mFolder / "out";
 };
 

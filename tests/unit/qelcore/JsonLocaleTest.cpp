@@ -2,51 +2,19 @@
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
-#include <support/TemporaryFolder.h>
+#include <support/CommaLocale.h>
 
-#include <clocale>
-#include <cstdlib>
 #include <string>
 
 namespace {
 
 using namespace qelcore::serialization;
 
-/// Switches the process to a locale with a decimal comma: one that the system has, or else one that it can
-/// make.
-class CommaLocale {
-public:
-    CommaLocale() : mBefore(std::setlocale(LC_ALL, nullptr))
-    {
-        for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE", "fr_FR"}) {
-            if (std::setlocale(LC_ALL, name) != nullptr) {
-                return;
-            }
-        }
-        const std::string command =
-            "localedef -i de_DE -f UTF-8 '" + (mFolder / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
-        if (std::system(command.c_str()) == 0) {
-            setenv("LOCPATH", mFolder.Path().c_str(), 1);
-            (void)std::setlocale(LC_ALL, "de_DE.UTF-8");
-            unsetenv("LOCPATH");
-        }
-    }
-    ~CommaLocale() { (void)std::setlocale(LC_ALL, mBefore.c_str()); }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
-    [[nodiscard]] bool IsThere() const { return std::strtod("1,5", nullptr) == 1.5; }
-
-private:
-    std::string mBefore;
-    test::TemporaryFolder mFolder;
-};
-
 TEST(JsonLocale, NumbersAreTheSameUnderADecimalComma)
 {
-    const CommaLocale locale;
-    if (!locale.IsThere()) {
-        GTEST_SKIP() << "no locale with a decimal comma, nor the means to make one";
+    const test::CommaLocale locale;
+    if (!locale.IsInForce()) {
+        GTEST_SKIP() << "no locale with a decimal comma can be made here";
     }
     const std::string text = "[1.5,-0.25,1e-05,123456789.125,1.7976931348623157e+308]";
     const Value value = JSONParse(text);

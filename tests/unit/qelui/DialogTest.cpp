@@ -5,8 +5,8 @@
 #include <kestrel/qelui/controls/UI_Number.h>
 
 #include <gtest/gtest.h>
+#include <support/ScopedVariable.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <new>
@@ -214,41 +214,20 @@ TEST(ColorPicker, KeepsAlphaWhereItIsNotOffered)
     EXPECT_EQ(picker.GetColor(), (sharedui::PickerColor{1.5F, -2.0F, 0.1F, 0.4F}));
 }
 
-/// Sets environment variables and puts them back.
+/// The variables that choose a toolkit; null for those that are absent.
 class Environment {
 public:
     Environment(const char* userInterface, const char* script, const char* display)
+        : mUserInterface("KESTREL_UI", userInterface), mScript("KESTREL_UI_SCRIPT", script),
+          mDisplay("DISPLAY", display)
     {
-        Set("KESTREL_UI", userInterface);
-        Set("KESTREL_UI_SCRIPT", script);
-        Set("DISPLAY", display);
-        Set("WAYLAND_DISPLAY", nullptr);
     }
-    ~Environment()
-    {
-        for (const auto& [name, value] : mOld) {
-            Put(name, value ? value->c_str() : nullptr);
-        }
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
 
 private:
-    static void Put(const char* name, const char* value)
-    {
-        if (value == nullptr) {
-            unsetenv(name); // NOLINT(concurrency-mt-unsafe)
-        } else {
-            setenv(name, value, 1); // NOLINT(concurrency-mt-unsafe)
-        }
-    }
-    void Set(const char* name, const char* value)
-    {
-        const char* const old = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
-        mOld.emplace_back(name, old == nullptr ? std::nullopt : std::optional<std::string>(old));
-        Put(name, value);
-    }
-    std::vector<std::pair<const char*, std::optional<std::string>>> mOld;
+    test::ScopedVariable mUserInterface;
+    test::ScopedVariable mScript;
+    test::ScopedVariable mDisplay;
+    test::ScopedVariable mWayland{"WAYLAND_DISPLAY", nullptr};
 };
 
 /// The line with which no toolkit is had; empty where one is.

@@ -1,4 +1,3 @@
-#include "CommaLocale.h"
 #include "DocumentCases.h"
 #include "RandomTesselInfo.h"
 
@@ -8,6 +7,7 @@
 #include <kestrel/qelcore/serialization/Json.h>
 
 #include <gtest/gtest.h>
+#include <support/CommaLocale.h>
 #include <support/TemporaryFolder.h>
 
 #include <array>
@@ -102,7 +102,7 @@ TEST(TesselText, WrittenRecordsReadBackBitForBit)
 
 TEST(TesselText, WrittenRecordsReadBackBitForBitUnderDecimalCommas)
 {
-    const CommaLocale locale;
+    const test::CommaLocale locale;
     if (!locale.IsInForce()) {
         GTEST_SKIP() << "no locale with decimal commas can be made with this C library";
     }
@@ -112,7 +112,7 @@ TEST(TesselText, WrittenRecordsReadBackBitForBitUnderDecimalCommas)
 
 TEST(TesselText, CommasDoNotSeparateDecimalsInAnyLocale)
 {
-    const CommaLocale locale;
+    const test::CommaLocale locale;
     const LogCounter log;
     EXPECT_TRUE(TesselFromUTF8String(documents::Expand(R"({@required, "mSampleRate": 1,5})")) == TesselInfo());
     EXPECT_EQ(log.Texts().size(), 1U);

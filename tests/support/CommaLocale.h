@@ -1,16 +1,17 @@
 /// A locale whose decimal point is a comma, on any machine with the GNU C library: few have one installed.
 #pragma once
 
+#include <support/ScopedVariable.h>
 #include <support/TemporaryFolder.h>
 
 #include <array>
 #include <clocale>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
+
+namespace test {
 
 /// In force from construction to destruction, for numbers only and for the whole process.
 class CommaLocale {
@@ -31,17 +32,12 @@ public:
         std::memcpy(bytes.data(), kHead.data(), sizeof kHead);
         bytes.append(kFields, sizeof kFields);
         static_cast<void>(mFolder.Write("comma/LC_NUMERIC", bytes));
-        setenv("LOCPATH", mFolder.Path().c_str(), 1);
+        const ScopedVariable path("LOCPATH", mFolder.Path().c_str());
         mIsInForce = std::setlocale(LC_NUMERIC, "comma") != nullptr &&
                      std::strcmp(std::localeconv()->decimal_point, ",") == 0;
     }
 
-    ~CommaLocale()
-    {
-        std::setlocale(LC_NUMERIC, mSavedName.c_str());
-        unsetenv("LOCPATH");
-    }
-
+    ~CommaLocale() { std::setlocale(LC_NUMERIC, mSavedName.c_str()); }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
 
@@ -49,7 +45,9 @@ public:
     [[nodiscard]] bool IsInForce() const { return mIsInForce; }
 
 private:
-    test::TemporaryFolder mFolder;
+    TemporaryFolder mFolder;
     std::string mSavedName;
     bool mIsInForce = false;
 };
+
+} // namespace test
