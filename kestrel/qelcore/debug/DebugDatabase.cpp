@@ -2,12 +2,12 @@
 
 #include "DebugDatabaseFile.h"
 
+#include <kestrel/qelcore/files/WholeFile.h>
 #include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/serialization/Json.h>
 #include <kestrel/qelcore/text/PathText.h>
 
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -29,19 +29,13 @@ Value ReadDatabase()
     if (file.empty() || !std::filesystem::exists(file, error)) {
         return {};
     }
-    std::string text;
-    std::ifstream stream;
-    // Opening a pipe would wait for its writer.
-    if (std::filesystem::is_regular_file(file, error)) {
-        stream.open(file, std::ios::binary);
-        text.assign(std::istreambuf_iterator<char>(stream), {});
-    }
-    if (!stream.is_open() || stream.bad()) {
+    const std::optional<std::string> text = files::ReadWholeFile(file);
+    if (!text) {
         logging::Log(kLogContext, text::UTF8Text(file) + ": cannot be read; it counts as empty");
         return {};
     }
     std::string reason;
-    Value database = serialization::JSONParse(text, &reason);
+    Value database = serialization::JSONParse(*text, &reason);
     if (database.IsNothing()) {
         logging::Log(kLogContext, text::UTF8Text(file) + ": " + reason + "; it counts as empty");
     } else if (!database.IsObject()) {

@@ -2,6 +2,7 @@
 
 #include "Dump.h"
 
+#include <kestrel/qelcore/files/WholeFile.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <kestrel/qelcore/text/Unicode.h>
 #include <kestrel/qelui/controls/UI_Button.h>
@@ -11,7 +12,6 @@
 #include <charconv>
 #include <cstddef>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -263,21 +263,15 @@ struct ScriptRunner::Visitor {
 ScriptRunner::ScriptRunner(std::filesystem::path file, UI_Dialog& dialog)
     : mFile(std::move(file)), mDialog(dialog)
 {
-    std::error_code error;
-    std::ifstream stream;
-    if (const auto status = std::filesystem::status(mFile, error);
-        std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-        Fail(0, "the script is not an ordinary file"); // opening a pipe would wait for its writer
+    const std::optional<std::string> text = qelcore::files::ReadWholeFile(mFile);
+    if (!text) {
+        std::error_code error;
+        const auto status = std::filesystem::status(mFile, error);
+        const bool isSpecial = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+        Fail(0, isSpecial ? "the script is not an ordinary file" : "the script cannot be read");
         return;
     }
-    stream.open(mFile, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    if (!stream.is_open() || stream.bad()) {
-        Fail(0, "the script cannot be read");
-        return;
-    }
-    auto parsed = ParseScript(text.str());
+    auto parsed = ParseScript(*text);
     if (const auto* const scriptError = std::get_if<ScriptError>(&parsed)) {
         Fail(scriptError->line, scriptError->text);
         return;

@@ -3,10 +3,9 @@
 #include <kestrel/qelcore/logging/Log.h>
 
 #include <gtest/gtest.h>
+#include <support/ScopedVariable.h>
 #include <support/TemporaryFolder.h>
 
-#include <cstdlib>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,35 +14,8 @@ namespace {
 
 using namespace qelcore;
 using debug::DebugDatabase;
+using test::ScopedVariable;
 using test::WriteFile;
-
-/// A variable of the environment, set or absent for one test.
-class Variable {
-public:
-    Variable(const char* name, const std::optional<std::string>& value) : mName(name)
-    {
-        if (const char* const before = std::getenv(name)) {
-            mBefore = before;
-        }
-        Set(value);
-    }
-    ~Variable() { Set(mBefore); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    void Set(const std::optional<std::string>& value)
-    {
-        if (value) {
-            setenv(mName, value->c_str(), 1);
-        } else {
-            unsetenv(mName);
-        }
-    }
-
-    const char* mName;
-    std::optional<std::string> mBefore;
-};
 
 class DebugDatabaseFile : public ::testing::Test {
 protected:
@@ -57,7 +29,7 @@ protected:
 
     test::TemporaryFolder folder;
     std::filesystem::path file = folder / "database.json";
-    Variable variable{"KESTREL_DEBUG_DATABASE", file.string()};
+    ScopedVariable variable{"KESTREL_DEBUG_DATABASE", file.c_str()};
     std::vector<std::string> messages;
 };
 
@@ -110,6 +82,14 @@ TEST_F(DebugDatabaseFile, FolderInItsPlaceIsEmptyAndLogged)
     EXPECT_EQ(messages.size(), 1U);
 }
 
+TEST_F(DebugDatabaseFile, FileWhoseReadingFailsIsEmptyAndLogged)
+{
+    // An ordinary file by its type, of which nothing can be read: page 0 of a process is never mapped.
+    std::filesystem::create_symlink("/proc/self/mem", file);
+    EXPECT_EQ(Entry("a"), "default");
+    EXPECT_EQ(messages.size(), 1U);
+}
+
 TEST_F(DebugDatabaseFile, OverridesWinOnTheirOwnThreadUntilTheyEnd)
 {
     WriteFile(file, R"({"a": "file"})");
@@ -132,7 +112,7 @@ TEST_F(DebugDatabaseFile, OverridesWinOnTheirOwnThreadUntilTheyEnd)
 TEST(DebugDatabasePlace, IsTheConfigurationFolderWithoutTheVariable)
 {
     const test::TemporaryFolder folder;
-    const Variable none("KESTREL_DEBUG_DATABASE", std::nullopt);
+    const ScopedVariable none("KESTREL_DEBUG_DATABASE", nullptr);
     const auto write = [&](const std::filesystem::path& configuration, std::string_view text) {
         std::filesystem::create_directories(configuration / "kestrel");
         WriteFile(configuration / "kestrel/debug-database.json", "{\"a\": \"" + std::string(text) + "\"}");
@@ -140,18 +120,17 @@ TEST(DebugDatabasePlace, IsTheConfigurationFolderWithoutTheVariable)
     write(folder / "configuration", "configuration folder");
     write(folder / "home/.config", "home folder");
     const DebugDatabase& database = DebugDatabase::Instance();
-    const Variable home("HOME", (folder / "home").string());
+    const ScopedVariable home("HOME", (folder / "home").c_str());
     {
-        const Variable configuration("XDG_CONFIG_HOME", (folder / "configuration").string());
+        const ScopedVariable configuration("XDG_CONFIG_HOME", (folder / "configuration").c_str());
         EXPECT_EQ(database.GetEntry("a", ""), "configuration folder");
-        const Variable empty("KESTREL_DEBUG_DATABASE", "");
+        const ScopedVariable empty("KESTREL_DEBUG_DATABASE", "");
         EXPECT_EQ(database.GetEntry("a", ""), "configuration folder");
     }
-    for (const std::optional<std::string>& unusable :
-         {std::optional<std::string>(), std::optional<std::string>("")}) {
-        const Variable configuration("XDG_CONFIG_HOME", unusable);
+    for (const char* const unusable : {static_cast<const char*>(nullptr), ""}) {
+        const ScopedVariable configuration("XDG_CONFIG_HOME", unusable);
         EXPECT_EQ(database.GetEntry("a", ""), "home folder");
-        const Variable homeless("HOME", std::nullopt);
+        const ScopedVariable homeless("HOME", nullptr);
         EXPECT_EQ(database.GetEntry("a", "none"), "none");
     }
 }
@@ -165,11 +144,11 @@ TEST(SimpleAssert, LogsTheMessageAndAsksForABreakOnlyWhenTold)
         return debug::DoSimpleAssert("Folder\\File", 315, "Class::Function", "false", "It broke");
     };
     {
-        const Variable absent("KESTREL_BREAK_ON_ASSERT", std::nullopt);
+        const ScopedVariable absent("KESTREL_BREAK_ON_ASSERT", nullptr);
         EXPECT_FALSE(report());
-        const Variable other("KESTREL_BREAK_ON_ASSERT", "1");
+        const ScopedVariable other("KESTREL_BREAK_ON_ASSERT", "1");
         EXPECT_FALSE(report());
-        const Variable set("KESTREL_BREAK_ON_ASSERT", "true");
+        const ScopedVariable set("KESTREL_BREAK_ON_ASSERT", "true");
         EXPECT_TRUE(report());
     }
     ASSERT_EQ(messages.size(), 3U);

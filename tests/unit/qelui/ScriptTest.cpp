@@ -218,6 +218,12 @@ TEST_F(Playing, AScriptThatCannotBeReadCancels)
     EXPECT_EQ(cancels, 1);
 }
 
+TEST_F(Playing, AScriptWhoseReadingFailsIsNoEmptyScript)
+{
+    UserInterface::Get().SetScript("/proc/self/mem"); // page 0 of a process is never mapped
+    EXPECT_EQ(Run(), "0: the script cannot be read");
+}
+
 TEST_F(Playing, AFolderIsNoScript)
 {
     UserInterface::Get().SetScript(mFolder.Path());
