@@ -42,14 +42,14 @@ public:
                                        std::int32_t disposition, std::int32_t attributes, std::int32_t options,
                                        File& file);
 
-    /// Size on disk in bytes.
+    /// Size on disk in bytes; of a created file, that of its new content.
     [[nodiscard]] Status GetSizeOnDisk(std::uint64_t& size) const noexcept;
 
     /// Reads up to `buffer.size()` bytes from the current position; `read` receives their number, 0 at the end.
     [[nodiscard]] Status Read(std::span<char> buffer, std::uint32_t& read) noexcept;
 
-    /// Writes all of `bytes` and gives the file its name, or fails with the old file as it was. Once for each
-    /// created file. Logs what of the old file could not be kept.
+    /// Writes all of `bytes` and gives the file its name, or fails with the old file as it was. Closes the file
+    /// either way. Logs what of the old file could not be kept.
     [[nodiscard]] Status Write(std::span<const char> bytes) noexcept;
 
     /// Closes the file. A created file that was never written does not appear.

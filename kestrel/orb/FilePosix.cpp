@@ -271,7 +271,7 @@ Status File::Write(std::span<const char> bytes) noexcept
     } catch (const std::exception&) {
         qelcore::logging::LogCurrentException(kLogContext);
     }
-    mState->replacement.reset();
+    Close();
     return status;
 }
 

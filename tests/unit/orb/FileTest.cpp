@@ -220,6 +220,17 @@ TEST(FileCreate, IsWrittenOnce)
     EXPECT_EQ(folder.Count(), 1U);
 }
 
+TEST(FileCreate, IsClosedOnceItIsWritten)
+{
+    const TemporaryFolder folder;
+    File file;
+    ASSERT_EQ(Create(folder / "out", file), kDone);
+    ASSERT_EQ(file.Write(std::string_view("abc")), kDone);
+    std::uint64_t size = 7;
+    EXPECT_LT(file.GetSizeOnDisk(size), 0);
+    EXPECT_EQ(size, 7U);
+}
+
 TEST(FileCreate, MovedFilesKeepTheirPlace)
 {
     const TemporaryFolder folder;
