@@ -103,18 +103,19 @@ std::string ColorSpaceName(const ksSEIColorCodesRec& wanted)
 }
 
 /// The clip's colors; a plug-in that does not serve the request leaves them unspecified.
-void DescribeColor(const Importer& importer, const std::filesystem::path& file, ksInstance instance,
-                   ClipDescription& description)
+/// @return the plug-in's answer.
+[[nodiscard]] std::int32_t DescribeColor(const Importer& importer, ksInstance instance,
+                                         ClipDescription& description)
 {
     ksColorRec color{};
     color.instance = instance;
+    color.codes = description.colorCodes; // unspecified, for codes that the plug-in leaves alone
     const std::int32_t result = importer.Request(ksSelectorColorInformation, nullptr, &color);
     if (result == ksResultServed) {
         description.colorCodes = color.codes;
-    } else if (result != ksResultUnsupported) {
-        Refuse(file, "the plug-in gives no color information (result " + std::to_string(result) + ")");
     }
     description.colorSpaceName = ColorSpaceName(description.colorCodes);
+    return result;
 }
 
 } // namespace
@@ -147,15 +148,21 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
     const Importer& plugin = *state->importer;
     const std::u16string path = UTF16Path(file);
     const MessageCollector collector(state->messages);
+    // The last message of the plug-in is most likely the cause; the messages are destroyed with the state.
+    const auto refuse = [&file, &messages = state->messages](const std::string& why) {
+        throw PluginFailure(DisplayName(file) + ": " + why, messages.empty() ? "" : messages.back());
+    };
+    const auto failed = [](const char* what, std::int32_t result) {
+        return "the plug-in " + std::string(what) + " (result " + std::to_string(result) + ")";
+    };
 
     ksOpenRec open{};
     open.path = path.c_str();
     std::int32_t result = plugin.Request(ksSelectorOpenFile, nullptr, &open);
     state->instance = open.instance;
     if (result != ksResultServed || state->instance == nullptr) {
-        Refuse(file, result == ksResultFileUnreadable
-                         ? "cannot be read" + ReadFailure(file)
-                         : "the plug-in cannot open it (result " + std::to_string(result) + ")");
+        refuse(result == ksResultFileUnreadable ? "cannot be read" + ReadFailure(file)
+                                                : failed("cannot open it", result));
     }
 
     ksFileAccessRec access{};
@@ -164,10 +171,13 @@ Clip Clip::Open(std::shared_ptr<const Importer> importer, const std::filesystem:
     info.instance = state->instance;
     result = plugin.Request(ksSelectorClipDescription, &access, &info);
     if (result != ksResultServed) {
-        Refuse(file, "the plug-in cannot describe it (result " + std::to_string(result) + ")");
+        refuse(failed("cannot describe it", result));
     }
     Describe(info, state->description);
-    DescribeColor(plugin, file, state->instance, state->description);
+    result = DescribeColor(plugin, state->instance, state->description);
+    if (result != ksResultServed && result != ksResultUnsupported) {
+        refuse(failed("gives no color information", result));
+    }
     state->rate = state->description.rate;
     return Clip(std::move(state));
 }

@@ -173,8 +173,12 @@ void Importer::StartUp(TestingPlugins testingPlugins)
     ksStartUpRec record{};
     const std::int32_t result = Request(ksSelectorStartUp, &record, nullptr);
     if (result == ksResultUnsupported) {
-        throw HostError(DisplayName(mState->file) + ": " + mState->identity.displayName +
-                        " declined to start: the debug setting " + kTestingPluginsKey + " is not \"true\"");
+        const bool isGateOpen =
+            qelcore::debug::DebugDatabase::Instance().GetEntry(kTestingPluginsKey, "") == "true";
+        throw HostError(DisplayName(mState->file) + ": " + mState->identity.displayName + " declined to start" +
+                        (isGateOpen
+                             ? " (result " + std::to_string(result) + ")"
+                             : std::string(": the debug setting ") + kTestingPluginsKey + " is not \"true\""));
     }
     if (result != ksResultServed) {
         throw HostError(DisplayName(mState->file) + ": the plug-in failed to start (result " +

@@ -25,6 +25,9 @@
 #ifndef WRONG_HANDLE
 #define WRONG_HANDLE 0 // 1: hands back a handle of its own instead of the host's frame
 #endif
+#ifndef SERVES_NO_CODES
+#define SERVES_NO_CODES 0 // 1: serves the request for colour codes and cannot tell any
+#endif
 #ifndef STARTS_ALONE
 #define STARTS_ALONE 0 // 1: fails to start once two threads have started it or shut it down at the same time
 #endif
@@ -179,6 +182,8 @@ EXPORTED std::int32_t xImportEntry(std::int32_t selector, const ksStdParms* para
         return Paint(*parameters, *static_cast<const ksFrameRec*>(param2));
     case ksSelectorAudio:
         return MakeSilence(*static_cast<const ksAudioRec*>(param2));
+    case ksSelectorColorInformation:
+        return SERVES_NO_CODES != 0 ? ksResultServed : ksResultUnsupported;
     case ksSelectorDeleteInstance:
         delete static_cast<PlainClip*>(param2);
         return ksResultServed;

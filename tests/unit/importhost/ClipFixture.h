@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <support/ClipFolder.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -68,14 +67,5 @@ protected:
     static inline std::shared_ptr<Importer> sImporter;
     ClipFolder mFolder;
 };
-
-inline std::uint32_t CodeOf(const char (&text)[5])
-{
-    std::uint32_t code = 0;
-    for (unsigned i = 0; i < 4; ++i) {
-        code |= static_cast<std::uint32_t>(static_cast<unsigned char>(text[i])) << (8 * i);
-    }
-    return code;
-}
 
 } // namespace importhosttests

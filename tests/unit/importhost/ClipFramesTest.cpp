@@ -1,5 +1,7 @@
 #include "ClipFixture.h"
 
+#include <kestrel/qelcore/FourCharacterCode.h>
+
 #include <cstring>
 #include <optional>
 #include <thread>
@@ -21,7 +23,7 @@ TEST_F(ClipTest, FramesAreUprightInBothRowOrders)
 
     Document floats = document;
     const importhost::Frame flipped =
-        Open(floats.Set("mPixelFormat", std::to_string(CodeOf("BGra")))).RenderFrame(0);
+        Open(floats.Set("mPixelFormat", std::to_string(qelcore::FourBytesCode("BGra")))).RenderFrame(0);
     EXPECT_LT(flipped.RowBytes(), 0);
     const float floatRed[] = {0, 0, 1, 1};
     EXPECT_EQ(std::memcmp(flipped.Row(31), floatRed, sizeof floatRed), 0) << "memory's first row shows last";
@@ -66,8 +68,9 @@ TEST_F(ClipTest, AFrameThatDoesNotFitTheCallersMemoryHasItsOwn)
     EXPECT_TRUE(isUntouchedBy(clip, {format, 64, 32, nullptr, -256}));
     EXPECT_TRUE(isUntouchedBy(clip, {BR::PixelFormat::ARGB_4444_8u, 64, 32, nullptr, 256}));
     // Stored bottom row first, so the top row cannot come first.
-    EXPECT_TRUE(isUntouchedBy(Open(Document().Set("mPixelFormat", std::to_string(CodeOf("BGra")))),
-                              {BR::PixelFormat::BGRA_4444_32f, 64, 32, nullptr, 1024}));
+    EXPECT_TRUE(
+        isUntouchedBy(Open(Document().Set("mPixelFormat", std::to_string(qelcore::FourBytesCode("BGra")))),
+                      {BR::PixelFormat::BGRA_4444_32f, 64, 32, nullptr, 1024}));
     for (const std::byte byte : memory) {
         ASSERT_EQ(byte, std::byte{0xCC});
     }

@@ -3,7 +3,9 @@
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 #include <kestrel/qelmediatypes/TickTime.h>
 
+#include <cerrno>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -100,6 +102,17 @@ TEST_F(ClipTest, WhatThePlugInLogsWhileAClipOpensIsKeptAndNotPrinted)
     EXPECT_EQ(clip.Messages().size(), 1U);
 }
 
+TEST_F(ClipTest, ARefusalEndsWithWhatThePlugInLoggedLast)
+{
+    const auto importer = Importer::Load(FLAT_PLUGIN, importhost::TestingPlugins::AsDebugDatabaseSays);
+    // An ordinary file by its type, of which nothing can be read: page 0 of a process is never mapped.
+    std::filesystem::create_symlink("/proc/self/mem", mFolder.Path() / "clip.flat");
+    const std::string line =
+        LineOf([&] { static_cast<void>(Clip::Open(importer, mFolder.Path() / "clip.flat")); });
+    EXPECT_EQ(line.find("clip.flat: the plug-in cannot open it (result 5): "), 0U) << line;
+    EXPECT_NE(line.find(std::generic_category().message(EIO)), std::string::npos) << line;
+}
+
 TEST_F(ClipTest, TheSettingsTextIsHandedOnAsThePlugInGivesIt)
 {
     const Clip clip = Open(Document());
@@ -128,6 +141,18 @@ TEST_F(ClipTest, AnImporterWithoutSettingsAndColorsIsServed)
     EXPECT_EQ(clip.Description().colorSpaceName, "Unspecified");
     EXPECT_EQ(clip.Description().frameCount, 10);
     EXPECT_EQ(clip.RenderFrame(0).Format(), BR::PixelFormat::UYVY_422_8u_709);
+}
+
+TEST_F(ClipTest, CodesThatAnImporterCannotTellAreUnspecified)
+{
+    const auto importer =
+        Importer::Load(TestImporter("ServesNoCodes"), importhost::TestingPlugins::AsDebugDatabaseSays);
+    const Clip clip = Clip::Open(importer, mFolder.Write("clip.plain", "64 32 10"));
+    // 0 would be a reserved code for the primaries and R'G'B' for the matrix.
+    EXPECT_EQ(clip.Description().colorCodes.primaries, 2);
+    EXPECT_EQ(clip.Description().colorCodes.transfer, 2);
+    EXPECT_EQ(clip.Description().colorCodes.matrix, 2);
+    EXPECT_EQ(clip.Description().colorSpaceName, "Unspecified");
 }
 
 } // namespace

@@ -6,9 +6,9 @@
 #include <kestrel/qelcore/debug/DebugDatabase.h>
 
 #include <gtest/gtest.h>
+#include <support/ScopedVariable.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <thread>
@@ -38,18 +38,6 @@ void ExpectFailure(const std::filesystem::path& file, const std::string& says)
     EXPECT_NE(line.find(says), std::string::npos) << line;
 }
 
-/// Sets a variable of the environment for one test.
-class Variable {
-public:
-    Variable(const char* name, const std::string& value) : mName(name) { setenv(name, value.c_str(), 1); }
-    ~Variable() { unsetenv(mName); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    const char* mName;
-};
-
 TEST(Importer, ThePlugInSaysWhatItIs)
 {
     const auto importer = Importer::Load(TEST_PLUGIN, TestingPlugins::Allowed);
@@ -77,13 +65,13 @@ TEST(Importer, TheGateStaysAsTheDebugDatabaseSays)
     const auto closed = folder.Write("closed.json", std::string("{\"") + key + "\": \"false\"}");
     const auto open = folder.Write("open.json", std::string("{\"") + key + "\": \"true\"}");
     {
-        const Variable database("KESTREL_DEBUG_DATABASE", closed);
+        const test::ScopedVariable database("KESTREL_DEBUG_DATABASE", closed.c_str());
         EXPECT_EQ(LoadFailure(TEST_PLUGIN, TestingPlugins::Allowed), "");
         const std::string line = LoadFailure(TEST_PLUGIN, TestingPlugins::AsDebugDatabaseSays);
         EXPECT_NE(line.find("declined to start"), std::string::npos) << "opening once must not last: " << line;
         EXPECT_NE(line.find(key), std::string::npos) << line;
     }
-    const Variable database("KESTREL_DEBUG_DATABASE", open);
+    const test::ScopedVariable database("KESTREL_DEBUG_DATABASE", open.c_str());
     EXPECT_EQ(LoadFailure(TEST_PLUGIN, TestingPlugins::AsDebugDatabaseSays), "");
 }
 
@@ -105,6 +93,10 @@ TEST(Importer, PlugInsThatContradictThemselvesAreRefused)
     ExpectFailure(importhosttests::TestImporter("WrongKindResource"), ".ksres.IMPT.1000 is not an importer's");
     ExpectFailure(importhosttests::TestImporter("WrongNoEntry"), "does not export xImportEntry");
     ExpectFailure(importhosttests::TestImporter("WrongStart"), "failed to start (result 5)");
+    // Not for want of the debug setting, which this load overrides.
+    const std::string declined = LoadFailure(importhosttests::TestImporter("WrongDeclining"));
+    EXPECT_NE(declined.find("Test Importer declined to start (result 3)"), std::string::npos) << declined;
+    EXPECT_EQ(declined.find("debug setting"), std::string::npos) << declined;
     // The same library without its one mistake passes all of these and fails only later.
     ExpectFailure(importhosttests::TestImporter("WrongNothing"), "opens no file type");
 }
@@ -135,7 +127,7 @@ TEST(FindPlugin, TheOptionWinsOverTheVariableAndTheVariableOverTheHostsFolder)
     const std::filesystem::path file = TEST_PLUGIN;
     const testsupport::ClipFolder folder;
     const auto other = folder.Write("ImporterTessel.so", "x");
-    const Variable variable("KESTREL_PLUGIN_PATH", folder.Path());
+    const test::ScopedVariable variable("KESTREL_PLUGIN_PATH", folder.Path().c_str());
     EXPECT_EQ(Find({}), other);
     EXPECT_EQ(Find(file), file);
 }
@@ -174,7 +166,7 @@ TEST(FindPlugin, APlaceWithoutAPlugInIsNamedWithWhoSaidIt)
 TEST(Importer, OtherThreadsDoNotSeeThatALoadIsAllowed)
 {
     const testsupport::ClipFolder folder;
-    const Variable database("KESTREL_DEBUG_DATABASE", folder.Path() / "absent.json");
+    const test::ScopedVariable database("KESTREL_DEBUG_DATABASE", (folder.Path() / "absent.json").c_str());
     const std::filesystem::path file = importhosttests::TestImporter("StartsAlone"); // takes 1 ms to start
     std::atomic<bool> isDone = false;
     std::thread loader([&] {
