@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -116,14 +115,7 @@ Frame Clip::RenderFrame(std::int64_t frame, const FrameDestination* destination)
 {
     const qelmediatypes::TickTime time(frame, mState->rate);
     const auto ask = [&](FrameRequest& request, ksFrameHandle& handle) {
-        ksFrameRec record{};
-        record.instance = mState->instance;
-        record.time = time.Ticks();
-        record.frame = &handle;
-        const auto token = request.Token();
-        static_assert(sizeof record.extra16 == sizeof token);
-        std::memcpy(record.extra16, token.data(), token.size());
-        return mState->importer->Request(ksSelectorFrame, nullptr, &record);
+        return RequestFrame(*mState->importer, mState->instance, time, request, handle);
     };
     RenderedFrame rendered = mState->frames.Render(ask, destination);
     if (const auto failure = FailureOf(rendered, mState->description)) {

@@ -1,5 +1,9 @@
 #include "FrameSource.h"
 
+#include <kestrel/importabi/Selectors.h>
+
+#include <cstring>
+
 namespace importhost {
 namespace {
 
@@ -7,6 +11,19 @@ namespace {
 constexpr std::uint8_t kPoison = 0xA5;
 
 } // namespace
+
+std::int32_t RequestFrame(const Importer& importer, ksInstance instance, qelmediatypes::TickTime time,
+                          FrameRequest& request, ksFrameHandle& handle)
+{
+    ksFrameRec record{};
+    record.instance = instance;
+    record.time = time.Ticks();
+    record.frame = &handle;
+    const auto token = request.Token();
+    static_assert(sizeof record.extra16 == sizeof token);
+    std::memcpy(record.extra16, token.data(), token.size());
+    return importer.Request(ksSelectorFrame, nullptr, &record);
+}
 
 FrameSource::FrameSource(FrameFilling filling) : mPool(std::make_shared<FramePool>()), mFilling(filling) {}
 

@@ -18,14 +18,18 @@ struct RenderedFrame {
     bool isForeign = false; ///< the plug-in gave a handle that the host did not make for the request
 };
 
+/// Sends the frame request (47) for `time` with the token of `request`. @return the plug-in's answer.
+[[nodiscard]] std::int32_t RequestFrame(const Importer& importer, ksInstance instance,
+                                        qelmediatypes::TickTime time, FrameRequest& request,
+                                        ksFrameHandle& handle);
+
 /// Has frames painted. A new frame is zero before the plug-in paints it, so that a picture is a pure function
 /// of settings and time also where the plug-in leaves rows alone. Zeroing costs a pass over memory; it is left
 /// out where the program knows that the plug-in paints whole frames.
 /// Threads: [thread-safe], except `SetPaintedWhole`, which comes before the first frame.
 class FrameSource {
 public:
-    /// Sends the frame request with the token of `request`; stores the created handle and returns the
-    /// plug-in's answer.
+    /// `RequestFrame` for one frame: stores the created handle and returns the plug-in's answer.
     using Painter = std::function<std::int32_t(FrameRequest& request, ksFrameHandle& handle)>;
 
     explicit FrameSource(FrameFilling filling);

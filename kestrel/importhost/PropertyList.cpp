@@ -12,7 +12,6 @@ namespace importhost {
 namespace {
 
 constexpr std::uint32_t kVendor = FourCharacterCode("5QRN");
-constexpr std::size_t kHeaderBytes = 10;
 constexpr std::size_t kPropertyHeaderBytes = 16;
 /// A list of this kind has a handful of properties; the bound keeps a broken count from costing memory.
 constexpr std::uint32_t kMostProperties = 1024;
@@ -129,11 +128,7 @@ std::string CText(const Property& property)
 std::uint32_t Code(const Property& property)
 {
     CheckPadding(property, 4);
-    std::uint32_t code = 0;
-    for (std::size_t i = 4; i > 0; --i) {
-        code = code << 8U | property.data[i - 1];
-    }
-    return code;
+    return Reader(property.data).Integer(4, "a code");
 }
 
 void Understand(const Property& property, PropertyList& list)
@@ -179,7 +174,6 @@ bool Has(const PropertyList& list, std::uint32_t key)
 PropertyList ParsePropertyList(std::span<const std::uint8_t> bytes)
 {
     Reader reader(bytes);
-    static_assert(kHeaderBytes == 2 + 4 + 4);
     const std::uint32_t version = reader.Integer(2, "the header");
     const std::uint32_t reserved = reader.Integer(4, "the header");
     const std::uint32_t count = reader.Integer(4, "the header");

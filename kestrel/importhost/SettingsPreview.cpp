@@ -128,14 +128,7 @@ PreviewPicture RenderFrame(const Importer& importer, const ksFileInfoRec& info, 
 {
     FrameSource frames(FrameFilling::Zero);
     const RenderedFrame rendered = frames.Render([&](FrameRequest& request, ksFrameHandle& handle) {
-        ksFrameRec record{};
-        record.instance = info.instance;
-        record.time = time.Ticks();
-        record.frame = &handle;
-        const auto token = request.Token();
-        static_assert(sizeof record.extra16 == sizeof token);
-        std::memcpy(record.extra16, token.data(), token.size());
-        return importer.Request(ksSelectorFrame, nullptr, &record);
+        return RequestFrame(importer, info.instance, time, request, handle);
     });
     if (rendered.result != ksResultServed || rendered.frame == nullptr) {
         return {};

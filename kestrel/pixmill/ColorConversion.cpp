@@ -27,12 +27,6 @@ double Sanitized(double value) noexcept
     return std::isnan(value) ? 0 : Finite(value);
 }
 
-double Magnitude(const Components& components) noexcept
-{
-    return std::abs(components[0]) + std::abs(components[1]) + std::abs(components[2]) +
-           std::abs(components[3]);
-}
-
 float Stored(double value) noexcept
 {
     return static_cast<float>(Finite(value));

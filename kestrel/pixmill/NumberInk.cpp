@@ -13,32 +13,17 @@ namespace {
 constexpr ColorBGRA kBlackColor{0, 0, 0, 1};
 constexpr ColorBGRA kWhiteColor{1, 1, 1, 1};
 
-[[nodiscard]] std::uint32_t LoadWord(const std::byte* bytes) noexcept
-{
-    std::uint32_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-}
-
 /// from + (to - from)·coverage/255, rounded to nearest; `to` may be the smaller one.
 [[nodiscard]] std::uint32_t Mixed(std::uint32_t from, std::uint32_t to, std::uint32_t coverage) noexcept
 {
     return (from * (255 - coverage) + to * coverage + 127) / 255;
 }
 
-/// Where the luma of each of a v210 group's six pixels lies: the word's byte offset and its lowest bit.
-struct LumaPlace {
-    std::uint8_t offset;
-    std::uint8_t shift;
-};
-constexpr std::array<LumaPlace, 6> kLumaPlaces{{{0, 10}, {4, 0}, {4, 20}, {8, 10}, {12, 0}, {12, 20}}};
-constexpr std::uint32_t kSampleMask = 0x3FF;
-
 /// Walks the luma samples of a v210 row.
 class V210Luma {
 public:
     V210Luma(std::byte* row, std::uint32_t x) noexcept
-        : mGroup(row + std::size_t{x / 6} * 16), mPlace(kLumaPlaces.data() + x % 6)
+        : mGroup(row + std::size_t{x / 6} * 16), mPlace(kV210Luma.data() + x % 6)
     {
     }
 
@@ -46,18 +31,16 @@ public:
     void SetAndStep(std::uint32_t luma) noexcept
     {
         std::byte* word = mGroup + mPlace->offset;
-        const std::uint32_t changed = (LoadWord(word) & ~(kSampleMask << mPlace->shift)) | luma
-                                                                                               << mPlace->shift;
-        std::memcpy(word, &changed, sizeof changed);
-        if (++mPlace == kLumaPlaces.data() + kLumaPlaces.size()) {
-            mPlace = kLumaPlaces.data();
+        StoreWord(word, (LoadWord(word) & ~(kV210Mask << mPlace->shift)) | luma << mPlace->shift);
+        if (++mPlace == kV210Luma.data() + kV210Luma.size()) {
+            mPlace = kV210Luma.data();
             mGroup += 16;
         }
     }
 
 private:
     std::byte* mGroup;
-    const LumaPlace* mPlace;
+    const V210Place* mPlace;
 };
 
 /// Like `FillRow`, for short stretches whose length need only be a multiple of the pattern's period.
@@ -100,7 +83,7 @@ NumberInk::NumberInk(std::uint32_t code) noexcept
         } else if (mLayout == Layout::Subsampled8) {
             mCodes[coverage] = mixed(static_cast<std::uint32_t>(mLumaAt) * 8, 0xFF);
         } else {
-            mCodes[coverage] = mixed(kLumaPlaces[0].shift, kSampleMask);
+            mCodes[coverage] = mixed(kV210Luma[0].shift, kV210Mask);
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "PixelFormatCodes.h"
 
 #include "CodeTable.h"
+#include "ColorConversion.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -30,12 +31,6 @@ std::uint64_t pixmill::BytesPerRow(std::uint32_t code, std::uint32_t width) noex
     if (!IsPaintable(code)) {
         return 0;
     }
-    const std::uint64_t pixels = width;
-    if ((code & kBitV210) != 0) {
-        return (pixels + 5) / 6 * 16;
-    }
-    if ((code & kBit422) != 0) {
-        return (pixels + 1) / 2 * 4;
-    }
-    return pixels * ((code & kBitFloat) != 0 ? 16 : 4);
+    const PixelGroup group = GroupOf(code);
+    return (std::uint64_t{width} + group.pixels - 1) / group.pixels * group.bytes;
 }

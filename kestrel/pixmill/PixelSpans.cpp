@@ -10,29 +10,9 @@
 namespace pixmill {
 namespace {
 
-/// Where a sample of a group lies: `bits` wide at bit `shift` of the little-endian word at byte `offset`.
-struct SamplePlace {
-    std::uint32_t offset, shift;
-};
-
-// v210: three 10-bit samples to a word; of the six pixels' luma and the three pairs' chroma.
-constexpr std::array<SamplePlace, 6> kV210Luma = {{{0, 10}, {4, 0}, {4, 20}, {8, 10}, {12, 0}, {12, 20}}};
-constexpr std::array<SamplePlace, 3> kV210BlueChroma = {{{0, 0}, {4, 10}, {8, 20}}};
-constexpr std::array<SamplePlace, 3> kV210RedChroma = {{{0, 20}, {8, 0}, {12, 10}}};
-constexpr std::uint32_t kV210Mask = 0x3FF;
-
-std::uint32_t LoadWord(const std::byte* bytes) noexcept
-{
-    return std::to_integer<std::uint32_t>(bytes[0]) | std::to_integer<std::uint32_t>(bytes[1]) << 8 |
-           std::to_integer<std::uint32_t>(bytes[2]) << 16 | std::to_integer<std::uint32_t>(bytes[3]) << 24;
-}
-
-void StoreWord(std::byte* bytes, std::uint32_t word) noexcept
-{
-    for (std::size_t i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<std::byte>(word >> (8 * i));
-    }
-}
+// The chroma of a v210 group's three pairs.
+constexpr std::array<V210Place, 3> kV210BlueChroma = {{{0, 0}, {4, 10}, {8, 20}}};
+constexpr std::array<V210Place, 3> kV210RedChroma = {{{0, 20}, {8, 0}, {12, 10}}};
 
 std::uint32_t Mixed(std::uint32_t old, std::uint32_t wanted, float coverage) noexcept
 {
@@ -40,7 +20,7 @@ std::uint32_t Mixed(std::uint32_t old, std::uint32_t wanted, float coverage) noe
     return qelmediatypes::SaturatingCast<std::uint32_t>(from + (wanted - from) * coverage + 0.5);
 }
 
-void MixV210(std::byte* group, const SamplePlace& place, const StoredColor& color, float coverage) noexcept
+void MixV210(std::byte* group, V210Place place, const StoredColor& color, float coverage) noexcept
 {
     const std::uint32_t word = LoadWord(group + place.offset);
     const std::uint32_t wanted = LoadWord(color.pattern.data() + place.offset) >> place.shift & kV210Mask;

@@ -6,10 +6,33 @@
 
 #include "ColorConversion.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace pixmill {
+
+/// Where a sample of a v210 group lies: in the word at byte `offset`, from bit `shift` on. A group is four
+/// little-endian words of three 10-bit samples.
+struct V210Place {
+    std::uint8_t offset, shift;
+};
+/// The luma of a group's six pixels.
+inline constexpr std::array<V210Place, 6> kV210Luma{{{0, 10}, {4, 0}, {4, 20}, {8, 10}, {12, 0}, {12, 20}}};
+inline constexpr std::uint32_t kV210Mask = 0x3FF;
+
+[[nodiscard]] inline std::uint32_t LoadWord(const std::byte* bytes) noexcept
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+inline void StoreWord(std::byte* bytes, std::uint32_t word) noexcept
+{
+    std::memcpy(bytes, &word, sizeof word);
+}
 
 /// Paints the pixels x .. x+count-1 of a row. In subsampled formats every pair that the span touches gets the
 /// colour's chroma, and other pixels of the pair keep their luma.

@@ -19,7 +19,8 @@ struct Description {
     std::uint32_t size;    ///< of the resource, in bytes
 };
 
-/// The resource `name`, where the note that begins at `note` leads to it.
+/// The resource `name`, if the note is of the host's resources and leads to it. `owner` and `description` are
+/// the parts of the note behind its header.
 std::optional<Bytes> ResourceOfNote(const ElfW(Nhdr) & header, const std::uint8_t* owner,
                                     const std::uint8_t* description, std::string_view name)
 {
