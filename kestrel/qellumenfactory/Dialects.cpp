@@ -10,7 +10,7 @@ namespace qellumenfactory {
 namespace {
 
 struct KindRow {
-    NodeKind kind;
+    ControlKind kind;
     std::string_view lumen;
     std::string_view sable;
     bool holdsChildren;
@@ -40,20 +40,20 @@ constexpr std::uint32_t kOnNumbers = kOnControls | Bit(Key::Value) | Bit(Key::Mi
                                      Bit(Key::AllowZero) | Bit(Key::DecimalPlaces) | Bit(Key::Step) |
                                      Bit(Key::PostLabel);
 
-constexpr std::array<KindRow, kNodeKindCount> kKinds{{
-    {NodeKind::Dialog, "qel_dialog", "dialog", true,
+constexpr std::array<KindRow, qelui::kControlKindCount> kKinds{{
+    {ControlKind::Dialog, "qel_dialog", "dialog", true,
      Bit(Key::Identifier) | Bit(Key::Layout) | Bit(Key::Title) | Bit(Key::Orientation) | Bit(Key::Spacing) |
          Bit(Key::Margin)},
-    {NodeKind::Group, "qel_groupbox", "group", true, kOnGroups},
-    {NodeKind::RadioGroup, "qel_radio_button_group", "radiogroup", true, kOnGroups},
-    {NodeKind::OkCancelRow, "qel_ok_cancel_row", "ok_cancel_row", false, Bit(Key::Identifier)},
-    {NodeKind::Popup, "qel_popup", "popup", false, kOnControls},
-    {NodeKind::NumberEdit, "qel_number_edit", "unit_edit_number", false, kOnNumbers},
-    {NodeKind::HotTextNumber, "qel_hot_text_number", "inline_edit_number", false, kOnNumbers},
-    {NodeKind::Button, "qel_button", "button", false, kOnControls},
-    {NodeKind::StaticText, "qel_static_text", "static_text", false, kOnControls},
-    {NodeKind::CheckBox, "qel_checkbox", "checkbox", false, kOnControls | Bit(Key::Checked)},
-    {NodeKind::RadioButton, "qel_radio_button", "radio_button", false, kOnControls | Bit(Key::Checked)},
+    {ControlKind::Group, "qel_groupbox", "group", true, kOnGroups},
+    {ControlKind::RadioGroup, "qel_radio_button_group", "radiogroup", true, kOnGroups},
+    {ControlKind::OkCancelRow, "qel_ok_cancel_row", "ok_cancel_row", false, Bit(Key::Identifier)},
+    {ControlKind::Popup, "qel_popup", "popup", false, kOnControls},
+    {ControlKind::NumberEdit, "qel_number_edit", "unit_edit_number", false, kOnNumbers},
+    {ControlKind::HotTextNumber, "qel_hot_text_number", "inline_edit_number", false, kOnNumbers},
+    {ControlKind::Button, "qel_button", "button", false, kOnControls},
+    {ControlKind::StaticText, "qel_static_text", "static_text", false, kOnControls},
+    {ControlKind::CheckBox, "qel_checkbox", "checkbox", false, kOnControls | Bit(Key::Checked)},
+    {ControlKind::RadioButton, "qel_radio_button", "radio_button", false, kOnControls | Bit(Key::Checked)},
 }};
 
 constexpr double kMostPixels = 10000.0;
@@ -80,7 +80,7 @@ constexpr std::array<KeyRow, kKeyCount> kKeys{{
     {Key::Tooltip, "tooltip", "tooltip", ValueType::Text, 0, 0},
 }};
 
-const KindRow& RowOf(NodeKind kind) noexcept
+const KindRow& RowOf(ControlKind kind) noexcept
 {
     return kKinds[static_cast<std::size_t>(kind)];
 }
@@ -92,12 +92,12 @@ const KeyRow& RowOf(Key key) noexcept
 
 } // namespace
 
-std::string_view NameOf(NodeKind kind, Dialect dialect) noexcept
+std::string_view NameOf(ControlKind kind, Dialect dialect) noexcept
 {
     return dialect == Dialect::Lumen ? RowOf(kind).lumen : RowOf(kind).sable;
 }
 
-std::optional<NodeKind> FindKind(std::string_view name, Dialect dialect) noexcept
+std::optional<ControlKind> FindKind(std::string_view name, Dialect dialect) noexcept
 {
     for (const KindRow& row : kKinds) {
         if (NameOf(row.kind, dialect) == name) {
@@ -107,18 +107,18 @@ std::optional<NodeKind> FindKind(std::string_view name, Dialect dialect) noexcep
     return std::nullopt;
 }
 
-std::string_view NameOf(Key key, NodeKind kind, Dialect dialect) noexcept
+std::string_view NameOf(Key key, ControlKind kind, Dialect dialect) noexcept
 {
     if (dialect == Dialect::Lumen) {
         return RowOf(key).lumen;
     }
-    if (key == Key::Label && (kind == NodeKind::Popup || kind == NodeKind::HotTextNumber)) {
+    if (key == Key::Label && (kind == ControlKind::Popup || kind == ControlKind::HotTextNumber)) {
         return "name";
     }
     return RowOf(key).sable;
 }
 
-std::optional<Key> FindKey(std::string_view name, NodeKind kind, Dialect dialect) noexcept
+std::optional<Key> FindKey(std::string_view name, ControlKind kind, Dialect dialect) noexcept
 {
     for (const KeyRow& row : kKeys) {
         if ((RowOf(kind).keys & Bit(row.key)) != 0 && NameOf(row.key, kind, dialect) == name) {
@@ -128,7 +128,7 @@ std::optional<Key> FindKey(std::string_view name, NodeKind kind, Dialect dialect
     return std::nullopt;
 }
 
-std::vector<Key> KeysOf(NodeKind kind)
+std::vector<Key> KeysOf(ControlKind kind)
 {
     std::vector<Key> keys;
     for (const KeyRow& row : kKeys) {
@@ -144,7 +144,7 @@ ValueType TypeOf(Key key) noexcept
     return RowOf(key).type;
 }
 
-bool HoldsChildren(NodeKind kind) noexcept
+bool HoldsChildren(ControlKind kind) noexcept
 {
     return RowOf(kind).holdsChildren;
 }

@@ -3,6 +3,7 @@
 
 #include <kestrel/Export.h>
 #include <kestrel/qelcore/exceptions/Exceptions.h>
+#include <kestrel/qelui/controls/UI_ControlView.h>
 
 #include <optional>
 #include <span>
@@ -15,21 +16,6 @@ namespace qellumenfactory {
 
 /// Lumen calls, `qel_button(label: "Save")`, or Sable property sheets, `button { label = "Save" }`.
 enum class Dialect { Lumen, Sable };
-
-enum class NodeKind {
-    Dialog,
-    Group,
-    RadioGroup,
-    OkCancelRow,
-    Popup,
-    NumberEdit,
-    HotTextNumber,
-    Button,
-    StaticText,
-    CheckBox,
-    RadioButton
-};
-inline constexpr int kNodeKindCount = 11;
 
 /// In the order in which a formatted layout lists them.
 enum class Key {
@@ -69,9 +55,11 @@ struct Parameter {
     Position position; ///< of the name
 };
 
+using qelui::ControlKind;
+
 /// One widget with what it holds.
 struct KESTRELUI_API LayoutNode {
-    NodeKind kind = NodeKind::Dialog;
+    ControlKind kind = ControlKind::Dialog;
     std::vector<Parameter> parameters; ///< in the order of the text
     std::vector<LayoutNode> children;
     std::vector<std::string> comments;        ///< before the node, without their slashes

@@ -72,36 +72,36 @@ std::unique_ptr<Number> MakeNumber(const LayoutNode& node)
 void AddControl(qelui::UI_Group& group, const LayoutNode& node)
 {
     switch (node.kind) {
-    case NodeKind::Dialog: // the parser allows none here
+    case ControlKind::Dialog: // the parser allows none here
         break;
-    case NodeKind::Group:
+    case ControlKind::Group:
         group.Add(MakeGroup<qelui::UI_Group>(node));
         break;
-    case NodeKind::RadioGroup:
+    case ControlKind::RadioGroup:
         group.Add(MakeGroup<qelui::UI_RadioGroup>(node));
         break;
-    case NodeKind::OkCancelRow:
+    case ControlKind::OkCancelRow:
         group.Add(std::make_unique<qelui::UI_OkCancelRow>(node.Text(Key::Identifier)));
         break;
-    case NodeKind::Popup:
+    case ControlKind::Popup:
         group.Add(Make<qelui::UI_Popup>(node));
         break;
-    case NodeKind::NumberEdit:
+    case ControlKind::NumberEdit:
         group.Add(MakeNumber<qelui::UI_NumberEdit>(node));
         break;
-    case NodeKind::HotTextNumber:
+    case ControlKind::HotTextNumber:
         group.Add(MakeNumber<qelui::UI_HotTextNumber>(node));
         break;
-    case NodeKind::Button:
+    case ControlKind::Button:
         group.Add(Make<qelui::UI_Button>(node));
         break;
-    case NodeKind::StaticText:
+    case ControlKind::StaticText:
         group.Add(Make<qelui::UI_StaticText>(node));
         break;
-    case NodeKind::CheckBox:
+    case ControlKind::CheckBox:
         group.Add(Make<qelui::UI_CheckBox>(node)).SetChecked(node.Truth(Key::Checked, false));
         break;
-    case NodeKind::RadioButton:
+    case ControlKind::RadioButton:
         group.Add(Make<qelui::UI_RadioButton>(node)).SetValue(node.Truth(Key::Checked, false) ? 1 : 0);
         break;
     }

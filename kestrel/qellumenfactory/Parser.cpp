@@ -26,7 +26,7 @@ public:
         NeedWord("a widget's name, for instance qel_dialog or dialog");
         const bool isLumen = mToken.text.starts_with("qel_");
         mDialect = isLumen ? Dialect::Lumen : Dialect::Sable;
-        Layout layout{mDialect, ParseNode(NodeKind::Dialog, 1, /*insideRadioGroup=*/false)};
+        Layout layout{mDialect, ParseNode(ControlKind::Dialog, 1, /*insideRadioGroup=*/false)};
         if (mToken.kind != TokenKind::End) {
             Fail("expected the end after the dialog, found " + Describe(mToken));
         }
@@ -56,25 +56,25 @@ private:
         Take();
     }
 
-    NodeKind TakeKind(NodeKind parent, int depth, bool insideRadioGroup)
+    ControlKind TakeKind(ControlKind parent, int depth, bool insideRadioGroup)
     {
         const auto kind = FindKind(mToken.text, mDialect);
         if (!kind) {
             std::string known;
-            for (int index = 0; index < kNodeKindCount; ++index) {
+            for (int index = 0; index < qelui::kControlKindCount; ++index) {
                 known += (index == 0 ? "" : ", ");
-                known += NameOf(static_cast<NodeKind>(index), mDialect);
+                known += NameOf(static_cast<ControlKind>(index), mDialect);
             }
             Fail(InQuotes(mToken.text) + " is not a widget; the widgets are: " + known);
         }
-        if ((depth == 1) != (*kind == NodeKind::Dialog)) {
-            Fail(depth == 1 ? "the outermost widget is " + std::string(NameOf(NodeKind::Dialog, mDialect)) +
+        if ((depth == 1) != (*kind == ControlKind::Dialog)) {
+            Fail(depth == 1 ? "the outermost widget is " + std::string(NameOf(ControlKind::Dialog, mDialect)) +
                                   ", not " + mToken.text
                             : mToken.text + " stands inside " + std::string(NameOf(parent, mDialect)) +
                                   ", but only outermost");
         }
-        if (*kind == NodeKind::RadioButton && !insideRadioGroup) {
-            Fail(mToken.text + " stands inside a " + std::string(NameOf(NodeKind::RadioGroup, mDialect)) +
+        if (*kind == ControlKind::RadioButton && !insideRadioGroup) {
+            Fail(mToken.text + " stands inside a " + std::string(NameOf(ControlKind::RadioGroup, mDialect)) +
                  " only");
         }
         Take();
@@ -82,7 +82,7 @@ private:
     }
 
     /// Begins at the node's name. Recursive, therefore the depth is limited.
-    LayoutNode ParseNode(NodeKind parent, int depth, bool insideRadioGroup)
+    LayoutNode ParseNode(ControlKind parent, int depth, bool insideRadioGroup)
     {
         if (depth > kDeepestNesting) {
             Fail("widgets nest at most " + std::to_string(kDeepestNesting) + " deep");
@@ -91,7 +91,7 @@ private:
         node.position = mToken.position;
         node.comments = mTokenizer.TakeComments();
         node.kind = TakeKind(parent, depth, insideRadioGroup);
-        const bool inRadio = insideRadioGroup || node.kind == NodeKind::RadioGroup;
+        const bool inRadio = insideRadioGroup || node.kind == ControlKind::RadioGroup;
         if (mDialect == Dialect::Lumen) {
             ParseLumenParameters(node);
             if (mToken.Is('{')) {

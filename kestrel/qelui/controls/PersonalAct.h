@@ -17,6 +17,7 @@ class PersonalAct {
 public:
     /// Removes the report of the act before.
     PersonalAct(UI_Dialog& dialog, UI_ControlView& control);
+    ~PersonalAct() = default;
     PersonalAct(const PersonalAct&) = delete;
     PersonalAct& operator=(const PersonalAct&) = delete;
 

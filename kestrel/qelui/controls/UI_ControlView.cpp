@@ -4,57 +4,58 @@
 #include <kestrel/qelui/controls/UI_Group.h>
 #include <kestrel/qelui/dialogs/UI_Dialog.h>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <utility>
 
 namespace qelui {
 
+namespace {
+
+struct KindRow {
+    ControlKind kind;
+    std::string_view name;
+    bool isActedOn;
+};
+
+constexpr std::array<KindRow, kControlKindCount> kKinds{{
+    {ControlKind::Dialog, "dialog", false},
+    {ControlKind::Group, "group", false},
+    {ControlKind::RadioGroup, "radio group", false},
+    {ControlKind::OkCancelRow, "ok cancel row", false},
+    {ControlKind::Popup, "popup", true},
+    {ControlKind::NumberEdit, "number edit", true},
+    {ControlKind::HotTextNumber, "hot text number", true},
+    {ControlKind::Button, "button", true},
+    {ControlKind::StaticText, "static text", false},
+    {ControlKind::CheckBox, "check box", true},
+    {ControlKind::RadioButton, "radio button", true},
+}};
+
+static_assert(std::is_sorted(kKinds.begin(), kKinds.end(),
+                             [](const KindRow& a, const KindRow& b) { return a.kind < b.kind; }));
+
+const KindRow& RowOf(ControlKind kind) noexcept
+{
+    return kKinds[static_cast<std::size_t>(kind)];
+}
+
+} // namespace
+
 std::string_view NameOf(ControlKind kind) noexcept
 {
-    switch (kind) {
-    case ControlKind::Dialog:
-        return "dialog";
-    case ControlKind::Group:
-        return "group";
-    case ControlKind::RadioGroup:
-        return "radio group";
-    case ControlKind::OkCancelRow:
-        return "ok cancel row";
-    case ControlKind::Popup:
-        return "popup";
-    case ControlKind::NumberEdit:
-        return "number edit";
-    case ControlKind::HotTextNumber:
-        return "hot text number";
-    case ControlKind::Button:
-        return "button";
-    case ControlKind::StaticText:
-        return "static text";
-    case ControlKind::CheckBox:
-        return "check box";
-    case ControlKind::RadioButton:
-        return "radio button";
-    }
-    return "control";
+    return RowOf(kind).name;
 }
 
 bool IsActedOn(ControlKind kind) noexcept
 {
-    switch (kind) {
-    case ControlKind::Popup:
-    case ControlKind::NumberEdit:
-    case ControlKind::HotTextNumber:
-    case ControlKind::Button:
-    case ControlKind::CheckBox:
-    case ControlKind::RadioButton:
-        return true;
-    case ControlKind::Dialog:
-    case ControlKind::Group:
-    case ControlKind::RadioGroup:
-    case ControlKind::OkCancelRow:
-    case ControlKind::StaticText:
-        break;
-    }
-    return false;
+    return RowOf(kind).isActedOn;
+}
+
+std::string NameFromLabel(std::string_view label)
+{
+    return std::string(label.substr(0, label.find_last_not_of(":. ") + 1)); // npos + 1 is 0
 }
 
 UI_ControlView::UI_ControlView(ControlKind kind, std::string identifier)

@@ -35,9 +35,13 @@ enum class ControlKind {
     CheckBox,
     RadioButton
 };
+inline constexpr int kControlKindCount = 11;
 
 /// The kind's name in dumps and messages: "popup", "number edit".
 [[nodiscard]] KESTRELUI_API std::string_view NameOf(ControlKind kind) noexcept;
+
+/// A label as a name, in sentences and for assistive tools: without the colon or the dots at its end.
+[[nodiscard]] KESTRELUI_API std::string NameFromLabel(std::string_view label);
 
 /// Whether a person acts on controls of this kind, and the focus goes there; groups and static texts are only
 /// seen.

@@ -8,17 +8,6 @@
 
 namespace qelui {
 
-namespace {
-
-/// A label as the beginning of a sentence: without the colon that leads to a field, and without dots.
-std::string NameFrom(const std::string& label)
-{
-    const std::size_t end = label.find_last_not_of(":. ");
-    return end == std::string::npos ? std::string() : label.substr(0, end + 1);
-}
-
-} // namespace
-
 void StatusLine::Explain(const UI_ControlView& control)
 {
     std::string text = control.Tooltip();
@@ -51,7 +40,7 @@ void StatusLine::Report(std::string text)
 
 void StatusLine::ReportOf(const UI_ControlView& control, const std::string& text)
 {
-    const std::string name = NameFrom(control.Label());
+    const std::string name = NameFromLabel(control.Label());
     Report(name.empty() ? text : name + ": " + text);
 }
 

@@ -10,8 +10,8 @@
 ///    `UI_RadioButton::Press`, `UI_Popup::Choose`, `UI_NumberView::EnterValue` or `EnterText`. The verb limits,
 ///    stores and runs the handlers. Handlers change other controls, which arrive as `OnControlChanged`; they
 ///    open nested dialogs, which arrive as the other functions of `Toolkit` before the verb returns; they close
-///    the dialog, which arrives as `OnDialogClosed`; It calls `dialog.Status().Explain` where the focus moves
-///    to a control, and shows the status line, whose changes arrive as `OnStatusChanged`;
+///    the dialog, which arrives as `OnDialogClosed`. Where the focus moves to a control, the toolkit calls
+///    `dialog.Status().Explain`; it shows the status line, whose changes arrive as `OnStatusChanged`;
 /// 4. where the person closes the window or presses Escape, calls `dialog.RequestClose()`, and does not
 ///    close the window itself;
 /// 5. returns once `OnDialogClosed` was heard and the window is gone, with observer and native window set

@@ -35,20 +35,11 @@ std::unique_ptr<ControlWidget> MakeControlWidget(qelui::UI_ControlView& control,
     return nullptr;
 }
 
-QString AccessibleNameOf(const std::string& label)
-{
-    QString name = QString::fromStdString(label).trimmed();
-    while (name.endsWith(QLatin1Char(':')) || name.endsWith(QLatin1Char('.'))) {
-        name.chop(1);
-    }
-    return name;
-}
-
 void DressWidget(QWidget& widget, const qelui::UI_ControlView& control)
 {
     widget.setObjectName(QString::fromStdString(control.Identifier()));
     widget.setToolTip(QString::fromStdString(control.Tooltip()));
-    widget.setAccessibleName(AccessibleNameOf(control.Label()));
+    widget.setAccessibleName(QString::fromStdString(qelui::NameFromLabel(control.Label())));
     widget.setAccessibleDescription(QString::fromStdString(control.Tooltip()));
 }
 

@@ -40,9 +40,6 @@ private:
 /// Makes the widget of a control. @return null for groups, which have none.
 [[nodiscard]] std::unique_ptr<ControlWidget> MakeControlWidget(qelui::UI_ControlView& control, QWidget* parent);
 
-/// A label as a name for assistive tools: without its colon and dots.
-[[nodiscard]] QString AccessibleNameOf(const std::string& label);
-
 /// Sets what all kinds have: name, tooltip, texts for assistive tools.
 void DressWidget(QWidget& widget, const qelui::UI_ControlView& control);
 

@@ -24,7 +24,7 @@ void FollowCaption(QAbstractButton& button, const qelui::UI_ControlView& model, 
 {
     button.setText(WithAltLetter(model.Label(), altLetter));
     button.setEnabled(model.IsEnabled());
-    button.setAccessibleName(AccessibleNameOf(model.Label()));
+    button.setAccessibleName(QString::fromStdString(qelui::NameFromLabel(model.Label())));
 }
 
 } // namespace

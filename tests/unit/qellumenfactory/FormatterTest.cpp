@@ -17,7 +17,7 @@ class Maker {
 public:
     explicit Maker(unsigned seed) : mRandom(seed) {}
 
-    LayoutNode Make(NodeKind kind, int depth, bool inRadioGroup)
+    LayoutNode Make(ControlKind kind, int depth, bool inRadioGroup)
     {
         LayoutNode node;
         node.kind = kind;
@@ -30,11 +30,11 @@ public:
         AddComments(node.comments);
         if (HoldsChildren(kind)) {
             AddComments(node.closingComments);
-            const bool inRadio = inRadioGroup || kind == NodeKind::RadioGroup;
+            const bool inRadio = inRadioGroup || kind == ControlKind::RadioGroup;
             for (unsigned count = depth > 4 ? 0 : mRandom() % 4U; count > 0; --count) {
-                auto child = static_cast<NodeKind>(1 + mRandom() % 10U);
-                if (child == NodeKind::RadioButton && !inRadio) {
-                    child = NodeKind::Button;
+                auto child = static_cast<ControlKind>(1 + mRandom() % 10U);
+                if (child == ControlKind::RadioButton && !inRadio) {
+                    child = ControlKind::Button;
                 }
                 node.children.push_back(Make(child, depth + 1, inRadio));
             }
@@ -98,7 +98,7 @@ class RoundTrip : public testing::TestWithParam<Dialect> {};
 TEST_P(RoundTrip, WhatIsFormattedReadsBackTheSameAndFormatsTheSame)
 {
     for (unsigned seed = 1; seed <= 300; ++seed) {
-        const LayoutNode root = Maker(seed).Make(NodeKind::Dialog, 0, false);
+        const LayoutNode root = Maker(seed).Make(ControlKind::Dialog, 0, false);
         const std::string text = FormatLayout(root, GetParam());
         const Layout layout = ParseLayout(text, "seed " + std::to_string(seed));
         ASSERT_EQ(layout.dialect, GetParam());

@@ -25,7 +25,7 @@ TEST(Parser, ReadsLumen)
 qel_dialog(identifier: "d", title: "T \"x\" \\ \n", margin: 15) { qel_button(label: "B",) qel_groupbox() {} })",
                                       "t");
     EXPECT_EQ(layout.dialect, Dialect::Lumen);
-    EXPECT_EQ(layout.root.kind, NodeKind::Dialog);
+    EXPECT_EQ(layout.root.kind, ControlKind::Dialog);
     EXPECT_EQ(layout.root.Text(Key::Title), "T \"x\" \\ \n");
     EXPECT_EQ(layout.root.Number(Key::Margin, 0.0), 15.0);
     ASSERT_EQ(layout.root.children.size(), 2U);
