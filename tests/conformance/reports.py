@@ -2,6 +2,7 @@
 
 import json
 import os
+import struct
 import subprocess
 import sys
 import tempfile
@@ -12,7 +13,8 @@ CHECKER, IMPORTER, WRONG = sys.argv[1:4]
 
 
 def run(*arguments, wrong=None):
-    environment = dict(os.environ, WRONG_PLUGIN=wrong or "")
+    # The host's libraries are also found by a plug-in that stands elsewhere.
+    environment = dict(os.environ, WRONG_PLUGIN=wrong or "", LD_LIBRARY_PATH=os.path.dirname(IMPORTER))
     return subprocess.run([CHECKER, *arguments], capture_output=True, text=True, env=environment)
 
 
@@ -53,6 +55,20 @@ class Reports(unittest.TestCase):
         end = run(WRONG, "--check", "requests.out-of-range", wrong="EndsTheProcess")
         self.assertIn("ended with status 0 before the check did", end.stdout)
 
+    def test_a_section_without_a_name_is_passed_over(self):
+        with open(IMPORTER, "rb") as file:
+            image = bytearray(file.read())
+        # ELF64: the table of sections begins where byte 40 says; its second entry begins with the offset of a name.
+        table, = struct.unpack_from("<Q", image, 40)
+        entry_size, = struct.unpack_from("<H", image, 58)
+        struct.pack_into("<I", image, table + entry_size, 0x7FFFFFFF)
+        with tempfile.TemporaryDirectory() as folder:
+            copy = os.path.join(folder, os.path.basename(IMPORTER))
+            with open(copy, "wb") as file:
+                file.write(image)
+            result = run(copy, "--check", "registration.property-list")
+        self.assertEqual(result.returncode, 0, result.stdout)
+
     def test_expectations_decide_the_exit_code(self):
         check = ("--check", "allocation.color", "--check", "requests.null-records")
         for arguments, code in (((), 0), (("--expect-skipped", "allocation.color"), 0),
@@ -81,7 +97,8 @@ class Reports(unittest.TestCase):
     def test_wrong_command_lines_are_said_in_one_line(self):
         for arguments in ((), ("--check",), ("--nonsense",), (IMPORTER, "--check", "frame.nonsense"),
                           (IMPORTER, "--time-limit", "0"), (IMPORTER, "--seed", "-1"), (IMPORTER, "--suite", "all"),
-                          (IMPORTER, "--document", "/nowhere/a"), (IMPORTER, IMPORTER)):
+                          (IMPORTER, "--document", "/nowhere/a"), (IMPORTER, IMPORTER), ("",),
+                          (IMPORTER, "--document", "")):
             result = run(*arguments)
             self.assertEqual((result.returncode, result.stdout), (2, ""), arguments)
             self.assertEqual(result.stderr.count("\n"), 1, result.stderr)

@@ -45,7 +45,9 @@ std::optional<std::vector<std::uint8_t>> Plugin::Section(const std::string& name
         for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
              section = elf_nextscn(elf, section)) {
             GElf_Shdr header;
-            if (gelf_getshdr(section, &header) == nullptr || name != elf_strptr(elf, names, header.sh_name)) {
+            const bool isReadable = gelf_getshdr(section, &header) != nullptr;
+            const char* const sectionName = isReadable ? elf_strptr(elf, names, header.sh_name) : nullptr;
+            if (sectionName == nullptr || name != sectionName) {
                 continue;
             }
             bytes.emplace();

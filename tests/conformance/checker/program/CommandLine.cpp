@@ -51,6 +51,15 @@ Suite ParseSuite(const std::string& name)
     return name == "general" ? Suite::General : Suite::Tessel;
 }
 
+/// The file that `what` names, wherever the checks run.
+std::filesystem::path ParseFile(const std::string& what, const std::string& text)
+{
+    if (text.empty()) {
+        throw std::invalid_argument(what + " is an empty name, a file was expected");
+    }
+    return std::filesystem::absolute(text);
+}
+
 bool Matches(const std::string& chosen, const std::string& id)
 {
     return id == chosen || id.rfind(chosen + ".", 0) == 0;
@@ -68,7 +77,7 @@ Options ParseCommandLine(const std::vector<std::string>& arguments)
     };
     using Text = const std::string&;
     const std::map<std::string, std::function<void(Text)>> settings = {
-        {"--document", [&](Text value) { options.document = std::filesystem::absolute(value); }},
+        {"--document", [&](Text value) { options.document = ParseFile("--document", value); }},
         {"--suite", [&](Text value) { options.suite = ParseSuite(value); }},
         {"--check", [&](Text value) { options.only.push_back(value); }},
         {"--expect-failing", [&](Text value) { options.expectFailing.push_back(value); }},
@@ -92,7 +101,7 @@ Options ParseCommandLine(const std::vector<std::string>& arguments)
         } else if (!options.plugin.empty()) {
             throw std::invalid_argument("one plug-in at a time: '" + *argument + "' is one too many");
         } else {
-            options.plugin = std::filesystem::absolute(*argument);
+            options.plugin = ParseFile("the plug-in", *argument);
         }
     }
     if (options.plugin.empty() && !options.list && !options.help && !options.version) {
