@@ -49,7 +49,7 @@ std::string UriOf(GstPad* sink)
 std::string FileOf(const std::string& uri)
 {
     gchar* const path = uri.empty() ? nullptr : g_filename_from_uri(uri.c_str(), nullptr, nullptr);
-    const std::string file = path != nullptr && g_file_test(path, G_FILE_TEST_IS_REGULAR) != FALSE ? path : "";
+    std::string file = path != nullptr && g_file_test(path, G_FILE_TEST_IS_REGULAR) != FALSE ? path : "";
     g_free(path);
     return file;
 }

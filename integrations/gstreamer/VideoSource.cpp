@@ -91,7 +91,7 @@ gboolean DecideAllocation(GstBaseSrc* base, GstQuery* query)
     params.align |= kAlignmentMask;
 
     GstBufferPool* pool = nullptr;
-    guint size = static_cast<guint>(GST_VIDEO_INFO_SIZE(&info));
+    auto size = static_cast<guint>(GST_VIDEO_INFO_SIZE(&info));
     guint least = 0;
     guint most = 0;
     const bool isProposed = gst_query_get_n_allocation_pools(query) > 0;

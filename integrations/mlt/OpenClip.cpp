@@ -226,9 +226,9 @@ MltPicture OpenClip::Picture(std::int64_t frame, mlt_image_format format)
 
 bool OpenClip::Samples(std::int64_t start, int count, float* planes) const
 {
-    std::vector<float*> channels;
-    for (std::int32_t channel = 0; channel < mFacts.channel_count; ++channel) {
-        channels.push_back(planes + static_cast<std::ptrdiff_t>(channel) * count);
+    std::vector<float*> channels(static_cast<std::size_t>(mFacts.channel_count));
+    for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+        channels[channel] = planes + channel * static_cast<std::size_t>(count);
     }
     if (tessel_samples(mClip.get(), start, static_cast<std::size_t>(count), channels.data(), channels.size()) !=
         TESSEL_OK) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <limits>
@@ -19,8 +18,9 @@ namespace {
 constexpr char kClip[] = "_tessel_clip";   // a frame's own share of the clip
 constexpr char kFrame[] = "_tessel_frame"; // which of the clip's frames it shows
 
-/// What a producer's `child` is.
+/// A producer with its clip. It is its own `child`, so that callbacks of MLT find it.
 struct Producer {
+    mlt_producer_s base{};
     std::shared_ptr<OpenClip> clip;
 };
 
@@ -44,12 +44,12 @@ std::int64_t FrameAt(const tessel_description& facts, mlt_profile profile, std::
 /// How many frames of the profile's the clip lasts, at least 1.
 int LengthIn(const tessel_description& facts, mlt_profile profile)
 {
-    double frames = static_cast<double>(facts.frame_count);
+    auto frames = static_cast<double>(facts.frame_count);
     if (facts.rate_numerator > 0 && profile != nullptr && profile->frame_rate_den > 0) {
         frames *= mlt_profile_fps(profile) * facts.rate_denominator / facts.rate_numerator;
     }
     // INT_MAX counts as a broken clip in some programs.
-    constexpr double kMost = std::numeric_limits<int>::max() / 2;
+    constexpr double kMost = std::numeric_limits<int>::max() / 2.0;
     return static_cast<int>(std::min(std::max(std::round(frames), 1.0), kMost));
 }
 
@@ -242,7 +242,6 @@ void CloseProducer(mlt_producer producer)
     const std::unique_ptr<Producer> owned(static_cast<Producer*>(producer->child));
     producer->close = nullptr; // else it would be called again
     mlt_producer_close(producer);
-    std::free(producer);
 }
 
 mlt_producer NewProducer(mlt_profile profile, const char* path)
@@ -251,13 +250,13 @@ mlt_producer NewProducer(mlt_profile profile, const char* path)
     if (!clip) {
         return nullptr;
     }
-    auto* producer = static_cast<mlt_producer>(std::calloc(1, sizeof(mlt_producer_s)));
-    auto owned = std::make_unique<Producer>(Producer{std::move(clip)});
-    if (producer == nullptr || mlt_producer_init(producer, owned.get()) != 0) {
-        std::free(producer);
+    auto owned = std::make_unique<Producer>();
+    owned->clip = std::move(clip);
+    mlt_producer producer = &owned->base;
+    if (mlt_producer_init(producer, owned.get()) != 0) {
         return nullptr;
     }
-    owned.release();
+    static_cast<void>(owned.release()); // `CloseProducer` deletes it
     producer->get_frame = GetFrame;
     producer->close = reinterpret_cast<mlt_destructor>(CloseProducer);
     mlt_properties properties = MLT_PRODUCER_PROPERTIES(producer);

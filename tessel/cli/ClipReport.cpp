@@ -5,6 +5,7 @@
 #include <kestrel/pixmill/PixelFormatCodes.h>
 #include <kestrel/qelcore/text/FourCharacterText.h>
 #include <kestrel/qelcore/text/PathText.h>
+#include <tessel/export/plan/PictureGeometry.h>
 #include <tessel/typed/Names.h>
 
 #include <fmt/format.h>
@@ -17,12 +18,12 @@ namespace {
 
 using document::ClipFacts;
 using document::OpenedClip;
+using exporting::FieldOrderName;
 using importhost::ClipDescription;
 using qelcore::serialization::AddToObject;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 using typed::ChannelTypeName;
-using typed::FieldOrderName;
 using typed::PixelAspectName;
 using typed::PixelFormatName;
 

@@ -3,18 +3,14 @@
 #include "Commands.h"
 #include "OutputOptions.h"
 #include "WholeText.h"
+#include "movies/FileWork.h"
 #include "movies/MovieCommands.h"
 
-#include <kestrel/importhost/PathText.h>
 #include <tessel/damage/RenderDamaged.h>
 #include <tessel/damage/catalogue/FaultValue.h>
-#include <tessel/document/OpenClip.h>
-#include <tessel/export/ExportError.h>
-#include <tessel/export/files/Interrupt.h>
 #include <tessel/export/files/OutputFile.h>
 
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,6 +31,17 @@ void WriteTruth(const std::string& output, const std::string& text)
     WriteAndCommit(file, text);
 }
 
+/// As `damage::RenderDamaged`. @throws UsageError  for faults that cannot be put in
+std::string Render(const exporting::SignalSource& source, const exporting::RenderJob& job,
+                   const std::vector<std::string>& faults)
+{
+    try {
+        return damage::RenderDamaged(source, job, faults);
+    } catch (const damage::FaultError& error) {
+        throw UsageError(error.what());
+    }
+}
+
 } // namespace
 
 void RunDamage(const DamageOptions& options, Context& context)
@@ -46,25 +53,20 @@ void RunDamage(const DamageOptions& options, Context& context)
     if (options.clip.empty() || options.output.empty() || options.faults.empty()) {
         throw UsageError("damage needs a CLIP, at least one --fault and -o OUT, or --list");
     }
-    const exporting::Container& container = ContainerFor(options.out.format, options.output);
-    const document::OpenedClip opened = context.OpenClip(options.clip);
-    const exporting::ClipSource source(opened);
-    try {
-        const exporting::InterruptGuard guard;
-        exporting::RenderJob job;
-        job.output = RequestFor(options.out, container);
-        job.target = options.output;
-        job.threadCount = ThreadCount(options.out);
-        job.frames = FramesFor(options.out, opened.facts);
-        const std::string truth = damage::RenderDamaged(source, job, options.faults);
-        if (options.output != "-") {
-            WriteTruth(options.output, truth);
-        }
-    } catch (const exporting::Interrupted&) {
-        exporting::InterruptGuard::EndAsSignalled();
-    } catch (const damage::FaultError& error) {
-        throw UsageError(error.what());
-    }
+    CheckOutputOptions(options.out);
+    const exporting::OutputRequest request =
+        RequestFor(options.out, ContainerFor(options.out.format, options.output));
+    RunInterruptibly([&] {
+        FileWork work(options.clip, options.output, {.noProgress = true}, context);
+        exporting::RenderJob job = work.StartJob(request, options.out);
+        work.Do([&] {
+            job.frames = FramesFor(options.out, work.Clip().facts);
+            const std::string truth = Render(work.Source(), job, options.faults);
+            if (options.output != "-") {
+                WriteTruth(options.output, truth);
+            }
+        });
+    });
 }
 
 } // namespace tessel::cli

@@ -49,7 +49,7 @@ void RunInfo(Context& context, const InfoOptions& options)
             context.exitCode = kWorkFailed;
         }
     }
-    if (!options.json || reports.empty()) {
+    if (!options.json) {
         return;
     }
     const auto document =

@@ -95,9 +95,9 @@ void RenderOne(const Options& options, const RenderTarget& target, const exporti
 void RunRender(const RenderOptions& options, Context& context)
 {
     CheckOutputOptions(options.out);
-    Witnesses::Check(options);
     const TargetOptions where{options.clips, options.output, options.out.format};
     const std::vector<RenderTarget> targets = TargetsOf(where);
+    Witnesses::Check(options, targets.front().output);
     // All targets are of one format.
     exporting::OutputRequest request = RequestFor(options.out, *targets.front().container, options.timecode);
     const std::optional<exporting::PartNumber> part = PartOf(options, where, *request.container);

@@ -7,7 +7,6 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/orb/File.h>
-#include <tessel/document/DocumentFacts.h>
 #include <tessel/document/settings/DocumentEditor.h>
 #include <tessel/document/settings/DocumentRules.h>
 #include <tessel/typed/Settings.h>
@@ -16,7 +15,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -42,37 +40,32 @@ void RunSet(const SetOptions& options)
     if (std::error_code error; !fs::exists(options.clip, error)) {
         throw HostError(name + ": no such file; tessel new makes one");
     }
-    const std::string before = document::DocumentText(options.clip);
-    std::optional<DocumentEditor> document;
-    try {
-        document.emplace(before);
-    } catch (const HostError& error) {
-        throw HostError(name + ": " + error.what());
-    }
-    const auto playingBefore = document::PlayingProblem(*document);
+    DocumentEditor document = DocumentEditor::Open(options.clip);
+    const std::string before = document.Text();
+    const auto playingBefore = document::PlayingProblem(document);
     std::vector<std::string> warnings =
-        typed::ApplyChanges(typed::ReadChanges(options.assignments), /*prefix=*/"", *document);
-    if (const auto problem = document::ReadingProblem(*document)) {
+        typed::ApplyChanges(typed::ReadChanges(options.assignments), /*prefix=*/"", document);
+    if (const auto problem = document::ReadingProblem(document)) {
         throw HostError(name + ": " + *problem);
     }
-    if (const auto problem = document::PlayingProblem(*document)) {
+    if (const auto problem = document::PlayingProblem(document)) {
         // What did not work before need not be put right by this change.
         if (problem != playingBefore) {
             throw UsageError(name + ": " + *problem);
         }
         warnings.push_back(*problem);
     }
-    for (std::string& warning : document::DocumentWarnings(*document)) {
+    for (std::string& warning : document::DocumentWarnings(document)) {
         warnings.push_back(std::move(warning));
     }
     const std::string begin = "warning: " + name + ": ";
     for (const std::string& warning : warnings) {
         WriteError(begin + warning);
     }
-    if (document->Text() == before) {
+    if (document.Text() == before) {
         return;
     }
-    if (const auto failure = WriteDocument(options.clip, document->Text())) {
+    if (const auto failure = WriteDocument(options.clip, document.Text())) {
         throw HostError(name + ": cannot be written: " + *failure);
     }
 }

@@ -94,14 +94,6 @@ verify::VerifyJob JobOf(const Options& options)
     return job;
 }
 
-/// One name, or two names of one file.
-bool SameFile(const std::string& one, const std::string& other)
-{
-    std::error_code ignored;
-    return std::filesystem::path(one).lexically_normal() == std::filesystem::path(other).lexically_normal() ||
-           std::filesystem::equivalent(one, other, ignored);
-}
-
 /// Starts a report before the movie is read: a folder that is not there is told at once, and what cannot be
 /// finished leaves an earlier report as it was.
 std::optional<exporting::OutputFile> StartReport(const char* option, const std::string& name,
@@ -114,7 +106,7 @@ std::optional<exporting::OutputFile> StartReport(const char* option, const std::
         throw UsageError(fmt::format("{} -: expected a file's name; --json prints to standard output", option));
     }
     for (const std::string& input : {options.clip, options.movie}) {
-        if (SameFile(name, input)) {
+        if (IsSameFile(name, input)) {
             throw UsageError(fmt::format("{} {}: the report would replace what it is about; name another file",
                                          option, name));
         }
@@ -153,7 +145,7 @@ void RunComparison(const Options& options, Context& context)
     if (options.asJson && options.isQuiet) {
         throw UsageError("--quiet prints nothing and --json prints the report: give one of them");
     }
-    if (!options.junit.empty() && SameFile(options.junit, options.html)) {
+    if (!options.junit.empty() && IsSameFile(options.junit, options.html)) {
         throw UsageError(fmt::format("--html {}: --junit writes to this file; name another one", options.html));
     }
     std::optional<exporting::OutputFile> junit = StartReport("--junit", options.junit, options);

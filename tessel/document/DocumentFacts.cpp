@@ -2,6 +2,7 @@
 
 #include "Wrapper.h"
 
+#include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/orb/File.h>
 #include <kestrel/qelcore/serialization/Json.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <any>
 #include <limits>
+#include <system_error>
 
 namespace tessel::document {
 namespace {
@@ -65,19 +67,39 @@ void ReadFlag(const Value& root, const char* key, bool& flag)
     }
 }
 
+std::string WhyUnreadable(const std::filesystem::path& file, ORB::Status status)
+{
+    std::error_code error;
+    if (status == ORB::kNotFound) {
+        return "no such file";
+    }
+    if (std::filesystem::is_directory(file, error)) {
+        return "is a directory, a file was expected";
+    }
+    if (std::filesystem::is_other(file, error)) {
+        return "is not an ordinary file";
+    }
+    return status == ORB::kAccessDenied ? "cannot be read: permission denied" : "cannot be read";
+}
+
 } // namespace
 
 std::string DocumentText(const std::filesystem::path& file)
 {
     ORB::File opened;
     std::uint64_t size = 0;
-    if (ORB::File::OpenForReading(importhost::UTF16Path(file), opened) < 0 || opened.GetSizeOnDisk(size) < 0) {
-        return {};
-    }
-    std::string text(std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max()), '\0');
+    std::string text;
     std::uint32_t read = 0;
-    if (opened.Read(text, read) < 0) {
-        return {};
+    ORB::Status status = ORB::File::OpenForReading(importhost::UTF16Path(file), opened);
+    if (status >= 0) {
+        status = opened.GetSizeOnDisk(size);
+    }
+    if (status >= 0) {
+        text.resize(std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max()));
+        status = opened.Read(text, read);
+    }
+    if (status < 0) {
+        throw importhost::HostError(importhost::DisplayName(file) + ": " + WhyUnreadable(file, status));
     }
     text.resize(read);
     return text;

@@ -52,7 +52,7 @@ inline constexpr std::array<const char*, 3> kBandNames = {"colorSwatches", "lega
 /// The same from a document. Opens and parses the file.
 [[nodiscard]] std::optional<DocumentFacts> ReadFactsFromFile(const std::filesystem::path& file);
 
-/// A document's bytes; none where it cannot be read.
+/// A document's bytes. @throws importhost::HostError  naming the file and why it cannot be read
 [[nodiscard]] std::string DocumentText(const std::filesystem::path& file);
 
 /// Why a document is not well-formed, in one line with its place, or that it (or what it wraps) is no JSON

@@ -12,4 +12,11 @@ public:
     explicit ExportError(const std::string& line) : std::runtime_error(line) {}
 };
 
+/// Something was asked for that there is not: a frame or a timecode that the clip does not have, a quality that
+/// the codec does not know. The request has to change, not the clip.
+class RequestError : public ExportError {
+public:
+    using ExportError::ExportError;
+};
+
 } // namespace tessel::exporting

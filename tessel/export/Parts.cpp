@@ -82,8 +82,8 @@ std::optional<PartNumber> PartNumber::Parse(std::string_view text)
 FrameRange FramesOfPart(const FrameRange& whole, const PartNumber& part)
 {
     if (part.count > whole.count) {
-        throw ExportError(fmt::format("{} {} cannot be divided into {} parts: use at most {}", whole.count,
-                                      whole.count == 1 ? "frame" : "frames", part.count, whole.count));
+        throw RequestError(fmt::format("{} {} cannot be divided into {} parts: use at most {}", whole.count,
+                                       whole.count == 1 ? "frame" : "frames", part.count, whole.count));
     }
     const std::int64_t begin = EndOfPart(whole.count, part.number - 1, part.count);
     return {whole.first + begin, EndOfPart(whole.count, part.number, part.count) - begin};
@@ -128,9 +128,10 @@ void RequireJoinable(const OutputPlan& plan)
             others += (others.empty() ? "" : ", ") + std::string(codec.name);
         }
     }
-    throw ExportError(fmt::format("{} codes pictures from their neighbours, so its parts do not join without a "
-                                  "seam: render it in one piece, or use a codec that codes each by itself: {}",
-                                  plan.video->codec->name, others));
+    throw RequestError(
+        fmt::format("{} codes pictures from their neighbours, so its parts do not join without a "
+                    "seam: render it in one piece, or use a codec that codes each by itself: {}",
+                    plan.video->codec->name, others));
 }
 
 } // namespace tessel::exporting

@@ -30,7 +30,7 @@ struct PartNumber {
 
 /// Part K of N of F frames begins at frame (K - 1) * F / N and ends before frame K * F / N, both rounded down
 /// and counted from the first of the F frames. So every frame is in one part, and parts differ by one frame.
-/// @throws ExportError  for more parts than frames
+/// @throws RequestError  for more parts than frames
 [[nodiscard]] FrameRange FramesOfPart(const FrameRange& whole, const PartNumber& part);
 
 /// The label of a part's file, in its container's comment: enough for whoever joins it to refuse
@@ -50,7 +50,7 @@ struct PartLabel {
 [[nodiscard]] std::string CodedPictureText(const VideoPlan& plan);
 
 /// Whether parts with these pictures can be joined.
-/// @throws ExportError  for a codec whose pictures are coded from their neighbours; names those codecs of the
+/// @throws RequestError  for a codec whose pictures are coded from their neighbours; names those codecs of the
 ///                      container that can be joined
 void RequireJoinable(const OutputPlan& plan);
 

@@ -146,7 +146,7 @@ std::int64_t RenderSoundOnly(const SignalSource& source, const RenderJob& job, c
 {
     SoundTrack sound(source, *plan.audio, job.record, job.frames.first);
     const std::int64_t start = sound.StartOf(job.frames.first);
-    const std::int64_t end = sound.StartOf(job.frames.Last() + 1) + detour.soundTailSamples;
+    const std::int64_t end = std::max(sound.StartOf(job.frames.Last() + 1) + detour.soundTailSamples, start);
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount, {0, end - start});
     const std::int64_t second = plan.audio->sampleRate;
     for (std::int64_t position = start; position < end; position += second) {
@@ -167,7 +167,7 @@ std::int64_t RenderMovie(const SignalSource& source, const RenderJob& job, const
     if (plan.audio) {
         sound.emplace(source, *plan.audio, job.record, job.frames.first);
         soundStart = sound->StartOf(job.frames.first);
-        soundEnd = sound->StartOf(job.frames.Last() + 1) + detour.soundTailSamples;
+        soundEnd = std::max(sound->StartOf(job.frames.Last() + 1) + detour.soundTailSamples, soundStart);
     }
     MovieWriter writer(plan, OpenTarget(job.target, *plan.container), job.threadCount,
                        {job.frames.count, soundEnd - soundStart});
@@ -248,17 +248,17 @@ FrameRange ChooseFrames(const document::ClipFacts& clip, std::optional<std::int6
     FrameRange range;
     range.first = first.value_or(0);
     if (range.first < 0 || range.first >= clipFrames) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
     }
     // Compared before anything is added: what is typed may be as large as numbers get.
     if (last && (*last >= clipFrames || *last < range.first)) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("--to {} is not among the clip's frames {} to {}", *last, range.first, clipFrames - 1));
     }
     if (count && (*count < 1 || *count > clipFrames - range.first)) {
-        throw ExportError(fmt::format("there are not {} frames from frame {} on: the clip has frames 0 to {}",
-                                      *count, range.first, clipFrames - 1));
+        throw RequestError(fmt::format("there are not {} frames from frame {} on: the clip has frames 0 to {}",
+                                       *count, range.first, clipFrames - 1));
     }
     const std::int64_t end = last ? *last + 1 : range.first + count.value_or(clipFrames - range.first);
     range.count = end - range.first;

@@ -22,7 +22,8 @@ namespace tessel::exporting {
 /// @param first  first frame; the clip's first where not given
 /// @param last   last frame, included
 /// @param count  number of frames; at most one of `last` and `count` is given
-/// @throws ExportError  for a clip without a rate or frames, and for frames that the clip does not have
+/// @throws ExportError   for a clip without a rate or frames
+/// @throws RequestError  for frames that the clip does not have
 [[nodiscard]] FrameRange ChooseFrames(const document::ClipFacts& clip, std::optional<std::int64_t> first,
                                       std::optional<std::int64_t> last, std::optional<std::int64_t> count);
 

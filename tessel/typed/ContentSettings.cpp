@@ -18,7 +18,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace tessel::typed {
@@ -51,14 +50,11 @@ void SetChartPart(bool isCoordinates, const Value& list, const std::string& plac
 void LoadSwatchFile(const std::string& name, DocumentEditor& document)
 {
     const std::filesystem::path file = qelcore::text::PathOf(name);
-    if (std::error_code error; !std::filesystem::exists(file, error)) {
-        throw SettingError(importhost::DisplayName(file) + ": no such file");
-    }
     std::optional<DocumentEditor> swatches;
     try {
-        swatches.emplace(document::DocumentText(file));
+        swatches = DocumentEditor::Open(file);
     } catch (const importhost::HostError& error) {
-        throw SettingError(importhost::DisplayName(file) + ": " + error.what());
+        throw SettingError(error.what());
     }
     const Value list = swatches->Find("");
     const bool isCoordinates = swatches->Find("colorSwatches").IsObject();

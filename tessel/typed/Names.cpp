@@ -24,19 +24,6 @@ std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept
     return found != ratios.end() ? found->constant.substr(kPrefix.size()) : std::string_view();
 }
 
-std::string_view FieldOrderName(importhost::FieldOrder order) noexcept
-{
-    switch (order) {
-    case importhost::FieldOrder::UpperFirst:
-        return "upper field first";
-    case importhost::FieldOrder::LowerFirst:
-        return "lower field first";
-    case importhost::FieldOrder::Progressive:
-        break;
-    }
-    return "progressive";
-}
-
 std::string_view ChannelTypeName(std::int32_t channelType) noexcept
 {
     switch (channelType) {

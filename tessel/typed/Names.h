@@ -2,7 +2,6 @@
 #pragma once
 
 #include <kestrel/brindle/PixelFormat.h>
-#include <kestrel/importhost/Clip.h>
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 
 #include <cstdint>
@@ -15,9 +14,6 @@ namespace tessel::typed {
 
 /// The name of one of the host's ratios without its prefix, "DVNTSCWide"; empty for any other.
 [[nodiscard]] std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept;
-
-/// "progressive", "upper field first", "lower field first".
-[[nodiscard]] std::string_view FieldOrderName(importhost::FieldOrder order) noexcept;
 
 /// "stereo" for 2, "5.1" for 3; empty for any other code.
 [[nodiscard]] std::string_view ChannelTypeName(std::int32_t channelType) noexcept;

@@ -5,14 +5,12 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
-#include <tessel/document/DocumentFacts.h>
 #include <tessel/document/settings/DocumentRules.h>
 #include <tessel/document/settings/NewDocument.h>
 #include <tessel/document/settings/Templates.h>
 
 #include <fmt/format.h>
 
-#include <system_error>
 #include <utility>
 
 namespace tessel::typed {
@@ -73,14 +71,11 @@ DocumentEditor ReadableDocument(std::string text)
 
 DocumentEditor ReadableDocumentFile(const std::filesystem::path& file)
 {
-    if (std::error_code error; !std::filesystem::exists(file, error)) {
-        throw HostError(DisplayName(file) + ": no such file");
+    DocumentEditor document = DocumentEditor::Open(file);
+    if (const auto problem = document::ReadingProblem(document)) {
+        throw HostError(DisplayName(file) + ": " + *problem);
     }
-    try {
-        return ReadableDocument(document::DocumentText(file));
-    } catch (const HostError& problem) {
-        throw HostError(DisplayName(file) + ": " + problem.what());
-    }
+    return document;
 }
 
 } // namespace tessel::typed

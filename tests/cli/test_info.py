@@ -99,6 +99,10 @@ class Info(ProgramTest):
         self.assertEqual(answer.err, "tessel: gone.tessel: no such file\n")
         self.assertEqual(len(json.loads(answer.out)), 1)
 
+    def test_several_clips_are_an_array_also_where_none_could_be_opened(self):
+        answer = self.run_program("info", "gone.tessel", "lost.tessel", "--json")
+        self.assertEqual((answer.code, json.loads(answer.out)), (1, []))
+
     def test_a_malformed_document_is_the_default_clip_where_allowed(self):
         report = self.report("{}", "--allow-default")
         self.assertEqual((report["video"]["width"], report["video"]["duration"]["frames"]), (720, 1800))

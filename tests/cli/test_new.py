@@ -386,6 +386,12 @@ class Set(DocumentTest):
         self.assert_failed(self.run_program("set", "gone.tessel", "rate=50"), 1, "gone.tessel", "no such file")
         self.write("partly.tessel", "{}")
         self.assert_failed(self.run_program("set", "partly.tessel", "rate=50"), 1, "is missing")
+        os.mkdir(self.path("folder.tessel"))
+        os.mkfifo(self.path("pipe.tessel"))
+        for name, why in (("folder.tessel", "is a directory"), ("pipe.tessel", "is not an ordinary file")):
+            self.assert_failed(self.run_program("set", name, "rate=50"), 1, f"{name}: {why}")
+            self.assert_failed(self.run_program("new", "-", "--from", name), 1, f"{name}: {why}")
+            self.assert_failed(self.run_program("new", "-", "--swatches", name), 2, f"{name}: {why}")
 
     def test_links_and_permissions_stay(self):
         self.write("real.tessel", document())

@@ -141,6 +141,8 @@ class View(ProgramTest):
                 (["missing.tessel", "--screenshot", "a.png"], 1, "missing.tessel"),
                 (["clip.tessel", "--screenshot", "nowhere/a.png"], 1, "nowhere/a.png"),
                 (["clip.tessel", "--frame", "x", "--screenshot", "a.png"], 2, "'x' is no frame"),
+                (["clip.tessel", "--frame", "99", "--screenshot", "a.png"], 2, "there is no frame 99: the clip has frames 0 to"),
+                (["clip.tessel", "--frame", "00:00:00:27", "--screenshot", "a.png"], 2, "--frame: there is no timecode"),
                 (["clip.tessel", "--press", "Nonsense", "--screenshot", "a.png"], 2, "--press Nonsense"),
                 (["clip.tessel", "--size", "10x10"], 2, "--size 10x10"),
                 (["clip.tessel", "--against", "missing.mov", "--screenshot", "a.png"], 1, "missing.mov"),

@@ -45,6 +45,7 @@ namespace {
         texts.emplace_back(setting.cast<py::bytes>());
     }
     std::vector<const char*> pointers;
+    pointers.reserve(texts.size());
     for (const std::string& setting : texts) {
         pointers.push_back(setting.c_str());
     }

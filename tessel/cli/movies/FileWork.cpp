@@ -78,12 +78,17 @@ void FileWork::Do(const std::function<void()>& work) const
 {
     try {
         work();
+    } catch (const exporting::RequestError& error) {
+        throw UsageError(NamedLine(error.what()));
     } catch (const ExportError& error) {
-        const std::string line = error.what();
-        const bool namesFile = mIsFile && line.find(UTF8Text(mOutput)) != std::string::npos;
-        throw ExportError(namesFile || mOutput == "-" ? line
-                                                      : fmt::format("{}: {}", UTF8Text(mClipFile), line));
+        throw ExportError(NamedLine(error.what()));
     }
+}
+
+std::string FileWork::NamedLine(const std::string& line) const
+{
+    const bool namesFile = mIsFile && line.find(UTF8Text(mOutput)) != std::string::npos;
+    return namesFile || mOutput == "-" ? line : fmt::format("{}: {}", UTF8Text(mClipFile), line);
 }
 
 void RunInterruptibly(const std::function<void()>& work)

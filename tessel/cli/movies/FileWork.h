@@ -46,10 +46,13 @@ public:
     void RunAndReport(const exporting::OutputPlan& plan, std::int64_t frames,
                       const std::function<std::int64_t()>& run);
 
-    /// Calls `work`. A failure of it that names no output becomes one that names the clip.
+    /// Calls `work`. A failure that does not name the output gets the clip's name in front.
+    /// @throws UsageError  for a request that the clip cannot fulfil: the command line has to change
     void Do(const std::function<void()>& work) const;
 
 private:
+    [[nodiscard]] std::string NamedLine(const std::string& line) const;
+
     std::filesystem::path mClipFile;
     std::filesystem::path mOutput;
     RunOptions mHow;

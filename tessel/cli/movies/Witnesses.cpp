@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 
 namespace tessel::cli {
 
@@ -30,22 +31,29 @@ exporting::OutputFile TableFile(const fs::path& file)
 
 } // namespace
 
-void Witnesses::Check(const RenderOptions& options)
+void Witnesses::Check(const RenderOptions& options, const fs::path& output)
 {
     const bool hasWitness = !options.hashes.empty() || !options.verify.empty() || !options.truth.empty();
     if (hasWitness && options.clips.size() > 1) {
         throw UsageError("--hash, --verify and --truth are for one clip; render the clips one by one");
     }
-    if (!options.hashes.empty() && options.hashes == options.truth) {
+    if (!options.hashes.empty() && IsSameFile(options.hashes, options.truth)) {
         throw UsageError("--hash and --truth name the same file");
     }
     for (const fs::path& file : {options.hashes, options.truth}) {
+        if (file.empty()) {
+            continue;
+        }
         if (file == kStandardOutput && options.output == kStandardOutput) {
             throw UsageError("-o, --hash and --truth cannot share standard output; name files for the others");
         }
-        if (!file.empty() && file == fs::path(options.output)) {
-            throw UsageError(
-                fmt::format("'{}' is the file that is rendered; give another name", UTF8Text(file)));
+        const std::pair<fs::path, const char*> others[] = {{output, "the file that is rendered"},
+                                                           {options.clips.front(), "the clip itself"},
+                                                           {options.verify, "the file of --verify"}};
+        for (const auto& [other, what] : others) {
+            if (IsSameFile(file, other)) {
+                throw UsageError(fmt::format("'{}' is {}; give another name", UTF8Text(file), what));
+            }
         }
     }
 }

@@ -17,8 +17,10 @@ namespace tessel::cli {
 /// Hashes, a comparison with earlier ones, the truth of each picture: `--hash`, `--verify`, `--truth`.
 class Witnesses {
 public:
-    /// @throws UsageError  where files of several clips, or of one render, would have the same name
-    static void Check(const RenderOptions& options);
+    /// @param output  the file that is rendered; empty or "-": none of that name
+    /// @throws UsageError  for several clips, and where a file would replace the clip or another file of the
+    /// render
+    static void Check(const RenderOptions& options, const std::filesystem::path& output);
 
     /// Starts the files, so that a place that takes none ends the work before it begins.
     /// @throws exporting::ExportError, importhost::HostError

@@ -39,7 +39,7 @@ void RequireFrame(const std::string& text)
         if (!text.empty()) {
             view::RequireFrameForm(text);
         }
-    } catch (const exporting::ExportError& error) {
+    } catch (const exporting::RequestError& error) {
         throw UsageError(std::string("--frame: ") + error.what());
     }
 }
@@ -71,6 +71,8 @@ void RunView(const ViewOptions& options, Context& context)
         view::RunWindow(request);
     } catch (const view::UnknownKey& error) {
         throw UsageError(error.what());
+    } catch (const exporting::RequestError& error) {
+        throw UsageError(std::string("--frame: ") + error.what());
     }
 }
 

@@ -115,7 +115,7 @@ Picture Store(const WorkPicture& work)
     }
     if (info.filler.plane >= 0) {
         // The spare byte of layouts without alpha: opaque, so that readers who take it for alpha see something.
-        const auto plane = static_cast<std::size_t>(info.filler.plane);
+        const std::size_t plane = static_cast<unsigned char>(info.filler.plane);
         for (std::int32_t y = 0; y < work.height; ++y) {
             std::byte* byte = picture.planes[plane] + y * picture.rowBytes[plane] + info.filler.offset;
             for (std::int32_t x = 0; x < work.width; ++x, byte += info.filler.step) {

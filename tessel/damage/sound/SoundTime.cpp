@@ -12,36 +12,37 @@ bool IsIn(double position, std::int64_t begin, std::int64_t count) noexcept
 
 void SoundTime::Delay(double samples)
 {
-    mSteps.push_back([=](double position) { return std::optional(position - samples); });
+    mSteps.emplace_back([=](double position) { return std::optional(position - samples); });
 }
 
 void SoundTime::Speed(double factor)
 {
-    mSteps.push_back([=](double position) { return std::optional(position * factor); });
+    mSteps.emplace_back([=](double position) { return std::optional(position * factor); });
 }
 
 void SoundTime::Lose(std::int64_t position, std::int64_t count)
 {
-    mSteps.push_back([=](double at) {
+    mSteps.emplace_back([=](double at) {
         return std::optional(at < static_cast<double>(position) ? at : at + static_cast<double>(count));
     });
 }
 
 void SoundTime::Insert(std::int64_t position, std::int64_t count)
 {
-    mSteps.push_back([=](double at) {
+    mSteps.emplace_back([=](double at) {
         return std::optional(at < static_cast<double>(position) ? at : at - static_cast<double>(count));
     });
 }
 
 void SoundTime::Silence(std::int64_t position, std::int64_t count)
 {
-    mSteps.push_back([=](double at) { return IsIn(at, position, count) ? std::nullopt : std::optional(at); });
+    mSteps.emplace_back(
+        [=](double at) { return IsIn(at, position, count) ? std::nullopt : std::optional(at); });
 }
 
 void SoundTime::Exchange(std::int64_t first, std::int64_t second, std::int64_t count)
 {
-    mSteps.push_back([=](double at) {
+    mSteps.emplace_back([=](double at) {
         const auto distance = static_cast<double>(second - first);
         if (IsIn(at, first, count)) {
             return std::optional(at + distance);

@@ -1,7 +1,9 @@
 #include "DocumentEditor.h"
 
 #include <kestrel/importhost/HostError.h>
+#include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/serialization/Json.h>
+#include <tessel/document/DocumentFacts.h>
 #include <tessel/document/Wrapper.h>
 
 #include <algorithm>
@@ -247,6 +249,16 @@ DocumentEditor::DocumentEditor(std::string text) : mText(std::move(text))
     }
     if (!Root().IsObject()) {
         throw importhost::HostError("expected a JSON object with a clip's settings");
+    }
+}
+
+DocumentEditor DocumentEditor::Open(const std::filesystem::path& file)
+{
+    std::string text = DocumentText(file);
+    try {
+        return DocumentEditor(std::move(text));
+    } catch (const importhost::HostError& error) {
+        throw importhost::HostError(importhost::DisplayName(file) + ": " + error.what());
     }
 }
 

@@ -4,6 +4,7 @@
 #include <kestrel/qelcore/serialization/Value.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,9 @@ public:
     /// @param text  a JSON object, perhaps wrapped; bytes from its first NUL on stay as they are
     /// @throws importhost::HostError  for any other text, in one line
     explicit DocumentEditor(std::string text);
+
+    /// A file's. @throws importhost::HostError  naming the file: it cannot be read, or holds another text
+    [[nodiscard]] static DocumentEditor Open(const std::filesystem::path& file);
 
     /// The value at a path; nothing where there is none.
     [[nodiscard]] qelcore::serialization::Value Find(std::string_view path) const;

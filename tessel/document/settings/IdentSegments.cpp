@@ -5,7 +5,6 @@
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/qelcore/serialization/Value.h>
 #include <kestrel/qelmediatypes/TickTime.h>
-#include <tessel/document/DocumentFacts.h>
 
 #include <array>
 #include <cstddef>
@@ -74,7 +73,7 @@ std::string_view IdentSegmentAt(std::int32_t format, std::int64_t ticks) noexcep
 std::optional<std::int32_t> IdentOf(const std::filesystem::path& clip)
 {
     try {
-        const DocumentEditor settings(DocumentText(clip));
+        const DocumentEditor settings = DocumentEditor::Open(clip);
         const auto read = [&settings](std::string_view key) {
             return static_cast<std::int32_t>(
                 qelcore::serialization::FindInteger(settings.Find(key)).value_or(0));

@@ -47,7 +47,7 @@ Value Middles(int count)
     return Value(std::move(places));
 }
 
-Value Places(int columns, std::vector<int> rows)
+Value Places(int columns, const std::vector<int>& rows)
 {
     Array list;
     for (const int row : rows) {
@@ -89,6 +89,7 @@ Value BarColors()
 std::vector<double> Steps(double first, double last, int count)
 {
     std::vector<double> steps;
+    steps.reserve(static_cast<std::size_t>(count));
     for (int step = 0; step < count; ++step) {
         steps.push_back(first + (last - first) * step / (count - 1));
     }

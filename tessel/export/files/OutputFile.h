@@ -26,10 +26,13 @@ public:
     struct StandardOutput {};
     explicit OutputFile(StandardOutput);
 
-    /// A file in a folder of this process alone, written directly under its own name.
-    struct New {};
-    /// @throws ExportError  naming the path, where it cannot be made or exists already.
-    OutputFile(New, const std::filesystem::path& path);
+    /// A file in a folder of this process alone, written directly.
+    struct New {
+        std::filesystem::path path;
+        std::filesystem::path goal; ///< what the file will be in the end: messages name it
+    };
+    /// @throws ExportError  naming the goal, where the file cannot be made or exists already.
+    explicit OutputFile(const New& file);
 
     /// Discards what was not committed.
     ~OutputFile();
@@ -65,9 +68,10 @@ void RequireReplaceable(const std::filesystem::path& path);
 /// destructor puts them back. Threads: one object, one thread at a time.
 class JointReplacement {
 public:
-    /// @param aside  a folder to be made for the replaced files, on the file system of the new ones
-    /// @throws ExportError  where it cannot be made
-    explicit JointReplacement(std::filesystem::path aside);
+    /// @param aside   a folder to be made for the replaced files, on the file system of the new ones
+    /// @param folder  where the files go: the message names it
+    /// @throws ExportError  where `aside` cannot be made
+    JointReplacement(std::filesystem::path aside, const std::filesystem::path& folder);
     /// Unless accepted, puts the old files back and removes new ones that replaced none. A file that cannot be
     /// restored is logged.
     ~JointReplacement();
@@ -88,7 +92,8 @@ private:
     std::deque<Replaced> mFiles;
 };
 
-/// Waits until everything written to the file system of `folder` is on its medium: for many files at once.
+/// Waits until everything written to the file system of `folder` (empty: the current one) is on its medium: for
+/// many files at once.
 /// @throws ExportError  naming the folder
 void WaitForMedium(const std::filesystem::path& folder);
 

@@ -27,14 +27,14 @@ using qelcore::text::UTF8Text;
     throw ExportError(name + ": cannot be written: " + ORB::WriteFailureText(error));
 }
 
-[[noreturn]] void FailToWriteInto(const std::string& folder, int error)
-{
-    throw ExportError(folder + ": cannot be written to: " + ORB::WriteFailureText(error));
-}
-
 std::string OrCurrent(const fs::path& folder)
 {
     return folder.empty() ? "." : folder.native();
+}
+
+[[noreturn]] void FailToWriteInto(const fs::path& folder, int error)
+{
+    throw ExportError(OrCurrent(folder) + ": cannot be written to: " + ORB::WriteFailureText(error));
 }
 
 /// @throws ExportError  naming `path`, where nothing can be written
@@ -107,11 +107,11 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
     state.canSeek = true;
 }
 
-OutputFile::OutputFile(New, const fs::path& path) : mState(std::make_unique<State>())
+OutputFile::OutputFile(const New& file) : mState(std::make_unique<State>())
 {
-    mState->path = path;
-    mState->shownName = UTF8Text(path);
-    mState->descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    mState->path = file.goal;
+    mState->shownName = UTF8Text(file.goal);
+    mState->descriptor = ::open(file.path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (mState->descriptor < 0) {
         FailToWrite(mState->shownName, errno);
     }
@@ -194,11 +194,11 @@ struct JointReplacement::Replaced {
     ORB::FileReplacement replacement;
 };
 
-JointReplacement::JointReplacement(fs::path aside) : mAside(std::move(aside))
+JointReplacement::JointReplacement(fs::path aside, const fs::path& folder) : mAside(std::move(aside))
 {
     std::error_code error;
     if (!fs::create_directory(mAside, error)) {
-        FailToWrite(UTF8Text(mAside), error ? error.value() : EEXIST);
+        FailToWriteInto(folder, error ? error.value() : EEXIST);
     }
 }
 
@@ -235,16 +235,15 @@ void JointReplacement::Accept() noexcept
 
 void WaitForMedium(const fs::path& folder)
 {
-    if (const int error = ORB::SyncFileSystem(folder.native())) {
-        FailToWriteInto(folder.native(), error);
+    if (const int error = ORB::SyncFileSystem(OrCurrent(folder))) {
+        FailToWriteInto(folder, error);
     }
 }
 
 void WaitForNames(const fs::path& folder)
 {
-    const std::string named = OrCurrent(folder);
-    if (const int error = ORB::SyncFolder(named)) {
-        FailToWriteInto(named, error);
+    if (const int error = ORB::SyncFolder(OrCurrent(folder))) {
+        FailToWriteInto(folder, error);
     }
 }
 

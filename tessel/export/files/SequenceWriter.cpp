@@ -86,8 +86,9 @@ void SequenceWriter::Write(std::span<const std::byte> file, std::int64_t number)
         return;
     }
     std::string name = mNumbered->name.With(number);
-    RequireReplaceable(mNumbered->parent / name); // now, not when all are rendered
-    OutputFile output(OutputFile::New{}, mNumbered->folder.Path() / name);
+    const fs::path goal = mNumbered->parent / name;
+    RequireReplaceable(goal); // now, not when all are rendered
+    OutputFile output(OutputFile::New{mNumbered->folder.Path() / name, goal});
     output.Write(file);
     mNumbered->files.push_back(std::move(name));
 }
@@ -100,8 +101,9 @@ void SequenceWriter::Finish()
     }
     // Once for all pictures: waiting for each of them takes many times as long.
     const fs::path folder = mNumbered->folder.Path();
-    WaitForMedium(folder);
-    JointReplacement files(folder / "replaced"); // No picture has this name: it has no number.
+    WaitForMedium(mNumbered->parent);
+    // No picture is called so: the name has no number.
+    JointReplacement files(folder / "replaced", mNumbered->parent);
     for (const std::string& name : mNumbered->files) {
         files.Replace(mNumbered->parent / name, folder / name);
     }

@@ -112,7 +112,7 @@ constexpr std::array<Container, 13> kContainers{{
      .kind = ContainerKind::Movie,
      .muxer = "mxf",
      .needsToSeek = true,
-     .leavesOutOrderOfH264 = true,
+     .namesOrderOfMpeg2Only = true,
      .videoCodecs = AlwaysBut("mpeg2", /*dv=*/"dv"),
      .commentKey = "comment_part", // the muxer writes those that begin so
      .audioCodec = "pcm24",

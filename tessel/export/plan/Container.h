@@ -47,14 +47,14 @@ struct Container {
     std::string_view name;             ///< as `--format` takes it, and the usual extension
     std::string_view otherExtension{}; ///< lower case, without the dot; may be empty
     ContainerKind kind = ContainerKind::Movie;
-    std::string_view muxer{};          ///< FFmpeg's name; empty for sequences
-    std::string_view muxerOptions{};   ///< "key=value:key=value"
-    std::string_view pipeOptions{};    ///< instead of `muxerOptions` where the output cannot seek
-    bool takesEveryCodec = false;      ///< writes nothing, so nothing is too strange for it
-    bool needsToSeek = false;          ///< its files cannot be written to a pipe
-    bool isQuickTime = false;          ///< of QuickTime's family, with its four-character codes
-    bool headersOutOfBand = false;     ///< headers of codecs go into the container's, not into their packets
-    bool leavesOutOrderOfH264 = false; ///< readers then expect the upper field first, whatever the stream says
+    std::string_view muxer{};           ///< FFmpeg's name; empty for sequences
+    std::string_view muxerOptions{};    ///< "key=value:key=value"
+    std::string_view pipeOptions{};     ///< instead of `muxerOptions` where the output cannot seek
+    bool takesEveryCodec = false;       ///< writes nothing, so nothing is too strange for it
+    bool needsToSeek = false;           ///< its files cannot be written to a pipe
+    bool isQuickTime = false;           ///< of QuickTime's family, with its four-character codes
+    bool headersOutOfBand = false;      ///< headers of codecs go into the container's, not into their packets
+    bool namesOrderOfMpeg2Only = false; ///< of other codecs it names none, or one that goes with the height
     DefaultVideoCodecs videoCodecs{};
     std::string_view commentKey = "comment";     ///< FFmpeg's name for a text about the file
     std::string_view audioCodec{};               ///< the default; empty: no sound

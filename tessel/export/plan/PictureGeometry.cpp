@@ -28,4 +28,17 @@ PictureGeometry GeometryOf(const importhost::ClipDescription& clip) noexcept
     return geometry;
 }
 
+std::string_view FieldOrderName(importhost::FieldOrder order) noexcept
+{
+    switch (order) {
+    case importhost::FieldOrder::UpperFirst:
+        return "upper field first";
+    case importhost::FieldOrder::LowerFirst:
+        return "lower field first";
+    case importhost::FieldOrder::Progressive:
+        break;
+    }
+    return "progressive";
+}
+
 } // namespace tessel::exporting

@@ -4,6 +4,7 @@
 #include <kestrel/importhost/Clip.h>
 
 #include <cstdint>
+#include <string_view>
 
 namespace tessel::exporting {
 
@@ -19,5 +20,8 @@ struct PictureGeometry {
 };
 
 [[nodiscard]] PictureGeometry GeometryOf(const importhost::ClipDescription& clip) noexcept;
+
+/// "progressive", "upper field first", "lower field first".
+[[nodiscard]] std::string_view FieldOrderName(importhost::FieldOrder order) noexcept;
 
 } // namespace tessel::exporting

@@ -10,19 +10,6 @@ namespace {
 
 using importhost::FieldOrder;
 
-std::string_view OrderText(FieldOrder order) noexcept
-{
-    switch (order) {
-    case FieldOrder::UpperFirst:
-        return "upper field first";
-    case FieldOrder::LowerFirst:
-        return "lower field first";
-    case FieldOrder::Progressive:
-        break;
-    }
-    return "progressive";
-}
-
 std::string RateText(const PictureGeometry& geometry)
 {
     return geometry.rateDenominator == 1
@@ -79,6 +66,63 @@ void AddSizeLoss(const VideoPlan& video, const Container& container, std::vector
     }
 }
 
+/// The fields of DV frames follow from their height: 720 lines are progressive, all others have two fields,
+/// those of progressive clips the lower one first.
+FieldOrder OrderInDv(const PictureGeometry& geometry) noexcept
+{
+    if (geometry.height == 720) {
+        return FieldOrder::Progressive;
+    }
+    return geometry.order == FieldOrder::Progressive ? FieldOrder::LowerFirst : geometry.order;
+}
+
+/// What MXF announces of DV, whatever the frames say.
+FieldOrder OrderOfDvInMxf(std::int32_t height) noexcept
+{
+    switch (height) {
+    case 576:
+        return FieldOrder::LowerFirst;
+    case 720:
+        return FieldOrder::Progressive;
+    default:
+        return FieldOrder::UpperFirst;
+    }
+}
+
+/// In containers that do not hold the order of a DV clip themselves.
+void AddDvOrderLoss(const PictureGeometry& geometry, const Container& container,
+                    std::vector<std::string>& losses)
+{
+    const FieldOrder inStream = OrderInDv(geometry);
+    const FieldOrder announced = container.namesOrderOfMpeg2Only ? OrderOfDvInMxf(geometry.height) : inStream;
+    if (inStream != geometry.order) {
+        losses.push_back(fmt::format("field order ({}; DV frames of {} lines are {})",
+                                     FieldOrderName(geometry.order), geometry.height,
+                                     FieldOrderName(inStream)));
+    } else if (announced != geometry.order) {
+        losses.push_back(fmt::format("field order ({} in the stream; {} says {})",
+                                     FieldOrderName(geometry.order), container.name,
+                                     FieldOrderName(announced)));
+    }
+}
+
+void AddOrderLoss(const VideoPlan& video, const Container& container, Keeps kept,
+                  std::vector<std::string>& losses)
+{
+    const FieldOrder order = video.geometry.order;
+    if (video.codec->rule == LayoutRule::DvProfile) {
+        if (!Holds(container.keeps, Keeps::FieldOrder)) {
+            AddDvOrderLoss(video.geometry, container, losses);
+        }
+    } else if (order != FieldOrder::Progressive && !Holds(kept, Keeps::FieldOrder)) {
+        losses.push_back(fmt::format("field order ({})", FieldOrderName(order)));
+    } else if (container.namesOrderOfMpeg2Only && order == FieldOrder::LowerFirst &&
+               video.codec->name == "h264") {
+        losses.push_back(fmt::format("field order ({} in the stream; {} does not name it)",
+                                     FieldOrderName(order), container.name));
+    }
+}
+
 void AddLosses(const VideoPlan& video, const Container& container, std::vector<std::string>& losses)
 {
     AddSizeLoss(video, container, losses);
@@ -89,13 +133,7 @@ void AddLosses(const VideoPlan& video, const Container& container, std::vector<s
     if (geometry.aspectNumerator != 0 && !isSquare && !saysShape && !Holds(kept, Keeps::PixelAspect)) {
         losses.push_back(AspectText(geometry));
     }
-    if (geometry.order != FieldOrder::Progressive && !Holds(kept, Keeps::FieldOrder)) {
-        losses.push_back(fmt::format("field order ({})", OrderText(geometry.order)));
-    } else if (container.leavesOutOrderOfH264 && geometry.order == FieldOrder::LowerFirst &&
-               video.codec->name == "h264") {
-        losses.push_back(fmt::format("field order ({} in the stream; {} does not name it)",
-                                     OrderText(geometry.order), container.name));
-    }
+    AddOrderLoss(video, container, kept, losses);
     const ColorTags& tags = video.tags;
     const bool isRgb = InfoOf(video.conversion.target).family == ColorFamily::Rgb;
     // The matrix of R'G'B' pixels needs no telling; of others it may be the only code, where the space has
@@ -124,7 +162,7 @@ std::string DescribeVideo(const VideoPlan& plan)
     const std::string_view layout = InfoOf(plan.conversion.target).name;
     return fmt::format("{}{}{}, {}x{}, {}, {}", plan.codec->name, layout == plan.codec->name ? "" : " ",
                        layout == plan.codec->name ? "" : layout, geometry.width, geometry.height,
-                       RateText(geometry), OrderText(geometry.order));
+                       RateText(geometry), FieldOrderName(geometry.order));
 }
 
 std::string DescribeTags(const VideoPlan& plan)

@@ -34,13 +34,13 @@ std::array<int, 4> PartsOf(std::string_view text)
                                                            Digits(text.substr(6)), Digits(text.substr(9))}
                                               : std::array{-1, -1, -1, -1};
     if (std::find(parts.begin(), parts.end(), -1) != parts.end()) {
-        throw ExportError(fmt::format("'{}' is no timecode: it is hours, minutes, seconds and frames, as in "
-                                      "10:00:00:00, or 10:00:00;00 for "
-                                      "drop frame",
-                                      text));
+        throw RequestError(fmt::format("'{}' is no timecode: it is hours, minutes, seconds and frames, as in "
+                                       "10:00:00:00, or 10:00:00;00 for "
+                                       "drop frame",
+                                       text));
     }
     if (parts[0] > 23 || parts[1] > 59 || parts[2] > 59) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("there is no timecode {}: hours go up to 23, minutes and seconds up to 59", text));
     }
     return parts;
@@ -49,7 +49,7 @@ std::array<int, 4> PartsOf(std::string_view text)
 void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
 {
     if (!Timecode::Counts(numerator, denominator)) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("timecodes count 24, 25, 30, 48, 50, 60, 100, 120 or 150 frames a second, or "
                         "1000/1001 of that, but the clip has {}/{}: remove --timecode",
                         numerator, denominator));
@@ -95,17 +95,18 @@ Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std:
     RequireCountableRate(rateNumerator, rateDenominator);
     const bool drop = text[8] == ';';
     if (drop && !HasDropFrames(rateNumerator, rateDenominator)) {
-        throw ExportError(fmt::format("{}/{} frames a second have no drop-frame timecodes: write {}:{}",
-                                      rateNumerator, rateDenominator, text.substr(0, 8), text.substr(9)));
+        throw RequestError(fmt::format("{}/{} frames a second have no drop-frame timecodes: write {}:{}",
+                                       rateNumerator, rateDenominator, text.substr(0, 8), text.substr(9)));
     }
     Timecode timecode(rateNumerator, rateDenominator, drop);
     if (frames >= timecode.mNominalRate) {
-        throw ExportError(fmt::format("there is no timecode {}: the last of a day is 23:59:59:{:02}", text,
-                                      timecode.mNominalRate - 1));
+        throw RequestError(fmt::format("there is no timecode {}: the last of a second is {}{:02}", text,
+                                       text.substr(0, 9), timecode.mNominalRate - 1));
     }
     if (seconds == 0 && minutes % kMinutesOfTen != 0 && frames < timecode.mDropped) {
-        throw ExportError(fmt::format("drop-frame counting leaves {} out: the first of that minute is {};{:02}",
-                                      text, text.substr(0, 8), timecode.mDropped));
+        throw RequestError(
+            fmt::format("drop-frame counting leaves {} out: the first of that minute is {};{:02}", text,
+                        text.substr(0, 8), timecode.mDropped));
     }
     const std::int64_t minute = std::int64_t{hours} * 60 + minutes;
     timecode.mFirstFrame = (minute * 60 + seconds) * timecode.mNominalRate + frames -

@@ -13,12 +13,12 @@ namespace tessel::exporting {
 class Timecode {
 public:
     /// @param text  "10:00:00:00", or with ';' before the frames for drop-frame counting
-    /// @throws ExportError  for other texts, for a timecode that the rate does not have, and for a rate
+    /// @throws RequestError  for other texts, for a timecode that the rate does not have, and for a rate
     ///                      without timecodes; says what would be right
     [[nodiscard]] static Timecode Parse(std::string_view text, std::int32_t rateNumerator,
                                         std::int32_t rateDenominator);
 
-    /// @throws ExportError  for a text that is a timecode at no rate; says what would be right
+    /// @throws RequestError  for a text that is a timecode at no rate; says what would be right
     static void RequireForm(std::string_view text);
 
     /// The timecode of a frame that comes `frames` after this one; behind 23:59:59 it begins again.

@@ -127,12 +127,12 @@ void CheckQuality(const VideoCodec& codec, int quality)
                 others += (others.empty() ? "" : ", ") + std::string(other.name);
             }
         }
-        throw ExportError(
+        throw RequestError(
             fmt::format("{} has one quality only: remove --quality, or choose one of {}", codec.name, others));
     }
     const auto [least, most] = std::minmax(scale.best, scale.worst);
     if (quality < least || quality > most) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("--quality {} is not known to {}: its {} is a number from {} (best) to {}", quality,
                         codec.name, scale.name, scale.best, scale.worst));
     }

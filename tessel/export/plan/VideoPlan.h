@@ -53,7 +53,7 @@ void RequirePicture(const document::ClipFacts& clip);
 /// Whoever changes the field order of a plan sets them again.
 [[nodiscard]] EncoderOptions OptionsOf(const VideoPlan& plan);
 
-/// @throws ExportError  where the codec does not know the quality; says what it knows
+/// @throws RequestError  where the codec does not know the quality; says what it knows
 void CheckQuality(const VideoCodec& codec, int quality);
 
 } // namespace tessel::exporting

@@ -23,11 +23,6 @@ namespace {
 
 namespace libav = exporting::libav;
 
-struct CloseInput {
-    void operator()(AVFormatContext* context) const noexcept { avformat_close_input(&context); }
-};
-using InputContext = std::unique_ptr<AVFormatContext, CloseInput>;
-
 /// Options for FFmpeg, freed at the end.
 class Dictionary {
 public:
@@ -42,7 +37,7 @@ private:
     AVDictionary* mEntries = nullptr;
 };
 
-InputContext OpenInput(const std::string& name, const ReadOptions& options)
+libav::InputContext OpenInput(const std::string& name, const ReadOptions& options)
 {
     Dictionary settings;
     const MovieAddress address = AddressOf(name);
@@ -61,7 +56,7 @@ InputContext OpenInput(const std::string& name, const ReadOptions& options)
     if (result < 0) {
         throw ReadError(fmt::format("{}: cannot be read as a movie: {}", shownName, libav::Explain(result)));
     }
-    InputContext input(context);
+    libav::InputContext input(context);
     if (const int found = avformat_find_stream_info(context, nullptr); found < 0) {
         throw ReadError(fmt::format("{}: cannot be read as a movie: {}", shownName, libav::Explain(found)));
     }
@@ -179,7 +174,7 @@ ComponentView ComponentView::Field(int parity) const noexcept
 
 struct Movie::State {
     MovieFacts facts;
-    InputContext input;
+    libav::InputContext input;
     std::optional<Decoder> picture;
     std::vector<Decoder> sounds;
     std::deque<std::variant<Picture, Sound>> ready;

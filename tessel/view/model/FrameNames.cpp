@@ -12,7 +12,7 @@
 namespace tessel::view {
 namespace {
 
-using exporting::ExportError;
+using exporting::RequestError;
 using exporting::Timecode;
 
 bool HasTimecodes(const FrameScale& scale) noexcept
@@ -39,12 +39,29 @@ std::int64_t Number(std::string_view digits, std::string_view whole)
         return INT64_MAX / 2;
     }
     if (error != std::errc() || stop != end || digits.empty() || digits.front() == '-') {
-        throw ExportError(
+        throw RequestError(
             fmt::format("'{}' is no frame: write a number, a timecode as in 00:00:04:12, or +25 and -25 "
                         "for steps",
                         whole));
     }
     return number;
+}
+
+/// Before, in or behind the clip.
+std::int64_t AnyFrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current)
+{
+    if (LooksLikeTimecode(text)) {
+        if (!HasTimecodes(scale)) {
+            throw RequestError(
+                fmt::format("'{}': the clip's rate has no timecodes; write a frame number", text));
+        }
+        return Timecode::Parse(text, scale.rateNumerator, scale.rateDenominator).FrameNumber();
+    }
+    if (IsStep(text)) {
+        const std::int64_t step = Number(text.substr(1), text);
+        return current + (text.front() == '+' ? step : -step);
+    }
+    return Number(text, text);
 }
 
 } // namespace
@@ -60,20 +77,18 @@ std::string TimecodeOf(const FrameScale& scale, std::int64_t frame)
 
 std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current)
 {
-    const std::int64_t last = std::max<std::int64_t>(scale.count - 1, 0);
-    if (LooksLikeTimecode(text)) {
-        if (!HasTimecodes(scale)) {
-            throw ExportError(
-                fmt::format("'{}': the clip's rate has no timecodes; write a frame number", text));
-        }
-        const Timecode named = Timecode::Parse(text, scale.rateNumerator, scale.rateDenominator);
-        return std::min(named.FrameNumber(), last);
+    return std::clamp<std::int64_t>(AnyFrameNamed(scale, text, current), 0,
+                                    std::max<std::int64_t>(scale.count - 1, 0));
+}
+
+std::int64_t ExistingFrameNamed(const FrameScale& scale, std::string_view text)
+{
+    const std::int64_t frame = AnyFrameNamed(scale, text, 0);
+    if (frame < 0 || frame >= scale.count) {
+        throw RequestError(
+            fmt::format("there is no frame {}: the clip has frames 0 to {}", text, scale.count - 1));
     }
-    if (IsStep(text)) {
-        const std::int64_t step = Number(text.substr(1), text);
-        return std::clamp<std::int64_t>(current + (text.front() == '+' ? step : -step), 0, last);
-    }
-    return std::min(Number(text, text), last);
+    return frame;
 }
 
 void RequireFrameForm(std::string_view text)

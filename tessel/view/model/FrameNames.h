@@ -25,10 +25,14 @@ struct FrameScale {
 
 /// The frame that a person names: "112", "00:00:04:12", or "+25" and "-25" from the current one. Numbers beyond
 /// the clip's ends are its ends, also in relative steps.
-/// @throws exporting::ExportError  for any other text; says what would be right
+/// @throws exporting::RequestError  for any other text; says what would be right
 [[nodiscard]] std::int64_t FrameNamed(const FrameScale& scale, std::string_view text, std::int64_t current);
 
-/// @throws exporting::ExportError  for a text that names a frame of no clip; says what would be right
+/// The same, steps counted from frame 0. @throws exporting::RequestError  also for a frame beyond the clip's
+/// ends
+[[nodiscard]] std::int64_t ExistingFrameNamed(const FrameScale& scale, std::string_view text);
+
+/// @throws exporting::RequestError  for a text that names a frame of no clip; says what would be right
 void RequireFrameForm(std::string_view text);
 
 } // namespace tessel::view

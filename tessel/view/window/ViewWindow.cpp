@@ -41,7 +41,7 @@ ViewWindow::ViewWindow(const WindowRequest& request) : mImporter(request.importe
         Compare(request.against);
     }
     if (!request.frame.empty() && !mPanes.empty()) {
-        mTransport.Go(FrameNamed(mPanes[0].clip->Scale(), request.frame, 0), Now());
+        mTransport.Go(ExistingFrameNamed(mPanes[0].clip->Scale(), request.frame), Now());
     }
 }
 

@@ -39,6 +39,7 @@ public:
 /// Opens the window and returns when it has closed. Where there is no display, a request with a screenshot or a
 /// time to play runs without one. [ui-thread]
 /// @throws UnknownKey  before a window opens
+/// @throws exporting::RequestError  for a frame that the first clip does not have
 /// @throws importhost::HostError, exporting::ExportError  where the clips cannot be shown, the
 ///         screenshot cannot be written, or there is no display
 void RunWindow(const WindowRequest& request);

@@ -140,6 +140,29 @@ class Damage(ProgramTest):
         self.assertIn("the clip is progressive", answer.err)
         self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
 
+    def test_the_clip_is_never_replaced_by_its_own_rendering(self):
+        with open(self.path(self.clip()), "rb") as file:
+            before = file.read()
+        answer = self.run_program("damage", "clip.tessel", "--fault", "order.missing=5", "-o", "clip.tessel", "--format", "mkv")
+        self.assert_failed(answer, 1, "'clip.tessel' is the clip itself")
+        with open(self.path("clip.tessel"), "rb") as file:
+            self.assertEqual(file.read(), before)
+        self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
+
+    def test_sound_that_would_end_before_its_start_is_left_out(self):
+        file, _ = self.damage(self.clip(), "container.duration=-100", output="out.mov")
+        self.assertEqual(len(self.pictures(file)), FRAMES)
+
+    def test_options_that_exclude_each_other_are_refused_as_by_render(self):
+        for options in (("--to", "3", "--frames", "9"), ("--from", "5", "--to", "3"), ("--audio-only", "--video-only")):
+            with self.subTest(options):
+                answer = self.run_program("damage", self.clip(), "--fault", "order.missing=1", "-o", "x.mkv", *options)
+                self.assert_failed(answer, 2, options[0])
+
+    def test_frames_that_the_clip_does_not_have_are_a_wrong_command_line(self):
+        answer = self.run_program("damage", self.clip(), "--fault", "order.missing=1", "-o", "x.mkv", "--from", "50")
+        self.assert_failed(answer, 2, "clip.tessel: there is no frame 50: the clip has frames 0 to 49")
+
     def test_a_layout_of_another_number_of_channels_is_refused(self):
         for layout, channels in (("mono", 1), ("5.1", 6)):
             answer = self.run_program("damage", self.clip(), "-o", self.path("x.mov"), "--fault",

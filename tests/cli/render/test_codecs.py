@@ -113,7 +113,7 @@ class Codecs(RenderTest):
         for arguments, code, says in ((("--video-codec", "hevc", "--quality", "52"), 2, "from 0 (best) to 51"),
                                       (("--video-codec", "mpeg2", "--quality", "0"), 2, "from 1 (best) to 28"),
                                       (("--video-codec", "ffv1", "--quality", "1"), 2, "ffv1 has one quality only"),
-                                      (("--quality", "1"), 1, "ffv1 has one quality only"),
+                                      (("--quality", "1"), 2, "ffv1 has one quality only"),
                                       (("--audio-only", "--quality", "1"), 2, "remove --quality")):
             self.refuse("render", clip, "-o", "x.mkv", *arguments, code=code, says=(says,))
         self.left_over("clip.tessel")

@@ -255,6 +255,17 @@ class Failures(RenderTest):
         self.assertEqual((done.returncode, done.stderr), (1, b"tessel: x.mkv: cannot be written: it is larger than files may be here\n"))
         self.left_over("clip.tessel")
 
+    def test_a_picture_that_cannot_be_written_is_called_by_its_own_name(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+
+        clip = self.clip(frames=2)
+        done = subprocess.run([*self.tessel, "render", clip, "-o", "out/%03d.dpx"], cwd=self.folder, preexec_fn=limit,
+                              capture_output=True, check=False)
+        line = f"tessel: {clip}: out/000.dpx: cannot be written: it is larger than files may be here\n"
+        self.assertEqual((done.returncode, done.stderr.decode()), (1, line))
+        self.left_over("clip.tessel")
+
     def test_more_threads_than_codecs_take_are_no_error(self):
         for name in ("x.mov", "x.mkv", "x.mp4"):
             self.render(document(frames=2), name, "--threads", "1000")
@@ -284,7 +295,7 @@ class Failures(RenderTest):
         clip = self.clip(frames=10)
         for arguments in (("--from", "10"), ("--to", "10"), ("--from", "5", "--frames", "6"), ("--frames", "9223372036854775807"),
                           ("--from", "9", "--to", "9223372036854775807")):
-            self.refuse("render", clip, "-o", "x.mkv", *arguments)
+            self.refuse("render", clip, "-o", "x.mkv", *arguments, code=2, says=("clip.tessel: ",))
         self.refuse("render", self.clip(frames=0), "-o", "x.mkv", says=("mVideoDuration",))
         self.left_over("clip.tessel")
 
@@ -320,9 +331,9 @@ class Failures(RenderTest):
         clip = self.clip(frames=3)
         self.refuse("render", "nofile.tessel", "-o", "new/", says=("nofile.tessel",))
         self.refuse("render", "nofile.tessel", clip, "-o", "new/deeper/", says=("nofile.tessel",))
-        self.refuse("render", clip, "-o", "new/", "--from", "99", says=("frame 99",))
+        self.refuse("render", clip, "-o", "new/", "--from", "99", code=2, says=("frame 99",))
         self.refuse("render", clip, clip, "-o", "new", code=2, says=("clip.mkv",))
-        self.refuse("render", clip, "-o", "new/%d.png", "--from", "99", says=("frame 99",))
+        self.refuse("render", clip, "-o", "new/%d.png", "--from", "99", code=2, says=("frame 99",))
         self.refuse("render", self.save(document(code="BGra", size=(40000, 40000)), "large.tessel"), "-o",
                     "new/%d.png", says=("large.tessel",))
         os.remove(self.path("large.tessel"))
@@ -333,7 +344,7 @@ class Failures(RenderTest):
         self.assertEqual(code, -signal.SIGINT)
         self.left_over("clip.tessel")
         os.mkdir(self.path("old"))
-        self.refuse("render", clip, "-o", "old/", "--from", "999999", says=("frame 999999",))
+        self.refuse("render", clip, "-o", "old/", "--from", "999999", code=2, says=("frame 999999",))
         self.left_over("clip.tessel", "old")
 
     def test_a_failed_clip_leaves_the_folder_with_what_is_done(self):

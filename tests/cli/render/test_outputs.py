@@ -86,11 +86,11 @@ class Timecode(RenderTest):
 
     def test_a_timecode_that_is_none_says_what_would_be(self):
         drop = self.save(document(rate=(30000, 1001)))
-        self.refuse("render", drop, "-o", "x.mov", "--timecode", "00:01:00;00", says=("00:01:00;02",))
-        self.refuse("render", drop, "-o", "x.mov", "--timecode", "10:00:00:30", says=("23:59:59:29",))
+        self.refuse("render", drop, "-o", "x.mov", "--timecode", "00:01:00;00", code=2, says=("00:01:00;02",))
+        self.refuse("render", drop, "-o", "x.mov", "--timecode", "10:00:00:30", code=2, says=("the last of a second is 10:00:00:29",))
         self.refuse("render", drop, "-o", "x.mov", "--timecode", "ten", code=2, says=("10:00:00:00",))
         whole = self.save(document(rate=(25, 1)))
-        self.refuse("render", whole, "-o", "x.mov", "--timecode", "10:00:00;00", says=("10:00:00:00",))
+        self.refuse("render", whole, "-o", "x.mov", "--timecode", "10:00:00;00", code=2, says=("10:00:00:00",))
         self.left_over("clip.tessel")
 
     def test_files_without_a_place_for_it_refuse_it(self):

@@ -274,8 +274,8 @@ class Refused(PartsTest):
         clip = self.save(numbered())
         for part in ("0/3", "4/3", "1", "1/0", "a/b", "1/3/5", "-1/3", "1/", " 1/3", "+1/3", "1/99999999999999999999"):
             self.refuse("render", clip, f"--part={part}", "-o", "x.mkv", code=2, says=("K/N",))
-        self.refuse("render", clip, "--part", "1/12", "-o", "x.mkv", says=("11 frames", "12 parts"))
-        self.refuse("render", clip, "--part", "1/4", "--frames", "3", "-o", "x.mkv", says=("3 frames",))
+        self.refuse("render", clip, "--part", "1/12", "-o", "x.mkv", code=2, says=("11 frames", "12 parts"))
+        self.refuse("render", clip, "--part", "1/4", "--frames", "3", "-o", "x.mkv", code=2, says=("3 frames",))
         self.refuse("render", clip, "--part", "1/2", "-o", "x.wav", code=2, says=("--part",))
         self.refuse("render", clip, "--part", "1/2", "-o", "x.mkv", "--audio-only", code=2, says=("--part",))
         self.refuse("render", clip, "--part", "1/2", "-o", "x.mov", "--timecode", "10:00:00:00", code=2, says=("tessel join",))
@@ -285,9 +285,9 @@ class Refused(PartsTest):
     def test_codecs_whose_pictures_need_each_other_are_refused_by_both(self):
         clip = self.save(numbered())
         for codec in ("h264", "hevc", "vp9", "av1"):
-            self.refuse("render", clip, "--part", "1/2", "-o", "x.mkv", "--video-codec", codec, says=(codec, "ffv1"))
+            self.refuse("render", clip, "--part", "1/2", "-o", "x.mkv", "--video-codec", codec, code=2, says=(codec, "ffv1"))
         self.one_render("a.mp4", "--video-only")
-        self.refuse("join", clip, "a.mp4", "-o", "x.mp4", says=("h264", "mpeg2"))
+        self.refuse("join", clip, "a.mp4", "-o", "x.mp4", code=2, says=("h264", "mpeg2"))
 
 
 class Announced(PartsTest):

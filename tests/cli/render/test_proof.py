@@ -204,6 +204,11 @@ class Proof(RenderTest):
         self.refuse("render", clip, other, "-o", "out/", "--hash", "x", code=2, says=("one clip",))
         self.refuse("render", clip, "-o", "x.mkv", "--hash", "x", "--truth", "x", code=2, says=("same file",))
         self.refuse("render", clip, "-o", "x.mkv", "--hash", "x.mkv", code=2, says=("x.mkv", "another name"))
+        self.refuse("render", clip, "-o", "x.mkv", "--truth", "./x.mkv", code=2, says=("./x.mkv", "another name"))
+        self.refuse("render", clip, "-o", "./", "--hash", "clip.mkv", code=2, says=("clip.mkv", "another name"))
+        for option in ("--hash", "--truth"):
+            self.refuse("render", clip, "-o", "x.mkv", option, clip, code=2, says=("clip itself", "another name"))
+        self.refuse("render", clip, "--format", "null", "--verify", "x", "--hash", "x", code=2, says=("--verify", "another name"))
 
 
 if __name__ == "__main__":

@@ -100,6 +100,36 @@ class Tags(RenderTest):
                     named = bytes.fromhex("32120001") in file.read()  # SMPTE ST 377-1: the field dominance, one byte
                 self.assertEqual(named, codec == "mpeg2")
 
+    def test_mxf_has_one_field_order_for_each_height_of_dv_and_render_says_so(self):
+        # What FFmpeg's writer puts into the header: "tt" for 480 and 1080 lines, "bb" for 576, progressive for 720.
+        upper, lower, none = "upper field first", "lower field first", "progressive"
+        for code, size, rate, announced in (("dvn2", (720, 480), (30000, 1001), "tt"), ("dvp2", (720, 576), (25, 1), "bb"),
+                                            ("dvn1", (1280, 1080), (30000, 1001), "tt"),
+                                            ("dvp7", (960, 720), (50, 1), "progressive")):
+            right = {"tt": upper, "bb": lower, "progressive": none}[announced]
+            for order, said in enumerate((none, upper, lower)):
+                with self.subTest(code=code, order=said):
+                    clip = self.save(document(code, size, rate, frames=1, order=order))
+                    done = self.run_tessel("render", clip, "-o", "x.mxf", "--video-only")
+                    self.assertEqual(done.returncode, 0, done.stderr)
+                    self.assertEqual(self.probe(self.path("x.mxf"))["field_order"], announced)
+                    notes = done.stderr.decode()
+                    if said == right:
+                        self.assertNotIn("field order", notes)
+                    elif none in (said, right):  # the frames themselves cannot say it
+                        frames = none if size[1] == 720 else lower
+                        self.assertIn(f"field order ({said}; DV frames of {size[1]} lines are {frames})", notes)
+                    else:
+                        self.assertIn(f"field order ({said} in the stream; mxf says {right})", notes)
+
+    def test_containers_that_hold_the_field_order_of_dv_lose_nothing(self):
+        for output, is_lost in (("x.mov", False), ("x.mkv", False), ("x.nut", True)):
+            clip = self.save(document("dvp7", (960, 720), (50, 1), frames=1, order=1))
+            done = self.run_tessel("render", clip, "-o", output, "--video-only")
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertEqual("field order (upper field first; DV frames of 720 lines are progressive)" in done.stderr.decode(),
+                             is_lost, output)
+
     def test_render_says_that_a_matrix_of_its_own_choice_is_lost(self):
         # R'G'B' without a matrix becomes BT.709, which NUT and Y4M have no place for.
         for code, output, codec, is_lost in (("bgra", "x.nut", "v210", True), ("bgra", "x.y4m", "raw", True),
