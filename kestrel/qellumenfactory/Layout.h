@@ -17,7 +17,7 @@ namespace qellumenfactory {
 /// Lumen calls, `qel_button(label: "Save")`, or Sable property sheets, `button { label = "Save" }`.
 enum class Dialect { Lumen, Sable };
 
-/// In the order in which a formatted layout lists them.
+/// In the order in which messages list them.
 enum class Key {
     Identifier,
     Layout,
@@ -62,9 +62,6 @@ struct KESTRELUI_API LayoutNode {
     ControlKind kind = ControlKind::Dialog;
     std::vector<Parameter> parameters; ///< in the order of the text
     std::vector<LayoutNode> children;
-    std::vector<std::string> comments;        ///< before the node, without their slashes
-    std::vector<std::string> closingComments; ///< after the last child
-    Position position;
 
     [[nodiscard]] const Parameter* Find(Key key) const noexcept;
     /// The parameter's value, `fallback` where the node lacks it. @{
@@ -92,9 +89,5 @@ public:
 private:
     Position mPosition;
 };
-
-/// The first difference of two trees, in words; nothing if they describe the same dialog. Positions, comments
-/// and the order of parameters are not compared.
-[[nodiscard]] KESTRELUI_API std::optional<std::string> FindDifference(const LayoutNode& a, const LayoutNode& b);
 
 } // namespace qellumenfactory

@@ -30,9 +30,6 @@ public:
         if (mToken.kind != TokenKind::End) {
             Fail("expected the end after the dialog, found " + Describe(mToken));
         }
-        for (std::string& comment : mTokenizer.TakeComments()) {
-            layout.root.closingComments.push_back(std::move(comment));
-        }
         return layout;
     }
 
@@ -88,8 +85,6 @@ private:
             Fail("widgets nest at most " + std::to_string(kDeepestNesting) + " deep");
         }
         LayoutNode node;
-        node.position = mToken.position;
-        node.comments = mTokenizer.TakeComments();
         node.kind = TakeKind(parent, depth, insideRadioGroup);
         const bool inRadio = insideRadioGroup || node.kind == ControlKind::RadioGroup;
         if (mDialect == Dialect::Lumen) {
@@ -128,10 +123,6 @@ private:
                 Fail("expected ',' or ')' after a parameter of " + name + ", found " + Describe(mToken));
             }
         }
-        // Comments between parameters move in front of the widget; formatting keeps them.
-        for (std::string& comment : mTokenizer.TakeComments()) {
-            node.comments.push_back(std::move(comment));
-        }
         Take();
     }
 
@@ -142,7 +133,6 @@ private:
             NeedWord("a widget's name or '}'");
             node.children.push_back(ParseNode(node.kind, depth + 1, insideRadioGroup));
         }
-        node.closingComments = mTokenizer.TakeComments();
         Take();
     }
 
@@ -151,13 +141,9 @@ private:
     {
         while (!mToken.Is('}')) {
             NeedWord("a property's or a widget's name, or '}'");
-            // The mark after the word tells a parameter from a widget; comments before it belong to the widget.
             if (FindKey(mToken.text, node.kind, mDialect) || !FindKind(mToken.text, mDialect)) {
                 if (!node.children.empty()) {
                     Fail("properties stand before the widgets of " + std::string(NameOf(node.kind, mDialect)));
-                }
-                for (std::string& comment : mTokenizer.TakeComments()) {
-                    node.comments.push_back(std::move(comment));
                 }
                 const Token word = std::exchange(mToken, mTokenizer.Next());
                 ParseParameter(node, word, '=');
@@ -166,7 +152,6 @@ private:
                 node.children.push_back(ParseNode(node.kind, depth + 1, insideRadioGroup));
             }
         }
-        node.closingComments = mTokenizer.TakeComments();
         Take();
     }
 

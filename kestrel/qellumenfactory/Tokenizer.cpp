@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <system_error>
-#include <utility>
 
 namespace qellumenfactory {
 
@@ -54,11 +53,6 @@ Tokenizer::Tokenizer(std::string_view text, std::string_view name) : mText(text)
     }
 }
 
-std::vector<std::string> Tokenizer::TakeComments()
-{
-    return std::exchange(mComments, {});
-}
-
 void Tokenizer::Advance() noexcept
 {
     const char passed = mText[mAt++];
@@ -77,20 +71,14 @@ void Tokenizer::SkipBlanksAndComments()
         if (IsBlank(mText[mAt])) {
             Advance();
         } else if (mText.substr(mAt).starts_with("//")) {
-            std::string comment;
             const Position position = mPosition;
+            const std::size_t begin = mAt;
             while (!IsAtEnd() && mText[mAt] != '\n') {
-                comment += mText[mAt];
                 Advance();
             }
-            comment.erase(0, 2);
-            if (!qelcore::text::ToUTF16Strict(comment)) {
+            if (!qelcore::text::ToUTF16Strict(mText.substr(begin, mAt - begin))) {
                 throw LayoutError(mName, position, "this comment is not UTF-8");
             }
-            while (!comment.empty() && IsBlank(comment.back())) {
-                comment.pop_back();
-            }
-            mComments.push_back(std::move(comment));
         } else {
             return;
         }

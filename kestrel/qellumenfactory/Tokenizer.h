@@ -5,7 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace qellumenfactory {
 
@@ -33,9 +32,6 @@ public:
     /// The next token; at the end of the text, `End` at each call. @throws LayoutError
     [[nodiscard]] Token Next();
 
-    /// The comments passed since the last call.
-    [[nodiscard]] std::vector<std::string> TakeComments();
-
 private:
     void SkipBlanksAndComments();
     void Advance() noexcept;
@@ -48,7 +44,6 @@ private:
     std::string_view mName;
     std::size_t mAt = 0;
     Position mPosition;
-    std::vector<std::string> mComments;
 };
 
 } // namespace qellumenfactory

@@ -30,9 +30,6 @@ qel_dialog(identifier: "d", title: "T \"x\" \\ \n", margin: 15) { qel_button(lab
     EXPECT_EQ(layout.root.Number(Key::Margin, 0.0), 15.0);
     ASSERT_EQ(layout.root.children.size(), 2U);
     EXPECT_EQ(layout.root.children[0].Text(Key::Label), "B");
-    EXPECT_EQ(layout.root.children[0].position.line, 2);
-    ASSERT_EQ(layout.root.comments.size(), 1U);
-    EXPECT_EQ(layout.root.comments[0], " first");
 }
 
 TEST(Parser, ReadsSable)

@@ -14,9 +14,7 @@
 #include <support/TemporaryFolder.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 namespace {
 
@@ -285,10 +283,9 @@ TEST_F(Playing, ADumpHoldsEveryControl)
 {
     const std::string file = (mFolder / "dump.json").string();
     EXPECT_EQ(Play("dump \"" + file + "\"\npress cancelButton\n"), "");
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    const auto document = qelcore::serialization::JSONParse(text.str());
-    ASSERT_FALSE(document.IsNothing()) << text.str();
+    const std::string text = test::ReadFile(file);
+    const auto document = qelcore::serialization::JSONParse(text);
+    ASSERT_FALSE(document.IsNothing()) << text;
     const auto controls = qelcore::serialization::AsArray(document, "dump");
     EXPECT_EQ(controls.size(), dialog.AllControls().size());
     const auto minimum = qelcore::serialization::GetVariantInObject(controls[1], "minimum");

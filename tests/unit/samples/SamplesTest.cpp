@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 #include <support/Process.h>
+#include <support/TemporaryFolder.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -31,16 +31,10 @@ std::vector<std::filesystem::path> Documents()
     return documents;
 }
 
-std::string TextOf(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 /// Unlike reading a file, which answers what it cannot read with the default clip, this throws.
 TesselInfo Read(const std::filesystem::path& file)
 {
-    return TesselFromDocument(qelcore::serialization::JSONParse(TextOf(file)));
+    return TesselFromDocument(qelcore::serialization::JSONParse(test::ReadFile(file)));
 }
 
 TEST(Samples, AreCompleteDocumentsOfKnownFormatsAndAtMostFiveSeconds)
@@ -64,7 +58,7 @@ TEST(Samples, HaveEveryKeyThatTheWriterWrites)
 {
     const std::string written = TesselToUTF8String(TesselInfo{});
     for (const auto& document : Documents()) {
-        const std::string text = TextOf(document);
+        const std::string text = test::ReadFile(document);
         for (std::size_t at = 0; (at = written.find("\"m", at)) != std::string::npos; ++at) {
             const std::string key = written.substr(at, written.find('"', at + 1) + 1 - at);
             EXPECT_NE(text.find(key), std::string::npos) << document << " lacks " << key;
