@@ -55,7 +55,7 @@ void FillSineSpan(qelmediatypes::FrameRate rate, qelmediatypes::TickTime start, 
         std::fill(samples.begin(), samples.end(), tone.amplitude);
         return;
     }
-    const VectorWidth width = WidestVectors();
+    const VectorWidth width = qelaccelerate::WidestVectors();
     const PhaseRule rule = PhasesOf(rate, start, tone.frequency);
     const auto amplitude = static_cast<double>(tone.amplitude);
     std::array<double, kBlockSize> buffer;

@@ -4,12 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#if (defined(__x86_64__) || defined(__i386__)) && defined(__GNUC__)
-#define TESSEL_HAS_X86_VECTORS 1
-#else
-#define TESSEL_HAS_X86_VECTORS 0
-#endif
-
 namespace ImporterTessel {
 namespace {
 
@@ -36,7 +30,6 @@ constexpr double kC4 = -0x1.ae6355adc2243p-26;
 constexpr double kC5 = 0x1.60e6bf5ad21cep-33;
 constexpr double kC6 = -0x1.9f1526a6a914cp-41;
 
-/// The loop that every width compiles for itself.
 [[gnu::always_inline]] inline void FillSinesLoop(const double* __restrict phases, std::size_t count,
                                                  double amplitude, float* __restrict out) noexcept
 {
@@ -58,64 +51,11 @@ constexpr double kC6 = -0x1.9f1526a6a914cp-41;
     }
 }
 
-#if TESSEL_HAS_X86_VECTORS
-[[gnu::target("avx2")]] void FillSinesAvx2(const double* phases, std::size_t count, double amplitude,
-                                           float* out) noexcept
-{
-    FillSinesLoop(phases, count, amplitude, out);
-}
-
-[[gnu::target("avx512f,avx512dq")]] void FillSinesAvx512(const double* phases, std::size_t count,
-                                                         double amplitude, float* out) noexcept
-{
-    FillSinesLoop(phases, count, amplitude, out);
-}
-#endif
-
-VectorWidth DetectWidestVectors() noexcept
-{
-    for (const VectorWidth width : {VectorWidth::Avx512, VectorWidth::Avx2}) {
-        if (HasVectorWidth(width)) {
-            return width;
-        }
-    }
-    return VectorWidth::Baseline;
-}
-
 } // namespace
-
-bool HasVectorWidth(VectorWidth width) noexcept
-{
-#if TESSEL_HAS_X86_VECTORS
-    if (width == VectorWidth::Avx2) {
-        return __builtin_cpu_supports("avx2") != 0;
-    }
-    if (width == VectorWidth::Avx512) {
-        return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0;
-    }
-#endif
-    return width == VectorWidth::Baseline;
-}
-
-VectorWidth WidestVectors() noexcept
-{
-    static const VectorWidth sWidest = DetectWidestVectors();
-    return sWidest;
-}
 
 void FillSines(std::span<const double> phases, double amplitude, float* out, VectorWidth width) noexcept
 {
-#if TESSEL_HAS_X86_VECTORS
-    if (width == VectorWidth::Avx512) {
-        FillSinesAvx512(phases.data(), phases.size(), amplitude, out);
-        return;
-    }
-    if (width == VectorWidth::Avx2) {
-        FillSinesAvx2(phases.data(), phases.size(), amplitude, out);
-        return;
-    }
-#endif
-    FillSinesLoop(phases.data(), phases.size(), amplitude, out);
+    qelaccelerate::RunWithVectors(width, [=] { FillSinesLoop(phases.data(), phases.size(), amplitude, out); });
 }
 
 } // namespace ImporterTessel

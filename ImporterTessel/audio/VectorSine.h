@@ -1,23 +1,13 @@
 /// Sines of many phases at once.
 #pragma once
 
-#include <cstdint>
+#include <kestrel/qelaccelerate/VectorWidth.h>
+
 #include <span>
 
 namespace ImporterTessel {
 
-/// Registers that the sines are computed in. Every width gives the same bits: the operations are those of
-/// IEEE 754 doubles, in the same order, never fused.
-enum class VectorWidth : std::uint8_t {
-    Baseline, ///< what every processor of the target has
-    Avx2,     ///< 256 bits
-    Avx512    ///< 512 bits
-};
-
-/// Whether this processor and its operating system have them. Threads: [thread-safe].
-[[nodiscard]] bool HasVectorWidth(VectorWidth width) noexcept;
-/// The widest one that this machine has. Threads: [thread-safe].
-[[nodiscard]] VectorWidth WidestVectors() noexcept;
+using qelaccelerate::VectorWidth;
 
 /// Phases up to this magnitude, in radians, are within `FillSines`' accuracy: 2^24, some 2.6 million cycles.
 inline constexpr double kLargestVectorPhase = 0x1p24;

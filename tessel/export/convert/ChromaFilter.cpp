@@ -6,6 +6,8 @@
 namespace tessel::exporting {
 namespace {
 
+using qelaccelerate::RunWithVectors;
+
 /// @param source  does not overlap `destination`: only then can the loop become vector code
 void HalveRow(const float* source, std::int32_t width, float* destination) noexcept
 {
@@ -22,6 +24,14 @@ void HalveRow(const float* source, std::int32_t width, float* destination) noexc
     }
 }
 
+void MixRows(const float* first, float firstWeight, const float* second, std::int32_t width,
+             float* out) noexcept
+{
+    for (std::int32_t x = 0; x < width; ++x) {
+        out[x] = firstWeight * first[x] + (1.0F - firstWeight) * second[x];
+    }
+}
+
 /// The last row of `row`'s field that the picture has, or the nearest row where a field is empty.
 std::int32_t KeepInField(std::int32_t row, std::int32_t height) noexcept
 {
@@ -33,7 +43,7 @@ std::int32_t KeepInField(std::int32_t row, std::int32_t height) noexcept
 
 } // namespace
 
-FloatPlane HalveWidth(FloatPlane plane, int times)
+FloatPlane HalveWidth(FloatPlane plane, int times, VectorWidth width)
 {
     std::vector<float> row(static_cast<std::size_t>(plane.width));
     for (; times > 0; --times) {
@@ -41,14 +51,16 @@ FloatPlane HalveWidth(FloatPlane plane, int times)
         halved.width = (plane.width + 1) / 2;
         for (std::int32_t y = 0; y < plane.height; ++y) {
             std::copy_n(plane.Row(y), plane.width, row.data());
-            HalveRow(row.data(), plane.width, halved.Row(y));
+            RunWithVectors(width, [from = row.data(), count = plane.width, to = halved.Row(y)] {
+                HalveRow(from, count, to);
+            });
         }
         plane = halved;
     }
     return plane;
 }
 
-FloatPlane HalveHeight(FloatPlane plane, ChromaRows rows) noexcept
+FloatPlane HalveHeight(FloatPlane plane, ChromaRows rows, VectorWidth width) noexcept
 {
     FloatPlane halved = plane;
     halved.height = (plane.height + 1) / 2;
@@ -63,12 +75,8 @@ FloatPlane HalveHeight(FloatPlane plane, ChromaRows rows) noexcept
             firstWeight = field == 0 ? 0.75F : 0.25F;
         }
         // In place is safe: row y of the result is made from rows y or later, and rows go top to bottom.
-        const float* a = plane.Row(first);
-        const float* b = plane.Row(second);
-        float* out = halved.Row(y);
-        for (std::int32_t x = 0; x < plane.width; ++x) {
-            out[x] = firstWeight * a[x] + (1.0F - firstWeight) * b[x];
-        }
+        RunWithVectors(width, [=, a = plane.Row(first), b = plane.Row(second), count = plane.width,
+                               out = halved.Row(y)] { MixRows(a, firstWeight, b, count, out); });
     }
     return halved;
 }

@@ -3,9 +3,14 @@
 
 #include "Conversion.h"
 
+#include <kestrel/qelaccelerate/VectorWidth.h>
+
 #include <cstdint>
 
 namespace tessel::exporting {
+
+using qelaccelerate::VectorWidth;
+using qelaccelerate::WidestVectors;
 
 /// A plane of floats in memory without gaps between rows.
 struct FloatPlane {
@@ -22,10 +27,11 @@ struct FloatPlane {
 /// Halves `plane`'s width in place `times` times; the result's rows have no gaps. Chroma is co-sited with
 /// every second column, filter (1 2 1)/4, edges repeated. Twice makes (1 2 3 4 3 2 1)/16 about every fourth
 /// column. Sums of integers up to 65535 stay exact. @return the plane in its new size.
-[[nodiscard]] FloatPlane HalveWidth(FloatPlane plane, int times);
+[[nodiscard]] FloatPlane HalveWidth(FloatPlane plane, int times, VectorWidth width = WidestVectors());
 
 /// Halves `plane`'s height in place, rounded up; rows beyond the picture repeat the last one (of the same
 /// field). @return the plane in its new size.
-[[nodiscard]] FloatPlane HalveHeight(FloatPlane plane, ChromaRows rows) noexcept;
+[[nodiscard]] FloatPlane HalveHeight(FloatPlane plane, ChromaRows rows,
+                                     VectorWidth width = WidestVectors()) noexcept;
 
 } // namespace tessel::exporting

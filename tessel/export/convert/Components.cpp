@@ -8,6 +8,8 @@
 namespace tessel::exporting {
 namespace {
 
+using qelaccelerate::RunWithVectors;
+
 /// A 16-bit sample stored most significant byte first.
 struct BigEndian16 {
     std::uint16_t bytes = 0;
@@ -33,53 +35,57 @@ void Write(std::byte* at, Sample sample) noexcept
     std::memcpy(at, &sample, sizeof sample);
 }
 
-/// Runs `row(sourceStep, targetStep)` with the steps as compile-time constants where they are common ones, so
-/// that the compiler can turn the loop into vector code.
-template <class Row>
-void WithConstantSteps(int sourceStep, int targetStep, const Row& row)
+template <int kSamples>
+using Step = std::integral_constant<int, kSamples>;
+
+/// Runs `rows(step)`, with the step from one sample to the next counted in samples: as a compile-time constant
+/// where it is a common one (planes, luma in pairs, four components), so that the compiler can turn the loop
+/// into vector code.
+template <class Sample, class Rows>
+void WithStepInSamples(int stepBytes, const Rows& rows)
 {
-    const auto withTarget = [&](auto source) {
-        switch (targetStep) {
-        case 1:
-            return row(source, std::integral_constant<int, 1>{});
-        case 2:
-            return row(source, std::integral_constant<int, 2>{});
-        case 4:
-            return row(source, std::integral_constant<int, 4>{});
-        default:
-            return row(source, targetStep);
-        }
-    };
-    switch (sourceStep) {
-    case 1:
-        return withTarget(std::integral_constant<int, 1>{});
-    case 2:
-        return withTarget(std::integral_constant<int, 2>{});
-    case 4:
-        return withTarget(std::integral_constant<int, 4>{});
-    case 16:
-        return withTarget(std::integral_constant<int, 16>{});
+    constexpr int kSize = sizeof(Sample);
+    switch (stepBytes) {
+    case kSize:
+        return rows(Step<1>{});
+    case 2 * kSize:
+        return rows(Step<2>{});
+    case 4 * kSize:
+        return rows(Step<4>{});
     default:
-        return withTarget(sourceStep);
+        return rows(stepBytes / kSize);
     }
 }
 
-template <class From, class To, class Convert>
-void ForEachSample(const ComponentSource& source, const ComponentTarget& target,
-                   const Convert& convert) noexcept
+template <class From, class To, class SourceStep, class TargetStep, class Convert>
+void ForEachSample(const ComponentSource& source, SourceStep sourceStep, const ComponentTarget& target,
+                   TargetStep targetStep, const Convert& convert) noexcept
 {
-    WithConstantSteps(source.step, target.step, [&](auto sourceStep, auto targetStep) {
-        // Copies, which the bytes that are written cannot be part of: else no loop becomes vector code.
-        const Convert convertHere = convert;
-        const std::int32_t width = target.width;
-        for (std::int32_t y = 0; y < target.height; ++y) {
-            const std::byte* from = source.first + y * source.rowBytes;
-            std::byte* to = target.first + y * target.rowBytes;
-            for (std::int32_t x = 0; x < width; ++x) {
-                Write<To>(to + static_cast<std::ptrdiff_t>(x) * targetStep,
-                          convertHere(Read<From>(from + static_cast<std::ptrdiff_t>(x) * sourceStep)));
-            }
+    const auto at = [](auto* row, std::int32_t x, auto step, std::size_t size) {
+        return row + static_cast<std::ptrdiff_t>(x) * step * static_cast<std::ptrdiff_t>(size);
+    };
+    // Copies, which the bytes that are written cannot be part of: else no loop becomes vector code.
+    const Convert convertHere = convert;
+    const std::int32_t width = target.width;
+    for (std::int32_t y = 0; y < target.height; ++y) {
+        const std::byte* from = source.first + y * source.rowBytes;
+        std::byte* to = target.first + y * target.rowBytes;
+        for (std::int32_t x = 0; x < width; ++x) {
+            Write<To>(at(to, x, targetStep, sizeof(To)),
+                      convertHere(Read<From>(at(from, x, sourceStep, sizeof(From)))));
         }
+    }
+}
+
+/// Converts samples of any steps.
+template <class From, class To, class Convert>
+void ConvertSamples(const ComponentSource& source, const ComponentTarget& target,
+                    const Convert& convert) noexcept
+{
+    WithStepInSamples<From>(source.step, [&](auto sourceStep) {
+        WithStepInSamples<To>(target.step, [&](auto targetStep) {
+            ForEachSample<From, To>(source, sourceStep, target, targetStep, convert);
+        });
     });
 }
 
@@ -89,15 +95,15 @@ void MoveIntegers(const ComponentSource& source, const ComponentTarget& target, 
     const auto widened = [shiftLeft](From value) { return static_cast<std::uint16_t>(value << shiftLeft); };
     switch (target.type) {
     case SampleType::U8:
-        ForEachSample<From, std::uint8_t>(source, target,
-                                          [](From value) { return static_cast<std::uint8_t>(value); });
+        ConvertSamples<From, std::uint8_t>(source, target,
+                                           [](From value) { return static_cast<std::uint8_t>(value); });
         break;
     case SampleType::U16:
-        ForEachSample<From, std::uint16_t>(source, target, widened);
+        ConvertSamples<From, std::uint16_t>(source, target, widened);
         break;
     case SampleType::U16be:
-        ForEachSample<From, BigEndian16>(source, target,
-                                         [widened](From value) { return BigEndian16(widened(value)); });
+        ConvertSamples<From, BigEndian16>(source, target,
+                                          [widened](From value) { return BigEndian16(widened(value)); });
         break;
     case SampleType::F32:
         break;
@@ -115,6 +121,66 @@ ComponentSamples<Byte> FloatComponent(Float* samples, std::ptrdiff_t samplesPerR
             width,
             height,
             SampleType::F32};
+}
+
+template <class From, class Convert>
+void LoadAs(const ComponentSource& source, const ComponentTarget& floats, const Convert& convert) noexcept
+{
+    WithStepInSamples<From>(
+        source.step, [&](auto step) { ForEachSample<From, float>(source, step, floats, Step<1>{}, convert); });
+}
+
+template <class To, class Convert>
+void StoreAs(const ComponentSource& floats, const ComponentTarget& target, const Convert& convert) noexcept
+{
+    WithStepInSamples<To>(
+        target.step, [&](auto step) { ForEachSample<float, To>(floats, Step<1>{}, target, step, convert); });
+}
+
+/// @param fromFloat  what becomes of a sample that is a float already
+template <class FromFloat>
+void Load(const ComponentSource& source, const ComponentTarget& floats, const FromFloat& fromFloat) noexcept
+{
+    switch (source.type) {
+    case SampleType::U8:
+        return LoadAs<std::uint8_t>(source, floats, [](std::uint8_t v) { return static_cast<float>(v); });
+    case SampleType::U16:
+        return LoadAs<std::uint16_t>(source, floats, [](std::uint16_t v) { return static_cast<float>(v); });
+    case SampleType::F32:
+        return LoadAs<float>(source, floats, fromFloat);
+    case SampleType::U16be:
+        break;
+    }
+}
+
+void Store(const ComponentSource& floats, const ComponentTarget& target, const Rounding& rounding) noexcept
+{
+    const auto code = [rounding](float value) {
+        // Doubles hold the sums exactly (24 bits of value times at most 16 of scale), so there is one rounding:
+        // in floats, 0.9 of 65535, which is 58981.498, plus a half is already 58982.
+        const double scaled = static_cast<double>(value) * rounding.scale + rounding.offset + 0.5;
+        // Every comparison with NaN is false, which makes it the lowest code. Codes are not negative, so
+        // truncation rounds down.
+        const double above = scaled > rounding.lowest ? scaled : rounding.lowest;
+        return static_cast<std::int32_t>(std::min(above, rounding.highest));
+    };
+    switch (target.type) {
+    case SampleType::U8:
+        return StoreAs<std::uint8_t>(floats, target,
+                                     [code](float v) { return static_cast<std::uint8_t>(code(v)); });
+    case SampleType::U16:
+        return StoreAs<std::uint16_t>(floats, target,
+                                      [code](float v) { return static_cast<std::uint16_t>(code(v)); });
+    case SampleType::U16be:
+        return StoreAs<BigEndian16>(
+            floats, target, [code](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
+    case SampleType::F32:
+        return StoreAs<float>(floats, target, [rounding](float v) {
+            constexpr double kLargest = std::numeric_limits<float>::max();
+            const double value = static_cast<double>(v) * rounding.scale + rounding.offset;
+            return static_cast<float>(std::clamp(value, -kLargest, kLargest));
+        });
+    }
 }
 
 } // namespace
@@ -148,60 +214,36 @@ void MoveSamples(const ComponentSource& source, const ComponentTarget& target, i
         return MoveIntegers<std::uint16_t>(source, target, shiftLeft);
     case SampleType::F32:
         // As 32-bit integers: a float register may change the bits of a NaN.
-        return ForEachSample<std::uint32_t, std::uint32_t>(source, target,
-                                                           [](std::uint32_t bits) { return bits; });
+        return ConvertSamples<std::uint32_t, std::uint32_t>(source, target,
+                                                            [](std::uint32_t bits) { return bits; });
     case SampleType::U16be:
         break; // Frames have no big-endian samples.
     }
 }
 
-void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow) noexcept
+void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow,
+                VectorWidth width) noexcept
 {
-    const auto target = FloatComponent<std::byte>(samples, samplesPerRow, source.width, source.height);
-    switch (source.type) {
-    case SampleType::U8:
-        return ForEachSample<std::uint8_t, float>(source, target,
-                                                  [](std::uint8_t v) { return static_cast<float>(v); });
-    case SampleType::U16:
-        return ForEachSample<std::uint16_t, float>(source, target,
-                                                   [](std::uint16_t v) { return static_cast<float>(v); });
-    case SampleType::F32:
-        return ForEachSample<float, float>(source, target, [](float v) { return v; });
-    case SampleType::U16be:
-        break;
-    }
+    const auto floats = FloatComponent<std::byte>(samples, samplesPerRow, source.width, source.height);
+    RunWithVectors(width, [&] { Load(source, floats, [](float v) { return v; }); });
+}
+
+void LoadFiniteFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow,
+                      const FiniteRange& range, VectorWidth width) noexcept
+{
+    const auto floats = FloatComponent<std::byte>(samples, samplesPerRow, source.width, source.height);
+    const auto finite = [range](float v) {
+        const float number = v == v ? v : 0.0F;
+        return std::clamp(number, -range.limit, range.limit) * range.scale;
+    };
+    RunWithVectors(width, [&] { Load(source, floats, finite); });
 }
 
 void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const ComponentTarget& target,
-                 const Rounding& rounding) noexcept
+                 const Rounding& rounding, VectorWidth width) noexcept
 {
-    const auto source = FloatComponent<const std::byte>(samples, samplesPerRow, target.width, target.height);
-    const auto code = [rounding](float value) {
-        // Doubles hold the sums exactly (24 bits of value times at most 16 of scale), so there is one rounding:
-        // in floats, 0.9 of 65535, which is 58981.498, plus a half is already 58982.
-        const double scaled = static_cast<double>(value) * rounding.scale + rounding.offset + 0.5;
-        // Every comparison with NaN is false, which makes it the lowest code. Codes are not negative, so
-        // truncation rounds down.
-        const double above = scaled > rounding.lowest ? scaled : rounding.lowest;
-        return static_cast<std::int32_t>(std::min(above, rounding.highest));
-    };
-    switch (target.type) {
-    case SampleType::U8:
-        return ForEachSample<float, std::uint8_t>(
-            source, target, [code](float v) { return static_cast<std::uint8_t>(code(v)); });
-    case SampleType::U16:
-        return ForEachSample<float, std::uint16_t>(
-            source, target, [code](float v) { return static_cast<std::uint16_t>(code(v)); });
-    case SampleType::U16be:
-        return ForEachSample<float, BigEndian16>(
-            source, target, [code](float v) { return BigEndian16(static_cast<std::uint16_t>(code(v))); });
-    case SampleType::F32:
-        return ForEachSample<float, float>(source, target, [rounding](float v) {
-            constexpr double kLargest = std::numeric_limits<float>::max();
-            const double value = static_cast<double>(v) * rounding.scale + rounding.offset;
-            return static_cast<float>(std::clamp(value, -kLargest, kLargest));
-        });
-    }
+    const auto floats = FloatComponent<const std::byte>(samples, samplesPerRow, target.width, target.height);
+    RunWithVectors(width, [&] { Store(floats, target, rounding); });
 }
 
 void FillSamples(const ComponentTarget& target, std::uint16_t code) noexcept

@@ -3,10 +3,15 @@
 
 #include "Picture.h"
 
+#include <kestrel/qelaccelerate/VectorWidth.h>
+
 #include <cstddef>
 #include <cstdint>
 
 namespace tessel::exporting {
+
+using qelaccelerate::VectorWidth;
+using qelaccelerate::WidestVectors;
 
 /// Where one component's samples lie. `Byte` is const or not.
 template <class Byte>
@@ -27,8 +32,23 @@ using ComponentTarget = ComponentSamples<std::byte>;
 /// Copies samples of one type, or widens integers by `shiftLeft` bits. F32 goes only to F32.
 void MoveSamples(const ComponentSource& source, const ComponentTarget& target, int shiftLeft) noexcept;
 
+// Loading and storing floats is compiled for several kinds of vector registers. All give the same bits; `width`
+// is one that this machine has.
+
 /// Integers as their value, floats as they are.
-void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow) noexcept;
+void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow,
+                VectorWidth width = WidestVectors()) noexcept;
+
+/// What floats of frames are made fit for sums with: NaN becomes 0, what is beyond ±`limit` becomes that, and
+/// then all are multiplied by `scale`.
+struct FiniteRange {
+    float limit = 0.0F;
+    float scale = 1.0F;
+};
+
+/// Integers as their value, floats within `range`.
+void LoadFiniteFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow,
+                      const FiniteRange& range, VectorWidth width = WidestVectors()) noexcept;
 
 /// A float value to a code: clamp(floor(value × scale + offset + 0.5), lowest, highest), NaN as `lowest`. For
 /// float targets value × scale + offset, or the largest float of its sign where that is beyond.
@@ -39,7 +59,7 @@ struct Rounding {
     double highest = 0.0;
 };
 void StoreFloats(const float* samples, std::ptrdiff_t samplesPerRow, const ComponentTarget& target,
-                 const Rounding& rounding) noexcept;
+                 const Rounding& rounding, VectorWidth width = WidestVectors()) noexcept;
 
 /// Sets every sample: integers to `code`, floats to 1.
 void FillSamples(const ComponentTarget& target, std::uint16_t code) noexcept;

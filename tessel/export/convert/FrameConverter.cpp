@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -201,15 +202,23 @@ public:
         Picture picture = StartPicture(mConversion.target, frame.width, frame.height, mPool);
         const LayoutInfo& info = InfoOf(picture.layout);
         for (std::int32_t y = 0; y < frame.height; y += kStripeRows) {
-            ConvertStripe({y, std::min(kStripeRows, frame.height - y)}, picture);
+            const Stripe stripe{y, std::min(kStripeRows, frame.height - y)};
+            ConvertStripe(stripe, picture);
+            WriteAlpha(mSource, RowsOf(mReader.Component(3), stripe), info,
+                       RowsOf(ComponentOf(picture, 3), stripe), mAlpha);
         }
-        WriteAlpha(mSource, mReader.Component(3), info, ComponentOf(picture, 3), mAlpha);
         return FinishPicture(mConversion.target, std::move(picture), mPool);
     }
 
 private:
     /// A stripe of fields has as many rows of either field, each with its neighbours that chroma is made from.
     static constexpr std::int32_t kStripeRows = 16;
+
+    /// Far outside every code range, and small enough that no colour matrix overflows.
+    static constexpr FiniteRange kForIntegers{.limit = 10000.0F};
+    /// The sums of a colour matrix are up to 2.9 times as large as what goes in. The scale, a power of two,
+    /// changes no digit; it is taken back as the sums are stored.
+    static constexpr FiniteRange kForFloats{.limit = std::numeric_limits<float>::max(), .scale = 0.125F};
 
     /// Rows of the picture.
     struct Stripe {
@@ -246,24 +255,15 @@ private:
         return mSource.type == SampleType::F32 && InfoOf(mConversion.target).type == SampleType::F32;
     }
 
-    /// Loads a component as floats; unusual floats are made usual and for integer targets linear light becomes
-    /// R'G'B'.
+    /// Loads a component as finite floats. For integer targets linear light becomes R'G'B'.
     void Load(const ComponentSource& source, const AlignedBuffer& buffer) const
     {
-        LoadFloats(source, buffer.As<float>(), mRowSamples);
-        if (mSource.type != SampleType::F32) {
+        LoadFiniteFloats(source, buffer.As<float>(), mRowSamples, KeepsFloats() ? kForFloats : kForIntegers);
+        if (!mSource.kind.linear || KeepsFloats()) {
             return;
         }
         for (std::int32_t y = 0; y < source.height; ++y) {
-            float* row = buffer.As<float>() + y * mRowSamples;
-            if (KeepsFloats()) {
-                MakeFiniteWithHeadroom(row, source.width);
-                continue;
-            }
-            MakeFinite(row, source.width);
-            if (mSource.kind.linear) {
-                ApplyBt709Transfer(row, source.width);
-            }
+            ApplyBt709Transfer(buffer.As<float>() + y * mRowSamples, source.width);
         }
     }
 
@@ -311,7 +311,7 @@ private:
         }
         Rounding rounding = RoundingFor(target, component, mSourceBits, mConversion.coding.fullRange);
         if (KeepsFloats()) {
-            rounding.scale *= static_cast<double>(kMatrixHeadroom);
+            rounding.scale /= static_cast<double>(kForFloats.scale);
         }
         StoreFloats(plane, rowSamples, samples, rounding);
     }

@@ -17,9 +17,9 @@ namespace {
 
 using audiotest::Bits;
 using ImporterTessel::FillSines;
-using ImporterTessel::HasVectorWidth;
 using ImporterTessel::kLargestVectorPhase;
 using ImporterTessel::VectorWidth;
+using qelaccelerate::HasVectorWidth;
 
 constexpr std::array kWidths{VectorWidth::Baseline, VectorWidth::Avx2, VectorWidth::Avx512};
 
@@ -66,7 +66,7 @@ std::vector<double> PhasesBesideMultiplesOfPi()
 void ExpectCLibrarySines(const std::vector<double>& phases, double amplitude, std::size_t allowedDifferences)
 {
     std::vector<float> sines(phases.size());
-    FillSines(phases, amplitude, sines.data(), ImporterTessel::WidestVectors());
+    FillSines(phases, amplitude, sines.data(), qelaccelerate::WidestVectors());
     std::size_t differences = 0;
     for (std::size_t k = 0; k < phases.size(); ++k) {
         const auto expected = static_cast<float>(std::sin(phases[k]) * amplitude);
@@ -121,10 +121,10 @@ TEST(VectorSine, DoesNotDependOnWhereAPhaseStandsInTheRow)
 {
     const std::vector<double> phases = RandomPhases(300, audiotest::Seed());
     std::vector<float> whole(phases.size());
-    FillSines(phases, 0.3, whole.data(), ImporterTessel::WidestVectors());
+    FillSines(phases, 0.3, whole.data(), qelaccelerate::WidestVectors());
     for (std::size_t k = 0; k < phases.size(); ++k) {
         float alone = 0.0F;
-        FillSines(std::span(phases).subspan(k, 1), 0.3, &alone, ImporterTessel::WidestVectors());
+        FillSines(std::span(phases).subspan(k, 1), 0.3, &alone, qelaccelerate::WidestVectors());
         EXPECT_EQ(Bits(alone), Bits(whole[k])) << audiotest::SeedText();
     }
 }
@@ -146,10 +146,10 @@ TEST(VectorSine, KeepsTheSignsOfZeros)
 {
     const std::array<double, 2> phases{0.0, -0.0};
     std::array<float, 2> sines{};
-    FillSines(phases, 0.5, sines.data(), ImporterTessel::WidestVectors());
+    FillSines(phases, 0.5, sines.data(), qelaccelerate::WidestVectors());
     EXPECT_EQ(Bits(sines[0]), Bits(0.0F));
     EXPECT_EQ(Bits(sines[1]), Bits(-0.0F));
-    FillSines(phases, -0.5, sines.data(), ImporterTessel::WidestVectors());
+    FillSines(phases, -0.5, sines.data(), qelaccelerate::WidestVectors());
     EXPECT_EQ(Bits(sines[0]), Bits(-0.0F));
 }
 
@@ -159,20 +159,14 @@ TEST(VectorSine, TakesAnyAmplitude)
     std::array<float, 3> sines{};
     for (const double amplitude :
          {0.0, -1.0, 1e-30, 1e-44, static_cast<double>(std::numeric_limits<float>::max())}) {
-        FillSines(phases, amplitude, sines.data(), ImporterTessel::WidestVectors());
+        FillSines(phases, amplitude, sines.data(), qelaccelerate::WidestVectors());
         for (std::size_t k = 0; k < phases.size(); ++k) {
             EXPECT_EQ(Bits(sines[k]), Bits(static_cast<float>(std::sin(phases[k]) * amplitude))) << amplitude;
         }
     }
-    FillSines(phases, std::numeric_limits<double>::infinity(), sines.data(), ImporterTessel::WidestVectors());
+    FillSines(phases, std::numeric_limits<double>::infinity(), sines.data(), qelaccelerate::WidestVectors());
     EXPECT_EQ(sines[0], std::numeric_limits<float>::infinity());
     EXPECT_EQ(sines[1], -std::numeric_limits<float>::infinity());
-}
-
-TEST(VectorSine, WidestIsOneThatTheMachineHas)
-{
-    EXPECT_TRUE(HasVectorWidth(ImporterTessel::WidestVectors()));
-    EXPECT_TRUE(HasVectorWidth(VectorWidth::Baseline));
 }
 
 } // namespace
