@@ -9,6 +9,8 @@
 #include <kestrel/qt/dialogs/ColorPickerWindow.h>
 #include <kestrel/qt/dialogs/StatusBar.h>
 
+#include <support/TemporaryFolder.h>
+
 #include <QAccessible>
 #include <QClipboard>
 #include <QLabel>
@@ -18,9 +20,7 @@
 #include <QScrollBar>
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <vector>
 
 using kestrelqt::PressKey;
@@ -83,11 +83,8 @@ protected:
     void SetUp() override
     {
         ui_qt::Toolkit();
-        std::ifstream file(SETTINGS_LAYOUT);
-        std::ostringstream text;
-        text << file.rdbuf();
-        ASSERT_TRUE(file.is_open()) << SETTINGS_LAYOUT;
-        mDialog = qellumenfactory::BuildDialog(qellumenfactory::ParseLayout(text.str(), "settings").root);
+        mDialog = qellumenfactory::BuildDialog(
+            qellumenfactory::ParseLayout(test::ReadFile(SETTINGS_LAYOUT), "settings").root);
         for (qelui::UI_ControlView* const control : mDialog->AllControls()) {
             if (auto* const popup = dynamic_cast<qelui::UI_Popup*>(control)) {
                 popup->AddItem("An item of a usual length");
