@@ -12,7 +12,7 @@ std::uint32_t NormalizedPaintCode(std::uint32_t paintCode) noexcept
         return paintCode;
     }
     constexpr std::uint32_t kSubsampledAsCodec = pixmill::kBit422 | pixmill::kBit420;
-    // Intended: the two top bytes 15 and 16 are DV as well but all of theirs are BT.709.
+    // The top bytes 15 and 16 are DV formats, too, but all of these are BT.709.
     const bool isDV601 = (paintCode & pixmill::kBitYCbCr) != 0 && kind >= 9 && kind <= 14 &&
                          (paintCode & kSubsampledAsCodec) == kSubsampledAsCodec &&
                          (paintCode & pixmill::kBit709) == 0;

@@ -38,7 +38,7 @@ enum ColorSpaceMatchFlags : std::uint32_t {
 };
 
 /// Whether the spaces are the same for pixels of the given formats. Spaces match by their colour codes;
-/// profiles without codes match nothing, whatever the flags. The formats say nothing about it in this host.
+/// profiles without codes match nothing, whatever the flags. This host ignores the formats.
 [[nodiscard]] KESTREL_API bool DoColorSpacesMatch(const qelmediatypes::color::ColorSpace& a,
                                                   const qelmediatypes::color::ColorSpace& b,
                                                   std::uint32_t matchFlags, PixelFormat formatA,

@@ -1,5 +1,4 @@
-/// One open clip. A program learns everything about a clip here; it comes from the plug-in's answers to
-/// selectors.
+/// One open clip: all that a program gets of a clip, as the plug-in's answers to requests report it.
 #pragma once
 
 #include <kestrel/Export.h>
@@ -47,7 +46,7 @@ struct KESTRELHOST_API ClipDescription {
 enum class FrameFilling { Zero, Poison };
 
 /// What a program knows about a clip beyond what the plug-in reports, for instance from the clip's document.
-/// The host takes the program's word for it.
+/// The host does not check it.
 struct ClipKnowledge {
     /// The plug-in paints every byte of every picture, so new frames need not be zeroed.
     bool paintsWholeFrames = false;

@@ -1,4 +1,4 @@
-/// Why a clip's frame or sound could not be had.
+/// Why a clip's frame or sound could not be rendered.
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,11 +1,10 @@
-/// What the host makes no frame of. Threads: [any-thread].
+/// Why the host refuses to make a frame. Threads: [any-thread].
 #pragma once
 
 #include <cstdint>
 
 namespace importhost {
 
-/// Why a frame cannot be made.
 enum class FrameRefusal : std::uint8_t { None, FormatCannotBePainted, SizeOutOfRange, TooLarge, OutOfMemory };
 
 inline constexpr std::int32_t kLargestFrameSide = 100'000;       ///< pixels

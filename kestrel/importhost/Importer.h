@@ -67,8 +67,8 @@ private:
 
 /// Where a program looks for its plug-in.
 struct PluginSearch {
-    std::filesystem::path place{}; ///< the plug-in's file or folder; empty: not said
-    std::string placeSaidBy{};     ///< who said it, for messages: an option, a setting
+    std::filesystem::path place{}; ///< the plug-in's file or folder; empty: none is named
+    std::string placeSaidBy{};     ///< what names it, for messages: an option, a setting
     std::string stem{};            ///< the plug-in's file name without its ending
 };
 

@@ -10,7 +10,7 @@
 namespace qelcore::logging {
 
 struct Message {
-    std::string context; ///< who speaks: a category or a function's name
+    std::string context; ///< where it comes from: a category or a function's name
     std::string text;    ///< one line of UTF-8, without a line end
 };
 
@@ -22,8 +22,8 @@ KESTREL_API void Log(std::string_view context, std::string_view text) noexcept;
 /// block.
 KESTREL_API void LogCurrentException(std::string_view context) noexcept;
 
-/// Listens to the messages that its own thread logs, from construction to destruction.
-/// Listeners nest: the newest hears a message, the older ones do not.
+/// Receives the messages that its own thread logs, from construction to destruction.
+/// Listeners nest: the newest receives a message, the older ones do not.
 class KESTREL_API ScopedListener {
 public:
     using Handler = std::function<void(const Message&)>;

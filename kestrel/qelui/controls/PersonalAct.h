@@ -1,4 +1,4 @@
-/// What happens around the change handlers of one act of a person.
+/// Collects what the change handlers of one act of a person log and save, for the status line.
 #pragma once
 
 #include <kestrel/orb/SaveReport.h>
@@ -11,8 +11,7 @@ namespace qelui {
 class UI_ControlView;
 class UI_Dialog;
 
-/// Lives while the handlers of an act run and hears what the plug-in logs and saves; older listeners hear it,
-/// too.
+/// Exists while the handlers of an act run. Older listeners also receive what it receives.
 class PersonalAct {
 public:
     /// Removes the report of the act before.

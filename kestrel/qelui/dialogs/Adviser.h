@@ -1,6 +1,5 @@
-/// What a program can say of a dialog's controls that the host cannot, because it takes knowledge of the
-/// document.
-/// Threads: [ui-thread].
+/// Sentences about a dialog's controls that only the program can give, because the host does not know what the
+/// document means. Threads: [ui-thread].
 #pragma once
 
 #include <functional>
@@ -11,7 +10,7 @@ namespace qelui {
 struct AdviceRequest {
     std::string control;      ///< the control's identifier
     std::string settingsText; ///< the document that the dialog's controls describe now
-    /// What the plug-in logged when a person used the control, its last line; empty where it said nothing, and
+    /// The last line that the plug-in logged when a person used the control; empty if it logged nothing, and
     /// when the control only has the focus.
     std::string complaint;
 };

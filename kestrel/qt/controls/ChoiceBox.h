@@ -1,4 +1,4 @@
-/// A combo box without traps.
+/// A combo box that is not changed by accident.
 #pragma once
 
 #include <kestrel/qelui/controls/UI_Popup.h>

@@ -1,4 +1,4 @@
-/// A text that is cut where it hurts least, and can be copied.
+/// A text that is shortened where it does not fit, and can be copied.
 #pragma once
 
 #include <QLabel>
