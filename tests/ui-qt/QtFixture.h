@@ -95,6 +95,12 @@ public:
         Send(QEvent::MouseMove, Qt::LeftButton, modifiers);
     }
     void Release() { Send(QEvent::MouseButtonRelease, Qt::NoButton, Qt::NoModifier); }
+    /// A click of another button while the left one is held.
+    void RightClickMeanwhile()
+    {
+        Send(QEvent::MouseButtonPress, Qt::LeftButton | Qt::RightButton, Qt::NoModifier, Qt::RightButton);
+        Send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoModifier, Qt::RightButton);
+    }
     void DoubleClick()
     {
         Press();
@@ -104,10 +110,11 @@ public:
     }
 
 private:
-    void Send(QEvent::Type type, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers)
+    void Send(QEvent::Type type, Qt::MouseButtons held, Qt::KeyboardModifiers modifiers,
+              Qt::MouseButton button = Qt::LeftButton)
     {
         QMouseEvent event(type, QPointF(mAt), QPointF(mWidget.mapToGlobal(mAt)),
-                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held, modifiers);
+                          type == QEvent::MouseMove ? Qt::NoButton : button, held, modifiers);
         QApplication::sendEvent(&mWidget, &event);
     }
 

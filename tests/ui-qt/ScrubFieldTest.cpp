@@ -60,6 +60,19 @@ TEST_F(ScrubField, ShiftDragsTenTimesAsFastAndControlATenth)
     EXPECT_EQ(mChanges, 1);
 }
 
+TEST_F(ScrubField, AnotherButtonDoesNotEndADrag)
+{
+    ui_qt::Mouse mouse(*mField);
+    mouse.Press();
+    mouse.MoveBy(20); // + 20 / 2 × 10
+    mouse.RightClickMeanwhile();
+    EXPECT_EQ(mNumber->GetValue(), 1000.0);
+    mouse.MoveBy(20);
+    mouse.Release();
+    EXPECT_EQ(mNumber->GetValue(), 1200.0);
+    EXPECT_EQ(mChanges, 1);
+}
+
 TEST_F(ScrubField, EscapeTakesADragBack)
 {
     ui_qt::Mouse mouse(*mField);

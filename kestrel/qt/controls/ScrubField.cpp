@@ -130,6 +130,9 @@ void ScrubField::mouseReleaseEvent(QMouseEvent* event)
         NumberField::mouseReleaseEvent(event);
         return;
     }
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     const bool dragged = mMode == Mode::Dragging;
     mMode = Mode::Resting;
     if (dragged) {
