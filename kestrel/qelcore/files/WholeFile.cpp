@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 namespace qelcore::files {
 
