@@ -6,7 +6,6 @@
 #include "MemorySpeed.h"
 
 #include <kestrel/importhost/FrameMemory.h>
-#include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/serialization/Json.h>
 #include <kestrel/qelcore/text/PathText.h>

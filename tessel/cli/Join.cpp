@@ -2,14 +2,13 @@
 
 #include "Commands.h"
 #include "OutputOptions.h"
+#include "WholeText.h"
 #include "movies/FileWork.h"
 #include "movies/MovieCommands.h"
 #include "movies/RenderReport.h"
 
 #include <kestrel/qelcore/text/PathText.h>
-#include <tessel/export/ExportError.h>
 #include <tessel/export/Join.h>
-#include <tessel/export/Parts.h>
 #include <tessel/export/plan/Container.h>
 
 #include <fmt/format.h>
@@ -17,7 +16,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <system_error>
 #include <vector>
 
 namespace tessel::cli {
@@ -26,7 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 using exporting::Container;
 using exporting::ContainerKind;
-using exporting::ExportError;
 using qelcore::text::UTF8Text;
 
 /// Of the output, or of the pictures where they are only looked for.
@@ -43,7 +40,7 @@ const Container& ContainerOf(const JoinOptions& options)
     return container;
 }
 
-/// @throws UsageError, exporting::ExportError  where the output is one of the parts
+/// @throws UsageError  where the output is one of the parts
 void RequireOtherName(const JoinOptions& options, const Container& container)
 {
     const fs::path output = options.output;
@@ -54,9 +51,8 @@ void RequireOtherName(const JoinOptions& options, const Container& container)
                             "all are there",
                             options.output));
         }
-        std::error_code ignored;
-        if (!output.empty() && fs::equivalent(part, output, ignored)) {
-            throw ExportError(fmt::format("'{}' is a part itself; give another name", options.output));
+        if (IsSameFile(part, output)) {
+            throw UsageError(fmt::format("'{}' is a part itself; give another name", options.output));
         }
     }
 }

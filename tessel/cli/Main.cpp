@@ -4,7 +4,6 @@
 #include "CommandLine.h"
 #include "Commands.h"
 
-#include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
 #include <kestrel/qelcore/logging/Log.h>
 #include <tessel/typed/SettingError.h>

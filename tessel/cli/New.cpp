@@ -182,7 +182,7 @@ void AddNewCommand(CommandLine& commandLine)
     command.AddExample("tessel new chart.tessel --template hd-bars", "Colour bars");
     command.AddExample("tessel new chart.tessel --force --pixel-format bgra-float --swatches "
                        "samples/swatch-coordinates.json --swatches samples/swatch-colors.json",
-                       "A chart of one's own patches");
+                       "A chart of your own patches");
     command.AddExample("tessel new - --from clip.tessel --tone 440:-20",
                        "Another clip with another tone, printed");
     command.OnRun([options] { RunNew(*options); });

@@ -6,7 +6,6 @@
 
 #include <kestrel/importhost/HostError.h>
 #include <kestrel/importhost/PathText.h>
-#include <kestrel/orb/File.h>
 #include <tessel/document/settings/DocumentEditor.h>
 #include <tessel/document/settings/DocumentRules.h>
 #include <tessel/typed/Settings.h>

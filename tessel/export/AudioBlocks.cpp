@@ -40,6 +40,7 @@ std::int64_t AudioBlockReader::Read(std::int64_t position, std::int64_t count)
 {
     const std::int64_t block = position / mBlockSize;
     if (block != mBlock) {
+        mBlock = -1; // none, where this fails half way
         mSource.RenderAudio(block * mBlockSize, static_cast<std::uint32_t>(mBlockSize), mPointers);
         mBlock = block;
     }

@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tessel::exporting {
@@ -191,36 +192,32 @@ std::vector<PlacedPart> PlaceParts(const std::vector<fs::path>& files, const Out
     RequireJoinable(plan);
     const CodedFormat wanted = FormatOf(*plan.video);
     std::vector<LabelledPart> parts;
-    for (const fs::path& file : files) {
-        parts.push_back(ReadHeader(file));
-    }
+    std::transform(files.begin(), files.end(), std::back_inserter(parts), ReadHeader);
     const auto isLabelled = [](const LabelledPart& part) { return part.label.has_value(); };
     const auto first = std::find_if(parts.begin(), parts.end(), isLabelled);
-    if (first == parts.end()) {
-        std::vector<PlacedPart> placed;
-        for (const LabelledPart& part : parts) {
-            RequireFormat(part, wanted);
-            placed.push_back({part.path, std::nullopt});
-        }
-        return placed;
-    }
+    const bool areLabelled = first != parts.end();
     for (const LabelledPart& part : parts) {
-        if (!part.label) {
+        if (areLabelled && !part.label) {
             throw ExportError(
                 fmt::format("{} does not say which part it is, and {} does: render all with --part",
                             QuotedName(part.path), QuotedName(first->path)));
         }
-        RequireSameWork(part, *first, plan, whole, document);
+        if (areLabelled) {
+            RequireSameWork(part, *first, plan, whole, document);
+        }
         RequireFormat(part, wanted);
     }
-    std::stable_sort(parts.begin(), parts.end(), [](const LabelledPart& left, const LabelledPart& right) {
-        return left.label->part.number < right.label->part.number;
-    });
-    RequireEachOnce(parts, whole);
-    std::vector<PlacedPart> placed;
-    for (const LabelledPart& part : parts) {
-        placed.push_back({part.path, part.label->frames.count});
+    if (areLabelled) {
+        std::stable_sort(parts.begin(), parts.end(), [](const LabelledPart& left, const LabelledPart& right) {
+            return left.label->part.number < right.label->part.number;
+        });
+        RequireEachOnce(parts, whole);
     }
+    std::vector<PlacedPart> placed;
+    std::transform(parts.begin(), parts.end(), std::back_inserter(placed), [](const LabelledPart& part) {
+        return PlacedPart{part.path,
+                          part.label ? std::optional(part.label->frames.count) : std::optional<std::int64_t>()};
+    });
     return placed;
 }
 

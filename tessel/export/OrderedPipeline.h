@@ -19,7 +19,9 @@ namespace tessel::exporting {
 
 /// Makes results 0, 1, 2, ... `count` - 1 on several threads and hands them out in that order. At most
 /// `capacity` results are being made or waiting, so memory stays bounded however slow the taker is. What a
-/// maker throws, `Take` throws when that result's turn comes. Destruction stops the work and waits for it.
+/// maker throws, `Take` throws when that result's turn comes, and no results come after it: the threads stop at
+/// the first failure, as memory that has run out holds only so many exceptions. Destruction stops the work and
+/// waits for it.
 template <class Result>
 class OrderedPipeline {
 public:
@@ -51,7 +53,7 @@ public:
     OrderedPipeline(const OrderedPipeline&) = delete;
     OrderedPipeline& operator=(const OrderedPipeline&) = delete;
 
-    /// The next result; nothing behind the last. Waits until it is there.
+    /// The next result; nothing behind the last or a failed one. Waits until it is there.
     [[nodiscard]] std::optional<Result> Take()
     {
         std::unique_lock lock(mMutex);
@@ -60,7 +62,7 @@ public:
         }
         mChanged.wait(lock, [this] { return SlotOf(mTaken).done; });
         Slot slot = std::exchange(SlotOf(mTaken), Slot{});
-        ++mTaken;
+        mTaken = slot.failure ? mCount : mTaken + 1;
         lock.unlock();
         mChanged.notify_all();
         if (slot.failure) {
@@ -97,6 +99,7 @@ private:
             }
             {
                 const std::lock_guard lock(mMutex);
+                mStopping = mStopping || slot.failure; // what comes before has been started
                 SlotOf(index) = std::move(slot);
             }
             mChanged.notify_all();

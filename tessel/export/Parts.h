@@ -33,8 +33,8 @@ struct PartNumber {
 /// @throws RequestError  for more parts than frames
 [[nodiscard]] FrameRange FramesOfPart(const FrameRange& whole, const PartNumber& part);
 
-/// The label of a part's file, in its container's comment: enough for whoever joins it to refuse
-/// what does not belong together.
+/// The label of a part's file, in its container's comment: enough for a join to refuse what does
+/// not belong together.
 struct PartLabel {
     PartNumber part;
     FrameRange frames;

@@ -246,16 +246,21 @@ FrameRange ChooseFrames(const document::ClipFacts& clip, std::optional<std::int6
             fmt::format("the clip has no frames{}", SettingHint(clip, document::Setting::Duration)));
     }
     FrameRange range;
+    const auto requireFrame = [clipFrames](std::int64_t frame) {
+        if (frame < 0 || frame >= clipFrames) {
+            throw RequestError(
+                fmt::format("there is no frame {}: the clip has frames 0 to {}", frame, clipFrames - 1));
+        }
+    };
     range.first = first.value_or(0);
-    if (range.first < 0 || range.first >= clipFrames) {
-        throw RequestError(
-            fmt::format("there is no frame {}: the clip has frames 0 to {}", range.first, clipFrames - 1));
+    requireFrame(range.first);
+    if (last) {
+        requireFrame(*last);
+    }
+    if (last && *last < range.first) {
+        throw RequestError(fmt::format("the last frame, {}, comes before the first, {}", *last, range.first));
     }
     // Compared before anything is added: what is typed may be as large as numbers get.
-    if (last && (*last >= clipFrames || *last < range.first)) {
-        throw RequestError(
-            fmt::format("--to {} is not among the clip's frames {} to {}", *last, range.first, clipFrames - 1));
-    }
     if (count && (*count < 1 || *count > clipFrames - range.first)) {
         throw RequestError(fmt::format("there are not {} frames from frame {} on: the clip has frames 0 to {}",
                                        *count, range.first, clipFrames - 1));

@@ -1,8 +1,6 @@
 #include "Thumbnail.h"
 
-#include <tessel/export/ExportError.h>
 #include <tessel/export/Render.h>
-#include <tessel/export/convert/Conversion.h>
 #include <tessel/export/convert/FrameConverter.h>
 #include <tessel/export/convert/FrameView.h>
 #include <tessel/export/plan/Container.h>

@@ -18,7 +18,7 @@ void AddDamageCommand(CommandLine& commandLine, Context& context)
     command.StartGroup("Faults");
     command
         .AddOption("--fault", options->faults,
-                   "A fault to put in, as NAME or NAME=VALUE; several are put in in the order given")
+                   "A fault to put in, as NAME or NAME=VALUE; several are applied in the order given")
         .ValueName("FAULT");
     command.AddFlag("--list", options->list, "List the faults and their values, and do nothing else");
     command.StartGroup("Output");

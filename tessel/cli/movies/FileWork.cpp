@@ -26,7 +26,7 @@ document::OpenedClip Open(const fs::path& clip, const fs::path& output, const Ru
 {
     std::error_code ignored;
     if (fs::equivalent(clip, output, ignored)) {
-        throw ExportError(fmt::format("'{}' is the clip itself; give another name", UTF8Text(output)));
+        throw UsageError(fmt::format("'{}' is the clip itself; give another name", UTF8Text(output)));
     }
     document::OpenOptions open;
     open.allowDefault = how.allowDefault;

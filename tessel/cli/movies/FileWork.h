@@ -22,7 +22,7 @@ class FileWork {
 public:
     /// Opens the clip.
     /// @param output  "-": standard output; empty: nothing is written
-    /// @throws exporting::ExportError  where the output is the clip itself; as `Context::OpenClip`
+    /// @throws UsageError  where the output is the clip itself; as `Context::OpenClip`
     FileWork(const std::filesystem::path& clip, const std::filesystem::path& output, const RunOptions& how,
              Context& context);
     FileWork(const FileWork&) = delete;

@@ -44,7 +44,7 @@ void AddJoinCommand(CommandLine& commandLine, Context& context)
         "b.mkv && tessel join clip.tessel a.mkv b.mkv -o clip.mkv",
         "Two halves, as two machines may render them, and the movie");
     command.AddExample("tessel render clip.tessel -o out/%06d.png && tessel join clip.tessel out/%06d.png",
-                       "Whether every picture is there");
+                       "Check that every picture is there");
     command.OnRun([options, &context] { RunJoin(*options, context); });
 }
 

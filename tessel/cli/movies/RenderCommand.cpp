@@ -70,7 +70,7 @@ void AddRenderCommand(CommandLine& commandLine, Context& context)
     command.AddExample("tessel render clip.tessel samples/short.tessel -o out/ --format mov",
                        "Several clips into a folder");
     command.AddExample("tessel render clip.tessel -o clip.mxf --dry-run",
-                       "What would be written, and what lost");
+                       "What would be written, and what would be lost");
     command.AddExample("tessel render clip.tessel --format null --hash clip.framehash",
                        "Fingerprints of every picture, and no file");
     command.AddExample("tessel render clip.tessel --part 2/5 -o clip.2.mkv", "The second of five parts");

@@ -1,6 +1,5 @@
 #include "DocumentRules.h"
 
-#include "FrameRates.h"
 #include "Idents.h"
 #include "PixelLayouts.h"
 

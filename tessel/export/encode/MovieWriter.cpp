@@ -132,7 +132,7 @@ MovieWriter::MovieWriter(const OutputPlan& plan, OutputFile file, int threadCoun
     const Container& container = *plan.container;
     state.container = container.name;
     if (container.needsToSeek && !state.file.CanSeek()) {
-        throw ExportError(
+        throw RequestError(
             fmt::format("{} files cannot be written to a pipe; mkv, nut, mov and wav can", container.name));
     }
     AVFormatContext* format = nullptr;

@@ -30,7 +30,7 @@ public:
     /// Opens encoders and muxer and writes the header.
     /// @param file         where to; committed by the caller
     /// @param threadCount  for codecs
-    /// @throws ExportError
+    /// @throws ExportError; RequestError  for a pipe where the container needs to seek
     MovieWriter(const OutputPlan& plan, OutputFile file, int threadCount, const MovieExtent& extent);
     ~MovieWriter();
     MovieWriter(const MovieWriter&) = delete;

@@ -30,7 +30,7 @@ PictureFileCheck::PictureFileCheck(const VideoPlan& plan) : mPlan(plan)
 
 std::string PictureFileCheck::ProblemOf(std::span<const std::byte> file)
 {
-    const std::string no = fmt::format("is no whole {} picture", mPlan.codec->title);
+    std::string no = fmt::format("is no whole {} picture", mPlan.codec->title);
     if (file.empty() || file.size() > std::numeric_limits<int>::max() - AV_INPUT_BUFFER_PADDING_SIZE) {
         return no;
     }

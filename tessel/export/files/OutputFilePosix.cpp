@@ -1,6 +1,5 @@
 #include "Interrupt.h"
 #include "OutputFile.h"
-#include "WholeFile.h"
 
 #include <kestrel/orb/FileReplacement.h>
 #include <kestrel/qelcore/logging/Log.h>

@@ -3,7 +3,6 @@
 #include "CodecFacts.h"
 #include "MovieAddress.h"
 
-#include <tessel/export/ExportError.h>
 #include <tessel/export/encode/LibavHandles.h>
 
 #include <fmt/format.h>
@@ -235,7 +234,6 @@ struct Movie::State {
         picture.height = frame.height;
         picture.format = FormatFacts(*format);
         picture.isInterlaced = frame.interlaced_frame != 0;
-        picture.isUpperFirst = frame.top_field_first != 0;
         picture.isDamaged = frame.decode_error_flags != 0 || (frame.flags & AV_FRAME_FLAG_CORRUPT) != 0;
         if (picture.isDamaged) {
             Warn(fmt::format("{} data is damaged", decoder.codec->codec->name));

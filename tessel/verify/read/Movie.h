@@ -66,8 +66,7 @@ struct Picture {
     int height = 0;
     SampleFormat format;
     bool isInterlaced = false; ///< as this picture says
-    bool isUpperFirst = false;
-    bool isDamaged = false; ///< the decoder found errors in it
+    bool isDamaged = false;    ///< the decoder found errors in it
     /// Y', Cb, Cr, alpha or R, G, B, alpha; grey has the first alone.
     ComponentView components[4];
     std::shared_ptr<const void> owner;

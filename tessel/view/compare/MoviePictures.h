@@ -12,9 +12,9 @@
 
 namespace tessel::view {
 
-/// Decodes forwards and keeps the last few pictures; whoever goes back further has it decoded from the
-/// beginning again, because containers do not tell which picture a place in a file leads to. Threads: one
-/// object, one thread at a time.
+/// Decodes forwards and keeps the last few pictures. Going back further decodes from the beginning again,
+/// because containers do not tell which picture a place in a file leads to. Threads: one object, one thread at
+/// a time.
 class MoviePictures {
 public:
     MoviePictures(std::string name, const verify::read::ReadOptions& options);

@@ -1,7 +1,6 @@
 #include "Inspector.h"
 
 #include <tessel/export/convert/SourceFrame.h>
-#include <tessel/export/convert/V210Packing.h>
 
 #include <fmt/format.h>
 

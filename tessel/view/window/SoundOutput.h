@@ -22,7 +22,7 @@ public:
     void Start(const std::shared_ptr<const ViewedClip>& clip, double seconds, SoundEnd end);
     void Stop();
 
-    /// How many seconds of the clip have been heard, for whoever keeps pictures in step; negative where nothing
+    /// How many seconds of the clip have been heard; pictures keep in step with it. Negative where nothing
     /// plays.
     [[nodiscard]] double Position() const;
 

@@ -144,7 +144,7 @@ class Damage(ProgramTest):
         with open(self.path(self.clip()), "rb") as file:
             before = file.read()
         answer = self.run_program("damage", "clip.tessel", "--fault", "order.missing=5", "-o", "clip.tessel", "--format", "mkv")
-        self.assert_failed(answer, 1, "'clip.tessel' is the clip itself")
+        self.assert_failed(answer, 2, "'clip.tessel' is the clip itself")
         with open(self.path("clip.tessel"), "rb") as file:
             self.assertEqual(file.read(), before)
         self.assertEqual(os.listdir(self.folder), ["clip.tessel"])

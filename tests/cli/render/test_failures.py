@@ -84,8 +84,8 @@ class Failures(RenderTest):
         os.link(clip, self.path("same.mkv"))
         with open(clip, "rb") as file:
             before = file.read()
-        self.refuse("render", clip, "-o", "same.mkv", says=("same.mkv",))
-        self.refuse("render", clip, "-o", clip, "--format", "mkv", says=("clip.tessel",))
+        self.refuse("render", clip, "-o", "same.mkv", code=2, says=("same.mkv",))
+        self.refuse("render", clip, "-o", clip, "--format", "mkv", code=2, says=("clip.tessel",))
         with open(clip, "rb") as file:
             self.assertEqual(file.read(), before)
 
@@ -148,7 +148,7 @@ class Failures(RenderTest):
                                    self.path("piped." + name)], capture_output=True, check=True).stdout
             self.assertEqual(int(text.decode().strip().strip(",")), frames, name)
         for name in ("mxf", "avi"):
-            self.refuse("render", clip, "-o", "-", "--format", name, says=(name, "pipe"))
+            self.refuse("render", clip, "-o", "-", "--format", name, code=2, says=(name, "pipe"))
 
     def end_half_way(self, number, output, arguments=()):
         """Starts a long rendering, ends it by a signal when it has got going; gives the finished process."""
@@ -296,6 +296,8 @@ class Failures(RenderTest):
         for arguments in (("--from", "10"), ("--to", "10"), ("--from", "5", "--frames", "6"), ("--frames", "9223372036854775807"),
                           ("--from", "9", "--to", "9223372036854775807")):
             self.refuse("render", clip, "-o", "x.mkv", *arguments, code=2, says=("clip.tessel: ",))
+        self.refuse("render", clip, "-o", "x.mkv", "--from", "9", "--to", "12", code=2,
+                    says=("there is no frame 12: the clip has frames 0 to 9",))
         self.refuse("render", self.clip(frames=0), "-o", "x.mkv", says=("mVideoDuration",))
         self.left_over("clip.tessel")
 

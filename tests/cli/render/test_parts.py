@@ -264,8 +264,8 @@ class Refused(PartsTest):
     def test_no_part_and_no_clip_is_overwritten(self):
         self.save(numbered())
         parts = self.render_parts(2, "mkv")
-        self.refuse("join", "clip.tessel", *parts, "-o", parts[0], says=("'part1.mkv' is a part itself",))
-        self.refuse("join", "clip.tessel", *parts, "-o", "clip.tessel", "--format", "mkv", says=("clip itself",))
+        self.refuse("join", "clip.tessel", *parts, "-o", parts[0], code=2, says=("'part1.mkv' is a part itself",))
+        self.refuse("join", "clip.tessel", *parts, "-o", "clip.tessel", "--format", "mkv", code=2, says=("clip itself",))
         self.refuse("join", "clip.tessel", *parts, code=2, says=("-o is missing",))
         self.refuse("join", "clip.tessel", *parts, "-o", "x.wav", code=2, says=("wav",))
         self.refuse("join", "clip.tessel", *parts, "-o", "x.mkv", "--audio-only", code=2, says=("--audio-only",))

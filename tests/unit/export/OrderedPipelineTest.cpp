@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -75,6 +76,21 @@ TEST(OrderedPipeline, FailureComesWhenItsTurnDoes)
         EXPECT_EQ(pipeline.Take(), index);
     }
     EXPECT_THROW(static_cast<void>(pipeline.Take()), std::runtime_error);
+}
+
+TEST(OrderedPipeline, NothingIsMadeBehindAFailure)
+{
+    std::atomic<int> made{0};
+    Pipeline pipeline(1000,
+                      Makers(1,
+                             [&](std::int64_t) -> std::int64_t {
+                                 ++made;
+                                 throw std::bad_alloc();
+                             }),
+                      1000);
+    EXPECT_THROW(static_cast<void>(pipeline.Take()), std::bad_alloc);
+    EXPECT_EQ(pipeline.Take(), std::nullopt);
+    EXPECT_EQ(made.load(), 1);
 }
 
 TEST(OrderedPipeline, DestructionStopsTheWork)

@@ -5,7 +5,6 @@
 #include <tessel/export/Render.h>
 #include <tessel/export/convert/FrameConverter.h>
 #include <tessel/export/encode/RepeatingEncoder.h>
-#include <tessel/export/plan/OutputPlan.h>
 
 #include <gtest/gtest.h>
 #include <support/TemporaryFolder.h>

@@ -53,6 +53,34 @@ TEST(AudioBlocks, RequestsAreWholeBlocksAlignedToZeroWhateverIsRead)
     EXPECT_EQ(source.AudioRequests().size(), 7U); // blocks 0 to 6, each once
 }
 
+/// Fails for the block from sample 4800 on, after it has written some of it.
+class FailingSource final : public SignalSource {
+public:
+    [[nodiscard]] const document::ClipFacts& Description() const override { return mFacts; }
+    [[nodiscard]] FrameView RenderFrame(std::int64_t /*frame*/) const override { return {}; }
+    void RenderAudio(std::int64_t position, std::uint32_t /*count*/,
+                     std::span<float* const> channels) const override
+    {
+        channels[0][0] = static_cast<float>(position);
+        if (position == 4800) {
+            throw std::bad_alloc();
+        }
+    }
+
+private:
+    document::ClipFacts mFacts;
+};
+
+TEST(AudioBlocks, ABlockIsAskedForAgainWhereTheNextOneFailedHalfWay)
+{
+    const FailingSource source;
+    AudioBlockReader reader(source, 48000, 1);
+    static_cast<void>(reader.Read(0, 1));
+    EXPECT_THROW(static_cast<void>(reader.Read(4800, 1)), std::bad_alloc);
+    static_cast<void>(reader.Read(0, 1));
+    EXPECT_EQ(reader.Channel(0)[0], 0.0F);
+}
+
 TEST(SampleQuantizer, RoundsToTheNearestAndClips)
 {
     const SampleQuantizer to16(16, Dither::None);

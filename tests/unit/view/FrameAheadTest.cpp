@@ -1,6 +1,5 @@
 #include "SampleClip.h"
 
-#include <tessel/scopes/Colorimetry.h>
 #include <tessel/view/model/FrameAhead.h>
 
 #include <gtest/gtest.h>

@@ -235,14 +235,14 @@ private:
                 const double rest =
                     energy[m] - 2 * rows[m].dot(products[m]) + rows[m].dot(moments[m] * rows[m]);
                 row.unexplained = std::max(0.0, rest) / energy[m];
-                ChooseSource(row, m, moments[m], products[m], energy[m], count);
+                ChooseSource(row, m, moments[m], products[m], energy[m]);
             }
             fit.rows.push_back(row);
         }
     }
 
     void ChooseSource(MixRow& row, std::size_t m, const Eigen::MatrixXd& moments,
-                      const Eigen::VectorXd& products, double energy, double count) const
+                      const Eigen::VectorXd& products, double energy) const
     {
         double best = 2;
         for (Eigen::Index source = 0; source < mSources; ++source) {
@@ -261,7 +261,6 @@ private:
             }
         }
         row.alone = best;
-        row.gainSigma = std::sqrt(best / std::sqrt(count));
     }
 
     static void Identify(MixFit& fit, const Eigen::MatrixXd& all)

@@ -20,7 +20,6 @@ struct MixRow {
     double unexplained = 0;      ///< part of the energy that no mixture explains, 0..1
     int source = -1;             ///< the one channel of the clip that explains it, -1: none does alone
     double gain = 0;             ///< of that one; negative: upside down
-    double gainSigma = 0;        ///< of the gain, as a part of it
     double alone = 0;            ///< part of the energy that `source` leaves unexplained
     bool isSilent = false;
     bool isOutOfBand = false; ///< all that it should carry is above what the codec keeps of it

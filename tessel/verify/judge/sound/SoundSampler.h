@@ -50,7 +50,7 @@ public:
     void Take(const read::Sound& sound);
 
     /// @param facts         of the movie
-    /// @param leastSamples  a loss of fewer is none
+    /// @param leastSamples  smaller losses do not count
     /// Cost: renders all of the clip's sound once.
     [[nodiscard]] SoundEvidence Finish(const read::SoundFacts& facts, double leastSamples);
 

@@ -1,7 +1,6 @@
 #include "Signals.h"
 
 #include <tessel/verify/judge/sound/ToneTracker.h>
-#include <tessel/verify/judge/sound/Transition.h>
 
 #include <gtest/gtest.h>
 
