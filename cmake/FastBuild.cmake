@@ -1,34 +1,19 @@
 # What saves time in a clean build. The release preset sets this option; a compiler cache works better without.
-option(TESSEL_FAST_BUILD "Precompile headers, and compile each test program in one piece" OFF)
+option(TESSEL_FAST_BUILD "Compile many source files of a library or a test program as one" OFF)
 
-# The headers that most sources include, compiled once. A source file still includes what it uses: without this
-# option, as in the clang preset, it gets nothing else.
-set(standard_headers <algorithm> <array> <cmath> <cstddef> <cstdint> <filesystem> <functional> <limits> <map> <memory>
-                     <optional> <span> <stdexcept> <string> <string_view> <utility> <vector>)
-
-# tessel_precompile(TARGET [header...]): the standard headers and others, for this target alone.
-function(tessel_precompile target)
+# tessel_compile_together(TARGET...)
+# With TESSEL_FAST_BUILD the source files of each target are compiled in pieces of up to 32: headers are read and
+# templates instantiated once in each. So no two files of a target may define the same name, not even in unnamed
+# namespaces. A source file still includes what it uses: without this option it gets nothing else.
+function(tessel_compile_together)
     if(TESSEL_FAST_BUILD)
-        target_precompile_headers(${target} PRIVATE ${standard_headers} ${ARGN})
+        set_target_properties(${ARGV} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 32)
     endif()
 endfunction()
 
-# tessel_share_headers(NAME HIDDEN LIBRARIES library... HEADERS header... TARGETS target...)
-# The same once for several targets, whose compiler flags must be those of NAME: it links LIBRARIES, and HIDDEN says
-# whether symbols are hidden. NAME defines nothing: g++ rejects a precompiled header with definitions that its user
-# lacks.
-function(tessel_share_headers name)
-    cmake_parse_arguments(arg "HIDDEN" "" "LIBRARIES;HEADERS;TARGETS" ${ARGN})
-    if(NOT TESSEL_FAST_BUILD)
-        return()
-    endif()
-    add_library(${name} OBJECT "${PROJECT_SOURCE_DIR}/cmake/PrecompiledHeaders.cpp")
-    target_link_libraries(${name} PRIVATE project_options ${arg_LIBRARIES})
-    if(arg_HIDDEN)
-        set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-    endif()
-    tessel_precompile(${name} ${arg_HEADERS})
-    foreach(target IN LISTS arg_TARGETS)
-        target_precompile_headers(${target} REUSE_FROM ${name})
-    endforeach()
+# tessel_compile_alone(SOURCE...)
+# Leaves files out of the pieces. Their classes have members of types in an unnamed namespace, which g++ warns about
+# unless the file is compiled alone.
+function(tessel_compile_alone)
+    set_source_files_properties(${ARGV} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()

@@ -13,13 +13,12 @@ function(tessel_set_version target)
         SOVERSION "${TESSEL_SOVERSION}")
 endfunction()
 
-# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header... | HEADERS_OF target] [ONE_PIECE])
+# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header... | HEADERS_OF target])
 # A GoogleTest program; each of its tests is one CTest test. Its libraries may bring compiler flags with which the
 # precompiled headers of other tests cannot be used: PRECOMPILE names headers that this program precompiles for itself,
-# HEADERS_OF a target with the same flags, whose precompiled headers it uses. ONE_PIECE compiles all files as one with
-# TESSEL_FAST_BUILD, so no two of them may define the same name.
+# HEADERS_OF a target with the same flags, whose precompiled headers it uses.
 function(tessel_add_test)
-    cmake_parse_arguments(arg "ONE_PIECE" "NAME;HEADERS_OF" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
+    cmake_parse_arguments(arg "" "NAME;HEADERS_OF" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_options test_options ${arg_LIBRARIES}
                                               GTest::gtest GTest::gtest_main)
@@ -31,9 +30,7 @@ function(tessel_add_test)
     else()
         target_precompile_headers(${arg_NAME} REUSE_FROM test_headers)
     endif()
-    if(arg_ONE_PIECE AND TESSEL_FAST_BUILD)
-        set_target_properties(${arg_NAME} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
-    endif()
+    tessel_compile_together(${arg_NAME})
     set(cSources ${arg_SOURCES})
     list(FILTER cSources INCLUDE REGEX "\\.c$")
     set_source_files_properties(${cSources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int32_t kLeft = 0;
 constexpr std::int32_t kRight = 1;
-constexpr float kLevel = 0.125F;
+constexpr float kStereoLevel = 0.125F;
 
 /// 3 s = 12 × 0.25 s
 constexpr PatternGrid kGrid{{qelmediatypes::kTicksPerSecond / 4}, 12};
@@ -30,7 +30,7 @@ constexpr std::int32_t EndOfStretch(std::int32_t unit) noexcept
 
 void SynthesizeStereoIdentification(const AudioRequest& request, float frequency) noexcept
 {
-    const Tone tone{frequency, kLevel};
+    const Tone tone{frequency, kStereoLevel};
     FillSineSpan(request.rate, request.start, tone, request.Samples(kRight));
     WalkSegments(request, kGrid, EndOfStretch, [&](const Segment& segment) {
         const std::span<float> left = request.Samples(kLeft, segment.offset, segment.length);

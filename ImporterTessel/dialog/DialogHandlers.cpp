@@ -15,11 +15,11 @@ using qelmediatypes::SaturatingCast;
 using qelmediatypes::SaturatingToFloat;
 using qelmediatypes::TickTime;
 
-constexpr auto kTicksPerSecond = static_cast<double>(qelmediatypes::kTicksPerSecond);
+constexpr auto kSecond = static_cast<double>(qelmediatypes::kTicksPerSecond); // in ticks
 
 double Seconds(TickTime time)
 {
-    return static_cast<double>(time.Ticks()) / kTicksPerSecond;
+    return static_cast<double>(time.Ticks()) / kSecond;
 }
 
 } // namespace
@@ -68,7 +68,7 @@ void ImporterTesselPrefsDialogImpl::OnDurationFrames()
 void ImporterTesselPrefsDialogImpl::OnDurationSeconds()
 {
     const double seconds = mControls.durationSeconds->GetValue();
-    const TickTime entered{seconds == 0.0 ? 0 : SaturatingCast<std::int64_t>(seconds * kTicksPerSecond)};
+    const TickTime entered{seconds == 0.0 ? 0 : SaturatingCast<std::int64_t>(seconds * kSecond)};
     TickTime duration = entered.AlignToFrame(mPrefs.mVideoFrameRate);
     if (duration.Ticks() < 1) {
         duration = duration.AddFrames(1, mPrefs.mVideoFrameRate);

@@ -4,6 +4,7 @@
 #include "ColorConversion.h"
 #include "FillRow.h"
 #include "IntegerConversion.h"
+#include "Status.h"
 
 #include <bit>
 #include <cstddef>
@@ -12,9 +13,6 @@
 using namespace pixmill;
 
 namespace {
-
-constexpr std::int32_t kFilled = 0;
-constexpr std::int32_t kBadArgument = -1;
 
 /// How far ahead of the stores a run of rows is prefetched. 1 to 16 KiB are equally fast (measured).
 constexpr std::ptrdiff_t kAheadInRun = 4096;
@@ -78,14 +76,14 @@ void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, s
 {
     const StoredColor stored = ConvertColor(code, LoadColor(color));
     FillRows(pixels, rowBytes, width, rows, code, std::bit_cast<FillWords>(stored.pattern));
-    return kFilled;
+    return kDone;
 }
 
 [[gnu::noinline]] std::int32_t FillOneRowExactly(std::byte* row, std::size_t byteCount, std::uint32_t code,
                                                  const void* color, std::ptrdiff_t ahead) noexcept
 {
     FillRow(row, byteCount, std::bit_cast<FillWords>(ConvertColor(code, LoadColor(color)).pattern), ahead);
-    return kFilled;
+    return kDone;
 }
 
 /// A gradient is filled row by row. A short row takes so little time that stores to the stack can be measured:
@@ -98,7 +96,7 @@ void FillRows(std::byte* pixels, std::ptrdiff_t rowBytes, std::uint32_t width, s
         return FillOneRowExactly(row, byteCount, code, color, ahead);
     }
     FillRow(row, byteCount, pattern, ahead);
-    return kFilled;
+    return kDone;
 }
 
 } // namespace

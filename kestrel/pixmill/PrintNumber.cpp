@@ -4,6 +4,7 @@
 #include "GlyphMasks.h"
 #include "NumberInk.h"
 #include "PixelFormatCodes.h"
+#include "Status.h"
 
 #include <array>
 #include <cstddef>
@@ -13,10 +14,6 @@
 using namespace pixmill;
 
 namespace {
-
-constexpr std::int32_t kPrinted = 0;
-constexpr std::int32_t kBadArgument = -1;
-constexpr std::int32_t kOutOfMemory = -2;
 
 /// A number as glyphs from left to right; ten digits of 2^31 and a sign at most.
 struct GlyphText {
@@ -75,7 +72,7 @@ std::int32_t PM_PrintNum(void* pixels, std::int32_t rowBytes, std::uint32_t dest
     const GlyphText text = TextOf(number);
     const NumberLayout layout = LayOutNumber(width, height, text.count, textHeight, position[0], position[1]);
     if (layout.digitHeight == 0) {
-        return kPrinted; // no room for even the smallest digits
+        return kDone; // no room for even the smallest digits
     }
     std::array<const GlyphMask*, 11> masks{};
     try {
@@ -105,5 +102,5 @@ std::int32_t PM_PrintNum(void* pixels, std::int32_t rowBytes, std::uint32_t dest
             }
         }
     }
-    return kPrinted;
+    return kDone;
 }

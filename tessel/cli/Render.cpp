@@ -23,12 +23,10 @@
 namespace tessel::cli {
 namespace {
 
-using Options = RenderOptions;
-
 using exporting::Container;
 
 /// @throws UsageError  where the part is not K/N, or does not go with the other options
-std::optional<exporting::PartNumber> PartOf(const Options& options, const TargetOptions& where,
+std::optional<exporting::PartNumber> PartOf(const RenderOptions& options, const TargetOptions& where,
                                             const Container& container)
 {
     if (options.part.empty()) {
@@ -56,8 +54,9 @@ std::optional<exporting::PartNumber> PartOf(const Options& options, const Target
     return part;
 }
 
-void RenderOne(const Options& options, const RenderTarget& target, const exporting::OutputRequest& request,
-               const std::optional<exporting::PartNumber>& part, Context& context)
+void RenderOne(const RenderOptions& options, const RenderTarget& target,
+               const exporting::OutputRequest& request, const std::optional<exporting::PartNumber>& part,
+               Context& context)
 {
     FileWork work(target.clip, target.output, options.how, context);
     exporting::RenderJob job = work.StartJob(request, options.out);

@@ -14,8 +14,6 @@
 namespace tessel::cli {
 namespace {
 
-using Options = ThumbnailOptions;
-
 /// What is wrong, without the file's name, which the file manager shows below the picture.
 std::string WithoutName(const std::string& line, const std::filesystem::path& clip)
 {
@@ -25,7 +23,7 @@ std::string WithoutName(const std::string& line, const std::filesystem::path& cl
 
 /// A clip that cannot be painted still has a picture: of the reason. A sandbox that shows this program the
 /// document alone hides the files that a swatch chart names.
-thumbnail::Image Picture(const Options& options, Context& context)
+thumbnail::Image Picture(const ThumbnailOptions& options, Context& context)
 {
     const auto card = [&options](const std::exception& error) {
         return thumbnail::TextCard("no picture", WithoutName(error.what(), options.clip), options.size);

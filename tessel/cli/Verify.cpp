@@ -30,8 +30,6 @@
 namespace tessel::cli {
 namespace {
 
-using Options = VerifyOptions;
-
 using verify::Report;
 
 const verify::CheckInfo& CheckNamed(const std::string& option, const std::string& name)
@@ -73,7 +71,7 @@ void AddTolerance(const std::string& text, verify::VerifyJob& job)
     job.tolerances.insert_or_assign(std::string(check.id), value);
 }
 
-verify::VerifyJob JobOf(const Options& options)
+verify::VerifyJob JobOf(const VerifyOptions& options)
 {
     verify::VerifyJob job;
     job.clipName = options.clip;
@@ -97,7 +95,7 @@ verify::VerifyJob JobOf(const Options& options)
 /// Starts a report before the movie is read: a folder that is not there is told at once, and what cannot be
 /// finished leaves an earlier report as it was.
 std::optional<exporting::OutputFile> StartReport(const char* option, const std::string& name,
-                                                 const Options& options)
+                                                 const VerifyOptions& options)
 {
     if (name.empty()) {
         return std::nullopt;
@@ -139,7 +137,7 @@ verify::TextColors WantedColors()
                                                              : verify::TextColors::Plain;
 }
 
-void RunComparison(const Options& options, Context& context)
+void RunComparison(const VerifyOptions& options, Context& context)
 {
     verify::VerifyJob job = JobOf(options);
     if (options.asJson && options.isQuiet) {
@@ -178,7 +176,7 @@ void RunComparison(const Options& options, Context& context)
 }
 
 /// Lists what the clip shows and what it does not.
-void PrintVisible(const Options& options, Context& context)
+void PrintVisible(const VerifyOptions& options, Context& context)
 {
     document::OpenOptions open;
     open.allowDefault = options.allowDefault;
@@ -198,7 +196,7 @@ void PrintVisible(const Options& options, Context& context)
 }
 
 /// The option that asks for a text instead of a comparison; empty: none.
-std::string_view TextAskedFor(const Options& options)
+std::string_view TextAskedFor(const VerifyOptions& options)
 {
     const std::pair<bool, std::string_view> texts[] = {{options.printList, "--list"},
                                                        {options.printSchema, "--schema"},
@@ -214,7 +212,7 @@ std::string_view TextAskedFor(const Options& options)
 }
 
 /// @throws UsageError  where an option of comparisons would be left unheard
-void RefuseComparison(std::string_view asked, const Options& options)
+void RefuseComparison(std::string_view asked, const VerifyOptions& options)
 {
     const std::pair<bool, std::string_view> given[] = {
         {!options.junit.empty(), "--junit"},

@@ -19,9 +19,9 @@ using qelcore::serialization::GetVariantInObject;
 using qelcore::serialization::Object;
 using qelcore::serialization::Value;
 
-constexpr std::string_view kPixelFormat = "mPixelFormat";
-constexpr std::string_view kWidth = "mFrameWidth";
-constexpr std::string_view kHeight = "mFrameHeight";
+constexpr std::string_view kPixelFormatKey = "mPixelFormat";
+constexpr std::string_view kWidthKey = "mFrameWidth";
+constexpr std::string_view kHeightKey = "mFrameHeight";
 
 /// Keys that may be absent and that change no picture.
 constexpr std::array<std::string_view, 10> kInvisible = {
@@ -44,14 +44,14 @@ std::int64_t Reduction(std::int64_t width, std::int64_t height)
 void Reduce(Object& object, const Value& document)
 {
     constexpr std::int64_t kLargest = 100'000; // of the dialog; what is beyond is not painted anyway
-    const std::int64_t width = FindInteger(GetVariantInObject(document, kWidth)).value_or(0);
-    const std::int64_t height = FindInteger(GetVariantInObject(document, kHeight)).value_or(0);
+    const std::int64_t width = FindInteger(GetVariantInObject(document, kWidthKey)).value_or(0);
+    const std::int64_t height = FindInteger(GetVariantInObject(document, kHeightKey)).value_or(0);
     if (width < 1 || height < 1 || width > kLargest || height > kLargest) {
         return;
     }
     const std::int64_t reduction = Reduction(width, height);
-    object.insert_or_assign(std::string(kWidth), Value(std::max<std::int64_t>(width / reduction, 1)));
-    object.insert_or_assign(std::string(kHeight), Value(std::max<std::int64_t>(height / reduction, 1)));
+    object.insert_or_assign(std::string(kWidthKey), Value(std::max<std::int64_t>(width / reduction, 1)));
+    object.insert_or_assign(std::string(kHeightKey), Value(std::max<std::int64_t>(height / reduction, 1)));
 }
 
 } // namespace
@@ -69,8 +69,8 @@ std::string PreviewDocument(const std::string& settingsText)
     for (const std::string_view key : kInvisible) {
         object.erase(std::string(key));
     }
-    if (FindInteger(GetVariantInObject(document, kPixelFormat)) != floats) {
-        object.insert_or_assign(std::string(kPixelFormat), Value(preview));
+    if (FindInteger(GetVariantInObject(document, kPixelFormatKey)) != floats) {
+        object.insert_or_assign(std::string(kPixelFormatKey), Value(preview));
     }
     if (FindInteger(GetVariantInObject(document, "mRenderFormat")) != kRenderSwatches) {
         Reduce(object, document);

@@ -15,7 +15,7 @@ namespace {
 constexpr int kQuietMilliseconds = 120; // long enough not to render at each keystroke
 constexpr int kChecker = 8;             // logical pixels
 constexpr int kWidth = 440;             // logical pixels
-constexpr int kGap = 12;                // between the pictures
+constexpr int kPictureGap = 12;         // between the pictures
 constexpr int kNarrowestBeside = 130;   // of each picture, else they stand below one another
 constexpr int kTallest = 480;           // a portrait picture is narrower instead
 constexpr int kCaptionGap = 8;
@@ -168,16 +168,17 @@ void PreviewPane::paintEvent(QPaintEvent* /*event*/)
                          tr("No picture: these settings cannot be rendered."));
         return;
     }
-    const bool areSideBySide = width() >= 2 * kNarrowestBeside + kGap;
-    const int pictureWidth = areSideBySide ? (width() - kGap) / 2 : width();
+    const bool areSideBySide = width() >= 2 * kNarrowestBeside + kPictureGap;
+    const int pictureWidth = areSideBySide ? (width() - kPictureGap) / 2 : width();
     const int wanted =
         mFirst.height() * pictureWidth / qMax(mFirst.width(), 1) + fontMetrics().height() + kCaptionGap;
     const int pictureHeight =
-        qMin(wanted + 2, qMin(kTallest, areSideBySide ? height() : (height() - kGap) / 2));
+        qMin(wanted + 2, qMin(kTallest, areSideBySide ? height() : (height() - kPictureGap) / 2));
     const QRect first(0, 0, pictureWidth, pictureHeight);
     PaintPicture(painter, mFirst, tr("Frame 0"), first);
     if (!mLast.isNull()) {
-        const QPoint step = areSideBySide ? QPoint(pictureWidth + kGap, 0) : QPoint(0, pictureHeight + kGap);
+        const QPoint step =
+            areSideBySide ? QPoint(pictureWidth + kPictureGap, 0) : QPoint(0, pictureHeight + kPictureGap);
         PaintPicture(painter, mLast, tr("Frame %1").arg(mLastFrame), first.translated(step));
     }
 }

@@ -29,7 +29,7 @@ void ChangeAlphaOf(DamagePlan& plan, FaultValue& value, Truth&)
     AddColorFault(plan, [=](WorkPicture& picture) { ChangeAlpha(picture, fault); });
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kColorFaults = std::to_array<Fault>({
     {id::kColorMatrix, "601|709|2020|240", "601",
      "the codes are made with another matrix than the file says; R'G'B' has passed through both",
      [](DamagePlan& plan, FaultValue& value, Truth&) {
@@ -107,7 +107,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> ColorFaults() noexcept
 {
-    return kFaults;
+    return kColorFaults;
 }
 
 } // namespace tessel::damage

@@ -80,7 +80,7 @@ exporting::SpeakerLayout ReadLayout(const DamagePlan& plan, FaultValue& value)
     return static_cast<exporting::SpeakerLayout>(place);
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kContainerFaults = std::to_array<Fault>({
     {id::kContainerSize, "WIDTH:HEIGHT", "640:360", "the pictures are stretched to another size", ChangeSize},
     {id::kContainerRate, "NUMERATOR:DENOMINATOR", "24:1", "the same frames at another rate",
      [](DamagePlan& plan, FaultValue& value, Truth&) {
@@ -157,7 +157,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> ContainerFaults() noexcept
 {
-    return kFaults;
+    return kContainerFaults;
 }
 
 } // namespace tessel::damage

@@ -58,7 +58,7 @@ void Bob(DamagePlan& plan, FaultValue& value, Truth&)
     Announce(plan, FieldOrder::Progressive);
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kFieldFaults = std::to_array<Fault>({
     {id::kFieldsSwapped, "", "", "the fields exchange their lines",
      [](DamagePlan& plan, FaultValue& value, Truth&) {
          RequireInterlaced(plan, value);
@@ -117,7 +117,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> FieldFaults() noexcept
 {
-    return kFaults;
+    return kFieldFaults;
 }
 
 } // namespace tessel::damage

@@ -105,7 +105,7 @@ void Turn(DamagePlan& plan, FaultValue& value, Truth&)
     }
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kGeometryFaults = std::to_array<Fault>({
     {id::kGeometryScaled, "FACTOR", "0.5", "the picture, and with it the file, has another size", Scale},
     {id::kGeometryCropped, "PIXELS[:RIGHT:TOP:BOTTOM]", "16",
      "the picture's edges are cut off; one number is for all four", Crop},
@@ -121,7 +121,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> GeometryFaults() noexcept
 {
-    return kFaults;
+    return kGeometryFaults;
 }
 
 } // namespace tessel::damage

@@ -61,7 +61,7 @@ void Pulldown(DamagePlan& plan, FaultValue& value, Truth&)
                std::int64_t{plan.described.sampleSize} * frames);
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kOrderFaults = std::to_array<Fault>({
     {id::kOrderMissing, "FRAME", "", "a frame is left out; the frames behind it come one frame sooner",
      [](DamagePlan& plan, FaultValue& value, Truth& truth) {
          plan.order.Remove(Position(plan, value, truth));
@@ -99,7 +99,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> OrderFaults() noexcept
 {
-    return kFaults;
+    return kOrderFaults;
 }
 
 } // namespace tessel::damage

@@ -88,7 +88,7 @@ void AddUpMix(DamagePlan& plan, FaultValue& value, Truth&)
     ChangeChannelCount(plan, channels == 1 ? 2 : 6);
 }
 
-constexpr std::array kFaults = std::to_array<Fault>({
+constexpr std::array kSoundFaults = std::to_array<Fault>({
     {id::kAudioOrder, "CHANNEL:CHANNEL", "0:1",
      "two channels change places; channels are L R Ls Rs C LFE in 5.1, counted from 0", SwapTwo},
     {id::kAudioPolarity, "CHANNEL", "0", "a channel is inverted",
@@ -158,7 +158,7 @@ constexpr std::array kFaults = std::to_array<Fault>({
 
 std::span<const Fault> SoundFaults() noexcept
 {
-    return kFaults;
+    return kSoundFaults;
 }
 
 } // namespace tessel::damage

@@ -8,8 +8,6 @@
 namespace tessel::document {
 namespace {
 
-using enum KeyType;
-
 constexpr std::array<KeyValue, 3> kFieldTypes{
     {{0, "progressive", "no fields"}, {1, "upper", "upper field first"}, {2, "lower", "lower field first"}}};
 constexpr std::array<KeyValue, 3> kRenderFormats{
@@ -50,6 +48,7 @@ constexpr std::array<PictureColor, 6> kColors{
 
 void AddColors(std::vector<KeyInfo>& keys)
 {
+    using enum KeyType;
     constexpr std::array<const char*, 4> kParts = {"mAlphaPart", "mRedPart", "mGreenPart", "mBluePart"};
     for (const PictureColor& color : kColors) {
         keys.push_back({.path = color.key, .type = Object, .isRequired = kRequired, .meaning = color.meaning});
@@ -65,6 +64,7 @@ void AddColors(std::vector<KeyInfo>& keys)
 
 void AddSwatches(std::vector<KeyInfo>& keys)
 {
+    using enum KeyType;
     constexpr std::array<const char*, 3> kBands = {"colorSwatches", "legalRangeGradient", "fullRangeGradient"};
     const std::string places = "mSwatchCoordinates";
     const std::string colors = "mSwatchColors";
@@ -95,6 +95,7 @@ void AddSwatches(std::vector<KeyInfo>& keys)
 
 void AddColorSpace(std::vector<KeyInfo>& keys)
 {
+    using enum KeyType;
     keys.push_back(
         {.path = "mColorSpace", .type = Object, .meaning = "what the clip announces; absent: Rec. 709"});
     keys.push_back({.path = "mColorSpace.baseColorProfile", .type = Object});
@@ -124,6 +125,7 @@ void AddColorSpace(std::vector<KeyInfo>& keys)
 
 std::vector<KeyInfo> MakeKeys()
 {
+    using enum KeyType;
     std::vector<KeyInfo> keys;
     const auto add = [&keys](const char* path, KeyType type, bool isRequired, const char* standard,
                              const char* meaning, std::span<const KeyValue> values = {}) {

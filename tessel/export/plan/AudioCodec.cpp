@@ -7,7 +7,7 @@
 namespace tessel::exporting {
 namespace {
 
-constexpr std::array<AudioCodec, 7> kCodecs{{
+constexpr std::array<AudioCodec, 7> kAudioCodecs{{
     {.name = "pcm16",
      .encoder = "pcm_s16le",
      .containers = "mkv mov mxf avi nut wav",
@@ -61,22 +61,22 @@ bool AudioCodec::GoesInto(const Container& container) const noexcept
 
 std::span<const AudioCodec> AllAudioCodecs() noexcept
 {
-    return kCodecs;
+    return kAudioCodecs;
 }
 
 const AudioCodec* AudioCodecNamed(std::string_view name) noexcept
 {
-    return RowNamed<AudioCodec>(kCodecs, name);
+    return RowNamed<AudioCodec>(kAudioCodecs, name);
 }
 
 std::string AudioCodecNames()
 {
-    return JoinNames(kCodecs, [](const AudioCodec&) { return true; });
+    return JoinNames(kAudioCodecs, [](const AudioCodec&) { return true; });
 }
 
 std::string AudioCodecNames(const Container& container)
 {
-    return JoinNames(kCodecs, [&](const AudioCodec& codec) { return codec.GoesInto(container); });
+    return JoinNames(kAudioCodecs, [&](const AudioCodec& codec) { return codec.GoesInto(container); });
 }
 
 } // namespace tessel::exporting

@@ -56,8 +56,6 @@ constexpr DefaultVideoCodecs kUnpacked{.rgb8 = "raw",
                                        .planar420 = "raw",
                                        .dv = "dv"};
 
-constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
-
 // A coder's delay stands in the sound's header. FFmpeg would also move the pictures back by it.
 constexpr std::string_view kMatroskaOptions = "avoid_negative_ts=disabled";
 constexpr std::string_view kMovOptions = "movflags=+write_colr";
@@ -83,7 +81,7 @@ constexpr std::array<Container, 13> kContainers{{
      .videoCodecs = kLossless,
      .audioCodec = "flac",
      .rawLayouts = kAnyRaw,
-     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::Timecode | Keeps::CoderDelay},
+     .keeps = Keeps::Shape | Keeps::Colors | Keeps::Range | Keeps::Timecode | Keeps::CoderDelay},
     {.name = "mov",
      .otherExtension = "qt",
      .kind = ContainerKind::Movie,
@@ -96,7 +94,7 @@ constexpr std::array<Container, 13> kContainers{{
      .audioCodec = "pcm24",
      .rawLayouts = kQuickTimeRaw,
      .rawTags = kQuickTimeTags,
-     .keeps = kShape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode | Keeps::CoderDelay},
+     .keeps = Keeps::Shape | Keeps::Colors | Keeps::ChannelLayout | Keeps::Timecode | Keeps::CoderDelay},
     {.name = "mp4",
      .otherExtension = "m4v",
      .kind = ContainerKind::Movie,
@@ -107,7 +105,7 @@ constexpr std::array<Container, 13> kContainers{{
      .headersOutOfBand = true,
      .videoCodecs = Always("h264"),
      .audioCodec = "aac",
-     .keeps = kShape | Keeps::Colors | Keeps::Range | Keeps::ChannelLayout | Keeps::CoderDelay},
+     .keeps = Keeps::Shape | Keeps::Colors | Keeps::Range | Keeps::ChannelLayout | Keeps::CoderDelay},
     {.name = "mxf",
      .kind = ContainerKind::Movie,
      .muxer = "mxf",
@@ -126,7 +124,7 @@ constexpr std::array<Container, 13> kContainers{{
      .videoCodecs = kLossless,
      .audioCodec = "pcm24",
      .rawLayouts = kFewRaw,
-     .keeps = kShape | Keeps::ChannelLayout},
+     .keeps = Keeps::Shape | Keeps::ChannelLayout},
     {.name = "nut",
      .kind = ContainerKind::Movie,
      .muxer = "nut",
@@ -141,7 +139,7 @@ constexpr std::array<Container, 13> kContainers{{
      .videoCodecs = Always("raw"),
      .rawLayouts = kY4mRaw,
      .rawWriter = RawWriter::Y4m,
-     .keeps = kShape | Keeps::Range},
+     .keeps = Keeps::Shape | Keeps::Range},
     {.name = "wav",
      .otherExtension = "wave",
      .kind = ContainerKind::SoundOnly,

@@ -10,6 +10,7 @@ enum class Keeps : std::uint16_t {
     Nothing = 0,
     PixelAspect = 1U << 0U,
     FieldOrder = 1U << 1U,
+    Shape = PixelAspect | FieldOrder,
     Colors = 1U << 2U, ///< primaries, transfer, matrix
     Range = 1U << 3U,  ///< of the codes: readers heed it
     ChannelLayout = 1U << 4U,

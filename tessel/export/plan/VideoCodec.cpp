@@ -117,9 +117,7 @@ void SetMpeg2Options(const VideoPlan& plan, EncoderOptions& options)
     SetQuantizer(plan, options);
 }
 
-constexpr Keeps kShape = Keeps::PixelAspect | Keeps::FieldOrder;
-
-constexpr std::array<VideoCodec, 17> kCodecs{{
+constexpr std::array<VideoCodec, 17> kVideoCodecs{{
     {.name = "ffv1",
      .title = "FFV1",
      .encoder = "ffv1",
@@ -211,7 +209,7 @@ constexpr std::array<VideoCodec, 17> kCodecs{{
      .otherNames = "h.264 avc x264",
      .rule = LayoutRule::Playable,
      .layouts = kH264Layouts,
-     .keeps = kShape | Keeps::Colors | Keeps::Range,
+     .keeps = Keeps::Shape | Keeps::Colors | Keeps::Range,
      .setOptions = SetH264Options,
      .quality = {"CRF", 0, 51, 16},
      .refersToOthers = true},
@@ -282,22 +280,22 @@ bool VideoCodec::GoesInto(const Container& container) const noexcept
 
 std::span<const VideoCodec> AllVideoCodecs() noexcept
 {
-    return kCodecs;
+    return kVideoCodecs;
 }
 
 const VideoCodec* VideoCodecNamed(std::string_view name) noexcept
 {
-    return RowNamed<VideoCodec>(kCodecs, name);
+    return RowNamed<VideoCodec>(kVideoCodecs, name);
 }
 
 std::string VideoCodecNames()
 {
-    return JoinNames(kCodecs, [](const VideoCodec&) { return true; });
+    return JoinNames(kVideoCodecs, [](const VideoCodec&) { return true; });
 }
 
 std::string VideoCodecNames(const Container& container)
 {
-    return JoinNames(kCodecs, [&](const VideoCodec& codec) { return codec.GoesInto(container); });
+    return JoinNames(kVideoCodecs, [&](const VideoCodec& codec) { return codec.GoesInto(container); });
 }
 
 } // namespace tessel::exporting

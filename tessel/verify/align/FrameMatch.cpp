@@ -14,7 +14,7 @@ constexpr int kMostAcross = 160; // samples compared in width, and in height
 constexpr double kPlainlyBetter = 0.5;
 constexpr double kLeastCorrelation = 0.9;
 // Places whose correlations differ by less are equally good.
-constexpr double kAlike = 1e-5;
+constexpr double kEquallyGood = 1e-5;
 
 /// A component as floats, for speed.
 struct Grey {
@@ -130,7 +130,7 @@ std::optional<Placement> MatchFrame(const read::ComponentView& clip, const read:
             const Place place{left, top, Compared(frame, picture, left, top, step),
                               std::hypot(left - across.Middle(), top - down.Middle())};
             const double better = place.correlation - best.correlation;
-            if (better > kAlike || (better > -kAlike && place.offMiddle < best.offMiddle)) {
+            if (better > kEquallyGood || (better > -kEquallyGood && place.offMiddle < best.offMiddle)) {
                 best = place;
             }
         }

@@ -11,8 +11,8 @@
 namespace tessel::verify::align {
 namespace {
 
-/// A small grey picture.
-struct Grey {
+/// In shades of grey.
+struct SmallPicture {
     int width = 0;
     int height = 0;
     std::vector<double> values;
@@ -25,10 +25,10 @@ struct Grey {
 };
 
 /// The picture turned upright as if it had the orientation, each spot a mean of some samples.
-Grey Shrunk(const read::ComponentView& luma, const Placement& upright, double step)
+SmallPicture Shrunk(const read::ComponentView& luma, const Placement& upright, double step)
 {
     constexpr int kAcross = 3;
-    Grey grey;
+    SmallPicture grey;
     grey.width = static_cast<int>(upright.clipWidth / step);
     grey.height = static_cast<int>(upright.clipHeight / step);
     grey.values.reserve(static_cast<std::size_t>(grey.width) * static_cast<std::size_t>(grey.height));
@@ -70,7 +70,7 @@ public:
         static_cast<void>(Normalize(shape));
     }
 
-    [[nodiscard]] double LikenessAt(const Grey& grey, int left, int top) const noexcept
+    [[nodiscard]] double LikenessAt(const SmallPicture& grey, int left, int top) const noexcept
     {
         double sum = 0;
         double squares = 0;
@@ -119,7 +119,7 @@ std::optional<Placement> NumberReader::Search(const read::ComponentView& luma) c
             if (step < 1) {
                 continue;
             }
-            const Grey grey = Shrunk(luma, upright, step);
+            const SmallPicture grey = Shrunk(luma, upright, step);
             double likeness = kLeastZero;
             Point corner;
             for (int top = 0; top + zero.height <= grey.height; ++top) {

@@ -12,7 +12,7 @@
 namespace tessel::view {
 namespace {
 
-constexpr double kMargin = 8; // screen units on both sides
+constexpr double kSideMargin = 8; // screen units on both sides
 
 } // namespace
 
@@ -54,12 +54,12 @@ void Timeline::SetMarks(std::vector<TimelineMark> marks)
 double Timeline::PlaceOf(std::int64_t frame) const
 {
     const double share = mCount > 1 ? static_cast<double>(frame) / static_cast<double>(mCount - 1) : 0.0;
-    return kMargin + share * (width() - 2 * kMargin);
+    return kSideMargin + share * (width() - 2 * kSideMargin);
 }
 
 std::int64_t Timeline::FrameAt(double x) const
 {
-    const double share = std::clamp((x - kMargin) / (width() - 2 * kMargin), 0.0, 1.0);
+    const double share = std::clamp((x - kSideMargin) / (width() - 2 * kSideMargin), 0.0, 1.0);
     return static_cast<std::int64_t>(std::lround(share * static_cast<double>(mCount - 1)));
 }
 
@@ -67,7 +67,8 @@ void Timeline::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     const double middle = height() / 2.0;
-    painter.fillRect(QRectF(kMargin, middle - 2, width() - 2 * kMargin, 4), palette().color(QPalette::Mid));
+    painter.fillRect(QRectF(kSideMargin, middle - 2, width() - 2 * kSideMargin, 4),
+                     palette().color(QPalette::Mid));
     for (const TimelineMark& mark : mMarks) {
         const double left = PlaceOf(mark.first);
         const double right = std::max(PlaceOf(mark.last), left + 3);

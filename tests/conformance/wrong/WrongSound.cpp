@@ -71,7 +71,7 @@ void OneDecibelQuieter(const ksAudioRec& audio)
     }
 }
 
-void WithTheInstancesNumber(const ksAudioRec& audio)
+void OffsetByTheInstancesNumber(const ksAudioRec& audio)
 {
     static std::set<void*> instances;
     instances.insert(audio.instance);
@@ -105,7 +105,7 @@ std::vector<WrongPlugin> WrongSound()
         {"StartsEachRequestAtZero", SoundsAs(FromZero)},
         {"WritesASampleAlways", Sounds(ASampleAlways)},
         {"SoundsOneDecibelQuieter", Sounds(OneDecibelQuieter)},
-        {"SoundsLikeItsInstance", Sounds(WithTheInstancesNumber)},
+        {"SoundsLikeItsInstance", Sounds(OffsetByTheInstancesNumber)},
         {"ServesNullBuffers", ServesNullBuffers},
         {"CrashesBeforeTheFirstSample", CrashesBeforeTheFirstSample},
         {"SpoilsConcurrentSound", SpoilsConcurrent(ksSelectorAudio,

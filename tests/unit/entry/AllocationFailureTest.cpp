@@ -143,8 +143,6 @@ std::int32_t Delete(ksInstance instance)
     return instance == nullptr ? 0 : Module::ImportEntry(9, nullptr, nullptr, instance);
 }
 
-} // namespace
-
 TEST_F(AllocationFailure, OfCreationIs4)
 {
     FailEachAllocation(
@@ -246,3 +244,5 @@ TEST_F(AllocationFailure, CannotBefallTheGateUnderAnOverride)
     EXPECT_EQ(result, 0);
     EXPECT_FALSE(hasFailed);
 }
+
+} // namespace

@@ -59,8 +59,6 @@ bool Holds(const std::string& text, const std::string& piece)
     return text.find(piece) != std::string::npos;
 }
 
-} // namespace
-
 TEST_F(Barrier, BadAllocIsAnswered4)
 {
     EXPECT_EQ(Throw([] { throw std::bad_alloc(); }), 4);
@@ -145,14 +143,10 @@ TEST_F(Barrier, StandsAroundEverySelectorThatHasWork)
     }
 }
 
-namespace {
-
 /// An exception whose `what()` is null, which the standard forbids.
 struct Mute : std::exception {
     [[nodiscard]] const char* what() const noexcept override { return nullptr; }
 };
-
-} // namespace
 
 TEST_F(Barrier, ExceptionWithoutAnyTextIsReportedAsOne)
 {
@@ -215,3 +209,5 @@ TEST_F(Barrier, LogsCarryTheImportersTypeName)
     ReportBadAlloc(ImporterTessel::ImporterTessel::kTypeName, {});
     EXPECT_EQ(TakeMessage().context, "plugin.KsImportModule");
 }
+
+} // namespace

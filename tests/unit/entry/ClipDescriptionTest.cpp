@@ -71,8 +71,6 @@ protected:
     TesselInfo mInfo = OtherInfo();
 };
 
-} // namespace
-
 TEST_F(Description, OfAnExistingFileReportsTheInstancesSettingsInTheseFieldsAndNoOthers)
 {
     NameExistingFile();
@@ -229,3 +227,5 @@ TEST(Opening, UnreadableFileIs2AndLeavesTheSettings)
         EXPECT_TRUE(info == OtherInfo());
     }
 }
+
+} // namespace

@@ -13,16 +13,16 @@
 namespace {
 
 /// Long enough for every record of the wire format.
-using Bytes = std::array<std::uint8_t, 1024>;
+using RecordBytes = std::array<std::uint8_t, 1024>;
 
-Bytes Untouched()
+RecordBytes Untouched()
 {
-    Bytes bytes;
+    RecordBytes bytes;
     bytes.fill(0xCC);
     return bytes;
 }
 
-void SetPointer(Bytes& bytes, std::size_t offset, const void* pointer)
+void SetPointer(RecordBytes& bytes, std::size_t offset, const void* pointer)
 {
     std::memcpy(bytes.data() + offset, &pointer, sizeof pointer);
 }
@@ -42,10 +42,10 @@ protected:
     void SetUp() override { TestModule::Reset(); }
 
     /// Serves a request and checks that neither record has changed.
-    std::int32_t Serve(int selector, Bytes& param1, Bytes& param2)
+    std::int32_t Serve(int selector, RecordBytes& param1, RecordBytes& param2)
     {
-        const Bytes before1 = param1;
-        const Bytes before2 = param2;
+        const RecordBytes before1 = param1;
+        const RecordBytes before2 = param2;
         const std::int32_t result = TestModule::ImportEntry(selector, nullptr, param1.data(), param2.data());
         EXPECT_EQ(param1, before1) << "selector " << selector;
         EXPECT_EQ(param2, before2) << "selector " << selector;
@@ -53,11 +53,9 @@ protected:
         return result;
     }
 
-    Bytes mParam1 = Untouched();
-    Bytes mParam2 = Untouched();
+    RecordBytes mParam1 = Untouched();
+    RecordBytes mParam2 = Untouched();
 };
-
-} // namespace
 
 TEST_F(Dispatch, SelectorsAbove86AreDeclinedWithoutTouchingARecord)
 {
@@ -109,8 +107,8 @@ TEST_F(Dispatch, SelectorsThatNeedAPointerLookForItWhereItStands)
         for (const int selector : row.selectors) {
             EXPECT_EQ(TestModule::ImportEntry(selector, nullptr, nullptr, nullptr), 5) << selector;
 
-            Bytes param1 = Untouched();
-            Bytes param2 = Untouched();
+            RecordBytes param1 = Untouched();
+            RecordBytes param2 = Untouched();
             EXPECT_EQ(Serve(selector, param1, param2), 3) << selector;
             SetPointer(row.isParam1 ? param1 : param2, row.offset, nullptr);
             EXPECT_EQ(Serve(selector, param1, param2), 5) << selector;
@@ -127,7 +125,7 @@ TEST_F(Dispatch, SelectorsThatNeedAPointerLookForItWhereItStands)
 
 TEST_F(Dispatch, SelectorsThatNeedOneRecordDoNotLookAtTheOther)
 {
-    Bytes bytes = Untouched();
+    RecordBytes bytes = Untouched();
     for (const int selector : kNeedFirstOfParam1) {
         EXPECT_EQ(TestModule::ImportEntry(selector, nullptr, bytes.data(), nullptr), 3) << selector;
         EXPECT_EQ(TestModule::ImportEntry(selector, nullptr, nullptr, bytes.data()), 5) << selector;
@@ -154,12 +152,12 @@ TEST_F(Dispatch, EverySelectorIsInExactlyOneListOfThisTest)
 TEST_F(Dispatch, ServedSelectorsAnswerWhatTheirOperationAnswers)
 {
     TestModule instance;
-    Bytes param1{};
+    RecordBytes param1{};
     for (const int selector : {0, 14, 25, 37, 38, 39, 45, 47, 73}) {
         TestModule::TheScript().served = 0;
         TestModule::TheScript().onRequest = [selector] { return 1000 + selector; };
         // Wherever the instance stands in the record of a selector: at 0, 20, 36 or 198.
-        Bytes record = Untouched();
+        RecordBytes record = Untouched();
         for (const std::size_t offset : {0U, 20U, 36U, 198U}) {
             SetPointer(record, offset, &instance);
         }
@@ -190,7 +188,7 @@ TEST_F(Dispatch, NullRecordsWhereOneIsNeededAreAFailure)
 
 TEST_F(Dispatch, NullInstancesAreAFailure)
 {
-    Bytes zeros{};
+    RecordBytes zeros{};
     for (const int selector : {25, 27, 47, 73}) {
         EXPECT_EQ(TestModule::ImportEntry(selector, nullptr, nullptr, zeros.data()), 5) << selector;
     }
@@ -202,10 +200,10 @@ TEST_F(Dispatch, IndexTestsKeepTheirPlace)
 {
     TestModule instance;
     const auto one = reinterpret_cast<void*>(std::uintptr_t{1});
-    Bytes withInstance = Untouched();
+    RecordBytes withInstance = Untouched();
     SetPointer(withInstance, 0, &instance);
-    const Bytes before = withInstance;
-    Bytes zeros{};
+    const RecordBytes before = withInstance;
+    RecordBytes zeros{};
 
     // 14: the index before the record.
     EXPECT_EQ(TestModule::ImportEntry(14, nullptr, one, nullptr), 301);
@@ -226,7 +224,7 @@ TEST_F(Dispatch, IndexTestsKeepTheirPlace)
 
 TEST_F(Dispatch, AnIndexIsTheLow32BitsOfItsParameter)
 {
-    Bytes record = Untouched();
+    RecordBytes record = Untouched();
     const auto high = reinterpret_cast<void*>(std::uintptr_t{1} << 32);
     EXPECT_EQ(TestModule::ImportEntry(14, nullptr, high, record.data()), 0);
     EXPECT_EQ(TestModule::TheScript().served, 1);
@@ -235,9 +233,9 @@ TEST_F(Dispatch, AnIndexIsTheLow32BitsOfItsParameter)
 TEST_F(Dispatch, Selector27WritesZeroAtByte8AndNothingElse)
 {
     TestModule instance;
-    Bytes record = Untouched();
+    RecordBytes record = Untouched();
     SetPointer(record, 0, &instance);
-    Bytes expected = record;
+    RecordBytes expected = record;
     std::memset(expected.data() + 8, 0, 4);
     EXPECT_EQ(TestModule::ImportEntry(27, nullptr, nullptr, record.data()), 0);
     EXPECT_EQ(record, expected);
@@ -248,7 +246,7 @@ TEST_F(Dispatch, FrameAndSettingsRequestsGetTheStandardParametersOfTheRequest)
     const ksStdParms created{};
     const ksStdParms requested{};
     const auto instance = TestModule::CreateImportModuleInstance(&created);
-    Bytes record = Untouched();
+    RecordBytes record = Untouched();
     SetPointer(record, 0, instance.get());
     EXPECT_EQ(TestModule::ImportEntry(47, &requested, nullptr, record.data()), 0);
     EXPECT_EQ(TestModule::TheScript().stdParms, &requested);
@@ -262,9 +260,9 @@ TEST_F(Dispatch, FrameAndSettingsRequestsGetTheStandardParametersOfTheRequest)
 TEST_F(Dispatch, NotedPointersAreThoseAtTheSelectorsOwnPlaces)
 {
     // The pointer at an offset of a record has the offset as its value.
-    Bytes param1;
-    Bytes param2;
-    const auto fill = [](Bytes& bytes, std::uintptr_t base, std::size_t offset) {
+    RecordBytes param1;
+    RecordBytes param2;
+    const auto fill = [](RecordBytes& bytes, std::uintptr_t base, std::size_t offset) {
         bytes.fill(0xCC);
         SetPointer(bytes, offset, reinterpret_cast<const void*>(base + offset));
     };
@@ -297,3 +295,5 @@ TEST_F(Dispatch, NotedPointersAreThoseAtTheSelectorsOwnPlaces)
         EXPECT_EQ(request.currentImporter, nullptr) << selector;
     }
 }
+
+} // namespace

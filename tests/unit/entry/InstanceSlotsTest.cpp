@@ -39,8 +39,6 @@ TestModule* InSlot(ksInstance instance)
     return static_cast<TestModule*>(instance);
 }
 
-} // namespace
-
 TEST_F(InstanceSlots, DescriptionKeepsTheInstanceThatItCreates)
 {
     EXPECT_EQ(Describe(), 0);
@@ -177,3 +175,5 @@ TEST_F(InstanceSlots, CreationWritesNothingButItsSlot)
     EXPECT_EQ(std::memcmp(&mInfo, &expected, sizeof mInfo), 0);
     EXPECT_EQ(Delete(mInfo.instance), 0);
 }
+
+} // namespace

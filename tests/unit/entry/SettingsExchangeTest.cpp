@@ -56,8 +56,6 @@ TesselInfo InfoWithTextOf(std::size_t length)
     return info;
 }
 
-} // namespace
-
 TEST_F(SettingsExchange, NullBufferAsksForTheSizeAndNothingElse)
 {
     mRecord.text = nullptr;
@@ -154,3 +152,5 @@ TEST_F(SettingsExchange, NewClipInAHostWithoutTheLegacySuiteIs5)
                                                                        {"Kestrel Legacy Suite", 1}};
     EXPECT_EQ(mHost.asked, asked);
 }
+
+} // namespace

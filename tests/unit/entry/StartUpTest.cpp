@@ -29,8 +29,6 @@ private:
     std::optional<qelcore::debug::ScopedOverride> mGate;
 };
 
-} // namespace
-
 TEST_F(StartUpGate, TextTrueOpensTheGateAndWritesTheseFieldsAndNoOthers)
 {
     SetGate("true");
@@ -96,3 +94,5 @@ TEST(FileType, AnyOtherIndexEndsTheListAndWritesNothing)
         EXPECT_EQ(BytesOf(record), BytesOf(FilledRecord<ksFileTypeRec>()));
     }
 }
+
+} // namespace

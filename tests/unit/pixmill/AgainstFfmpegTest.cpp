@@ -17,8 +17,8 @@ using namespace testsupport;
 
 namespace {
 
-constexpr std::uint32_t kWidth = 720;
-constexpr std::uint32_t kHeight = 480;
+constexpr std::uint32_t kPictureWidth = 720;
+constexpr std::uint32_t kPictureHeight = 480;
 constexpr std::uint32_t kPaddedV210Row = 1920; // whole 128-byte blocks of 48 pixels
 
 ReferenceColor RowColor(std::uint32_t row)
@@ -31,12 +31,12 @@ ReferenceColor RowColor(std::uint32_t row)
 /// A picture in which every row has a colour of its own, as bytes of a raw file.
 std::string Picture(std::uint32_t code, std::size_t rowBytes)
 {
-    std::string bytes(rowBytes * kHeight, '\0');
-    for (std::uint32_t row = 0; row < kHeight; ++row) {
+    std::string bytes(rowBytes * kPictureHeight, '\0');
+    for (std::uint32_t row = 0; row < kPictureHeight; ++row) {
         const ReferenceColor color = RowColor(row);
         const std::array<float, 4> bgra = {color.blue, color.green, color.red, color.alpha};
-        EXPECT_EQ(PM_FillWithColor(bytes.data() + row * rowBytes, static_cast<std::int32_t>(rowBytes), kWidth,
-                                   1, code, bgra.data(), 260),
+        EXPECT_EQ(PM_FillWithColor(bytes.data() + row * rowBytes, static_cast<std::int32_t>(rowBytes),
+                                   kPictureWidth, 1, code, bgra.data(), 260),
                   0);
     }
     return bytes;
@@ -56,24 +56,25 @@ std::string Decoded(const std::string& bytes, const std::string& input, const st
 
 void ExpectPlanes(const std::string& planes, const std::string& format, std::size_t sampleBytes)
 {
-    ASSERT_EQ(planes.size(), std::size_t{2} * kWidth * kHeight * sampleBytes);
+    ASSERT_EQ(planes.size(), std::size_t{2} * kPictureWidth * kPictureHeight * sampleBytes);
     const auto sample = [&](std::size_t index) {
         const auto byte = [&](std::size_t at) { return std::uint32_t{static_cast<unsigned char>(planes[at])}; };
         return sampleBytes == 1 ? byte(index) : byte(index * 2) | byte(index * 2 + 1) << 8;
     };
     const ReferenceFormat reference(format);
-    const std::size_t chroma = kWidth / 2;
-    for (std::uint32_t row = 0; row < kHeight; ++row) {
+    const std::size_t chroma = kPictureWidth / 2;
+    for (std::uint32_t row = 0; row < kPictureHeight; ++row) {
         const std::array<std::uint32_t, 3> codes = {reference.Code('Y', RowColor(row)),
                                                     reference.Code('U', RowColor(row)),
                                                     reference.Code('V', RowColor(row))};
-        for (std::size_t x = 0; x < kWidth; ++x) {
-            ASSERT_EQ(sample(row * std::size_t{kWidth} + x), codes[0]) << format << ", luma, row " << row;
+        for (std::size_t x = 0; x < kPictureWidth; ++x) {
+            ASSERT_EQ(sample(row * std::size_t{kPictureWidth} + x), codes[0])
+                << format << ", luma, row " << row;
         }
         for (std::size_t x = 0; x < chroma; ++x) {
-            const std::size_t blue = std::size_t{kWidth} * kHeight + row * chroma + x;
+            const std::size_t blue = std::size_t{kPictureWidth} * kPictureHeight + row * chroma + x;
             ASSERT_EQ(sample(blue), codes[1]) << format << ", Cb, row " << row;
-            ASSERT_EQ(sample(blue + chroma * kHeight), codes[2]) << format << ", Cr, row " << row;
+            ASSERT_EQ(sample(blue + chroma * kPictureHeight), codes[2]) << format << ", Cr, row " << row;
         }
     }
 }
@@ -88,8 +89,6 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_F(Decoding, V210RowsHoldTheRightNumbers)
 {
     for (const auto& [code, name] : {std::pair{0x211U, "V210_422_10u_601"}, {0xA11U, "V210_422_10u_709"}}) {
@@ -99,7 +98,7 @@ TEST_F(Decoding, V210RowsHoldTheRightNumbers)
 
 TEST_F(Decoding, UyvyAndYuyvRowsHoldTheRightNumbers)
 {
-    const std::size_t rowBytes = std::size_t{kWidth} * 2;
+    const std::size_t rowBytes = std::size_t{kPictureWidth} * 2;
     ExpectPlanes(Decoded(Picture(0x019, rowBytes), "-f rawvideo -pixel_format uyvy422", "yuv422p"),
                  "UYVY_422_8u_601", 1);
     ExpectPlanes(Decoded(Picture(0x819, rowBytes), "-f rawvideo -pixel_format uyvy422", "yuv422p"),
@@ -109,3 +108,5 @@ TEST_F(Decoding, UyvyAndYuyvRowsHoldTheRightNumbers)
     ExpectPlanes(Decoded(Picture(0x81B, rowBytes), "-f rawvideo -pixel_format yuyv422", "yuv422p"),
                  "YUYV_422_8u_709", 1);
 }
+
+} // namespace

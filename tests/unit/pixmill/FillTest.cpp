@@ -54,8 +54,6 @@ constexpr std::uint32_t kHeights[] = {1, 2, 7, 33};
 constexpr std::tuple<std::uint32_t, std::uint32_t> kPictures[] = {
     {720, 480}, {1920, 1080}, {1919, 5}, {720, 1}};
 
-} // namespace
-
 TEST_P(EveryFormat, EveryWidthIsFilledAndNothingBesideIt)
 {
     for (std::uint32_t width = 1; width <= 67; ++width) {
@@ -226,3 +224,5 @@ TEST(Fill, ManyThreadsFillWhatOneFills)
         EXPECT_TRUE(frame.GuardsAreUntouched());
     }
 }
+
+} // namespace

@@ -30,8 +30,6 @@ std::string Excerpt(const std::string& document)
 
 class DocumentCorpus : public testing::TestWithParam<std::filesystem::path> {};
 
-} // namespace
-
 TEST_P(DocumentCorpus, GivesTheRecordAndTheLogLineOfItsManifest)
 {
     for (const documents::Case& entry : documents::ReadManifest(GetParam())) {
@@ -69,3 +67,5 @@ TEST(DocumentCorpus, HasTwoHundredDocumentsAtLeast)
     }
     EXPECT_GE(count, 200U);
 }
+
+} // namespace

@@ -11,8 +11,8 @@
 namespace tessel::verify::align {
 namespace {
 
-constexpr int kWidth = 160;
-constexpr int kHeight = 106;
+constexpr int kSceneWidth = 160;
+constexpr int kSceneHeight = 106;
 
 /// The scene's level, 0 to 255, at every place.
 GreyPicture Grey(int width, int height, const std::function<double(int x, int y)>& scene)
@@ -47,7 +47,7 @@ double Darker(double level)
 
 TEST(FrameMatch, FindsACropThatCutsThePlate)
 {
-    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
+    const GreyPicture clip = Grey(kSceneWidth, kSceneHeight, Scene);
     const GreyPicture movie = Grey(128, 74, [](int x, int y) { return Darker(Scene(x + 16, y + 14)); });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
@@ -58,9 +58,9 @@ TEST(FrameMatch, FindsACropThatCutsThePlate)
 
 TEST(FrameMatch, FindsAddedEdgesBesideACropInHeight)
 {
-    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
-    const GreyPicture movie = Grey(kWidth + 20, kHeight - 12, [](int x, int y) {
-        return x < 6 || x >= 6 + kWidth ? 16.0 : Scene(x - 6, y + 12);
+    const GreyPicture clip = Grey(kSceneWidth, kSceneHeight, Scene);
+    const GreyPicture movie = Grey(kSceneWidth + 20, kSceneHeight - 12, [](int x, int y) {
+        return x < 6 || x >= 6 + kSceneWidth ? 16.0 : Scene(x - 6, y + 12);
     });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
@@ -70,8 +70,9 @@ TEST(FrameMatch, FindsAddedEdgesBesideACropInHeight)
 
 TEST(FrameMatch, TakesTheMiddleWhereNothingTells)
 {
-    const GreyPicture clip = Grey(kWidth, kHeight, Stripes);
-    const GreyPicture movie = Grey(kWidth - 40, kHeight - 20, [](int x, int y) { return Stripes(x, y + 3); });
+    const GreyPicture clip = Grey(kSceneWidth, kSceneHeight, Stripes);
+    const GreyPicture movie =
+        Grey(kSceneWidth - 40, kSceneHeight - 20, [](int x, int y) { return Stripes(x, y + 3); });
     const std::optional<Placement> found = MatchFrame(clip.View(), movie.View());
     ASSERT_TRUE(found);
     EXPECT_EQ(found->offsetX, -20);
@@ -80,7 +81,7 @@ TEST(FrameMatch, TakesTheMiddleWhereNothingTells)
 
 TEST(FrameMatch, AScaledFrameIsNoCrop)
 {
-    const GreyPicture clip = Grey(kWidth, kHeight, Scene);
+    const GreyPicture clip = Grey(kSceneWidth, kSceneHeight, Scene);
     const GreyPicture movie = Grey(80, 53, [](int x, int y) { return Scene(2 * x, 2 * y); });
     EXPECT_FALSE(MatchFrame(clip.View(), movie.View()));
 }

@@ -14,23 +14,25 @@
 namespace tessel::verify::align {
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 360;
+constexpr int kFrameWidth = 640;
+constexpr int kFrameHeight = 360;
 constexpr std::uint32_t kBgra8 = 0x0C; // the image library's code
 
 /// A picture with a ramp and a number printed on it by the host's own printer.
 GreyPicture Printed(std::int32_t number)
 {
-    std::vector<std::uint8_t> bgra(static_cast<std::size_t>(kWidth) * kHeight * 4, 90);
-    for (int y = 0; y < kHeight; ++y) {
-        for (int x = 0; x < kWidth * 4; ++x) {
-            bgra[static_cast<std::size_t>(y * kWidth * 4 + x)] =
-                static_cast<std::uint8_t>(40 + y * 160 / kHeight);
+    std::vector<std::uint8_t> bgra(static_cast<std::size_t>(kFrameWidth) * kFrameHeight * 4, 90);
+    for (int y = 0; y < kFrameHeight; ++y) {
+        for (int x = 0; x < kFrameWidth * 4; ++x) {
+            bgra[static_cast<std::size_t>(y * kFrameWidth * 4 + x)] =
+                static_cast<std::uint8_t>(40 + y * 160 / kFrameHeight);
         }
     }
     constexpr float kPosition[] = {0.05F, 0.05F};
-    EXPECT_EQ(PM_PrintNum(bgra.data(), kWidth * 4, kBgra8, kWidth, kHeight, number, 0.12F, kPosition, true), 0);
-    GreyPicture picture{kWidth, kHeight, {}};
+    EXPECT_EQ(PM_PrintNum(bgra.data(), kFrameWidth * 4, kBgra8, kFrameWidth, kFrameHeight, number, 0.12F,
+                          kPosition, true),
+              0);
+    GreyPicture picture{kFrameWidth, kFrameHeight, {}};
     for (std::size_t at = 1; at < bgra.size(); at += 4) {
         picture.samples.push_back(bgra[at]);
     }
@@ -67,14 +69,14 @@ GreyPicture Moved(const GreyPicture& from, int width, int height, const std::fun
 Placement Plain()
 {
     Placement placement;
-    placement.clipWidth = kWidth;
-    placement.clipHeight = kHeight;
+    placement.clipWidth = kFrameWidth;
+    placement.clipHeight = kFrameHeight;
     return placement;
 }
 
 TEST(NumberReader, ReadsEveryDigitInEveryPlace)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     for (const std::int32_t number :
          {0, 1, 12, 123456, 234567, 345678, 456789, 567890, 678901, 789012, 890123, 901234}) {
         const Reading reading = reader.Read(Printed(number).View(), Plain());
@@ -86,7 +88,7 @@ TEST(NumberReader, ReadsEveryDigitInEveryPlace)
 
 TEST(NumberReader, LevelsGainsAndCurvesDoNotMatter)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     const std::function<double(double)> kChanges[] = {[](double v) { return 16 + v * 219 / 255; },
                                                       [](double v) { return 100 + v * 0.2; },
                                                       [](double v) { return 255 * std::pow(v / 255, 2.4); },
@@ -104,7 +106,7 @@ TEST(NumberReader, LevelsGainsAndCurvesDoNotMatter)
 
 TEST(NumberReader, ReadsThroughNoiseAsStrongAsAThirdOfTheContrast)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     std::mt19937 random(1); // NOLINT: the same noise each time
     std::normal_distribution<double> noise(0, 70);
     for (const std::int32_t number : {680953, 838680, 112211}) {
@@ -118,11 +120,11 @@ TEST(NumberReader, ReadsThroughNoiseAsStrongAsAThirdOfTheContrast)
 
 TEST(NumberReader, FindsNoNumberWhereThereIsNone)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     GreyPicture picture = Printed(0);
-    for (int y = 0; y < kHeight; ++y) {
-        for (int x = 0; x < kWidth; ++x) {
-            picture.samples[static_cast<std::size_t>(y * kWidth + x)] =
+    for (int y = 0; y < kFrameHeight; ++y) {
+        for (int x = 0; x < kFrameWidth; ++x) {
+            picture.samples[static_cast<std::size_t>(y * kFrameWidth + x)] =
                 static_cast<std::uint8_t>(((x / 16) ^ (y / 16)) % 2 * 200);
         }
     }
@@ -133,7 +135,7 @@ TEST(NumberReader, FindsNoNumberWhereThereIsNone)
 
 TEST(NumberReader, SearchFindsThePlateInCroppedPaddedScaledAndTurnedPictures)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     const struct {
         const char* name;
         int width, height;
@@ -183,12 +185,12 @@ TEST(NumberReader, SearchFindsThePlateInCroppedPaddedScaledAndTurnedPictures)
 
 TEST(NumberReader, ReadsDigitsOfWhichACropLeavesMostAndTakesHiddenOnesInFrontForZeros)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     const Box plate = reader.Plate();
     // The upper third of the plate is cut off, and its first two digits.
     const int top = static_cast<int>(plate.top + (plate.bottom - plate.top) / 3);
     const int left = static_cast<int>(plate.left + (plate.right - plate.left) * 0.34);
-    const GreyPicture picture = Moved(Printed(4715), kWidth - left, kHeight - top, [&](Point p) {
+    const GreyPicture picture = Moved(Printed(4715), kFrameWidth - left, kFrameHeight - top, [&](Point p) {
         return Point{p.x + left, p.y + top};
     });
     Placement placement = Plain();
@@ -198,15 +200,15 @@ TEST(NumberReader, ReadsDigitsOfWhichACropLeavesMostAndTakesHiddenOnesInFrontFor
     EXPECT_EQ(reading.number, 4715);
     EXPECT_EQ(reading.hidden, 2);
     EXPECT_TRUE(reading.IsReadable());
-    placement.offsetX = -2 * kWidth; // nothing of it is left
+    placement.offsetX = -2 * kFrameWidth; // nothing of it is left
     EXPECT_FALSE(reader.Read(picture.View(), placement).IsReadable());
 }
 
 TEST(NumberReader, RefinePlacesThePictureToATenthOfAPixel)
 {
-    const NumberReader reader(kWidth, kHeight);
+    const NumberReader reader(kFrameWidth, kFrameHeight);
     for (const Point shift : {Point{0.5, 0}, Point{-0.25, 0.5}, Point{3, -2}}) {
-        const GreyPicture picture = Moved(Printed(123), kWidth, kHeight, [&](Point p) {
+        const GreyPicture picture = Moved(Printed(123), kFrameWidth, kFrameHeight, [&](Point p) {
             return Point{p.x - shift.x, p.y - shift.y};
         });
         const Placement found = reader.Refine(picture.View(), Plain(), 123);

@@ -27,9 +27,9 @@ constexpr std::array kFitted{id::kColorGain, id::kColorOffset, id::kColorSaturat
 constexpr double kPlainlyBetter = 3;
 
 /// The judgement of one movie's colours.
-class Judging {
+class ColorJudging {
 public:
-    Judging(const ColorCase& given, Findings& findings)
+    ColorJudging(const ColorCase& given, Findings& findings)
         : mGiven(given), mFindings(findings), mColors(given, findings.Limits())
     {
     }
@@ -271,7 +271,7 @@ void JudgeColor(const ColorCase& given, Findings& findings)
         findings.NotVisible(id::kColorClipped);
         return;
     }
-    Judging(given, findings).Run();
+    ColorJudging(given, findings).Run();
 }
 
 } // namespace tessel::verify::judge

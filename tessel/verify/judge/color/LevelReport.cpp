@@ -12,12 +12,6 @@ namespace {
 /// A picture whose chroma is multiplied by less than this counts as grey.
 constexpr double kNoChroma = 0.02;
 
-/// R'G'B' × gain scales chroma alike.
-double OwnSaturation(const LevelFit& fit) noexcept
-{
-    return fit.chromaIsLikeLuma ? 1 : fit.saturation;
-}
-
 /// A change that the codes are explained without is not reported, whatever its uncertainty.
 void TellLevel(Findings& findings, std::string_view check, bool isVisible, const Measured& value,
                std::string message)
@@ -39,12 +33,6 @@ bool IsBeyond(const LevelFit& fit, const Tolerances& limits)
            std::abs(fit.offset) > limits.Of(id::kColorOffset) ||
            std::abs(fit.saturation - 1) > limits.Of(id::kColorSaturation) ||
            std::abs(fit.hueDegrees) > limits.Of(id::kColorHue);
-}
-
-int ChangesOf(const LevelFit& fit) noexcept
-{
-    return (fit.gain != 1 ? 1 : 0) + (fit.offset != 0 ? 1 : 0) + (OwnSaturation(fit) != 1 ? 1 : 0) +
-           (fit.hueDegrees != 0 ? 1 : 0);
 }
 
 std::vector<std::string> LevelMessages(const LevelFit& fit)

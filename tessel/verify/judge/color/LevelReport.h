@@ -14,9 +14,6 @@ namespace tessel::verify::judge {
 /// Whether one of the four is beyond its tolerance.
 [[nodiscard]] bool IsBeyond(const LevelFit& fit, const Tolerances& limits);
 
-/// How many of the four have changed.
-[[nodiscard]] int ChangesOf(const LevelFit& fit) noexcept;
-
 /// What changed, one sentence each.
 [[nodiscard]] std::vector<std::string> LevelMessages(const LevelFit& fit);
 

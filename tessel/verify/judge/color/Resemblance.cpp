@@ -92,13 +92,6 @@ double ExplainedLuma(const std::vector<ColorPair>& pairs, const Coding& coding)
     return was > 0 && found > 0 ? both * both / (was * found) : 0;
 }
 
-int ChangesOf(const LevelFit& fit) noexcept
-{
-    const bool hasOwnSaturation = !fit.chromaIsLikeLuma && fit.saturation != 1;
-    return (fit.gain != 1 ? 1 : 0) + (fit.offset != 0 ? 1 : 0) + (hasOwnSaturation ? 1 : 0) +
-           (fit.hueDegrees != 0 ? 1 : 0);
-}
-
 /// Whether spots in one coding can be the clip's.
 class Comparison {
 public:

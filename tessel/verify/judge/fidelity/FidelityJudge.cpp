@@ -12,7 +12,6 @@
 namespace tessel::verify::judge {
 namespace {
 
-constexpr double kEqualPsnr = 100; // dB
 constexpr int kBandRows = 16;
 constexpr int kTurns = 8;                              // frames until every band was measured
 constexpr int kLeastForTurns = 2 * kBandRows * kTurns; // rows; lower pictures are measured as a whole

@@ -10,7 +10,7 @@
 namespace tessel::verify::judge {
 namespace {
 
-constexpr int kRows = 16;
+constexpr int kWatchedRows = 16;
 // Suspicious beyond twice what is usual and one code more.
 constexpr double kTimesUsual = 2;
 constexpr double kBeyondUsual = 1;    // 8-bit codes
@@ -45,7 +45,7 @@ bool FrameWatch::IsSuspicious(const read::Picture& picture, std::int64_t frame, 
     // G of R'G'B', else Y'.
     const int part = picture.format.isRgb ? 1 : 0;
     const read::ComponentView& found = picture.components[part];
-    const int count = std::min(kRows, mFacts.height);
+    const int count = std::min(kWatchedRows, mFacts.height);
     const int step = mFacts.height / count;
     const int first = step / 2;
     const read::Picture clip = mPictures->RenderRows(frame, first, count, step);

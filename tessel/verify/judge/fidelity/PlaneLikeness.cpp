@@ -11,8 +11,7 @@
 namespace tessel::verify::judge {
 namespace {
 
-constexpr double kEqualPsnr = 100; // dB
-constexpr int kBlock = 4;          // samples; a window is 2 × 2 blocks
+constexpr int kBlock = 4; // samples; a window is 2 × 2 blocks
 
 /// Sums over a rectangle of samples of two planes.
 struct Sums {

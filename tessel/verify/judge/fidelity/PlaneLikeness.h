@@ -7,8 +7,10 @@
 
 namespace tessel::verify::judge {
 
+inline constexpr double kEqualPsnr = 100; ///< dB, of equal planes; no other value is higher
+
 struct PlaneLikeness {
-    double psnr = 0; ///< dB, at most 100 (equal)
+    double psnr = 0; ///< dB, at most `kEqualPsnr`
     double ssim = 1; ///< mean over windows of 8 × 8 samples, half overlapping
     bool isEqual = false;
     double worstSsim = 1; ///< of the worst window

@@ -52,10 +52,10 @@ constexpr double kLeastNoise = 0.1;
 // A share between nothing (0) and the whole fault (1) is told when it is known better than this.
 constexpr double kTellingShare = 0.4;
 
-/// Sums over all pictures for pairs of hypotheses.
-class Sums {
+/// PairSums over all pictures for pairs of hypotheses.
+class PairSums {
 public:
-    explicit Sums(std::span<const FieldEvidence> evidence)
+    explicit PairSums(std::span<const FieldEvidence> evidence)
     {
         for (const FieldEvidence& picture : evidence) {
             (picture.picture % 2 == 0 ? mEven : mOdd) += picture.products;
@@ -98,13 +98,13 @@ double ShareUncertainty(double apart, double noise) noexcept
 
 FieldDecision Decide(std::span<const FieldEvidence> evidence, double leastApart)
 {
-    const Sums sums(evidence);
+    const PairSums sums(evidence);
     const auto isPossible = [&](std::size_t h) {
         return kHypotheses[h].kind != FieldKind::Bobbed || sums.HasBoth();
     };
     std::size_t best = kRight;
     for (std::size_t h = 0; h < kHypotheses.size(); ++h) {
-        // Sums of floats agree to some millionths.
+        // PairSums of floats agree to some millionths.
         if (isPossible(h) && sums.Residual(h) < sums.Residual(best) * (1 - 1e-5)) {
             best = h;
         }

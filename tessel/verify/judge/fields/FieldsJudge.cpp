@@ -11,7 +11,7 @@ namespace tessel::verify::judge {
 namespace {
 
 // A fault of all pictures shows in nearly all of them.
-constexpr double kNearlyAll = 0.8;
+constexpr double kNearlyAllPictures = 0.8;
 
 /// Codes by which the rows of a fault differ from the right ones at least. What lossy codecs leave out of a
 /// picture looks like a faint mixture of its rows.
@@ -93,9 +93,9 @@ FieldNumbers NumbersOf(const align::Alignment& alignment)
     return numbers;
 }
 
-class Judging {
+class FieldsJudging {
 public:
-    Judging(const FieldsCase& given, Findings& findings)
+    FieldsJudging(const FieldsCase& given, Findings& findings)
         : mGiven(given), mFindings(findings), mIsInterlaced(given.clip.fields != read::FieldOrder::Progressive)
     {
     }
@@ -275,7 +275,7 @@ private:
         finding.found = fmt::format("{} field later", later);
         finding.frames = SpansOf(numbers.apart);
         const auto part = static_cast<double>(numbers.apart.size()) / static_cast<double>(numbers.read);
-        if (part < kNearlyAll) {
+        if (part < kNearlyAllPictures) {
             // Pulldown: frames are spread over fields in a pattern.
             for (const std::string_view consequence :
                  {check, id::kFidelityExact, id::kFidelityPsnr, id::kFidelitySsim}) {
@@ -294,7 +294,7 @@ private:
 
 void JudgeFields(const FieldsCase& given, Findings& findings)
 {
-    Judging(given, findings).Run();
+    FieldsJudging(given, findings).Run();
 }
 
 } // namespace tessel::verify::judge

@@ -77,10 +77,10 @@ void GeometrySampler::Take(const read::Picture& picture, std::int64_t frame, con
 namespace {
 
 /// From placements to findings.
-class Judging {
+class GeometryJudging {
 public:
-    Judging(const std::vector<Placement>& placements, const align::Box& plate, const read::PictureFacts& movie,
-            Findings& findings)
+    GeometryJudging(const std::vector<Placement>& placements, const align::Box& plate,
+                    const read::PictureFacts& movie, Findings& findings)
         : mPlacements(placements), mPlate(plate), mMovie(movie), mFindings(findings), mFirst(placements.front())
     {
         for (const std::string_view check : kGeometryChecks) {
@@ -272,7 +272,7 @@ void JudgeGeometry(const GeometrySampler& sampler, const align::Alignment& align
         }
         return;
     }
-    Judging(placements, numbers.Plate(), movie, findings).Run();
+    GeometryJudging(placements, numbers.Plate(), movie, findings).Run();
 }
 
 } // namespace tessel::verify::judge

@@ -6,8 +6,6 @@ namespace conformance {
 
 namespace {
 
-void* const kIndexOne = reinterpret_cast<void*>(1);
-
 void ColorCodesAreCodes(Plugin& plugin)
 {
     const Clip clip(plugin);

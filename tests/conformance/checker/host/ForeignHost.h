@@ -98,6 +98,9 @@ void FreeFrame(const ForeignFrame* frame);
 /// The foreign host's standard parameters. Static storage; every reserved byte is 0xCC.
 [[nodiscard]] const ksStdParms* ForeignStdParms();
 
+/// The first index that an enumeration does not have, as it travels in param1.
+inline void* const kIndexOne = reinterpret_cast<void*>(1);
+
 /// A second set of tables, whose suites all refuse everything.
 [[nodiscard]] const ksStdParms* RefusingStdParms();
 

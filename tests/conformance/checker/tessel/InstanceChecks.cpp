@@ -9,7 +9,7 @@ namespace conformance {
 
 namespace {
 
-void Delete(const Plugin& plugin, ksInstance instance)
+void DeleteInstance(const Plugin& plugin, ksInstance instance)
 {
     ExpectEqual(plugin.Request(9, ForeignStdParms(), nullptr, instance), 0, "selector 9");
 }
@@ -29,7 +29,7 @@ void OpensAgainIntoTheSameInstance(Plugin& plugin)
     size.Put<std::uint32_t>(20, 0);
     ExpectEqual(plugin.Request(45, ForeignStdParms(), size.Data(), nullptr), 0, "selector 45");
     ExpectEqual(size.Get<std::int32_t>(24), 77, "the width");
-    Delete(plugin, instance);
+    DeleteInstance(plugin, instance);
 }
 
 void MalformedOpensAsDefault(Plugin& plugin)
@@ -42,7 +42,7 @@ void MalformedOpensAsDefault(Plugin& plugin)
         ExpectEqual(plugin.Request(45, ForeignStdParms(), size.Data(), nullptr), 0, "selector 45");
         ExpectEqual(size.Get<std::int32_t>(24), 720, "the default width");
         ExpectEqual(size.Get<std::int32_t>(28), 480, "the default height");
-        Delete(plugin, instance);
+        DeleteInstance(plugin, instance);
     }
 }
 
@@ -58,7 +58,7 @@ void Selector81AnswersThreeTwice(Plugin& plugin)
     record.Remember();
     ExpectEqual(plugin.Request(81, ForeignStdParms(), nullptr, record.Data()), 3, "selector 81 on a full slot");
     record.ExpectUnchanged("selector 81 on a full slot");
-    Delete(plugin, instance);
+    DeleteInstance(plugin, instance);
 }
 
 void FrameSize(Plugin& plugin)
@@ -77,7 +77,7 @@ void FrameSize(Plugin& plugin)
     size.Put<ksInstance>(0, nullptr);
     ExpectEqual(plugin.Request(45, ForeignStdParms(), size.Data(), nullptr), 5,
                 "frame size without an instance");
-    Delete(plugin, instance);
+    DeleteInstance(plugin, instance);
 }
 
 void ColorCodes(Plugin& plugin)
@@ -98,7 +98,7 @@ void ColorCodes(Plugin& plugin)
     color.Put<ksInstance>(0, nullptr);
     ExpectEqual(plugin.Request(73, ForeignStdParms(), reinterpret_cast<void*>(1), color.Data()), 5,
                 "a null instance, whatever the index");
-    Delete(plugin, instance);
+    DeleteInstance(plugin, instance);
 }
 
 void UnknownColorSpaceIsUnspecified(Plugin& plugin)
@@ -110,7 +110,7 @@ void UnknownColorSpaceIsUnspecified(Plugin& plugin)
     for (const std::size_t offset : {48U, 52U, 56U}) {
         ExpectEqual(color.Get<std::int32_t>(offset), 2, "byte " + std::to_string(offset));
     }
-    Delete(plugin, instance);
+    DeleteInstance(plugin, instance);
 }
 
 } // namespace

@@ -99,9 +99,9 @@ Identity& Seen()
     return identity;
 }
 
-std::int32_t Collect(void* context, const char* nameKey, const char* matchName, const char* kind,
-                     const char* text, std::uint32_t code, std::int32_t value13, std::int32_t value29,
-                     std::int64_t zero)
+std::int32_t NoteIdentity(void* context, const char* nameKey, const char* matchName, const char* kind,
+                          const char* text, std::uint32_t code, std::int32_t value13, std::int32_t value29,
+                          std::int64_t zero)
 {
     Identity& seen = Seen();
     seen.context = context;
@@ -115,7 +115,7 @@ std::int32_t Collect(void* context, const char* nameKey, const char* matchName, 
 void IdentityCallback(Plugin& plugin)
 {
     int context = 0;
-    plugin.DataEntry()(&context, Collect);
+    plugin.DataEntry()(&context, NoteIdentity);
     const Identity& seen = Seen();
     ExpectEqual(seen.calls, 1, "calls");
     Expect(seen.context == &context, "the host's context did not come back");

@@ -15,9 +15,6 @@ namespace conformance {
 
 namespace {
 
-/// The first index that an enumeration does not have, as it travels in param1.
-void* const kIndexOne = reinterpret_cast<void*>(1);
-
 /// Numbers that answer 5 where the pointer at `offset` of the record is null, else 3.
 struct PointerTest {
     int selector;

@@ -9,12 +9,12 @@ namespace {
 
 using test::kRate;
 
-const std::vector<double> kTones{660, 880, 1000};
+const std::vector<double> kTrackedTones{660, 880, 1000};
 
 ChannelTrack Tracked(const std::vector<float>& samples, std::size_t portion = 1234)
 {
     std::vector<double> cycles;
-    for (const double tone : kTones) {
+    for (const double tone : kTrackedTones) {
         cycles.push_back(tone / kRate);
     }
     const TrackerSetup setup(cycles, 0.00125);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kLeastStep = 24;   // codes of chroma from one side to the other
 constexpr double kLeastLuma = 16;   // likewise of luma
-constexpr double kFlat = 0.15;      // of the step: most that a side may change
+constexpr double kFlatSide = 0.15;  // of the step: most that a side may change
 constexpr int kTransition = 2;      // samples of an edge itself, on either side of its middle
 constexpr std::size_t kLines = 160; // rows or columns that are looked at
 
@@ -70,8 +70,8 @@ bool IsEdge(const Lines& lines, int place, double step) noexcept
     const int left = place - kReach;
     const int right = place + kReach;
     for (int i = 1; i <= kReach - kTransition; ++i) {
-        if (lines.OffFrom(left + i - 1, left) > kFlat * step ||
-            lines.OffFrom(right - i + 1, right) > kFlat * step) {
+        if (lines.OffFrom(left + i - 1, left) > kFlatSide * step ||
+            lines.OffFrom(right - i + 1, right) > kFlatSide * step) {
             return false;
         }
     }
@@ -102,8 +102,8 @@ bool PlaceOfLuma(const Line& line, int from, int to, double& place) noexcept
         return false;
     }
     for (int i = 1; i <= kFlatSamples; ++i) {
-        if (std::abs(line.At(from + i) - left) > kFlat * std::abs(step) ||
-            std::abs(line.At(to - i) - right) > kFlat * std::abs(step)) {
+        if (std::abs(line.At(from + i) - left) > kFlatSide * std::abs(step) ||
+            std::abs(line.At(to - i) - right) > kFlatSide * std::abs(step)) {
             return false;
         }
     }

@@ -6,12 +6,12 @@
 namespace tessel::verify::judge {
 namespace {
 
-constexpr std::int64_t kFrames = 4;     // looked at, spread over the clip
-constexpr std::size_t kMostEdges = 400; // of each axis, in all frames
-constexpr int kRows = 270;              // of a component that are looked at
-constexpr int kRuns = 3;                // in a row
-constexpr int kRunLength = 16;          // samples
-constexpr int kFloatBits = 16;          // floats of 0..1 count as codes of so many bits
+constexpr std::int64_t kDetailFrames = 4; // looked at, spread over the clip
+constexpr std::size_t kMostEdges = 400;   // of each axis, in all frames
+constexpr int kDetailRows = 270;          // of a component that are looked at
+constexpr int kRuns = 3;                  // in a row
+constexpr int kRunLength = 16;            // samples
+constexpr int kFloatBits = 16;            // floats of 0..1 count as codes of so many bits
 
 /// Pixels are where the clip has them.
 bool IsInPlace(const align::Placement& placement) noexcept
@@ -30,7 +30,7 @@ std::uint32_t CodeAt(const read::ComponentView& view, int x, int y) noexcept
 } // namespace
 
 DetailSampler::DetailSampler(const exporting::SignalSource& clip, const reference::ClipFacts& facts)
-    : mClip(clip), mFacts(facts), mStride(std::max<std::int64_t>(1, facts.frameCount / kFrames))
+    : mClip(clip), mFacts(facts), mStride(std::max<std::int64_t>(1, facts.frameCount / kDetailFrames))
 {
 }
 
@@ -89,7 +89,7 @@ void DetailSampler::TakeCodes(const read::Picture& was, const read::Picture& is)
         if (!counts) {
             counts.emplace(found.isFloat ? kFloatBits : found.bits);
         }
-        const int stride = std::max(1, expected.height / kRows);
+        const int stride = std::max(1, expected.height / kDetailRows);
         for (int y = 0; y < expected.height; y += stride) {
             for (int run = 0; run < kRuns; ++run) {
                 const int first = (2 * run + 1) * expected.width / (2 * kRuns) - kRunLength / 2;
@@ -129,7 +129,7 @@ void DetailSampler::Take(const read::Picture& picture, std::int64_t frame, const
     TakeCodes(was, picture);
     const ChromaPicture wasChroma = ChromaOf(was);
     const ChromaPicture isChroma = ChromaOf(picture);
-    const std::size_t share = kMostEdges / kFrames * static_cast<std::size_t>(mTaken + 1);
+    const std::size_t share = kMostEdges / kDetailFrames * static_cast<std::size_t>(mTaken + 1);
     FindEdges(wasChroma, isChroma, Axis::Across, std::min(share, kMostEdges), mAcross, mLumaAcross);
     if (!mHasFields) {
         FindEdges(wasChroma, isChroma, Axis::Down, std::min(share, kMostEdges), mDown, mLumaDown);

@@ -343,4 +343,15 @@ LevelFit FitLevels(const std::vector<ColorPair>& pairs, const Coding& expected, 
     return fit;
 }
 
+double OwnSaturation(const LevelFit& fit) noexcept
+{
+    return fit.chromaIsLikeLuma ? 1 : fit.saturation;
+}
+
+int ChangesOf(const LevelFit& fit) noexcept
+{
+    return (fit.gain != 1 ? 1 : 0) + (fit.offset != 0 ? 1 : 0) + (OwnSaturation(fit) != 1 ? 1 : 0) +
+           (fit.hueDegrees != 0 ? 1 : 0);
+}
+
 } // namespace tessel::verify::judge

@@ -29,4 +29,10 @@ struct LevelFit {
 /// @param noise  how far codes are off where nothing is wrong
 [[nodiscard]] LevelFit FitLevels(const std::vector<ColorPair>& pairs, const Coding& expected, double noise);
 
+/// What chroma is multiplied by beside luma: R'G'B' × gain scales both alike.
+[[nodiscard]] double OwnSaturation(const LevelFit& fit) noexcept;
+
+/// How many of gain, offset, saturation and hue have changed.
+[[nodiscard]] int ChangesOf(const LevelFit& fit) noexcept;
+
 } // namespace tessel::verify::judge
