@@ -15,6 +15,7 @@ extern "C" {
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <new>
 #include <string_view>
 
 namespace tessel::verify::read {
@@ -72,6 +73,14 @@ struct Decoder {
     std::optional<double> waitingSeconds;    // sound: time of the first of them
 };
 
+/// Memory or threads that this machine lacks are no fault of the movie. @throws std::bad_alloc
+void RequireResources(int result)
+{
+    if (result == AVERROR(ENOMEM)) {
+        throw std::bad_alloc();
+    }
+}
+
 libav::CodecContext OpenDecoder(const AVStream& stream, int threads)
 {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
@@ -83,10 +92,13 @@ libav::CodecContext OpenDecoder(const AVStream& stream, int threads)
         return nullptr;
     }
     context->pkt_timebase = stream.time_base;
-    context->thread_count = threads;
+    constexpr int kMostThreads = 64; // of a picture's decoder; more gain nothing
+    context->thread_count = codec->type == AVMEDIA_TYPE_VIDEO ? std::min(threads, kMostThreads) : 1;
     // Errors shall be told, not painted over.
     context->flags |= AV_CODEC_FLAG_OUTPUT_CORRUPT;
-    if (avcodec_open2(context.get(), codec, nullptr) < 0) {
+    const int opened = avcodec_open2(context.get(), codec, nullptr);
+    RequireResources(opened == AVERROR(EAGAIN) ? AVERROR(ENOMEM) : opened); // EAGAIN: too few threads
+    if (opened < 0) {
         return nullptr;
     }
     return context;
@@ -192,6 +204,7 @@ struct Movie::State {
     void Feed(Decoder& decoder, const AVPacket* packet)
     {
         const int sent = avcodec_send_packet(decoder.codec.get(), packet);
+        RequireResources(sent);
         if (sent < 0 && sent != AVERROR_EOF) {
             Warn(fmt::format("{} data is damaged: {}", decoder.codec->codec->name, libav::Explain(sent)));
         }
@@ -205,6 +218,7 @@ struct Movie::State {
                 decoder.isAtEnd = true;
                 return;
             }
+            RequireResources(got);
             if (got < 0) {
                 Warn(fmt::format("{} data is damaged: {}", decoder.codec->codec->name, libav::Explain(got)));
                 return;

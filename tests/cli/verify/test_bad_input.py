@@ -1,6 +1,7 @@
 """Movies that are cut short, damaged, or of something else: one clear verdict each."""
 
 import os
+import resource
 import subprocess
 
 from verify_support import VerifyTest, document, gradient, main
@@ -27,6 +28,18 @@ class BadInput(VerifyTest):
         finding = self.expect(report, "signal.other")
         self.assertEqual((report["verdict"], finding["verdict"]), ("undecided", "undecided"))
         self.assertIn("no picture can be decoded", finding["message"])
+
+    def test_a_lack_of_memory_or_threads_is_no_fault_of_the_movie(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_AS, (1 << 30, 1 << 30))
+
+        started = subprocess.run([*self.tessel, "--version"], preexec_fn=limit, capture_output=True, check=False)
+        if started.returncode != 0:
+            self.skipTest("this build takes more addresses to start, as under a sanitizer")
+        movie = self.render(gradient(), "whole.mkv")
+        done = self.run_tessel("verify", self.path("clip.tessel"), movie, "--threads", "1000", preexec_fn=limit)
+        if done.returncode != 0:
+            self.assertEqual((done.returncode, done.stderr), (1, b"tessel: out of memory\n"), done.stdout)
 
     def test_an_index_without_sound_is_undecided_in_one_finding(self):
         root = gradient(frames=30)

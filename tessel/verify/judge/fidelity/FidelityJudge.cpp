@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace tessel::verify::judge {
@@ -146,11 +147,15 @@ void FidelitySampler::Take(const read::Picture& picture, std::int64_t frame, con
     }
     const auto measure = [this, picture, frame, rows] { return MeasureFrame(picture, frame, rows); };
     // With no thread to spare the caller waits for its own picture, so that no more than a few are held.
-    const bool hasThread = mRunning.size() + 1 < mThreads;
-    mRunning.push_back(std::async(hasThread ? std::launch::async : std::launch::deferred, measure));
-    if (!hasThread) {
-        mRunning.back().wait();
+    if (mRunning.size() + 1 < mThreads) {
+        try {
+            mRunning.push_back(std::async(std::launch::async, measure));
+            return;
+        } catch (const std::system_error&) { // the system starts no more threads
+        }
     }
+    mRunning.push_back(std::async(std::launch::deferred, measure));
+    mRunning.back().wait();
 }
 
 void FidelitySampler::Finish()
