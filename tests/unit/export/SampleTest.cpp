@@ -54,7 +54,7 @@ TEST(AudioBlocks, RequestsAreWholeBlocksAlignedToZeroWhateverIsRead)
 }
 
 /// Fails for the block from sample 4800 on, after it has written some of it.
-class FailingSource final : public SignalSource {
+class FailingSound final : public SignalSource {
 public:
     [[nodiscard]] const document::ClipFacts& Description() const override { return mFacts; }
     [[nodiscard]] FrameView RenderFrame(std::int64_t /*frame*/) const override { return {}; }
@@ -73,7 +73,7 @@ private:
 
 TEST(AudioBlocks, ABlockIsAskedForAgainWhereTheNextOneFailedHalfWay)
 {
-    const FailingSource source;
+    const FailingSound source;
     AudioBlockReader reader(source, 48000, 1);
     static_cast<void>(reader.Read(0, 1));
     EXPECT_THROW(static_cast<void>(reader.Read(4800, 1)), std::bad_alloc);
