@@ -3,9 +3,9 @@
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
+#include <array>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <span>
 #include <system_error>
 
@@ -20,12 +20,18 @@ std::vector<std::byte> ReadFileBytes(const std::filesystem::path& file)
 {
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
-    const std::vector<char> letters((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-    if (!stream.is_open() || stream.bad()) {
+    std::vector<std::byte> bytes;
+    std::array<char, 65536> part;
+    do {
+        // Not through the stream's buffer: it reports a failed read by an exception, or as the file's end.
+        stream.read(part.data(), part.size());
+        const auto read = std::as_bytes(std::span(part).first(static_cast<std::size_t>(stream.gcount())));
+        bytes.insert(bytes.end(), read.begin(), read.end());
+    } while (stream);
+    if (!stream.eof() || stream.bad()) {
         throw ExportError("cannot read " + QuotedName(file) + ": " + std::generic_category().message(errno));
     }
-    const std::span<const std::byte> bytes = std::as_bytes(std::span(letters));
-    return {bytes.begin(), bytes.end()};
+    return bytes;
 }
 
 } // namespace tessel::exporting

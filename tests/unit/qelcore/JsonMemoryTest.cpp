@@ -47,6 +47,16 @@ void* operator new[](std::size_t bytes)
 {
     return Allocate(bytes);
 }
+// Sorting takes its scratch memory this way. The standard library's own calls the first one above, a
+// sanitizer's does not.
+void* operator new(std::size_t bytes, const std::nothrow_t& /*unused*/) noexcept
+{
+    try {
+        return Allocate(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 void operator delete(void* block) noexcept
 {
     Free(block);
