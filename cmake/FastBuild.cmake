@@ -17,3 +17,12 @@ endfunction()
 function(tessel_compile_alone)
     set_source_files_properties(${ARGV} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
+
+# tessel_precompile(TARGET header...)
+# Large headers that most files of a target include, where its files are compiled one by one. A piece reads each header
+# once in any case.
+function(tessel_precompile target)
+    if(NOT TESSEL_FAST_BUILD)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    endif()
+endfunction()

@@ -13,20 +13,17 @@ function(tessel_set_version target)
         SOVERSION "${TESSEL_SOVERSION}")
 endfunction()
 
-# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header... | HEADERS_OF target])
+# tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header...])
 # A GoogleTest program; each of its tests is one CTest test. Its libraries may bring compiler flags with which the
-# precompiled headers of other tests cannot be used: PRECOMPILE names headers that this program precompiles for itself,
-# HEADERS_OF a target with the same flags, whose precompiled headers it uses.
+# precompiled headers of other tests cannot be used: PRECOMPILE names the headers that this program precompiles instead.
 function(tessel_add_test)
-    cmake_parse_arguments(arg "" "NAME;HEADERS_OF" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
+    cmake_parse_arguments(arg "" "NAME" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_options test_options ${arg_LIBRARIES}
                                               GTest::gtest GTest::gtest_main)
     target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/tests")
     if(arg_PRECOMPILE)
-        target_precompile_headers(${arg_NAME} PRIVATE ${arg_PRECOMPILE})
-    elseif(arg_HEADERS_OF)
-        target_precompile_headers(${arg_NAME} REUSE_FROM ${arg_HEADERS_OF})
+        tessel_precompile(${arg_NAME} ${arg_PRECOMPILE})
     else()
         target_precompile_headers(${arg_NAME} REUSE_FROM test_headers)
     endif()
