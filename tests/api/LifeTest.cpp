@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -120,7 +121,8 @@ TEST(ClipLife, AStormOfSeeksInEveryLayoutGivesTheSamePictures)
         std::mt19937 random(static_cast<unsigned>(thread));
         for (int turn = 0; turn < 100; ++turn) {
             const std::int64_t number = random() % kFrames;
-            const auto& [layout, frames] = *std::next(expected.begin(), random() % expected.size());
+            const auto& [layout, frames] =
+                *std::next(expected.begin(), static_cast<std::ptrdiff_t>(random() % expected.size()));
             ASSERT_EQ(FrameOf(clip.get(), number, layout), frames[static_cast<std::size_t>(number)])
                 << thread << ' ' << turn << " layout " << layout;
         }

@@ -5,8 +5,11 @@
 #include <support/TemporaryFolder.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <fstream>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace tessel::exporting {
 namespace {
