@@ -1,5 +1,4 @@
-/// Loops that are compiled once more for each wider kind of vector registers, and chosen while the program
-/// runs.
+/// Loops that are compiled for several vector widths. The program chooses one while it runs.
 #pragma once
 
 #include <kestrel/Export.h>

@@ -1,4 +1,4 @@
-"""What assistive tools are told of a program's windows, over the accessibility bus (AT-SPI 2)."""
+"""Reads a program's windows over the accessibility bus (AT-SPI 2), as a screen reader does."""
 
 import json, os, shutil, subprocess, sys, tempfile, warnings
 

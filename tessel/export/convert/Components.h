@@ -39,8 +39,7 @@ void MoveSamples(const ComponentSource& source, const ComponentTarget& target, i
 void LoadFloats(const ComponentSource& source, float* samples, std::ptrdiff_t samplesPerRow,
                 VectorWidth width = WidestVectors()) noexcept;
 
-/// What floats of frames are made fit for sums with: NaN becomes 0, what is beyond ±`limit` becomes that, and
-/// then all are multiplied by `scale`.
+/// Makes floats finite: NaN becomes 0, values are clamped to ±`limit` and then multiplied by `scale`.
 struct FiniteRange {
     float limit = 0.0F;
     float scale = 1.0F;

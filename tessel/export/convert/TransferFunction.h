@@ -1,4 +1,4 @@
-/// From linear light to what integer codes stand for.
+/// The transfer function from linear light to R'G'B'.
 #pragma once
 
 #include <cstdint>
