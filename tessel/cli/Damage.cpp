@@ -8,6 +8,7 @@
 
 #include <tessel/damage/RenderDamaged.h>
 #include <tessel/damage/catalogue/FaultValue.h>
+#include <tessel/export/ExportError.h>
 #include <tessel/export/files/OutputFile.h>
 
 #include <filesystem>
@@ -31,14 +32,14 @@ void WriteTruth(const std::string& output, const std::string& text)
     WriteAndCommit(file, text);
 }
 
-/// As `damage::RenderDamaged`. @throws UsageError  for faults that cannot be put in
+/// As `damage::RenderDamaged`. @throws RequestError  for faults that cannot be put into the clip
 std::string Render(const exporting::SignalSource& source, const exporting::RenderJob& job,
                    const std::vector<std::string>& faults)
 {
     try {
         return damage::RenderDamaged(source, job, faults);
     } catch (const damage::FaultError& error) {
-        throw UsageError(error.what());
+        throw exporting::RequestError(error.what());
     }
 }
 

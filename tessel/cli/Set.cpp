@@ -8,6 +8,7 @@
 #include <kestrel/importhost/PathText.h>
 #include <tessel/document/settings/DocumentEditor.h>
 #include <tessel/document/settings/DocumentRules.h>
+#include <tessel/typed/SettingError.h>
 #include <tessel/typed/Settings.h>
 
 #include <fmt/format.h>
@@ -32,6 +33,16 @@ struct SetOptions {
     std::vector<std::string> assignments;
 };
 
+/// As `typed::ApplyChanges`, with the document's name in front of what is wrong.
+std::vector<std::string> Apply(const typed::Changes& changes, DocumentEditor& document, const std::string& name)
+{
+    try {
+        return typed::ApplyChanges(changes, /*prefix=*/"", document);
+    } catch (const typed::SettingError& error) {
+        throw typed::SettingError(name + ": " + error.what());
+    }
+}
+
 void RunSet(const SetOptions& options)
 {
     importhost::RequireUTF8Name(options.clip);
@@ -42,8 +53,7 @@ void RunSet(const SetOptions& options)
     DocumentEditor document = DocumentEditor::Open(options.clip);
     const std::string before = document.Text();
     const auto playingBefore = document::PlayingProblem(document);
-    std::vector<std::string> warnings =
-        typed::ApplyChanges(typed::ReadChanges(options.assignments), /*prefix=*/"", document);
+    std::vector<std::string> warnings = Apply(typed::ReadChanges(options.assignments), document, name);
     if (const auto problem = document::ReadingProblem(document)) {
         throw HostError(name + ": " + *problem);
     }

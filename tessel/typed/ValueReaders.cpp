@@ -100,21 +100,22 @@ std::optional<Pair> ParseRate(std::string_view text)
     return pair ? pair : ParseDecimal(text);
 }
 
-/// Frames of a timecode at the rate of so many ticks a frame; empty for a text that is not a timecode.
-std::optional<std::int64_t> ParseTimecode(std::string_view text, std::int64_t ticksPerFrame)
+/// Frames from 00:00:00:00 to a timecode, at the rate of so many ticks a frame. @throws SettingError
+std::int64_t ReadTimecode(std::string_view text, std::int64_t ticksPerFrame)
 {
     const std::int64_t divisor = std::gcd(ticksPerFrame, qelmediatypes::kTicksPerSecond);
     const std::int64_t numerator = qelmediatypes::kTicksPerSecond / divisor;
     const std::int64_t denominator = ticksPerFrame / divisor;
-    if (numerator > kMost || denominator > kMost) {
-        return std::nullopt;
+    const bool fits = numerator <= kMost && denominator <= kMost;
+    const auto rateNumerator = static_cast<std::int32_t>(fits ? numerator : 0);
+    const auto rateDenominator = static_cast<std::int32_t>(fits ? denominator : 1);
+    if (!exporting::Timecode::Counts(rateNumerator, rateDenominator)) {
+        Refuse("frames or a time such as 250f or 10s, as the clip's rate has no timecodes", text);
     }
     try {
-        return exporting::Timecode::Parse(text, static_cast<std::int32_t>(numerator),
-                                          static_cast<std::int32_t>(denominator))
-            .FrameNumber();
-    } catch (const exporting::ExportError&) {
-        return std::nullopt;
+        return exporting::Timecode::Parse(text, rateNumerator, rateDenominator).FrameNumber();
+    } catch (const exporting::RequestError& error) {
+        throw SettingError(error.what());
     }
 }
 
@@ -248,7 +249,7 @@ std::int64_t ReadDuration(std::string_view text, std::int64_t ticksPerFrame)
     if (text.ends_with('f')) {
         frames = ParsePositive(text.substr(0, text.size() - 1));
     } else if (text.find(':') != std::string_view::npos) {
-        frames = ParseTimecode(text, ticksPerFrame);
+        frames = ReadTimecode(text, ticksPerFrame);
     } else if (const auto ticks = ParseTime(text)) {
         frames = (*ticks + ticksPerFrame / 2) / ticksPerFrame;
     }

@@ -20,8 +20,8 @@ struct Tone {
     float amplitude; ///< linear peak
 };
 
-/// Each throws SettingError for a text that is not a valid value: "must be ..., not "text"", without the name
-/// of what was given. Threads: [any-thread].
+/// Each throws SettingError for a text that is not a valid value: what would be right, without the name of the
+/// setting. Threads: [any-thread].
 /// @{
 
 /// "1920x1080".

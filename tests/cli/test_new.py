@@ -67,6 +67,18 @@ class New(DocumentTest):
                 report, _, _ = self.new("--rate", rate, "--duration", duration)
                 self.assertEqual(report["video"]["duration"]["frames"], frames)
 
+    def test_a_timecode_that_the_rate_does_not_have_says_what_to_write(self):
+        drops = "drop-frame timecodes exist only at 29.97, 59.94, 119.88 and 149.85 frames a second"
+        for rate, duration, says in (("25", "00:01:00;00", f"{drops}, not at 25: write 00:01:00:00"),
+                                     ("30", "00:01:00;00", f"{drops}, not at 30: write 00:01:00:00"),
+                                     ("23.976", "00:01:00;00", f"{drops}, not at 24000/1001: write 00:01:00:00"),
+                                     ("25", "00:01:00;25", "the last of a second is 00:01:00:24"),
+                                     ("29.97", "00:01:00;00", "the first of that minute is 00:01:00;02"),
+                                     ("25", "1:00:00:00", "'1:00:00:00' is no timecode"),
+                                     ("12.5", "00:00:10:00", "must be frames or a time such as 250f or 10s")):
+            with self.subTest(rate=rate, duration=duration):
+                self.refuse(["--rate", rate, "--duration", duration], "tessel: --duration: ", says)
+
     def test_layouts_take_their_matrix_from_the_colour_space(self):
         for space, matrix in (("rec601-pal", "601"), ("rec601-ntsc", "601"), ("rec709", "709"), ("srgb", "709")):
             for layout in ("v210", "uyvy", "yuyv", "yuv420-frame"):
@@ -200,7 +212,6 @@ class New(DocumentTest):
         self.refuse(["--rate", "0"], "--rate: must be")
         self.refuse(["--duration", "10"], "--duration: must be", "250f, 10s")
         self.refuse(["--duration", "0s"], "--duration: must be")
-        self.refuse(["--rate", "12.5", "--duration", "00:00:10:00"], "--duration: must be")
         self.refuse(["--rate", "29.97", "--duration", "8760h"], "frames", "can be counted; choose a shorter duration")
         self.refuse(["--channels", "65"], "1 to 64")
         self.refuse(["--tone", "loud"], "--tone: must be", "1000:-18")
@@ -370,6 +381,8 @@ class Set(DocumentTest):
             with self.subTest(assignment=assignment):
                 self.assert_failed(self.run_program("set", "clip.tessel", "rate=50", assignment), 2, says)
         self.assert_failed(self.run_program("set", "clip.tessel", "rate=50", "rate=25"), 2, "twice")
+        self.assert_failed(self.run_program("set", "clip.tessel", "duration=00:01:00;00"), 2,
+                           "tessel: clip.tessel: duration: drop-frame timecodes", "write 00:01:00:00")
         self.assertEqual((self.text(), os.stat(self.path("clip.tessel")).st_mtime_ns), before)
         self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
 

@@ -87,8 +87,9 @@ void FileWork::Do(const std::function<void()>& work) const
 
 std::string FileWork::NamedLine(const std::string& line) const
 {
-    const bool namesFile = mIsFile && line.find(UTF8Text(mOutput)) != std::string::npos;
-    return namesFile || mOutput == "-" ? line : fmt::format("{}: {}", UTF8Text(mClipFile), line);
+    const std::string output = mIsFile ? UTF8Text(mOutput) : "standard output";
+    const bool namesOutput = line.starts_with(output + ':') || line.starts_with('\'' + output + '\'');
+    return namesOutput ? line : fmt::format("{}: {}", UTF8Text(mClipFile), line);
 }
 
 void RunInterruptibly(const std::function<void()>& work)

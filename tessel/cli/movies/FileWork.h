@@ -46,7 +46,7 @@ public:
     void RunAndReport(const exporting::OutputPlan& plan, std::int64_t frames,
                       const std::function<std::int64_t()>& run);
 
-    /// Calls `work`. A failure that does not name the output gets the clip's name in front.
+    /// Calls `work`. A failure that does not begin with the output's name gets the clip's name in front.
     /// @throws UsageError  for a request that the clip cannot fulfil: the command line has to change
     void Do(const std::function<void()>& work) const;
 

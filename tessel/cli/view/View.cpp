@@ -2,6 +2,7 @@
 
 #include "ViewCommand.h"
 
+#include <kestrel/importhost/PathText.h>
 #include <tessel/cli/Commands.h>
 #include <tessel/export/ExportError.h>
 #include <tessel/view/model/FrameNames.h>
@@ -72,7 +73,7 @@ void RunView(const ViewOptions& options, Context& context)
     } catch (const view::UnknownKey& error) {
         throw UsageError(error.what());
     } catch (const exporting::RequestError& error) {
-        throw UsageError(std::string("--frame: ") + error.what());
+        throw UsageError(importhost::DisplayName(options.clips.front()) + ": --frame: " + error.what());
     }
 }
 

@@ -46,13 +46,18 @@ std::array<int, 4> PartsOf(std::string_view text)
     return parts;
 }
 
+std::string RateText(std::int32_t numerator, std::int32_t denominator)
+{
+    return denominator == 1 ? fmt::format("{}", numerator) : fmt::format("{}/{}", numerator, denominator);
+}
+
 void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
 {
     if (!Timecode::Counts(numerator, denominator)) {
         throw RequestError(
             fmt::format("timecodes count 24, 25, 30, 48, 50, 60, 100, 120 or 150 frames a second, or "
-                        "1000/1001 of that, but the clip has {}/{}: remove --timecode",
-                        numerator, denominator));
+                        "1000/1001 of that, but the clip has {}: remove --timecode",
+                        RateText(numerator, denominator)));
     }
 }
 
@@ -94,14 +99,18 @@ Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std:
     const auto [hours, minutes, seconds, frames] = PartsOf(text);
     RequireCountableRate(rateNumerator, rateDenominator);
     const bool drop = text[8] == ';';
-    if (drop && !HasDropFrames(rateNumerator, rateDenominator)) {
-        throw RequestError(fmt::format("{}/{} frames a second have no drop-frame timecodes: write {}:{}",
-                                       rateNumerator, rateDenominator, text.substr(0, 8), text.substr(9)));
-    }
+    const bool canDrop = HasDropFrames(rateNumerator, rateDenominator);
     Timecode timecode(rateNumerator, rateDenominator, drop);
     if (frames >= timecode.mNominalRate) {
-        throw RequestError(fmt::format("there is no timecode {}: the last of a second is {}{:02}", text,
-                                       text.substr(0, 9), timecode.mNominalRate - 1));
+        throw RequestError(fmt::format("there is no timecode {}: the last of a second is {}{}{:02}", text,
+                                       text.substr(0, 8), drop && canDrop ? ';' : ':',
+                                       timecode.mNominalRate - 1));
+    }
+    if (drop && !canDrop) {
+        throw RequestError(
+            fmt::format("drop-frame timecodes exist only at 29.97, 59.94, 119.88 and 149.85 frames a second, "
+                        "not at {}: write {}:{}",
+                        RateText(rateNumerator, rateDenominator), text.substr(0, 8), text.substr(9)));
     }
     if (seconds == 0 && minutes % kMinutesOfTen != 0 && frames < timecode.mDropped) {
         throw RequestError(

@@ -79,6 +79,19 @@ class Failures(RenderTest):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual(self.probe(self.path("x.mkv"))["width"], 720)
 
+    def test_what_the_clip_cannot_do_names_the_clip_wherever_the_output_goes(self):
+        clip = self.clip(frames=3)
+        # "a" is a word of many messages: a file of that name is not what they are about.
+        for output in (("-o", "-", "--format", "mov"), ("-o", "a", "--format", "mov"), ("-o", "x.mov"), ("--format", "null")):
+            for options, says in ((("--from", "7"), "there is no frame 7"), (("--part", "1/4"), "cannot be divided")):
+                line = self.refuse("render", clip, *output, *options, code=2, says=(says,))
+                self.assertTrue(line.startswith(f"tessel: {clip}: "), line)
+            line = self.refuse("render", clip, *output, "--truth", "x.csv", "--audio-only", says=("--truth",))
+            self.assertTrue(line.startswith(f"tessel: {clip}: "), line)
+        line = self.refuse("damage", clip, "-o", "-", "--format", "nut", "--fault", "fields.swapped", code=2,
+                           says=("the clip is progressive",))
+        self.assertTrue(line.startswith(f"tessel: {clip}: "), line)
+
     def test_a_clip_is_never_replaced_by_its_own_rendering(self):
         clip = self.clip()
         os.link(clip, self.path("same.mkv"))

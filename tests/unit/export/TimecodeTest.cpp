@@ -64,5 +64,24 @@ TEST(Timecode, TextThatIsNoTimecodeIsRefused)
     EXPECT_THROW(static_cast<void>(Timecode::Parse("10:00:00:00", 15, 1)), ExportError);
 }
 
+// Drop-frame counting keeps pace with the clock at 30000/1001 frames a second and its multiples. A message
+// names these rates: 29.97, 59.94, 119.88 and 149.85.
+TEST(Timecode, DropFramesExistAtMultiplesOf2997Alone)
+{
+    for (const int nominal : {24, 25, 30, 48, 50, 60, 100, 120, 150}) {
+        const bool isMultiple = nominal % 30 == 0;
+        EXPECT_EQ(Timecode::HasDropFrames(nominal * 1000, 1001), isMultiple) << nominal;
+        EXPECT_FALSE(Timecode::HasDropFrames(nominal, 1)) << nominal;
+        try {
+            static_cast<void>(Timecode::Parse("00:01:00;12", nominal * 1000, 1001));
+            EXPECT_TRUE(isMultiple) << nominal;
+        } catch (const RequestError& error) {
+            EXPECT_FALSE(isMultiple) << nominal;
+            EXPECT_NE(std::string(error.what()).find("29.97, 59.94, 119.88 and 149.85"), std::string::npos)
+                << error.what();
+        }
+    }
+}
+
 } // namespace
 } // namespace tessel::exporting
