@@ -110,7 +110,7 @@ void Report(const std::u16string& path, Status status, const ReplacementOutcome&
 {
     std::string failure;
     if (outcome.error != 0) {
-        failure = WriteFailureText(outcome.error);
+        failure = WriteFailureText(outcome);
     }
     if (!outcome.copyOfOldFile.empty()) {
         failure += "; the file is damaged, and its old content is in " + outcome.copyOfOldFile;
@@ -210,8 +210,9 @@ Status File::Create(std::u16string_view path, std::int32_t access, std::int32_t 
     if (destination.kind == Destination::Kind::Special) {
         return fail(kAccessDenied, "it is a device or a pipe");
     }
-    if (const int error = state->replacement->Begin(destination)) {
-        return fail(StatusOfErrno(error), WriteFailureText(error));
+    const ReplacementOutcome begun = state->replacement->Begin(destination);
+    if (begun.error != 0) {
+        return fail(StatusOfErrno(begun.error), WriteFailureText(begun));
     }
     file.mState = std::move(state);
     return kDone;

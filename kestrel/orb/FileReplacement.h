@@ -47,6 +47,10 @@ struct ReplacementOutcome {
     /// What of the old file could not be kept, after success: "owner alice, attribute user.note". Empty if
     /// everything was kept.
     std::string notKept;
+    /// The folders in which no temporary file could be written, each with the reason, where that was the
+    /// failure:
+    /// "'/a' (permission denied) or '/var/tmp' (the disk is full)". Otherwise empty.
+    std::string foldersTried;
 };
 
 /// New content for a file. Without `Commit` nothing changes. Threads: one object, one thread at a time.
@@ -54,8 +58,8 @@ class KESTREL_API FileReplacement {
 public:
     /// Opens a temporary file for the new content, after removing those of killed processes from the folder.
     /// @param destination  As found by `FindDestination`, not `Special`.
-    /// @return 0, or an error number.
-    [[nodiscard]] int Begin(const Destination& destination);
+    /// @return An error, and then the folders tried.
+    [[nodiscard]] ReplacementOutcome Begin(const Destination& destination);
 
     /// The same for content that is complete in the file `whole`, on the same file system. This object owns
     /// `whole` from now on, and its destructor removes it. `Commit` then does not sync: syncing many files at
@@ -111,6 +115,10 @@ private:
 
 /// An error of writing a file, in words: "the disk is full". Threads: [any-thread].
 [[nodiscard]] KESTREL_API std::string WriteFailureText(int error);
+
+/// The error of a replacement in words; where no folder took a temporary file, with the reason of each.
+/// Threads: [any-thread].
+[[nodiscard]] KESTREL_API std::string WriteFailureText(const ReplacementOutcome& outcome);
 
 /// The folder part of a path; "." where it has none.
 [[nodiscard]] KESTREL_API std::string FolderOf(const std::string& path);

@@ -107,7 +107,7 @@ FileReplacement::~FileReplacement()
     }
 }
 
-int FileReplacement::Begin(const Destination& destination)
+ReplacementOutcome FileReplacement::Begin(const Destination& destination)
 {
     const bool isNew = destination.kind == Destination::Kind::New;
     const std::string folder = FolderOf(destination.path);
@@ -115,18 +115,26 @@ int FileReplacement::Begin(const Destination& destination)
     // Only the user may read the new content until it has the old file's permissions.
     const unsigned mode = isNew ? 0666U : 0600U;
     TemporaryFile opened;
-    int error = TemporaryFile::Open(folder, mode, opened);
-    const bool isElsewhere = !isNew && IsRefusal(error);
+    ReplacementOutcome outcome;
+    outcome.error = TemporaryFile::Open(folder, mode, opened);
+    const bool isElsewhere = !isNew && IsRefusal(outcome.error);
     if (isElsewhere) {
-        error = TemporaryFile::Open(FolderElsewhere(), mode, opened);
+        const std::string elsewhere = FolderElsewhere();
+        AddRefusal(outcome, folder, outcome.error);
+        const int error = TemporaryFile::Open(elsewhere, mode, opened);
+        if (error == 0) {
+            outcome = {};
+        } else {
+            AddRefusal(outcome, elsewhere, error);
+        }
     }
-    if (error != 0) {
-        return error;
+    if (outcome.error != 0) {
+        return outcome;
     }
     mDestination = destination;
     mNew = std::move(opened);
     mIsElsewhere = isElsewhere;
-    return 0;
+    return outcome;
 }
 
 int FileReplacement::BeginWith(const Destination& destination, const std::string& whole)
@@ -268,6 +276,12 @@ std::string WriteFailureText(int error)
     default:
         return std::generic_category().message(error);
     }
+}
+
+std::string WriteFailureText(const ReplacementOutcome& outcome)
+{
+    return outcome.foldersTried.empty() ? WriteFailureText(outcome.error)
+                                        : "no temporary file can be written in " + outcome.foldersTried;
 }
 
 std::string FolderOf(const std::string& path)

@@ -55,29 +55,30 @@ off_t SizeOf(int descriptor) noexcept
 }
 
 /// Makes a synced copy of an old file, with a name that a person recognises: "notes.txt.old-k3v9x0qa".
-/// @return 0 with `name`, or an error number.
-int KeepCopy(int old, const std::string& target, std::string& name)
+/// @param name  Receives the copy's name. Only on success.
+ReplacementOutcome KeepCopy(int old, const std::string& target, std::string& name)
 {
     constexpr std::size_t kLongestStem = 240; // of 255 bytes that a file name may have
     const std::string ending =
         '/' + target.substr(target.rfind('/') + 1).substr(0, kLongestStem) + ".old-XXXXXX";
-    int error = 0;
+    ReplacementOutcome outcome;
     for (const std::string& folder : {FolderOf(target), FolderElsewhere()}) {
         std::string pattern = folder + ending;
         const Descriptor copy(mkstemp(pattern.data())); // readable only for the user
-        error = copy.IsOpen() ? CopyContent(old, copy.Get()) : errno;
+        int error = copy.IsOpen() ? CopyContent(old, copy.Get()) : errno;
         if (error == 0) {
             error = SyncFolder(folder);
         }
         if (error == 0) {
             name = std::move(pattern);
-            return 0;
+            return {};
         }
         if (copy.IsOpen()) {
             unlink(pattern.c_str());
         }
+        AddRefusal(outcome, folder, error);
     }
-    return error;
+    return outcome;
 }
 
 /// Writes the content of the file `copy` into `target`, which is open for writing.
@@ -93,6 +94,18 @@ std::string FolderElsewhere()
 {
     const char* const named = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe): only read
     return named != nullptr && *named != '\0' ? named : "/var/tmp";
+}
+
+void AddRefusal(ReplacementOutcome& outcome, const std::string& folder, int error)
+{
+    const std::string why = error == ENOENT ? "there is no such folder" : WriteFailureText(error);
+    const std::string refusal = '\'' + folder + "' (" + why + ')';
+    outcome.error = error;
+    if (outcome.foldersTried.empty()) {
+        outcome.foldersTried = refusal;
+    } else if (outcome.foldersTried != refusal) { // a file in the folder for temporary files
+        outcome.foldersTried += " or " + refusal;
+    }
 }
 
 int SyncDescriptor(int descriptor) noexcept
@@ -115,7 +128,7 @@ ReplacementOutcome Overwrite(int whole, const std::string& target, std::string& 
     std::string copy;
     const off_t oldSize = SizeOf(file.Get());
     const off_t newSize = SizeOf(whole);
-    outcome.error = KeepCopy(file.Get(), target, copy);
+    outcome = KeepCopy(file.Get(), target, copy);
     if (outcome.error != 0) {
         return outcome;
     }
@@ -158,7 +171,7 @@ ReplacementOutcome RestoreFile(const std::string& aside, const std::string& targ
     ReplacementOutcome outcome;
     outcome.error = MoveBack(aside, target);
     const Descriptor old(outcome.error != 0 ? open(aside.c_str(), O_RDONLY | O_CLOEXEC) : -1);
-    if (old.IsOpen() && KeepCopy(old.Get(), target, outcome.copyOfOldFile) == 0) {
+    if (old.IsOpen() && KeepCopy(old.Get(), target, outcome.copyOfOldFile).error == 0) {
         unlink(aside.c_str());
     }
     return outcome;

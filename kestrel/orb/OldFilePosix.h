@@ -14,6 +14,9 @@ namespace ORB {
 /// has chosen, else one that is kept over a restart.
 [[nodiscard]] std::string FolderElsewhere();
 
+/// Notes that no temporary file can be written in `folder`; `error` becomes the outcome's.
+void AddRefusal(ReplacementOutcome& outcome, const std::string& folder, int error);
+
 /// File systems without this operation count as synced.
 [[nodiscard]] int SyncDescriptor(int descriptor) noexcept;
 

@@ -9,7 +9,7 @@ namespace tessel::api {
 /// A file with that text, in a folder of its own among the system's temporary ones; both go with the object.
 class TextDocument {
 public:
-    /// @throws std::runtime_error  where it cannot be written
+    /// @throws std::runtime_error  where it cannot be written; says where and why
     explicit TextDocument(std::string_view text);
     ~TextDocument();
     TextDocument(const TextDocument&) = delete;

@@ -6,6 +6,7 @@ Variables: TESSEL_LIBRARY, and those of tests/cli/program.py.
 import ctypes
 import json
 import os
+import resource
 import subprocess
 import sys
 import threading
@@ -116,14 +117,32 @@ class Opening(ApiTest):
             self.assertEqual(clip.frame(3, clips.OWN), other.frame(3, clips.OWN))
             self.assertEqual(len(clip.samples(0, 10)[0]), 40)
 
+    def with_temporary_files_in(self, folder, script, **options):
+        """What a script prints in a process of its own; its argument is a document."""
+        answer = self.run_command([sys.executable, "-B", "-c", script, text_of().decode()],
+                                  {"TMPDIR": folder, "PYTHONPATH": os.path.dirname(os.path.abspath(__file__))}, **options)
+        self.assertEqual(answer.err, "")
+        return answer.out
+
     def test_a_document_in_memory_leaves_no_file(self):
         folder = self.path("temporary")
         os.mkdir(folder)
         script = ("import clips, os, sys; clip = clips.Clip(text=sys.argv[1].encode()); clip.frame(0, clips.OWN); "
                   "print(os.listdir(os.environ['TMPDIR']))")
-        answer = self.run_command([sys.executable, "-B", "-c", script, text_of().decode()],
-                                  {"TMPDIR": folder, "PYTHONPATH": os.path.dirname(os.path.abspath(__file__))})
-        self.assertEqual((answer.out, answer.err), ("[]\n", ""))
+        self.assertEqual(self.with_temporary_files_in(folder, script), "[]\n")
+
+    def test_a_document_in_memory_that_finds_no_place_on_a_disk_says_why(self):
+        folder = self.path("temporary")
+        os.mkdir(folder)
+        script = ("import clips, os, sys\ntry:\n    clips.Clip(text=sys.argv[1].encode())\n"
+                  "except clips.CallFailed as error:\n    print(error)")
+        line = self.with_temporary_files_in(
+            folder, script, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0)))
+        self.assertRegex(line, f"^{folder}/tessel-[^/]+/document.tessel: the document cannot be written there: "
+                               "it is larger than files may be here\n$")
+        self.assertEqual(os.listdir(folder), [])
+        line = self.with_temporary_files_in(self.path("missing"), script)
+        self.assertRegex(line, "^the folder for temporary files, as TMPDIR names it, cannot be used: .* directory\n$")
 
 
 class Pictures(ApiTest):

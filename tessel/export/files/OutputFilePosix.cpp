@@ -21,9 +21,11 @@ namespace {
 namespace fs = std::filesystem;
 using qelcore::text::UTF8Text;
 
-[[noreturn]] void FailToWrite(const std::string& name, int error)
+/// @param why  an error number, or the outcome of a replacement
+template <class Why>
+[[noreturn]] void FailToWrite(const std::string& name, const Why& why)
 {
-    throw ExportError(name + ": cannot be written: " + ORB::WriteFailureText(error));
+    throw ExportError(name + ": cannot be written: " + ORB::WriteFailureText(why));
 }
 
 std::string OrCurrent(const fs::path& folder)
@@ -53,10 +55,10 @@ void Commit(const fs::path& path, ORB::FileReplacement& replacement)
     if (!outcome.copyOfOldFile.empty()) {
         throw ExportError(
             fmt::format("{}: cannot be written: {}; the file is damaged, and its old content is in {}",
-                        UTF8Text(path), ORB::WriteFailureText(outcome.error), outcome.copyOfOldFile));
+                        UTF8Text(path), ORB::WriteFailureText(outcome), outcome.copyOfOldFile));
     }
     if (outcome.error != 0) {
-        FailToWrite(UTF8Text(path), outcome.error);
+        FailToWrite(UTF8Text(path), outcome);
     }
     if (!outcome.notKept.empty()) {
         qelcore::logging::Log("export", fmt::format("{}: written, but it could not keep its {}", UTF8Text(path),
@@ -99,8 +101,9 @@ OutputFile::OutputFile(const fs::path& path) : mState(std::make_unique<State>())
         }
         return;
     }
-    if (const int error = state.replacement.emplace().Begin(destination)) {
-        FailToWrite(state.shownName, error);
+    const ORB::ReplacementOutcome begun = state.replacement.emplace().Begin(destination);
+    if (begun.error != 0) {
+        FailToWrite(state.shownName, begun);
     }
     state.descriptor = state.replacement->Descriptor();
     state.canSeek = true;

@@ -2,6 +2,7 @@
 #include "SaveFile.h"
 
 #include <kestrel/orb/File.h>
+#include <kestrel/orb/SaveReport.h>
 #include <kestrel/qelcore/logging/Log.h>
 
 #include <fcntl.h>
@@ -13,6 +14,7 @@
 #include <support/TemporaryFolder.h>
 #include <sys/file.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
@@ -49,13 +51,16 @@ int InChild(const std::function<int()>& act)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-/// What `act` returns as a user without rights. Only the superuser can become one.
+/// Makes this process that of a user without rights. Only the superuser can.
+bool BecomeNobody()
+{
+    return setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
+}
+
+/// What `act` returns as a user without rights.
 int AsNobody(const std::function<int()>& act)
 {
-    return InChild([&act] {
-        const bool isNobody = setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
-        return isNobody ? act() : kCannotTest;
-    });
+    return InChild([&act] { return BecomeNobody() ? act() : kCannotTest; });
 }
 
 int SaveAsNobody(const fs::path& path)
@@ -66,6 +71,23 @@ int SaveAsNobody(const fs::path& path)
 void GiveToNobody(const fs::path& path)
 {
     ASSERT_EQ(chown(path.c_str(), kNobody, kNobody), 0);
+}
+
+/// Why saving fails; empty where it succeeds. Runs `prepare` and the save in a process of its own.
+std::string FailureOfSave(const fs::path& path, const fs::path& report, const std::function<bool()>& prepare)
+{
+    WriteFile(report, "");
+    const int result = InChild([&] {
+        std::string failure;
+        const ScopedSaveListener listener([&failure](const SaveReport& saved) { failure = saved.failure; });
+        const int told = open(report.c_str(), O_WRONLY | O_CLOEXEC);
+        if (!prepare()) {
+            return kCannotTest;
+        }
+        static_cast<void>(Save(path, "new"));
+        return write(told, failure.data(), failure.size()) == static_cast<ssize_t>(failure.size()) ? 0 : 1;
+    });
+    return result == 0 ? ReadFile(report) : "no result: " + std::to_string(result);
 }
 
 ino_t InodeOf(const fs::path& path)
@@ -153,6 +175,49 @@ TEST_F(FileReplacementPosix, HardLinksStayTogether)
     EXPECT_EQ(ReadFile(mFolder / "link"), "short");
     EXPECT_EQ(static_cast<unsigned>(fs::status(mOut).permissions()), 0640U);
     EXPECT_EQ(mFolder.Count(), 2U);
+}
+
+TEST_F(FileReplacementPosix, EachFolderWithoutRoomForACopyIsNamedWithItsReason)
+{
+    fs::create_hard_link(mOut, mFolder / "link"); // so the file is overwritten, after its content is copied
+    WriteFile(mOut, std::string(4096, 'x'));
+    const std::string failure = FailureOfSave(mOut, mFolder / "report", [] {
+        const rlimit limit{512, 512}; // more than the new content and the report, less than the old content
+        return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    });
+    const std::string why = "' (it is larger than files may be here)";
+    EXPECT_EQ(failure, "no temporary file can be written in '" + mFolder.Path().string() + why + " or '" +
+                           mElsewhere.Path().string() + why);
+    EXPECT_EQ(ReadFile(mOut), std::string(4096, 'x'));
+    EXPECT_EQ(mFolder.Count(), 3U) << "a copy is left over";
+}
+
+TEST_F(FileReplacementPosix, EachFolderThatTakesNoNewContentIsNamedWithItsReason)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser can become another user";
+    }
+    GiveToNobody(mOut);
+    const fs::path missing = mElsewhere / "missing";
+    const std::string failure = FailureOfSave(mOut, mFolder / "report", [&missing] {
+        return setenv("TMPDIR", missing.c_str(), 1) == 0 && BecomeNobody();
+    });
+    EXPECT_EQ(failure, "no temporary file can be written in '" + mFolder.Path().string() +
+                           "' (permission denied) or '" + missing.string() + "' (there is no such folder)");
+    EXPECT_EQ(ReadFile(mOut), "old");
+}
+
+TEST_F(FileReplacementPosix, AFolderThatServesBothPurposesIsNamedOnce)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser can become another user";
+    }
+    GiveToNobody(mOut);
+    const std::string failure = FailureOfSave(mOut, mFolder / "report", [this] {
+        return setenv("TMPDIR", mFolder.Path().c_str(), 1) == 0 && BecomeNobody();
+    });
+    EXPECT_EQ(failure,
+              "no temporary file can be written in '" + mFolder.Path().string() + "' (permission denied)");
 }
 
 TEST_F(FileReplacementPosix, ExtendedAttributesAreKept)
