@@ -11,6 +11,7 @@
 #include <tessel/export/Parts.h>
 #include <tessel/export/Render.h>
 #include <tessel/export/files/OutputFolder.h>
+#include <tessel/export/files/SequenceWriter.h>
 #include <tessel/export/plan/Container.h>
 
 #include <fmt/format.h>
@@ -65,6 +66,9 @@ void RenderOne(const RenderOptions& options, const RenderTarget& target,
         job.frames = part ? exporting::FramesOfPart(whole, *part) : whole;
         exporting::PlannedRender render(work.Source(), job);
         const exporting::OutputPlan& plan = render.Plan();
+        if (plan.container->kind == exporting::ContainerKind::Sequence) {
+            exporting::RequireNames(target.output, job.frames.count); // a dry run says it, too
+        }
         if (part) {
             exporting::RequireJoinable(plan);
             render.MarkAsPart(

@@ -99,9 +99,9 @@ void ApplyColors(const TypedValues& values, DocumentEditor& document)
         throw SettingError("has no effect on a swatch chart, whose colours are in its files: give swatches");
     }
     throw SettingError(
-        fmt::format("{} colours were given; field colours have 1 or 2 (upper, lower), a gradient 2 or 4 "
-                    "(top start, top end, bottom start, bottom end)",
-                    colors.size()));
+        fmt::format("{} given; field colours have 1 or 2 (upper, lower), a gradient 2 or 4 (top start, top "
+                    "end, bottom start, bottom end)",
+                    colors.size() == 1 ? "one colour was" : fmt::format("{} colours were", colors.size())));
 }
 
 void ApplySwatches(const TypedValues& values, DocumentEditor& document)

@@ -1,5 +1,7 @@
 #include "Names.h"
 
+#include <kestrel/qelcore/text/LetterCase.h>
+
 #include <algorithm>
 
 namespace tessel::typed {
@@ -22,6 +24,16 @@ std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept
         });
     constexpr std::string_view kPrefix = "kPixelAspectRatio_"; // of every constant
     return found != ratios.end() ? found->constant.substr(kPrefix.size()) : std::string_view();
+}
+
+std::vector<std::string> PixelAspectChoices()
+{
+    std::vector<std::string> names;
+    names.reserve(qelmediatypes::kNamedPixelAspectRatios.size());
+    for (const auto& named : qelmediatypes::kNamedPixelAspectRatios) {
+        names.push_back(qelcore::text::LowerCase(PixelAspectName(named.ratio)));
+    }
+    return names;
 }
 
 std::string_view ChannelTypeName(std::int32_t channelType) noexcept

@@ -5,7 +5,9 @@
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessel::typed {
 
@@ -14,6 +16,9 @@ namespace tessel::typed {
 
 /// The name of one of the host's ratios without its prefix, "DVNTSCWide"; empty for any other.
 [[nodiscard]] std::string_view PixelAspectName(qelmediatypes::PixelAspectRatio ratio) noexcept;
+
+/// The names of all of these ratios, as people type them: "dvntscwide".
+[[nodiscard]] std::vector<std::string> PixelAspectChoices();
 
 /// "stereo" for 2, "5.1" for 3; empty for any other code.
 [[nodiscard]] std::string_view ChannelTypeName(std::int32_t channelType) noexcept;

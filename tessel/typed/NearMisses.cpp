@@ -40,6 +40,16 @@ std::string NearestTo(std::string_view word, std::span<const std::string> candid
     constexpr std::size_t kShortestStart = 2;
     constexpr std::size_t kLongest = 100; // what is longer was no slip of a finger
     const std::string typed = LowerCase(word.substr(0, kLongest));
+    // Letters that are missing at the end are likelier than wrong ones: "rec601" is nearer to "rec601-pal" than
+    // to "rec709".
+    if (typed.size() >= kShortestStart) {
+        const auto begun =
+            std::find_if(candidates.begin(), candidates.end(),
+                         [&typed](const std::string& name) { return LowerCase(name).starts_with(typed); });
+        if (begun != candidates.end()) {
+            return *begun;
+        }
+    }
     const std::size_t most = std::max<std::size_t>(1, typed.size() / 3);
     std::string nearest;
     std::size_t least = most + 1;
@@ -51,12 +61,6 @@ std::string NearestTo(std::string_view word, std::span<const std::string> candid
             least = distance;
             nearest = candidate;
         }
-    }
-    if (nearest.empty() && typed.size() >= kShortestStart) {
-        const auto begun =
-            std::find_if(candidates.begin(), candidates.end(),
-                         [&typed](const std::string& name) { return LowerCase(name).starts_with(typed); });
-        return begun != candidates.end() ? *begun : nearest;
     }
     return nearest;
 }

@@ -8,8 +8,8 @@
 
 namespace tessel::typed {
 
-/// The candidate that is most like `word`: one that it begins, or one with at most one wrong, missing, extra
-/// or swapped letter in three. Case does not count. Empty where none is like it.
+/// The candidate that is most like `word`: the first that it begins, else one with at most one wrong, missing,
+/// extra or swapped letter in three. Case does not count. Empty where none is like it.
 [[nodiscard]] std::string NearestTo(std::string_view word, std::span<const std::string> candidates);
 
 /// "; did you mean 'render'?", to end a message with; empty where nothing is like the word.

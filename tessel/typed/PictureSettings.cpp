@@ -1,7 +1,6 @@
 #include "PictureSettings.h"
 
 #include "DocumentValues.h"
-#include "Names.h"
 #include "NearMisses.h"
 #include "RequiredRow.h"
 #include "ValueReaders.h"
@@ -9,8 +8,6 @@
 #include <kestrel/brindle/PixelFormat.h>
 #include <kestrel/qelcore/serialization/Json.h>
 #include <kestrel/qelcore/text/FourCharacterText.h>
-#include <kestrel/qelcore/text/LetterCase.h>
-#include <kestrel/qelmediatypes/PixelAspectRatio.h>
 #include <tessel/document/settings/ColorSpaceNames.h>
 #include <tessel/document/settings/DocumentRules.h>
 #include <tessel/document/settings/KeyTable.h>
@@ -83,16 +80,6 @@ void ApplyPixelAspect(const TypedValues& values, DocumentEditor& document)
     const auto [numerator, denominator] = ReadPixelAspect(values.front());
     document.Set("mFramePAR.numerator", IntegerValue(numerator));
     document.Set("mFramePAR.denominator", IntegerValue(denominator));
-}
-
-std::vector<std::string> PixelAspectChoices()
-{
-    std::vector<std::string> names;
-    names.reserve(qelmediatypes::kNamedPixelAspectRatios.size());
-    for (const auto& named : qelmediatypes::kNamedPixelAspectRatios) {
-        names.push_back(qelcore::text::LowerCase(PixelAspectName(named.ratio)));
-    }
-    return names;
 }
 
 void ApplyFields(const TypedValues& values, DocumentEditor& document)

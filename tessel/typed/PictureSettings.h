@@ -17,7 +17,6 @@ void ApplyPixelFormat(const TypedValues& values, document::DocumentEditor& docum
 /// @}
 
 /// The names that a setting takes. @{
-[[nodiscard]] std::vector<std::string> PixelAspectChoices();
 [[nodiscard]] std::vector<std::string> ColorSpaceChoices();
 [[nodiscard]] std::vector<std::string> PixelLayoutChoices();
 /// @}

@@ -2,6 +2,7 @@
 
 #include "ContentSettings.h"
 #include "KeySettings.h"
+#include "Names.h"
 #include "NearMisses.h"
 #include "PictureSettings.h"
 #include "SettingError.h"

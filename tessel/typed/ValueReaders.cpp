@@ -1,6 +1,7 @@
 #include "ValueReaders.h"
 
 #include "Names.h"
+#include "RequiredRow.h"
 #include "SettingError.h"
 
 #include <kestrel/qelmediatypes/PixelAspectRatio.h>
@@ -238,7 +239,7 @@ Pair ReadPixelAspect(std::string_view text)
     const auto whole = ParsePositive(text);
     const auto ratio = whole ? std::optional(Pair{*whole, 1}) : ParsePair(text, '/');
     if (!ratio) {
-        Refuse("a pixel aspect ratio such as 10/11, or a name such as dvntsc", text);
+        RefuseWord(text, "a pixel aspect ratio such as 10/11, or a name such as dvntsc", PixelAspectChoices());
     }
     return *ratio;
 }

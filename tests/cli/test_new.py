@@ -218,8 +218,15 @@ class New(DocumentTest):
         self.refuse(["--sample-rate", "-1"], "--sample-rate: must be")
         self.refuse(["--pixel-format", "v201"], "must be a pixel format", "did you mean 'v210'?")
         self.refuse(["--color-space", "rec790"], "did you mean 'rec709'?")
-        self.refuse(["--color-space", "rec601"], "must be a colour space")  # two have this beginning
+        # Several have these beginnings.
+        for beginning, nearest in (("rec601", "rec601-ntsc"), ("bt70", None), ("rec70", "rec709"), ("rec7", "rec709"),
+                                   ("rec", "rec601-ntsc")):
+            self.refuse(["--color-space", beginning], "must be a colour space",
+                        f"did you mean '{nearest}'?" if nearest else "")
         self.refuse(["--ident", "blitz"], "did you mean 'blits'?")
+        self.refuse(["--pixel-aspect", "dvntscc"], "must be a pixel aspect ratio", "did you mean 'dvntsc'?")
+        self.refuse(["--picture", "fields", "--colors", "red/blue/red"], "3 colours were given")
+        self.refuse(["--picture", "gradient", "--colors", "red"], "one colour was given")
         self.refuse(["--fields", "uper"], "did you mean 'upper'?")
         self.refuse(["--template", "hd-bar"], "did you mean 'hd-bars'?")
         self.refuse(["--set", "mFrameWith=5"], "did you mean 'mFrameWidth'?")

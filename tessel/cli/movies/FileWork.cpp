@@ -99,6 +99,7 @@ void RunInterruptibly(const std::function<void()>& work)
         work();
     } catch (const exporting::Interrupted&) {
         // Everything unfinished is gone by now.
+        WriteError("interrupted; unfinished files were removed");
         exporting::InterruptGuard::EndAsSignalled();
     }
 }

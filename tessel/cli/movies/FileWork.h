@@ -63,7 +63,8 @@ private:
     std::optional<exporting::ProgressBar> mBar;
 };
 
-/// What comes of being told to stop: the program ends by the signal, and nothing unfinished is left.
+/// What comes of being told to stop: the program says so and ends by the signal, and nothing unfinished is
+/// left.
 void RunInterruptibly(const std::function<void()>& work);
 
 } // namespace tessel::cli

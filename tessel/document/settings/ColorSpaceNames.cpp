@@ -90,9 +90,10 @@ std::optional<NamedColorSpace> ColorSpaceNamed(std::string_view text)
         return std::nullopt;
     }
     const auto predefined = BR::QELColorSpaceFromSDKPredefinedColorSpace("BT" + wanted.substr(kRec.size()));
-    const std::string title = BR::ColorSpaceUtils::QELColorSpaceToString(predefined, BR::kDescriptiveName);
-    // An unknown name gives Rec. 709, which was found above where it was meant.
-    return count > 1 && Bare(title).starts_with(wanted) ? ColorSpaceNamed(title) : std::nullopt;
+    if (count < 2 || predefined == BR::ColorSpaces::Rec709()) {
+        return std::nullopt; // The host answers unknown names, "BT70" too, with Rec. 709.
+    }
+    return ColorSpaceNamed(BR::ColorSpaceUtils::QELColorSpaceToString(predefined, BR::kDescriptiveName));
 }
 
 } // namespace tessel::document

@@ -60,6 +60,16 @@ std::string NumberedName::With(std::int64_t number) const
     return fmt::format("{}{:0{}}{}", mBefore, number, mDigits, mAfter);
 }
 
+void RequireNames(const fs::path& target, std::int64_t pictureCount)
+{
+    if (target != "-" && pictureCount != 1 && !NumberedName::Parse(UTF8Text(target.filename()))) {
+        throw RequestError(
+            fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
+                        "in {}_%06d{}, or choose one frame with --from N --frames 1",
+                        UTF8Text(target), pictureCount, UTF8Text(target.stem()), UTF8Text(target.extension())));
+    }
+}
+
 SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount)
 {
     if (target == "-") {
@@ -70,12 +80,7 @@ SequenceWriter::SequenceWriter(const fs::path& target, std::int64_t pictureCount
         mNumbered.emplace(target.parent_path(), *std::move(name));
         return;
     }
-    if (pictureCount != 1) {
-        throw ExportError(
-            fmt::format("'{}' is one picture, but there are {} frames: put a number into the name, as "
-                        "in {}_%06d{}, or choose one frame with --from N --frames 1",
-                        UTF8Text(target), pictureCount, UTF8Text(target.stem()), UTF8Text(target.extension())));
-    }
+    RequireNames(target, pictureCount);
     mSingle.emplace(target);
 }
 

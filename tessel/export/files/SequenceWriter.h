@@ -30,6 +30,12 @@ private:
     int mDigits = 1;
 };
 
+/// Every picture of a sequence needs a different name.
+/// @param target  as `SequenceWriter` takes it
+/// @throws RequestError  for several pictures and a target without a number
+/// @throws ExportError   as `NumberedName::Parse`
+void RequireNames(const std::filesystem::path& target, std::int64_t pictureCount);
+
 /// Where the pictures of a sequence go: numbered files, one file, or one after the other into standard output.
 /// Numbered files take their names when all are whole. If one of them cannot, the old files come back and no
 /// new ones stay. Their folder is made where it is missing. Threads: one object, one thread at a time.
@@ -37,7 +43,8 @@ class SequenceWriter {
 public:
     /// @param target        path with a number in its file name; for one picture it may go without; `-`
     /// @param pictureCount  how many will come
-    /// @throws ExportError  for several pictures without a number, and where the folder cannot be written to
+    /// @throws RequestError  as `RequireNames`
+    /// @throws ExportError   where the folder cannot be written to
     SequenceWriter(const std::filesystem::path& target, std::int64_t pictureCount);
 
     /// @param number  the frame's number in its clip

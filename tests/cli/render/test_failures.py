@@ -188,7 +188,8 @@ class Failures(RenderTest):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             for output in ("x.mkv", "x.mov", "x_%04d.png"):
                 code, errors = self.end_half_way(number, output)
-                self.assertEqual((code, errors), (-number, b""), output)
+                self.assertEqual((code, errors), (-number, b"tessel: interrupted; unfinished files were removed\n"),
+                                 output)
                 self.left_over("clip.tessel")
 
     def test_killed_half_way_nothing_is_left_of_a_movie(self):
@@ -316,7 +317,8 @@ class Failures(RenderTest):
 
     def test_several_pictures_need_a_number_in_the_name(self):
         clip = self.clip(frames=3)
-        self.refuse("render", clip, "-o", "x.png", says=("x_%06d.png", "--frames 1"))
+        for arguments in ((), ("--dry-run",)):
+            self.refuse("render", clip, "-o", "x.png", *arguments, code=2, says=("x_%06d.png", "--frames 1"))
         for name in ("x_%d_%d.png", "x_%s.png", "x_%6d.png", "x_%.png"):
             self.refuse("render", clip, "-o", name, code=2, says=("%06d",))
         self.left_over("clip.tessel")

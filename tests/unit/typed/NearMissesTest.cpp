@@ -24,6 +24,8 @@ TEST(NearMisses, ABeginningStandsForTheWholeWord)
 {
     EXPECT_EQ(NearestTo("ver", kCommands), "verify");
     EXPECT_EQ(NearestTo("v", kCommands), "") << "one letter says nothing";
+    const std::vector<std::string> spaces = {"rec709", "rec601-pal"};
+    EXPECT_EQ(NearestTo("rec601", spaces), "rec601-pal") << "though two other letters make rec709 of it";
 }
 
 TEST(NearMisses, WhatIsLikeNothingGetsNoGuess)
