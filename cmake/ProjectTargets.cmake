@@ -14,7 +14,8 @@ function(tessel_set_version target)
 endfunction()
 
 # tessel_add_test(NAME name SOURCES file... [LIBRARIES library...] [PRECOMPILE header...])
-# A GoogleTest program; each of its tests is one CTest test. Its libraries may bring compiler flags with which the
+# A GoogleTest program; each of its tests is one CTest test. CTest shows the names that a test gives its parameters, not
+# their values, which may be bytes with addresses. The program's libraries may bring compiler flags with which the
 # precompiled headers of other tests cannot be used: PRECOMPILE names the headers that this program precompiles instead.
 function(tessel_add_test)
     cmake_parse_arguments(arg "" "NAME" "SOURCES;LIBRARIES;PRECOMPILE" ${ARGN})
@@ -32,6 +33,6 @@ function(tessel_add_test)
     list(FILTER cSources INCLUDE REGEX "\\.c$")
     set_source_files_properties(${cSources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-programs")
-    gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${arg_NAME}: "
+    gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX "${arg_NAME}: "
                          PROPERTIES TIMEOUT 300)
 endfunction()

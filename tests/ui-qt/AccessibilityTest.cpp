@@ -243,7 +243,11 @@ TEST_P(SettingsDialogOn, NumbersStandBesideTheirLabels)
 
 // 1920x1080, 1366x768, and 1920x1080 at scale 2, without what a desktop takes.
 INSTANTIATE_TEST_SUITE_P(Screens, SettingsDialogOn,
-                         testing::Values(QSize(1904, 1020), QSize(1350, 708), QSize(944, 480)));
+                         testing::Values(QSize(1904, 1020), QSize(1350, 708), QSize(944, 480)),
+                         [](const auto& info) {
+                             return std::to_string(info.param.width()) + "x" +
+                                    std::to_string(info.param.height());
+                         });
 
 TEST_F(SettingsDialog, AllIsInSightAtOnceOnAFullHdScreen)
 {
@@ -443,7 +447,8 @@ TEST_P(FocusIn, IsSeenOnEveryControl)
     kestrelqt::ApplyTheme(*qApp, qelui::Theme::Dark);
 }
 
-INSTANTIATE_TEST_SUITE_P(Themes, FocusIn, testing::Values(qelui::Theme::Dark, qelui::Theme::Light));
+INSTANTIATE_TEST_SUITE_P(Themes, FocusIn, testing::Values(qelui::Theme::Dark, qelui::Theme::Light),
+                         [](const auto& info) { return ui_qt::NameOf(info.param); });
 
 TEST(ColorPickerAccessibility, EveryFocusableControlHasANameAndTabReachesIt)
 {

@@ -33,6 +33,12 @@ inline kestrelqt::QtToolkit& Toolkit()
     return *toolkit;
 }
 
+/// A theme in the name of a test.
+inline std::string NameOf(qelui::Theme theme)
+{
+    return theme == qelui::Theme::Dark ? "Dark" : "Light";
+}
+
 /// Lets Qt process the events that wait.
 inline void Settle()
 {

@@ -108,6 +108,6 @@ TEST_P(Theme, DisabledTextCanStillBeRead)
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, Theme, testing::Values(qelui::Theme::Dark, qelui::Theme::Light),
-                         [](const auto& info) { return info.param == qelui::Theme::Dark ? "Dark" : "Light"; });
+                         [](const auto& info) { return ui_qt::NameOf(info.param); });
 
 } // namespace

@@ -9,11 +9,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace {
@@ -166,10 +169,28 @@ TEST_P(OddSampleRate, FillsTheBuffersAndNothingElseFromAnyPosition)
 using audiotest::kInfinity;
 using audiotest::kNaN;
 
+/// A rate in the name of a test, which takes letters and digits alone: 1e-45 is "1eminus45".
+std::string NameOf(float rate)
+{
+    std::array<char, 32> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), rate).ptr;
+    std::string name;
+    for (const char* digit = digits.data(); digit != end; ++digit) {
+        if (*digit == '-') {
+            name += "minus";
+        } else if (*digit == '.') {
+            name += "point";
+        } else if (*digit != '+') {
+            name += *digit;
+        }
+    }
+    return name;
+}
+
 INSTANTIATE_TEST_SUITE_P(Rates, OddSampleRate,
                          ::testing::Values(0.0F, -0.0F, 1e-45F, 1e-30F, 0.5F, 3.0F, 47999.7F, 48000.0F, 1e11F,
                                            2e11F, 2.6e11F, 1e12F, 3e38F, -1e-30F, -48000.0F, -3e38F, kNaN,
                                            kInfinity, -kInfinity),
-                         [](const auto& info) { return std::to_string(info.index); });
+                         [](const auto& info) { return NameOf(info.param); });
 
 } // namespace

@@ -143,7 +143,8 @@ TEST_P(FieldFaultsTold, MixedFrames)
            [&](int n) { return [&, n](int y, int x) { return (At(n, y, x) + At(n + 1, y, x)) / 2; }; });
 }
 
-INSTANTIATE_TEST_SUITE_P(OfTwoColorsAndOfOnePicture, FieldFaultsTold, ::testing::Values(60.0, 0.0));
+INSTANTIATE_TEST_SUITE_P(OfTwoColorsAndOfOnePicture, FieldFaultsTold, ::testing::Values(60.0, 0.0),
+                         [](const auto& info) { return info.param == 0 ? "OnePicture" : "TwoColors"; });
 
 TEST(FieldDecision, HalfARowOfMovementIsNoFaultOfFields)
 {
