@@ -5,7 +5,7 @@ import struct
 import unittest
 import zlib
 
-from program import HAS_PLAYER, TICKS_PER_SECOND, ProgramTest, document
+from program import HAS_PLAYER, TICKS_PER_SECOND, ProgramTest, color, document
 
 
 def pixels_of(path):
@@ -93,8 +93,7 @@ class View(ProgramTest):
     def test_clips_stand_side_by_side(self):
         self.clip()
         self.write("other.tessel", document(mFrameWidth=64, mFrameHeight=48, mRenderFormat=0, mFieldType=0,
-                                            mDrawFrameFieldNumber=False, mUpperFieldColor={
-                                                "mAlphaPart": 1, "mRedPart": 0, "mGreenPart": 0, "mBluePart": 1}))
+                                            mDrawFrameFieldNumber=False, mUpperFieldColor=color(0, 0, 1)))
         counts = counts_of(self.picture("clip.tessel", "other.tessel", "--press", "X"))
         self.assertEqual(counts.get((255, 128, 64)), 24 * 64)
         self.assertGreaterEqual(counts.get((0, 0, 255), 0), 24 * 64)

@@ -4,7 +4,7 @@ import random
 from fractions import Fraction
 
 from clips import chart
-from render_support import FORMATS, document
+from render_support import FORMATS, color, document
 
 COUNT = 60
 CHART_EVERY = 20  # the chart is 1920×1080 and takes its time
@@ -56,6 +56,5 @@ def random_document(seed):
                     aspect=chance.choice(ASPECTS), space=chance.choice(SPACES), **colors, **random_sound(chance))
     for key in ("mTopGradiantColorStart", "mTopGradiantColorEnd", "mBottomGradiantColorStart",
                 "mBottomGradiantColorEnd"):
-        red, green, blue, alpha = random_color(chance, has_alpha)
-        root[key] = {"mAlphaPart": alpha, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
+        root[key] = color(*random_color(chance, has_alpha))
     return root

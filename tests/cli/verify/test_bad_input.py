@@ -4,7 +4,7 @@ import os
 import resource
 import subprocess
 
-from verify_support import VerifyTest, document, gradient, main
+from verify_support import VerifyTest, color, document, gradient, main
 
 
 class BadInput(VerifyTest):
@@ -94,10 +94,9 @@ class BadInput(VerifyTest):
     def test_another_clip_with_numbers_of_its_own_is_something_else(self):
         root = gradient(frames=24)
         other = gradient(frames=24)
-        for key, color in (("mTopGradiantColorStart", (0.1, 0.1, 0.8)), ("mTopGradiantColorEnd", (0.0, 0.9, 0.9)),
-                           ("mBottomGradiantColorStart", (0.9, 0.9, 0.1)), ("mBottomGradiantColorEnd", (0.2, 0.0, 0.6))):
-            red, green, blue = color
-            other[key] = {"mAlphaPart": 1.0, "mRedPart": red, "mGreenPart": green, "mBluePart": blue}
+        for key, rgb in (("mTopGradiantColorStart", (0.1, 0.1, 0.8)), ("mTopGradiantColorEnd", (0.0, 0.9, 0.9)),
+                         ("mBottomGradiantColorStart", (0.9, 0.9, 0.1)), ("mBottomGradiantColorEnd", (0.2, 0.0, 0.6))):
+            other[key] = color(*rgb)
         self.expect(self.verify(root, self.render(other, "other.mkv")), "signal.other")
 
     def test_the_clip_under_a_curve_is_still_the_clip(self):

@@ -7,7 +7,7 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "render"))
 
-from render_support import RenderTest, document, main  # noqa: E402,F401
+from render_support import RenderTest, color, document, main  # noqa: E402,F401
 
 FRAMES = 30
 
