@@ -70,6 +70,14 @@ class Manual(unittest.TestCase):
         self.assertNotIn("`", page)
 
     @unittest.skipUnless(shutil.which("man") and shutil.which("groff"), "man-db or groff is not installed")
+    def test_no_word_is_hyphenated_because_many_are_typed(self):
+        for page in PAGES:
+            done = subprocess.run(["man", "-l", page], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=True,
+                                  env=dict(os.environ, MANWIDTH="80", LC_ALL="C.UTF-8"))
+            broken = [line for line in done.stdout.splitlines() if line.endswith("\N{HYPHEN}")]
+            self.assertEqual(broken, [], page)
+
+    @unittest.skipUnless(shutil.which("man") and shutil.which("groff"), "man-db or groff is not installed")
     def test_topics_fit_a_terminal(self):
         for topic in dump()["topics"]:
             page, = (path for path in PAGES if os.path.basename(path) == f"tessel-{topic['name']}.7")
