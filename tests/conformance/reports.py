@@ -98,6 +98,7 @@ class Reports(unittest.TestCase):
         for arguments in ((), ("--check",), ("--nonsense",), (IMPORTER, "--check", "frame.nonsense"),
                           (IMPORTER, "--time-limit", "0"), (IMPORTER, "--seed", "-1"), (IMPORTER, "--suite", "all"),
                           (IMPORTER, "--document", "/nowhere/a"), (IMPORTER, IMPORTER), ("",),
+                          ("/nowhere/plugin.so",), ("/",),
                           (IMPORTER, "--document", "")):
             result = run(*arguments)
             self.assertEqual((result.returncode, result.stdout), (2, ""), arguments)

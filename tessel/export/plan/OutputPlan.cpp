@@ -68,6 +68,10 @@ OutputPlan PlanOutput(const document::ClipFacts& clip, const OutputRequest& requ
     if (container.TakesAudio() && request.streams != Streams::VideoOnly && clip.channelCount > 0) {
         plan.audio = PlanAudio(clip, container, request.audioCodec, request.dither);
     }
+    // Not for sequences: of picture files everybody knows that they have no sound.
+    if (request.streams == Streams::All && container.kind == ContainerKind::PictureOnly) {
+        plan.channelsLeftOut = clip.channelCount;
+    }
     if (!plan.video && !plan.audio) {
         throw ExportError(
             fmt::format("the clip has no sound{}", SettingHint(clip, document::Setting::ChannelCount)));

@@ -38,6 +38,7 @@ struct OutputPlan {
     const Container* container = nullptr;
     std::optional<VideoPlan> video;
     std::optional<AudioPlan> audio;
+    std::int32_t channelsLeftOut = 0; ///< of the clip's sound, where the container is a stream of pictures
     std::optional<Timecode> timecode; ///< of the file's first picture
     std::string comment;              ///< a text that goes into the file where its container has a place
 };

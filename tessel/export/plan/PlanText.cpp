@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cstdint>
 #include <utility>
 
 namespace tessel::exporting {
@@ -15,6 +16,11 @@ std::string RateText(const PictureGeometry& geometry)
     return geometry.rateDenominator == 1
                ? fmt::format("{} fps", geometry.rateNumerator)
                : fmt::format("{}/{} fps", geometry.rateNumerator, geometry.rateDenominator);
+}
+
+std::string CountedChannels(std::int64_t count)
+{
+    return fmt::format("{} {}", count, count == 1 ? "channel" : "channels");
 }
 
 std::string AspectText(const PictureGeometry& geometry)
@@ -174,8 +180,8 @@ std::string DescribeTags(const VideoPlan& plan)
 
 std::string DescribeAudio(const AudioPlan& plan)
 {
-    return fmt::format("{}, {} Hz, {} {}{}", plan.codec->name, plan.sampleRate, plan.hostChannels.size(),
-                       plan.hostChannels.size() == 1 ? "channel" : "channels",
+    return fmt::format("{}, {} Hz, {}{}", plan.codec->name, plan.sampleRate,
+                       CountedChannels(static_cast<std::int64_t>(plan.hostChannels.size())),
                        plan.layout == SpeakerLayout::Surround51 ? " (5.1)" : "");
 }
 
@@ -184,6 +190,9 @@ std::vector<std::string> LossesOf(const OutputPlan& plan)
     std::vector<std::string> losses;
     if (plan.video) {
         AddLosses(*plan.video, *plan.container, losses);
+    }
+    if (plan.channelsLeftOut > 0) {
+        losses.push_back(fmt::format("sound ({})", CountedChannels(plan.channelsLeftOut)));
     }
     if (plan.audio && plan.audio->layout == SpeakerLayout::Surround51 &&
         !Holds(plan.container->keeps | plan.audio->codec->keeps, Keeps::ChannelLayout)) {

@@ -140,6 +140,13 @@ class Tags(RenderTest):
                 self.assertEqual(done.returncode, 0, done.stderr)
                 self.assertEqual("colours (primaries 2, transfer 2, matrix 1)" in done.stderr.decode(), is_lost, done.stderr)
 
+    def test_a_stream_of_pictures_says_which_sound_it_leaves_out(self):
+        clip = self.save(document(frames=2))
+        for arguments, is_said in (((), True), (("--dry-run",), True), (("--video-only",), False)):
+            done = self.run_tessel("render", clip, "-o", "x.y4m", *arguments)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertEqual(b"sound (2 channels)" in done.stdout + done.stderr, is_said, arguments)
+
     def test_containers_keep_colors(self):
         for code, output in (("bgra", "x.mov"), ("BGra", "x.mov"), ("vUYa", "x.mov"), ("VUYA", "x.mp4"), ("VUYA", "x.mxf")):
             path = self.render(document(code, (128, 96), (25, 1), frames=3), output, "--video-only")

@@ -107,6 +107,9 @@ Options ParseCommandLine(const std::vector<std::string>& arguments)
     if (options.plugin.empty() && !options.list && !options.help && !options.version) {
         throw std::invalid_argument("which plug-in? Name its file; --help names the options");
     }
+    if (!options.plugin.empty() && !std::filesystem::is_regular_file(options.plugin)) {
+        throw std::invalid_argument("the plug-in " + options.plugin.string() + " is not a file");
+    }
     if (!options.document.empty() && !std::filesystem::is_regular_file(options.document)) {
         throw std::invalid_argument("--document " + options.document.string() + " is not a file");
     }
