@@ -155,12 +155,14 @@ class View(ProgramTest):
 
     def test_without_a_display_a_window_is_refused_in_one_line(self):
         self.clip()
-        for environment in ({"DISPLAY": "", "WAYLAND_DISPLAY": "", "QT_QPA_PLATFORM": ""},
-                            {"DISPLAY": ":4711", "WAYLAND_DISPLAY": "", "QT_QPA_PLATFORM": ""}):
-            with self.subTest(environment=environment):
-                answer = self.run_program("view", "clip.tessel", environment=environment)
+        nothing = {"DISPLAY": "", "WAYLAND_DISPLAY": "", "QT_QPA_PLATFORM": ""}
+        for chosen, says in (({}, "there is no display"), ({"DISPLAY": ":4711"}, "connect to display :4711"),
+                             ({"QT_QPA_PLATFORM": "nonsense"}, "Qt platform plugin \"nonsense\"")):
+            with self.subTest(chosen=chosen):
+                answer = self.run_program("view", "clip.tessel", environment={**nothing, **chosen})
                 self.assertEqual(answer.code, 1)
-                self.assertIn("display", answer.err)
+                self.assertIn(says, answer.err)
+                self.assertEqual((answer.err.count("\n"), answer.err.count("\\n")), (1, 0), answer.err)
 
 
 if __name__ == "__main__":

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <string_view>
 
 namespace tessel::view {
 namespace {
@@ -26,17 +27,42 @@ bool IsSet(const char* name)
     return value != nullptr && *value != '\0';
 }
 
-/// Qt ends the process where it finds no display that it can use: with one line of ours, and no core.
+std::string LineOf(const QString& text)
+{
+    return importhost::OneLine(text.toStdString());
+}
+
+/// One line of ours, and no core.
+[[noreturn]] void EndWith(const std::string& line)
+{
+    std::fprintf(stderr, "tessel: %s\n", line.c_str());
+    std::_Exit(1);
+}
+
+/// Qt's warnings are for developers.
 void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
 {
     if (type == QtFatalMsg) {
-        const std::string line = importhost::OneLine(text.toStdString());
-        std::fprintf(stderr, "tessel: no window can be opened: %s\n", line.c_str());
-        std::_Exit(1);
+        EndWith(LineOf(text));
     }
-    // Warnings of Qt's are for developers, but for those that tell why the above follows.
     if (type == QtCriticalMsg) {
-        std::fprintf(stderr, "tessel: %s\n", importhost::OneLine(text.toStdString()).c_str());
+        std::fprintf(stderr, "tessel: %s\n", LineOf(text).c_str());
+    }
+}
+
+/// While Qt looks for a display. Where it finds none it warns why, and then ends the process with a text of
+/// several lines that gives no reason.
+void TakeReason(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    static std::string reasons;
+    const bool isOfPlatform =
+        context.category != nullptr && std::string_view(context.category).starts_with("qt.qpa.");
+    if (type == QtWarningMsg && isOfPlatform) {
+        reasons += (reasons.empty() ? "" : "; ") + LineOf(text);
+    } else if (type == QtFatalMsg) {
+        EndWith("no window can be opened: " + (reasons.empty() ? LineOf(text) : reasons));
+    } else {
+        TakeMessage(type, context, text);
     }
 }
 
@@ -197,11 +223,12 @@ void RunWindow(const WindowRequest& request)
         }
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    qInstallMessageHandler(TakeMessage);
+    qInstallMessageHandler(TakeReason);
     int count = 1;
     char name[] = "tessel-view";
     char* arguments[] = {name, nullptr};
     QApplication application(count, arguments);
+    qInstallMessageHandler(TakeMessage);
     QApplication::setApplicationDisplayName("Tessel");
     QApplication::setDesktopFileName("tessel");
     UseNeutralColors(application, request.isLight);
