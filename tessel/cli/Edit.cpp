@@ -135,6 +135,15 @@ void RequireClipName(const importhost::Importer& importer, const std::filesystem
     }
 }
 
+/// A new clip begins with default settings: it must not replace a document that somebody meant to edit.
+void RequireNoFile(const std::filesystem::path& out)
+{
+    std::error_code error;
+    if (std::filesystem::exists(std::filesystem::symlink_status(out, error))) {
+        throw HostError(DisplayName(out) + ": is there already; without -o it is edited");
+    }
+}
+
 void Edit(Context& context, const EditOptions& options)
 {
     const bool isNew = options.clip.empty();
@@ -148,6 +157,9 @@ void Edit(Context& context, const EditOptions& options)
         ParseSequenceValues(options.size, options.rate, options.pixelAspect);
     if (!options.out.empty()) {
         importhost::RequireUTF8Name(options.out);
+    }
+    if (isNew) {
+        RequireNoFile(options.out);
     }
     auto& userInterface = qelui::UserInterface::Get();
     userInterface.SetScriptOption("--script FILE");

@@ -44,6 +44,14 @@ class CommandLine(ProgramTest):
                                ".tessel was expected")
         self.assertEqual(sorted(os.listdir(self.folder)), ["accept.script", "clip.tessel"])
 
+    def test_a_new_document_takes_no_other_ones_place(self):
+        clip = self.write("clip.tessel", document())
+        script = self.write("accept.script", "press okButton\n")
+        before = os.stat(self.path(clip)).st_mtime_ns
+        self.assert_failed(self.run_program("edit", "-o", clip, "--script", script), 1, clip, "is there already")
+        self.assertEqual(os.stat(self.path(clip)).st_mtime_ns, before)
+        self.assert_done(self.run_program("edit", clip, "-o", clip, "--script", script))
+
     def test_pipes_in_the_place_of_files_are_not_waited_for(self):
         clip = self.write("clip.tessel", document())
         os.mkfifo(self.path("pipe"))
