@@ -242,6 +242,7 @@ void FillFacts(MovieFacts& facts, const AVFormatContext& input, const AVCodecCon
     facts.sayable = SayableOf(input, codec);
     const std::string_view head = std::string_view(facts.container).substr(0, facts.container.find(','));
     facts.kind = KindOf(input, head);
+    facts.startsAnywhere = head == "mpegts" || head == "mpeg" || head == "rtp" || head == "rtsp";
     for (const ContainerSays& row : kContainers) {
         if (row.name == head) {
             facts.carriesPictures = row.pictures;

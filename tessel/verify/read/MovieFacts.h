@@ -99,6 +99,7 @@ struct MovieFacts {
     std::optional<double> durationSeconds;
     std::optional<double> startSeconds;
     Sayable sayable;
+    bool startsAnywhere = false;       ///< transport and network streams; times of others count from 0
     bool carriesPictures = true;       ///< the kind of container does
     bool carriesSound = true;          ///< the kind of container does
     std::vector<std::string> warnings; ///< what the decoders complained about, each once

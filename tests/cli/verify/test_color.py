@@ -46,6 +46,13 @@ class Color(VerifyTest):
         finding = self.expect(report, "container.matrix")
         self.assertEqual([inner["id"] for inner in finding["consequences"]], ["color.matrix"])
 
+    def test_the_matrix_of_rgb_on_pictures_in_ycbcr(self):
+        root = gradient("bgrx", space="sRGB")
+        movie = self.filtered(root, "scale=out_color_matrix=bt709:out_range=tv,format=yuv444p", "-color_range", "tv",
+                              "-colorspace", "rgb")
+        finding = self.expect(self.verify(root, movie), "container.matrix")
+        self.assertEqual(finding["message"], "the announced matrix is R'G'B', not one of Y'CbCr")
+
     def test_squeezed_and_expanded_range(self):
         finding = self.fault("v211", "scale=in_range=full:out_range=limited", "color.range")
         self.assertEqual(finding["found"], "squeezed")

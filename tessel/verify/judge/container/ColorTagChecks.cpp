@@ -52,10 +52,12 @@ private:
             const bool isFine = picture.matrix == 0 || picture.matrix == 2;
             FaultUnless(isFine, id::kContainerMatrix, "the announced matrix", MatrixName(0),
                         MatrixName(picture.matrix));
+        } else if (mClip.matrix == 0 && picture.matrix == 0) {
+            FaultUnless(false, id::kContainerMatrix, "the announced matrix", "one of Y'CbCr", MatrixName(0));
         } else if (mClip.matrix == 0) {
-            // Which matrix makes Y'CbCr of R'G'B' is free; whether the codes follow it, colour is asked.
+            // Any matrix may make Y'CbCr of R'G'B'. The checks of colours find codes that do not follow it.
             JudgeTag(id::kContainerMatrix, "matrix", picture.matrix == 2 ? 1 : picture.matrix, picture.matrix,
-                     picture.matrix != 0, MatrixName);
+                     /*isSame=*/true, MatrixName);
         } else {
             JudgeTag(id::kContainerMatrix, "matrix", mClip.matrix, picture.matrix,
                      IsSameMatrix(mClip.matrix, picture.matrix), MatrixName);

@@ -78,9 +78,7 @@ private:
 
     void JudgeStart()
     {
-        // Transport streams start anywhere; elsewhere times count from 0.
-        const std::string kind = mMovie.container.substr(0, mMovie.container.find(','));
-        const bool isFree = kind == "mpegts" || kind == "mpeg" || kind == "rtp" || kind == "rtsp";
+        const bool isFree = mMovie.startsAnywhere;
         const double base = isFree ? mMovie.startSeconds.value_or(0.0) : 0.0;
         const double pictureStart = mMovie.picture && !mGiven.alignment.pictures.empty()
                                         ? mGiven.alignment.pictures.front().seconds.value_or(base) - base

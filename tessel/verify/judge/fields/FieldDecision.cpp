@@ -52,7 +52,7 @@ constexpr double kLeastNoise = 0.1;
 // A share between nothing (0) and the whole fault (1) is told when it is known better than this.
 constexpr double kTellingShare = 0.4;
 
-/// PairSums over all pictures for pairs of hypotheses.
+/// Sums over all pictures for pairs of hypotheses.
 class PairSums {
 public:
     explicit PairSums(std::span<const FieldEvidence> evidence)
@@ -104,7 +104,7 @@ FieldDecision Decide(std::span<const FieldEvidence> evidence, double leastApart)
     };
     std::size_t best = kRight;
     for (std::size_t h = 0; h < kHypotheses.size(); ++h) {
-        // PairSums of floats agree to some millionths.
+        // Sums of floats agree to some millionths.
         if (isPossible(h) && sums.Residual(h) < sums.Residual(best) * (1 - 1e-5)) {
             best = h;
         }

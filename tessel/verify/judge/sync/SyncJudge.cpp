@@ -54,8 +54,7 @@ struct PictureTime {
 PictureTime TimeOfPictures(const SyncCase& given)
 {
     PictureTime time;
-    const std::string kind = given.movie.container.substr(0, given.movie.container.find(','));
-    const bool isFree = kind == "mpegts" || kind == "mpeg" || kind == "rtp" || kind == "rtsp";
+    const bool isFree = given.movie.startsAnywhere;
     time.late = isFree ? given.movie.startSeconds.value_or(0.0) : 0.0;
     const auto method = given.alignment.method;
     if (!given.clip.hasPicture || (method != AlignmentMethod::Number && method != AlignmentMethod::Color)) {
@@ -76,9 +75,9 @@ PictureTime TimeOfPictures(const SyncCase& given)
         return time;
     }
     time.isByNumber = true;
-    // Times are rounded to the container's unit: a second's mean tells better than one picture.
-    // An odd number of pictures, so that the median is the one in the middle.
-    const std::size_t head = std::clamp<std::size_t>(at.size() / 8, 0, 15) * 2 + 1;
+    // Times are rounded to the container's unit: the median of a second tells better than one picture. Of an
+    // odd number of pictures it is the one in the middle.
+    const std::size_t head = std::min<std::size_t>(at.size() / 8, 15) * 2 + 1;
     std::vector<double> first(late.begin(), late.begin() + static_cast<std::ptrdiff_t>(head));
     std::nth_element(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(head / 2), first.end());
     time.late = first[head / 2];
