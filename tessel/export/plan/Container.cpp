@@ -170,7 +170,7 @@ std::span<const Container> AllContainers() noexcept
 
 const Container* ContainerNamed(std::string_view name) noexcept
 {
-    if (const Container* named = RowNamed<Container>(kContainers, name)) {
+    if (const auto* named = RowNamed<Container>(kContainers, name)) {
         return named;
     }
     for (const Container& container : kContainers) {
