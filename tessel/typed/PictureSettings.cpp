@@ -33,7 +33,7 @@ std::string NameOfLayoutLike(std::string text)
     std::replace(text.begin(), text.end(), '_', '-');
     for (const document::PixelLayout& layout : document::AllPixelLayouts()) {
         if (IsSameName(layout.name, text)) {
-            return std::string(layout.name);
+            return layout.name;
         }
     }
     return {};

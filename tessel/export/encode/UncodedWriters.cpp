@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace tessel::exporting {
 namespace {
@@ -47,7 +48,7 @@ AVCodecParameters& StartDescription(AVStream& stream, const VideoPlan& plan, AVC
 
 class V210Writer final : public VideoEncoder {
 public:
-    explicit V210Writer(const VideoPlan& plan) : mPlan(plan) {}
+    explicit V210Writer(VideoPlan plan) : mPlan(std::move(plan)) {}
 
     void DescribeStream(AVStream& stream) const override
     {

@@ -16,7 +16,7 @@ using qelcore::serialization::Value;
 Value ToleranceOf(const CheckInfo& check)
 {
     if (!check.tolerance) {
-        return Value();
+        return {};
     }
     Object object;
     for (const CodecClass codec : {CodecClass::Lossless, CodecClass::Mezzanine, CodecClass::Delivery}) {

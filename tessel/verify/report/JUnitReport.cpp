@@ -14,7 +14,7 @@ public:
     void Skipped(std::string_view id, std::string_view reason)
     {
         ++mSkipped;
-        Add(id, fmt::format("<skipped message=\"{}\"/>", Escaped(reason)));
+        Add(id, fmt::format(R"(<skipped message="{}"/>)", Escaped(reason)));
     }
     void Found(const Finding& finding)
     {
@@ -26,8 +26,8 @@ public:
                            consequence.id);
         }
         const std::string_view tag = isFailure ? "failure" : "error";
-        Add(finding.id, fmt::format("<{0} type=\"{1}\" message=\"{2}\">{3}</{0}>", tag,
-                                    NameOf(finding.severity), Escaped(finding.message), Escaped(details)));
+        Add(finding.id, fmt::format(R"(<{0} type="{1}" message="{2}">{3}</{0}>)", tag, NameOf(finding.severity),
+                                    Escaped(finding.message), Escaped(details)));
         for (const Finding& consequence : finding.consequences) {
             Skipped(consequence.id, "follows from " + finding.id);
         }
@@ -46,7 +46,7 @@ private:
     {
         ++mTests;
         const std::string_view subject = id.substr(0, id.find('.'));
-        const std::string name = fmt::format("<testcase classname=\"tessel.{}\" name=\"{}\"", subject, id);
+        const std::string name = fmt::format(R"(<testcase classname="tessel.{}" name="{}")", subject, id);
         mCases += result.empty() ? name + "/>\n" : fmt::format("{}>{}</testcase>\n", name, result);
     }
 

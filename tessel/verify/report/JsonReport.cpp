@@ -21,7 +21,7 @@ Value ValueOf(const Quantity& quantity)
     if (const std::string* text = std::get_if<std::string>(&quantity)) {
         return Value(*text);
     }
-    return Value();
+    return {};
 }
 
 Value SpansAsValue(const std::vector<Span>& spans)

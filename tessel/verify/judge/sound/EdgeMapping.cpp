@@ -18,7 +18,8 @@ public:
 
 private:
     /// Of `count` edges from `first` on, how many are where speed and shift put them.
-    std::size_t Agreeing(std::size_t first, std::size_t count, double tempo, double shift, double slack) const
+    [[nodiscard]] std::size_t Agreeing(std::size_t first, std::size_t count, double tempo, double shift,
+                                       double slack) const
     {
         std::size_t agreeing = 0;
         const double base = mMovieEdges[first].seconds;
@@ -39,7 +40,8 @@ private:
 
     /// The shift under which most of the edges from `first` on are in their place; among equals the smallest
     /// change from `usual`.
-    Shift BestShift(std::size_t first, std::size_t anchors, std::size_t count, double tempo, double usual) const
+    [[nodiscard]] Shift BestShift(std::size_t first, std::size_t anchors, std::size_t count, double tempo,
+                                  double usual) const
     {
         Shift best;
         best.tempo = tempo;
@@ -238,7 +240,7 @@ private:
         }
     }
 
-    double OffBy(const EdgeMatch& match) const { return match.clip - mMap.tempo * match.movie; }
+    [[nodiscard]] double OffBy(const EdgeMatch& match) const { return match.clip - mMap.tempo * match.movie; }
 
     /// Small steps that stay: edges before and behind disagree by more than they scatter.
     void SplitByEdges()
@@ -302,7 +304,7 @@ private:
 
     /// Where a tone begins that by its phase belongs to the piece, though its beginning does not tell; else
     /// where the piece begins.
-    double FirstRunOf(double from, const TimePiece& piece, const TimePiece& before) const
+    [[nodiscard]] double FirstRunOf(double from, const TimePiece& piece, const TimePiece& before) const
     {
         double begin = piece.begin;
         for (const ChannelTrack& channel : mMovie.channels) {

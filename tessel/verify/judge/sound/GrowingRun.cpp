@@ -36,7 +36,7 @@ GrowingRun::GrowingRun(const TrackedBlock& block) : mConstant(block.fit.constant
 
 bool GrowingRun::Continues(const TrackerSetup& setup, const TrackedBlock& block) const
 {
-    const double since = static_cast<double>(block.first - mLastFirst);
+    const auto since = static_cast<double>(block.first - mLastFirst);
     const double noise = ToneNoise(setup, block.fit.residual);
     double loudest = 0;
     for (const Tone& tone : run.tones) {
@@ -64,7 +64,7 @@ bool GrowingRun::Continues(const TrackerSetup& setup, const TrackedBlock& block)
 void GrowingRun::Add(const TrackedBlock& block)
 {
     const double time = static_cast<double>(block.first) - run.begin;
-    const double since = static_cast<double>(block.first - mLastFirst);
+    const auto since = static_cast<double>(block.first - mLastFirst);
     ++mBlocks;
     mSumT += time;
     mSumTT += time * time;

@@ -127,7 +127,7 @@ private:
     }
 
     /// Of the steps that lie at or near that moment, how far the largest goes, in seconds; 0 without one.
-    double LargestStepAt(double seconds) const
+    [[nodiscard]] double LargestStepAt(double seconds) const
     {
         double largest = 0;
         for (const TimeStep& step : mMap.steps) {

@@ -78,7 +78,7 @@ public:
 
 private:
     /// Phases of the runs that lie in a piece, against the clip's.
-    std::vector<PhasePoint> PointsOf(std::size_t piece) const
+    [[nodiscard]] std::vector<PhasePoint> PointsOf(std::size_t piece) const
     {
         const double from = piece == 0 ? -std::numeric_limits<double>::max() : mMap.pieces[piece].begin - 0.001;
         const double to = piece + 1 < mMap.pieces.size() ? mMap.pieces[piece + 1].begin - 0.001
@@ -109,7 +109,7 @@ private:
 
     /// How well phases agree if the map is moved by `change` seconds, 0..1, with the channels' signs left free
     /// or as they are.
-    double Agreement(const std::vector<PhasePoint>& points, double change, bool hasSigns) const
+    [[nodiscard]] double Agreement(const std::vector<PhasePoint>& points, double change, bool hasSigns) const
     {
         std::vector<double> sums(mMovie.channels.size(), 0.0);
         double weights = 0;
@@ -125,7 +125,7 @@ private:
         return weights > 0 ? total / weights : 0;
     }
 
-    double BestChange(const std::vector<PhasePoint>& points, double sigma, bool hasSigns) const
+    [[nodiscard]] double BestChange(const std::vector<PhasePoint>& points, double sigma, bool hasSigns) const
     {
         constexpr double kReach = 0.0008;
         const double highest =
@@ -150,7 +150,7 @@ private:
     }
 
     /// The rest of the way to the top: the mean of what the phases are off, as times.
-    double Polished(const std::vector<PhasePoint>& points, double change) const
+    [[nodiscard]] double Polished(const std::vector<PhasePoint>& points, double change) const
     {
         double sum = 0;
         double weights = 0;
@@ -166,7 +166,7 @@ private:
     }
 
     /// Seconds by which a point is off the moved map, the nearest of its periods.
-    double OffOf(const PhasePoint& point, double change) const
+    [[nodiscard]] double OffOf(const PhasePoint& point, double change) const
     {
         const double turned = mMap.signs[point.channel] < 0 ? std::numbers::pi : 0;
         return std::remainder(point.angle - turned - kTwoPi * point.frequency * change, kTwoPi) /

@@ -138,10 +138,7 @@ SoundTrack SoundSampler::TrackOfClip(int sampleBits, std::vector<int>& bits)
         cycles.push_back(tone / rate);
     }
     const TrackerSetup setup(cycles, kOnLevel * mClipLoudest);
-    std::vector<ToneTracker> trackers;
-    for (int channel = 0; channel < mClip->Channels(); ++channel) {
-        trackers.emplace_back(setup);
-    }
+    std::vector<ToneTracker> trackers(static_cast<std::size_t>(mClip->Channels()), ToneTracker(setup));
     std::vector<SampleGrid> grids(trackers.size()); // of the samples as the movie's depth has them
     const double steps = sampleBits > 0 && sampleBits <= 24 ? std::exp2(sampleBits - 1) : 0;
     reference::Samples samples;

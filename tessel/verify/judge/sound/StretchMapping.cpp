@@ -56,7 +56,7 @@ private:
     };
 
     /// Edges that the map does not explain, and steps that it needs, which cost as much as two edges.
-    std::size_t Unexplained() const
+    [[nodiscard]] std::size_t Unexplained() const
     {
         std::size_t count = 2 * (mMap.pieces.size() - 1);
         for (std::size_t i = 0; i < mMovieEdges.size(); ++i) {
@@ -65,7 +65,7 @@ private:
         return count;
     }
 
-    std::size_t CountBefore(const Line& line) const
+    [[nodiscard]] std::size_t CountBefore(const Line& line) const
     {
         return static_cast<std::size_t>(
             std::count_if(mMovieEdges.begin(), mMovieEdges.end(), [&](const ToneEdge& edge) {
@@ -74,7 +74,7 @@ private:
     }
 
     /// The edges of a beginning that lie about a line, each with one of the clip's, in their order.
-    std::vector<EdgeMatch> MatchesOf(const Line& line, std::size_t count) const
+    [[nodiscard]] std::vector<EdgeMatch> MatchesOf(const Line& line, std::size_t count) const
     {
         std::vector<EdgeMatch> matches;
         for (std::size_t i = 0; i < count; ++i) {
@@ -88,7 +88,7 @@ private:
     }
 
     /// By all pairs of one of the first edges and one of the last of a beginning.
-    Line FirstLine() const
+    [[nodiscard]] Line FirstLine() const
     {
         const std::size_t count = std::min(kFirst, mMovieEdges.size());
         const std::size_t ends = std::min<std::size_t>(5, count);
@@ -131,7 +131,7 @@ private:
         }
     }
 
-    Line Fitted(const std::vector<EdgeMatch>& matches) const
+    [[nodiscard]] Line Fitted(const std::vector<EdgeMatch>& matches) const
     {
         Line line;
         line.agreeing = matches.size();

@@ -185,7 +185,7 @@ void TakeRowSteps(const ChromaPicture& was, const ChromaPicture& is, RowSteps& s
     }
     for (int row = 0; row + 1 < was.chromaHeight; ++row) {
         for (int column = 0; column < kColumns; ++column) {
-            const std::size_t x = static_cast<std::size_t>(column * was.chromaWidth / kColumns);
+            const auto x = static_cast<std::size_t>(column * was.chromaWidth / kColumns);
             const std::size_t here =
                 static_cast<std::size_t>(row) * static_cast<std::size_t>(was.chromaWidth) + x;
             const std::size_t below = here + static_cast<std::size_t>(was.chromaWidth);
