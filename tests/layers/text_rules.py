@@ -6,7 +6,7 @@ import re
 from include_rules import installed_headers, without_comments
 
 LEFT_OUT = {".git", ".cache", "__pycache__", "build", "out"}
-SOURCES = r"(?:kestrel|ImporterTessel|tessel|examples)/.*\.(?:h|cpp|c)$"
+SOURCES = r"(?:kestrel|ImporterTessel|tessel|examples|integrations)/.*\.(?:h|cpp|c)$"
 
 
 class Rule:
