@@ -8,8 +8,8 @@ QImage ImageAs(const exporting::Picture& picture, QImage::Format format)
     if (picture.width == 0) {
         return {};
     }
-    return QImage(reinterpret_cast<const uchar*>(picture.planes[0]), picture.width, picture.height,
-                  picture.rowBytes[0], format);
+    return {reinterpret_cast<const uchar*>(picture.planes[0]), picture.width, picture.height,
+            picture.rowBytes[0], format};
 }
 
 } // namespace

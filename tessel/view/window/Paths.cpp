@@ -21,7 +21,7 @@ QString NameOf(const std::filesystem::path& path)
 std::filesystem::path PathOf(const QString& name)
 {
     const QByteArray bytes = QFile::encodeName(name);
-    return std::filesystem::path(std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    return bytes.toStdString();
 }
 
 } // namespace tessel::view

@@ -16,8 +16,8 @@ constexpr int kTitleHeight = 22; // screen units, for the title above the pictur
 QImage RowsOfImage(const QImage& image, const Rows& rows)
 {
     const qsizetype rowBytes = image.bytesPerLine();
-    return QImage(image.constBits() + rows.first * rowBytes, image.width(), rows.count, rows.step * rowBytes,
-                  image.format());
+    return {image.constBits() + rows.first * rowBytes, image.width(), rows.count, rows.step * rowBytes,
+            image.format()};
 }
 
 } // namespace

@@ -133,7 +133,7 @@ void ScopesPanel::DrawVectors(QPainter& painter, const QRectF& area) const
     const double side = std::min(area.width(), area.height());
     const QRectF square(area.center().x() - side / 2, area.center().y() - side / 2, side, side);
     const auto at = [&square](double cb, double cr) {
-        constexpr double kReach = static_cast<double>(scopes::kVectorReach);
+        constexpr auto kReach = static_cast<double>(scopes::kVectorReach);
         return QPointF(square.center().x() + cb / kReach * square.width() / 2,
                        square.center().y() - cr / kReach * square.height() / 2);
     };

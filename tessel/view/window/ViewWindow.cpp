@@ -71,6 +71,7 @@ ViewWindow::Pane ViewWindow::MakePane(const std::filesystem::path& file)
 void ViewWindow::OpenClips(const std::vector<std::filesystem::path>& files)
 {
     std::vector<Pane> panes;
+    panes.reserve(files.size());
     for (const std::filesystem::path& file : files) {
         panes.push_back(MakePane(file));
     }

@@ -41,6 +41,8 @@ public:
     /// @throws importhost::HostError, exporting::ExportError
     explicit ViewWindow(const WindowRequest& request);
     ~ViewWindow() override;
+    ViewWindow(const ViewWindow&) = delete;
+    ViewWindow& operator=(const ViewWindow&) = delete;
 
     /// Remembered places of window and panels; written when the window closes.
     void RestoreLayout();

@@ -90,9 +90,9 @@ void ViewWindow::WantAround(std::int64_t due)
     mWish = CurrentWish();
     for (const Pane& pane : mPanes) {
         const auto own = [&](const std::vector<std::int64_t>& all) {
-            std::vector<std::int64_t> clamped;
-            for (const std::int64_t frame : all) {
-                clamped.push_back(FrameIn(pane, frame));
+            std::vector<std::int64_t> clamped = all;
+            for (std::int64_t& frame : clamped) {
+                frame = FrameIn(pane, frame);
             }
             return clamped;
         };
