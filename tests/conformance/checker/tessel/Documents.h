@@ -33,6 +33,7 @@ struct SettingsTextRequest {
     explicit SettingsTextRequest(const std::filesystem::path& file);
     SettingsTextRequest(const SettingsTextRequest&) = delete;
     SettingsTextRequest& operator=(const SettingsTextRequest&) = delete;
+    ~SettingsTextRequest() = default;
 
     [[nodiscard]] std::int32_t Send(const Plugin& plugin);
     /// @throws Violation where a byte of the buffer is not as it was.
