@@ -19,7 +19,7 @@ void ColorCodesAreCodes(Plugin& plugin)
     }
     color.ExpectChangedOnly({{offsetof(ksColorRec, kind), 4}, {offsetof(ksColorRec, codes), 16}},
                             "the colour request");
-    const ksSEIColorCodesRec codes = color.Get<ksSEIColorCodesRec>(offsetof(ksColorRec, codes));
+    const auto codes = color.Get<ksSEIColorCodesRec>(offsetof(ksColorRec, codes));
     constexpr auto kUntouched = static_cast<std::int32_t>(0xCCCCCCCC); // a code that the importer cannot tell
     for (const std::int32_t code : {codes.primaries, codes.transfer, codes.matrix}) {
         Expect((code >= 0 && code <= 255) || code == kUntouched,

@@ -59,7 +59,7 @@ void FileTypesAreDescribed(Plugin& plugin)
     RequireStartUp(plugin);
     GuardedRecord record;
     Expect(AskFileType(plugin, 0, record), "the importer opens no file type");
-    const ksFileTypeRec type = record.Get<ksFileTypeRec>(0);
+    const auto type = record.Get<ksFileTypeRec>(0);
     record.ExpectChangedOnly({{0, offsetof(ksFileTypeRec, reserved268)},
                               {offsetof(ksFileTypeRec, extensions), sizeof type.extensions},
                               {offsetof(ksFileTypeRec, zero760), 4}},

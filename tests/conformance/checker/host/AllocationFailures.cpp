@@ -44,7 +44,7 @@ void Free(void* block) noexcept
     if (block != nullptr) {
         --outstanding;
     }
-    std::free(block);
+    std::free(block); // NOLINT(cppcoreguidelines-no-malloc): this is the allocator
 }
 
 } // namespace
@@ -94,6 +94,7 @@ AllocationFailures::Exempt::~Exempt()
 void* operator new(std::size_t bytes)
 {
     conformance::CountAllocation();
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): this is the allocator.
     return conformance::Counted(std::malloc(bytes == 0 ? 1 : bytes));
 }
 
