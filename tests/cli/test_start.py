@@ -49,7 +49,10 @@ class Start(ProgramTest):
         answer = self.run_program("render", "clip.tessel", "--nonsense",
                                   environment={"LD_DEBUG": "files", "LD_DEBUG_OUTPUT": report})
         self.assertEqual(answer.code, 2)
-        for name in os.listdir(self.folder):
+        reports = os.listdir(self.folder)
+        if not reports:
+            self.skipTest("the dynamic linker does not say what it loads")
+        for name in reports:
             with open(self.path(name), encoding="utf-8", errors="replace") as file:
                 self.assertNotIn("libavcodec", file.read())
 

@@ -30,9 +30,8 @@ FaultValue::FaultValue(std::string_view fault, std::string_view text, std::strin
 
 void FaultValue::Refuse(const std::string& why) const
 {
-    throw FaultError(mForm.empty()
-                         ? fmt::format("--fault {}={}: {}", mFault, mText, why)
-                         : fmt::format("--fault {}={}: {}; the value is {}", mFault, mText, why, mForm));
+    throw FaultError(fmt::format("--fault {}{}{}: {}{}{}", mFault, mText.empty() ? "" : "=", mText, why,
+                                 mForm.empty() ? "" : "; the value is ", mForm));
 }
 
 const std::string& FaultValue::Next()

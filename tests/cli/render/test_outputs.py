@@ -3,7 +3,6 @@
 import os
 import struct
 import subprocess
-import unittest
 
 from render_support import RenderTest, document, main
 
@@ -154,5 +153,4 @@ class IndexFirst(RenderTest):
 
 
 if __name__ == "__main__":
-    assert unittest
     main()

@@ -4,7 +4,6 @@ import csv
 import hashlib
 import os
 import subprocess
-import unittest
 from fractions import Fraction
 
 from render_support import RenderTest, document, main, surround
@@ -72,7 +71,7 @@ class Proof(RenderTest):
         clip = self.save(document("bgra", frames=12, pattern="gradient"))
         self.assertEqual(self.run_tessel("render", clip, "--format", "null", "-q", "--hash", "x.framehash").returncode, 0)
         done = self.run_tessel("render", clip, "-o", "x.mkv", "-q", "--verify", "x.framehash", "--video-codec", "ffv1")
-        self.assertEqual((done.returncode, done.stderr), (1, done.stderr))
+        self.assertEqual(done.returncode, 1)
         # FLAC cuts the sound into other pieces.
         self.assertIn(b"the sound from sample 0 on cannot be compared with x.framehash", done.stderr)
         self.assertIn(b"render with the format and codecs that it was written with", done.stderr)
@@ -212,5 +211,4 @@ class Proof(RenderTest):
 
 
 if __name__ == "__main__":
-    assert unittest
     main()

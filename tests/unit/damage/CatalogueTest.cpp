@@ -69,7 +69,7 @@ TEST(FaultCatalogue, WrongValuesAreRefusedInOneLineThatSaysWhatWouldBeRight)
         Refusal("color.matrix=bt601"),
         "--fault color.matrix=bt601: 'bt601' is not one of 601, 709, 2020, 240; the value is 601|709|2020|240");
     EXPECT_EQ(Refusal("fields.swapped"),
-              "--fault fields.swapped=: the clip is progressive: only interlaced clips have fields");
+              "--fault fields.swapped: the clip is progressive: only interlaced clips have fields");
 }
 
 TEST(FaultCatalogue, TheMiddleFrameIsTakenWhereNoneIsNamed)
