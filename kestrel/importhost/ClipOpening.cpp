@@ -31,6 +31,16 @@ using qelcore::text::LowerCase;
     throw HostError(DisplayName(file) + ": " + why);
 }
 
+/// ": permission denied"; the system's own texts begin with a capital letter.
+std::string ReasonOf(const std::error_code& error)
+{
+    std::string text = error.message();
+    if (!text.empty()) {
+        text.front() = LowerCase(text.front());
+    }
+    return ": " + text;
+}
+
 /// Looks at the file's kind only; whether it can be read shows when the plug-in opens it.
 void RequireOrdinaryFile(const std::filesystem::path& file)
 {
@@ -44,7 +54,7 @@ void RequireOrdinaryFile(const std::filesystem::path& file)
     case std::filesystem::file_type::regular:
         break;
     case std::filesystem::file_type::none:
-        Refuse(file, "cannot be read: " + error.message());
+        Refuse(file, "cannot be read" + ReasonOf(error));
     default:
         Refuse(file, "is not an ordinary file");
     }
@@ -57,7 +67,7 @@ std::string ReadFailure(const std::filesystem::path& file)
     if (std::ifstream(file, std::ios::binary).is_open()) {
         return {};
     }
-    return ": " + std::generic_category().message(errno != 0 ? errno : EIO);
+    return ReasonOf({errno != 0 ? errno : EIO, std::generic_category()});
 }
 
 /// Collects what the plug-in logs.
