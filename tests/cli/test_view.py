@@ -145,7 +145,8 @@ class View(ProgramTest):
                 (["clip.tessel", "--frame", "00:00:00:27", "--screenshot", "a.png"], 2, "--frame: there is no timecode"),
                 (["clip.tessel", "--press", "Nonsense", "--screenshot", "a.png"], 2, "--press Nonsense"),
                 (["clip.tessel", "--size", "10x10"], 2, "--size 10x10"),
-                (["clip.tessel", "--against", "missing.mov", "--screenshot", "a.png"], 1, "missing.mov"),
+                (["clip.tessel", "--against", "missing.mov", "--screenshot", "a.png"], 1,
+                 "missing.mov: cannot be read as a movie: no such file or directory"),
                 (["--screenshot", "a.png"], 2, "CLIP")):
             with self.subTest(arguments=arguments):
                 answer = self.view(*arguments)
