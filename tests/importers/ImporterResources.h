@@ -76,6 +76,7 @@ kTypeResource = Bytes("\0\0"
                       "TPMI");
 #endif
 
+// NOLINTNEXTLINE(misc-definitions-in-headers): each importer includes this file once.
 EXPORTED void PluginDataEntryFunction(void* hostContext, ksPluginDataCallback callback)
 {
     for (int i = 0; i < WRONG_CALLS; ++i) {

@@ -39,7 +39,8 @@ public:
     [[nodiscard]] const std::filesystem::path& Path() const { return mPath; }
     [[nodiscard]] std::filesystem::path operator/(std::string_view name) const { return mPath / name; }
 
-    /// Writes a file into it. @return the file's path.
+    /// Writes a file into it. @return the file's path, which not every caller needs.
+    // NOLINTNEXTLINE(modernize-use-nodiscard)
     std::filesystem::path Write(std::string_view name, std::string_view bytes) const
     {
         std::filesystem::path file = mPath / name;

@@ -21,7 +21,7 @@ Picture RandomPicture(PictureLayout layout, std::int32_t width, std::int32_t hei
 {
     std::mt19937 random(seed);
     if (layout == PictureLayout::V210) {
-        const Picture picture = exporting::AllocatePicture(layout, width, height);
+        Picture picture = exporting::AllocatePicture(layout, width, height);
         for (std::int32_t y = 0; y < height; ++y) {
             auto* words = reinterpret_cast<std::uint32_t*>(picture.planes[0] + y * picture.rowBytes[0]);
             std::memset(words, 0, static_cast<std::size_t>(picture.rowBytes[0]));
@@ -32,7 +32,7 @@ Picture RandomPicture(PictureLayout layout, std::int32_t width, std::int32_t hei
         return picture;
     }
     const exporting::LayoutInfo& info = exporting::InfoOf(layout);
-    const Picture picture = exporting::AllocatePicture(layout, width, height);
+    Picture picture = exporting::AllocatePicture(layout, width, height);
     for (int component = 0; component < 4; ++component) {
         const exporting::ComponentTarget samples = exporting::ComponentOf(picture, component);
         if (samples.first == nullptr) {
