@@ -193,8 +193,9 @@ private:
                 for (std::uint32_t x = 0; x < layout.advance; x += stride) {
                     int inked = 0;
                     for (int sub = 0; sub < kSub * kSub; ++sub) {
+                        const int row = sub / kSub;
                         const double px = x + (sub % kSub + 0.5) / kSub - layout.InkOffset();
-                        const double py = y + (sub / kSub + 0.5) / kSub;
+                        const double py = y + (row + 0.5) / kSub;
                         inked += IsInk(chains, {px / layout.digitHeight, py / layout.digitHeight}) ? 1 : 0;
                     }
                     found->second[glyph].push_back(inked / double{kSub * kSub});

@@ -172,7 +172,6 @@ TEST_F(InstanceSlots, CreationWritesNothingButItsSlot)
     ksFileInfoRec expected = mInfo;
     EXPECT_EQ(Create(), 3);
     expected.instance = mInfo.instance;
-    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): every byte counts, those between the members too.
     EXPECT_EQ(std::memcmp(&mInfo, &expected, sizeof mInfo), 0);
     EXPECT_EQ(Delete(mInfo.instance), 0);
 }

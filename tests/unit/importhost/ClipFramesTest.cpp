@@ -168,14 +168,13 @@ TEST_F(ClipTest, ManyThreadsRenderWhatOneRenders)
     const Clip clip = Open(document);
     std::vector<int> differing(4, 0);
     std::vector<std::thread> threads;
-    for (std::size_t thread = 0; thread < differing.size(); ++thread) {
-        threads.emplace_back([&, thread] {
+    for (int& differences : differing) {
+        threads.emplace_back([&] {
             for (int i = 0; i < 16; ++i) {
                 const auto frame = clip.RenderFrame(i);
                 for (int row = 0; row < 240; ++row) {
-                    differing[thread] +=
-                        std::memcmp(frame.Row(row), expected[static_cast<std::size_t>(i)].Row(row), 320 * 4) !=
-                        0;
+                    differences += std::memcmp(frame.Row(row), expected[static_cast<std::size_t>(i)].Row(row),
+                                               320 * 4) != 0;
                 }
             }
         });

@@ -24,7 +24,7 @@ std::uint32_t Code(BR::PixelFormat format)
 struct Creation {
     std::shared_ptr<FramePool> pool = std::make_shared<FramePool>();
     FrameRequest request{pool, NewFrameContent::Zero};
-    ksFrameHandle handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
+    auto handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
 
     std::int32_t Ask(std::uint32_t format, std::int32_t width, std::int32_t height, std::int32_t access = 2)
     {

@@ -26,7 +26,7 @@ std::string LoadFailure(const std::filesystem::path& file, TestingPlugins testin
         (void)Importer::Load(file, testing);
         return {};
     } catch (const HostError& error) {
-        const std::string line = error.what();
+        std::string line = error.what();
         EXPECT_EQ(line.find('\n'), std::string::npos) << line;
         return line;
     }

@@ -35,7 +35,7 @@ void ExpectRefusal(const Bytes& bytes, const std::string& says)
 }
 
 /// The usual list with one entry's data replaced.
-Bytes WithData(const char (&key)[5], Bytes data)
+Bytes WithData(const char (&key)[5], const Bytes& data)
 {
     auto entries = UsualEntries();
     for (Entry& entry : entries) {

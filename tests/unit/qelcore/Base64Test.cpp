@@ -43,9 +43,7 @@ TEST(Base64, DecodesWhatItEncoded)
 TEST(Base64, RefusesWhatNoEncoderWrites)
 {
     for (const char* text : {"Z", "Zg", "Zg=", "Zg==Zg==", "Zm9v=", "====", "Z===", "=g==", "Zm9 ", "Zm9v\n",
-                             "Zm_v", "Zg=g", "Zh==", "Zm9=", "\xC3\xA4==",
-                             "Zm9vYg=="
-                             "x"}) {
+                             "Zm_v", "Zg=g", "Zh==", "Zm9=", "\xC3\xA4==", "Zm9vYg==x"}) {
         EXPECT_THROW((void)DecodeBinaryDataFromUTF8String(text), parse_exception) << text;
     }
 }

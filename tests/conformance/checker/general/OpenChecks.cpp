@@ -31,7 +31,6 @@ ksFileInfoRec Description(const Plugin& plugin, ksInstance instance)
 
 void ExpectSame(const ksFileInfoRec& a, const ksFileInfoRec& b, const std::string& what)
 {
-    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): every byte counts, those between the members too.
     Expect(std::memcmp(&a, &b, sizeof a) == 0, what);
 }
 

@@ -44,7 +44,7 @@ void Free(void* block) noexcept
     if (block != nullptr) {
         --outstanding;
     }
-    std::free(block); // NOLINT(cppcoreguidelines-no-malloc): this is the allocator
+    std::free(block);
 }
 
 } // namespace
@@ -94,7 +94,6 @@ AllocationFailures::Exempt::~Exempt()
 void* operator new(std::size_t bytes)
 {
     conformance::CountAllocation();
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): this is the allocator.
     return conformance::Counted(std::malloc(bytes == 0 ? 1 : bytes));
 }
 
