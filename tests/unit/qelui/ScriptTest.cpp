@@ -243,7 +243,7 @@ TEST_F(Playing, AnswersAreTakenInOrderByKind)
         dialogs::UI_MessageBox question(&dialog, "t", "x", dialogs::kButtonsYesNo, dialogs::kButtonYes,
                                         dialogs::kIconWarning);
         question.RunModal();
-        taken.push_back(question.GetResponse() == dialogs::kButtonYes ? "yes" : "no");
+        taken.emplace_back(question.GetResponse() == dialogs::kButtonYes ? "yes" : "no");
     });
     EXPECT_EQ(Play("answer file \"/a/b\"\nanswer box yes\nanswer file cancel\nanswer box no\npress button\n"
                    "press button\npress okButton\n"),

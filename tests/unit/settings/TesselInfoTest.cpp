@@ -66,7 +66,7 @@ TEST(TesselInfo, CopiesEveryField)
     std::mt19937_64 random(1);
     for (int round = 0; round < kRounds; ++round) {
         const TesselInfo source = RandomTesselInfo(random);
-        const TesselInfo constructed(source);
+        const TesselInfo constructed(source); // NOLINT(performance-unnecessary-copy-initialization)
         TesselInfo assigned = RandomTesselInfo(random);
         assigned = source;
         ASSERT_TRUE(constructed == source) << "round " << round;
@@ -109,9 +109,10 @@ TEST(TesselInfo, MoveAssignmentLeavesTheSourceWithoutDurationButWithItsOtherScal
         TesselInfo source = original;
         TesselInfo destination;
         destination = std::move(source);
-        // What was moved out is not looked at; every scalar is.
+        // Of `source`, what was moved out is not looked at; every number is.
         TesselInfo expected = original;
         expected.mVideoDuration = qelmediatypes::TickTime(0);
+        // NOLINTNEXTLINE(bugprone-use-after-move)
         for (TesselInfo* const record : {&source, &expected}) {
             record->mSavePath.clear();
             record->mClipName.clear();
