@@ -47,9 +47,8 @@ struct ReplacementOutcome {
     /// What of the old file could not be kept, after success: "owner alice, attribute user.note". Empty if
     /// everything was kept.
     std::string notKept;
-    /// The folders in which no temporary file could be written, each with the reason, where that was the
-    /// failure:
-    /// "'/a' (permission denied) or '/var/tmp' (the disk is full)". Otherwise empty.
+    /// "'/a' (permission denied) or '/var/tmp' (the disk is full)": the folders in which no temporary file
+    /// could be written, each with the reason. Empty unless that was the failure.
     std::string foldersTried;
 };
 
@@ -58,7 +57,7 @@ class KESTREL_API FileReplacement {
 public:
     /// Opens a temporary file for the new content, after removing those of killed processes from the folder.
     /// @param destination  As found by `FindDestination`, not `Special`.
-    /// @return An error, and then the folders tried.
+    /// @return The error, if any, and the folders tried.
     [[nodiscard]] ReplacementOutcome Begin(const Destination& destination);
 
     /// The same for content that is complete in the file `whole`, on the same file system. This object owns

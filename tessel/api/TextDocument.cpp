@@ -18,8 +18,10 @@ std::filesystem::path NewFolder()
     std::error_code error;
     const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
     if (error) {
-        throw std::runtime_error("the folder for temporary files, as TMPDIR names it, cannot be used: " +
-                                 error.message());
+        const bool isDenied = error == std::errc::permission_denied;
+        throw std::runtime_error(
+            std::string("the folder for temporary files, as TMPDIR names it, cannot be used: ") +
+            (isDenied ? "permission denied" : "there is no such folder"));
     }
     std::random_device random;
     constexpr int kAttempts = 100;

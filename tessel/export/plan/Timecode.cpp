@@ -46,7 +46,7 @@ std::array<int, 4> PartsOf(std::string_view text)
     return parts;
 }
 
-std::string RateText(std::int32_t numerator, std::int32_t denominator)
+std::string FramesPerSecondText(std::int32_t numerator, std::int32_t denominator)
 {
     return denominator == 1 ? fmt::format("{}", numerator) : fmt::format("{}/{}", numerator, denominator);
 }
@@ -57,7 +57,7 @@ void RequireCountableRate(std::int32_t numerator, std::int32_t denominator)
         throw RequestError(
             fmt::format("timecodes count 24, 25, 30, 48, 50, 60, 100, 120 or 150 frames a second, or "
                         "1000/1001 of that, but the clip has {}: remove --timecode",
-                        RateText(numerator, denominator)));
+                        FramesPerSecondText(numerator, denominator)));
     }
 }
 
@@ -107,10 +107,10 @@ Timecode Timecode::Parse(std::string_view text, std::int32_t rateNumerator, std:
                                        timecode.mNominalRate - 1));
     }
     if (drop && !canDrop) {
-        throw RequestError(
-            fmt::format("drop-frame timecodes exist only at 29.97, 59.94, 119.88 and 149.85 frames a second, "
-                        "not at {}: write {}:{}",
-                        RateText(rateNumerator, rateDenominator), text.substr(0, 8), text.substr(9)));
+        throw RequestError(fmt::format(
+            "drop-frame timecodes exist only at 29.97, 59.94, 119.88 and 149.85 frames a second, "
+            "not at {}: write {}:{}",
+            FramesPerSecondText(rateNumerator, rateDenominator), text.substr(0, 8), text.substr(9)));
     }
     if (seconds == 0 && minutes % kMinutesOfTen != 0 && frames < timecode.mDropped) {
         throw RequestError(
