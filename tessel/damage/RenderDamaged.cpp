@@ -5,6 +5,7 @@
 
 #include <kestrel/qelcore/serialization/Json.h>
 #include <tessel/export/AskedSource.h>
+#include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
 
@@ -12,6 +13,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace tessel::damage {
@@ -124,12 +126,25 @@ exporting::YCbCrCoding CodingOf(const exporting::VideoPlan& video)
                : video.conversion.coding;
 }
 
+/// Makes the sound's codec that of a fault, where one asks for it. @throws FaultError  where the container does
+/// not carry it
+void ChooseSoundCodec(const DamagePlan& damage, exporting::OutputRequest& request)
+{
+    if (damage.soundCodec.empty()) {
+        return;
+    }
+    request.audioCodec = exporting::AudioCodecNamed(damage.soundCodec);
+    try {
+        exporting::CheckRequest(request);
+    } catch (const exporting::ExportError& error) {
+        throw FaultError(std::string("--fault container.depth: ") + error.what());
+    }
+}
+
 OutputPlan PlanDamaged(const DamagePlan& damage, exporting::OutputRequest request)
 {
-    if (!damage.soundCodec.empty()) {
-        request.audioCodec = exporting::AudioCodecNamed(damage.soundCodec);
-    }
     exporting::CheckRequest(request);
+    ChooseSoundCodec(damage, request);
     OutputPlan plan = exporting::PlanOutput(damage.described, request);
     if (damage.dropsAlpha && plan.video) {
         DropAlpha(*plan.video);

@@ -140,6 +140,11 @@ class Damage(ProgramTest):
         self.assertIn("the clip is progressive", answer.err)
         self.assertEqual(os.listdir(self.folder), ["clip.tessel"])
 
+    def test_a_depth_of_sound_that_the_container_does_not_carry_is_the_faults(self):
+        # The codec was not asked for: the fault stands for it.
+        answer = self.run_program("damage", self.clip(), "-o", self.path("x.mp4"), "--fault", "container.depth")
+        self.assert_failed(answer, 2, "clip.tessel: --fault container.depth: mp4 files do not carry pcm16")
+
     def test_the_clip_is_never_replaced_by_its_own_rendering(self):
         with open(self.path(self.clip()), "rb") as file:
             before = file.read()
