@@ -33,6 +33,10 @@ function(tessel_add_test)
     list(FILTER cSources INCLUDE REGEX "\\.c$")
     set_source_files_properties(${cSources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/test-programs")
+    set(timeout 300)
+    if(TESSEL_SANITIZE)
+        set(timeout 1500) # the thread sanitizer makes some ten times slower
+    endif()
     gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX "${arg_NAME}: "
-                         PROPERTIES TIMEOUT 300)
+                         PROPERTIES TIMEOUT ${timeout})
 endfunction()

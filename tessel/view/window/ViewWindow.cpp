@@ -50,6 +50,10 @@ ViewWindow::~ViewWindow()
     mSound.Stop();
     mComparison.reset(); // threads of which call back, as those of the panes
     mPanes.clear();
+    // QWidget destroys the docks when no member of this class is left, and each still says that it is hidden.
+    for (QDockWidget* const dock : findChildren<QDockWidget*>()) {
+        dock->disconnect(this);
+    }
 }
 
 int ViewWindow::ThreadsPerPane() noexcept
