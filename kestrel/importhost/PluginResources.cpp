@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdint>
 #include <exception>
+#include <string>
 #include <vector>
 
 namespace importhost {
@@ -27,7 +28,12 @@ std::vector<std::uint8_t> Resource(const std::filesystem::path& file, const char
     try {
         bytes = qelcore::resources::ReadResource(file, section);
     } catch (const std::exception& error) {
-        throw HostError(DisplayName(file) + ": not a plug-in: " + OneLine(error.what()));
+        const std::string name = DisplayName(file) + ": ";
+        std::string reason = OneLine(error.what());
+        if (reason.starts_with(name)) {
+            reason.erase(0, name.size());
+        }
+        throw HostError(name + "not a plug-in: " + reason);
     }
     if (!bytes) {
         throw HostError(DisplayName(file) + ": not an importer plug-in: it has no resource " + section);

@@ -1,5 +1,6 @@
 #include "WholeFile.h"
 
+#include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
 #include <tessel/export/ExportError.h>
 
@@ -7,6 +8,7 @@
 #include <cerrno>
 #include <fstream>
 #include <span>
+#include <string>
 #include <system_error>
 
 namespace tessel::exporting {
@@ -29,7 +31,9 @@ std::vector<std::byte> ReadFileBytes(const std::filesystem::path& file)
         bytes.insert(bytes.end(), read.begin(), read.end());
     } while (stream);
     if (!stream.eof() || stream.bad()) {
-        throw ExportError("cannot read " + QuotedName(file) + ": " + std::generic_category().message(errno));
+        std::string reason = std::generic_category().message(errno);
+        reason.front() = qelcore::text::LowerCase(reason.front()); // it ends a line of ours
+        throw ExportError("cannot read " + QuotedName(file) + ": " + reason);
     }
     return bytes;
 }

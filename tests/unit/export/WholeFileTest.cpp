@@ -41,10 +41,10 @@ TEST(WholeFile, HasEveryByteWhateverItsLength)
 
 TEST(WholeFile, RefusalsNameTheFileAndTheReason)
 {
-    EXPECT_EQ(Refusal("/no/such/file"), "cannot read '/no/such/file': No such file or directory");
-    EXPECT_EQ(Refusal("/"), "cannot read '/': Is a directory");
+    EXPECT_EQ(Refusal("/no/such/file"), "cannot read '/no/such/file': no such file or directory");
+    EXPECT_EQ(Refusal("/"), "cannot read '/': is a directory");
     // Page 0 of a process is never mapped, so that reading fails where opening does not.
-    EXPECT_EQ(Refusal("/proc/self/mem"), "cannot read '/proc/self/mem': Input/output error");
+    EXPECT_EQ(Refusal("/proc/self/mem"), "cannot read '/proc/self/mem': input/output error");
 }
 
 } // namespace

@@ -79,7 +79,8 @@ TEST(Importer, FilesThatAreNoPlugInAreRefused)
 {
     const testsupport::ClipFolder folder;
     ExpectFailure(folder.Path() / "gone.so", "gone.so: not a plug-in");
-    ExpectFailure(folder.Write("text.so", "hello"), "text.so: not a plug-in");
+    ExpectFailure(folder.Write("text.so", "hello"),
+                  "text.so: not a plug-in: is not a library of this platform");
     ExpectFailure(folder.Path(), "not a plug-in");
     ExpectFailure(importhosttests::TestImporter("WrongNoResources"), "it has no resource .ksres.PIPL.16000");
 }
