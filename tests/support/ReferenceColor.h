@@ -144,7 +144,7 @@ private:
         return std::isinf(value) ? std::copysign(std::numeric_limits<float>::max(), value) : value;
     }
 
-    Wide Prepared(float value) const
+    [[nodiscard]] Wide Prepared(float value) const
     {
         if (!mIsLinear) {
             return Finite(value);
@@ -158,7 +158,7 @@ private:
         return std::copysign(light, v);
     }
 
-    Sum Component(char component, const ReferenceColor& color) const
+    [[nodiscard]] Sum Component(char component, const ReferenceColor& color) const
     {
         const Wide alpha = HasAlpha() ? Finite(color.alpha) : Wide{1};
         const Wide factor = IsPremultiplied() ? alpha : Wide{1};
@@ -211,7 +211,7 @@ private:
     }
 
     /// Sample by sample: number s of a group is bits 10·(s mod 3) of word s / 3.
-    std::vector<std::byte> V210Row(std::uint32_t width, const ReferenceColor& color) const
+    [[nodiscard]] std::vector<std::byte> V210Row(std::uint32_t width, const ReferenceColor& color) const
     {
         constexpr std::string_view kSamples = "UYVYUYVYUYVY";
         const std::array<std::uint32_t, 3> codes = {Code('U', color), Code('Y', color), Code('V', color)};

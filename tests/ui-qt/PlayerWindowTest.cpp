@@ -63,7 +63,7 @@ protected:
     /// Two field colours, 64 pixels wide and 48 high, 50 frames of 1/25 second.
     fs::path Clip(const std::string& name, const std::string& upperRed = "1")
     {
-        const fs::path file = fs::path(mFolder.path().toStdString()) / name;
+        fs::path file = fs::path(mFolder.path().toStdString()) / name;
         const std::string green = R"({"mAlphaPart": 1, "mRedPart": 0, "mGreenPart": 1, "mBluePart": 0})";
         std::ofstream out(file);
         out << R"({"mVersion": 1, "mPixelFormat": 1634887522, "mFrameWidth": 64, "mFrameHeight": 48,

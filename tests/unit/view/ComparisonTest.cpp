@@ -41,7 +41,7 @@ protected:
     {
         comparison.Want(frame, gain);
         for (int i = 0; i < 6000; ++i) {
-            const auto newest = comparison.Newest();
+            auto newest = comparison.Newest();
             if (comparison.IsVerified() && newest && newest->frame == frame && newest->gain == gain) {
                 return newest;
             }

@@ -26,7 +26,7 @@ FrameView Frame(PixelFormat format, int width, int height, bool isBottomUp)
         }
         for (std::size_t at = 0; at < rowBytes; at += 4) {
             const float value = static_cast<float>(random() % 1400) / 1000.0F - 0.2F;
-            const std::uint32_t word = static_cast<std::uint32_t>(random());
+            const auto word = static_cast<std::uint32_t>(random());
             std::memcpy(row + at, isFloat ? static_cast<const void*>(&value) : &word, 4);
         }
     }
