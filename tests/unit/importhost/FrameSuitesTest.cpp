@@ -24,7 +24,7 @@ std::uint32_t Code(BR::PixelFormat format)
 struct Creation {
     std::shared_ptr<FramePool> pool = std::make_shared<FramePool>();
     FrameRequest request{pool, NewFrameContent::Zero};
-    auto handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
+    ksFrameHandle handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
 
     std::int32_t Ask(std::uint32_t format, std::int32_t width, std::int32_t height, std::int32_t access = 2)
     {
@@ -113,7 +113,7 @@ TEST(FrameCreator, WithoutAKnownRequestOrWithAnotherAccessNothingIsMade)
 {
     const auto& suite = importhost::FrameCreatorSuite4();
     const std::uint32_t format = Code(BR::PixelFormat::BGRA_4444_8u);
-    ksFrameHandle handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
+    auto handle = reinterpret_cast<ksFrameHandle>(std::uintptr_t{1});
     EXPECT_LT(suite.createFrame(&handle, 2, format, 8, 8, false, 0, 1, 1, nullptr), 0);
     EXPECT_EQ(handle, nullptr);
     std::array<std::uint8_t, 16> garbage{};
