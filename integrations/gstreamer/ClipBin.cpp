@@ -102,11 +102,9 @@ GstFlowReturn PassBuffer(GstPad* pad, GstObject* parent, GstBuffer* buffer)
     stream.hasBuffers = true;
     NoteBuffer(stream.Source());
     const GstFlowReturn flow = gst_proxy_pad_chain_default(pad, parent, buffer);
-    GstFlowReturn combined = flow;
-    {
-        const std::lock_guard lock(state.flowMutex);
-        combined = gst_flow_combiner_update_pad_flow(state.flows, stream.pad, flow);
-    }
+    std::unique_lock lock(state.flowMutex);
+    const GstFlowReturn combined = gst_flow_combiner_update_pad_flow(state.flows, stream.pad, flow);
+    lock.unlock();
     NoteFlow(stream.Source(), flow);
     return combined;
 }

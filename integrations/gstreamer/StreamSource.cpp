@@ -111,14 +111,14 @@ gboolean Convert(const StreamShape& shape, GstQuery* query)
         return FALSE;
     }
     gint64 converted = value;
-    if (from == to || value == -1) {
-        converted = value;
-    } else if (from == GST_FORMAT_DEFAULT && to == GST_FORMAT_TIME) {
-        converted = static_cast<gint64>(StartOf(shape.rate, static_cast<guint64>(value)));
-    } else if (from == GST_FORMAT_TIME && to == GST_FORMAT_DEFAULT) {
-        converted = static_cast<gint64>(UnitAt(shape.rate, static_cast<guint64>(value)));
-    } else {
-        return FALSE;
+    if (from != to && value != -1) {
+        if (from == GST_FORMAT_DEFAULT && to == GST_FORMAT_TIME) {
+            converted = static_cast<gint64>(StartOf(shape.rate, static_cast<guint64>(value)));
+        } else if (from == GST_FORMAT_TIME && to == GST_FORMAT_DEFAULT) {
+            converted = static_cast<gint64>(UnitAt(shape.rate, static_cast<guint64>(value)));
+        } else {
+            return FALSE;
+        }
     }
     gst_query_set_convert(query, from, value, to, converted);
     return TRUE;
