@@ -12,6 +12,7 @@
 #include <kestrel/qelcore/logging/Log.h>
 #include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
+#include <kestrel/qelcore/text/ReasonText.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,20 +26,11 @@ namespace importhost {
 namespace {
 
 using qelcore::text::LowerCase;
+using qelcore::text::ReasonText;
 
 [[noreturn]] void Refuse(const std::filesystem::path& file, const std::string& why)
 {
     throw HostError(DisplayName(file) + ": " + why);
-}
-
-/// ": permission denied"; the system's own texts begin with a capital letter.
-std::string ReasonOf(const std::error_code& error)
-{
-    std::string text = error.message();
-    if (!text.empty()) {
-        text.front() = LowerCase(text.front());
-    }
-    return ": " + text;
 }
 
 /// Looks at the file's kind only; whether it can be read shows when the plug-in opens it.
@@ -54,7 +46,7 @@ void RequireOrdinaryFile(const std::filesystem::path& file)
     case std::filesystem::file_type::regular:
         break;
     case std::filesystem::file_type::none:
-        Refuse(file, "cannot be read" + ReasonOf(error));
+        Refuse(file, "cannot be read: " + ReasonText(error));
     default:
         Refuse(file, "is not an ordinary file");
     }
@@ -67,7 +59,7 @@ std::string ReadFailure(const std::filesystem::path& file)
     if (std::ifstream(file, std::ios::binary).is_open()) {
         return {};
     }
-    return ReasonOf({errno != 0 ? errno : EIO, std::generic_category()});
+    return ": " + ReasonText(std::error_code(errno != 0 ? errno : EIO, std::generic_category()));
 }
 
 /// Collects what the plug-in logs.

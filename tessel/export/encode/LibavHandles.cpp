@@ -1,6 +1,6 @@
 #include "LibavHandles.h"
 
-#include <kestrel/qelcore/text/LetterCase.h>
+#include <kestrel/qelcore/text/ReasonText.h>
 #include <tessel/export/ExportError.h>
 
 #include <fmt/format.h>
@@ -92,10 +92,7 @@ std::string Explain(int result)
     if (text.empty()) {
         std::array<char, AV_ERROR_MAX_STRING_SIZE> buffer{};
         av_strerror(result, buffer.data(), buffer.size());
-        text = buffer.data();
-        if (!text.empty()) {
-            text.front() = qelcore::text::LowerCase(text.front()); // it ends a line of ours
-        }
+        text = qelcore::text::ReasonText(std::string(buffer.data()));
     }
     return text;
 }

@@ -1,7 +1,7 @@
 #include "WholeFile.h"
 
-#include <kestrel/qelcore/text/LetterCase.h>
 #include <kestrel/qelcore/text/PathText.h>
+#include <kestrel/qelcore/text/ReasonText.h>
 #include <tessel/export/ExportError.h>
 
 #include <array>
@@ -31,9 +31,8 @@ std::vector<std::byte> ReadFileBytes(const std::filesystem::path& file)
         bytes.insert(bytes.end(), read.begin(), read.end());
     } while (stream);
     if (!stream.eof() || stream.bad()) {
-        std::string reason = std::generic_category().message(errno);
-        reason.front() = qelcore::text::LowerCase(reason.front()); // it ends a line of ours
-        throw ExportError("cannot read " + QuotedName(file) + ": " + reason);
+        const std::error_code error(errno, std::generic_category());
+        throw ExportError("cannot read " + QuotedName(file) + ": " + qelcore::text::ReasonText(error));
     }
     return bytes;
 }
